@@ -1,0 +1,25 @@
+#pragma once
+
+#include <cstddef>
+
+#include "DocumentRuntime/PackageIO/XMLTree.hpp"
+#include "DocumentRuntime/Records/ByteBuffer.hpp"
+
+/// XML parts of packages, parsed under limits: no document type, no entity declaration, bounded in size, elements, depth and
+/// attributes. Namespaces are not processed: a prefix is a part of the name.
+namespace zelvo::OOXML {
+
+inline constexpr std::size_t maximumXMLBytes = 16'777'216;
+inline constexpr std::size_t maximumXMLElements = 200'000;
+inline constexpr std::size_t maximumXMLDepth = 64;
+inline constexpr std::size_t maximumXMLAttributes = 64;  ///< of one element, namespace declarations included
+
+/// Parses one part. Throws `DocumentError`: unsupported "XML encoding or size"; unsafeContent "XML DTD or entity declaration" or
+/// "XML entity"; resourceLimit "XML structure"; invalidArchive "multiple XML roots", "XML encoding" or "malformed XML".
+XMLTree xml(ByteView part);
+
+/// Makes the parser library do now what it would otherwise ask of the system at its first parse. A process calls
+/// this before it confines itself.
+void warmUpXML();
+
+}  // namespace zelvo::OOXML

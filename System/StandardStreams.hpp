@@ -1,0 +1,47 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string_view>
+
+namespace zelvo {
+
+/// A stream of bytes to be read to its end.
+class Input {
+ public:
+  Input() = default;
+  Input(const Input&) = delete;
+  Input& operator=(const Input&) = delete;
+  virtual ~Input() = default;
+
+  /// Reads at most `buffer.size()` bytes and says how many; 0 is the end, none a failure.
+  virtual std::optional<std::size_t> read(std::span<char> buffer) = 0;
+};
+
+/// Where the one answer goes.
+class Output {
+ public:
+  Output() = default;
+  Output(const Output&) = delete;
+  Output& operator=(const Output&) = delete;
+  virtual ~Output() = default;
+
+  /// Writes all bytes; false when that failed.
+  virtual bool write(std::string_view bytes) = 0;
+};
+
+/// Standard input, by plain system calls.
+class StandardInput final : public Input {
+ public:
+  std::optional<std::size_t> read(std::span<char> buffer) override;
+};
+
+/// Standard output, by plain system calls.
+class StandardOutput final : public Output {
+ public:
+  bool write(std::string_view bytes) override;
+};
+
+}  // namespace zelvo

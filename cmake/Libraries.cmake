@@ -1,0 +1,26 @@
+# The libraries that the project stands on, all as static archives, each behind one imported target. Only the
+# folder that wraps a library links it, and no public header of the project includes one.
+
+function(zelvo_import NAME HEADER)
+  find_path(ZELVO_${NAME}_INCLUDE ${HEADER} REQUIRED)
+  add_library(${NAME} INTERFACE IMPORTED GLOBAL)
+  target_include_directories(${NAME} SYSTEM INTERFACE ${ZELVO_${NAME}_INCLUDE})
+  foreach(archive IN LISTS ARGN)
+    find_library(ZELVO_${archive}_ARCHIVE NAMES lib${archive}.a ${archive} REQUIRED)
+    target_link_libraries(${NAME} INTERFACE ${ZELVO_${archive}_ARCHIVE})
+  endforeach()
+endfunction()
+
+find_package(Threads REQUIRED)
+zelvo_import(zlib zlib.h z)
+zelvo_import(expat expat.h expat)
+zelvo_import(icu unicode/uchar.h icuuc icudata)
+zelvo_import(nettle nettle/sha2.h nettle)
+zelvo_import(boost_json boost/json.hpp boost_json)
+zelvo_import(boost_url boost/url.hpp boost_url)
+zelvo_import(cli11 CLI/CLI.hpp)
+if(NOT APPLE)
+  zelvo_import(seccomp seccomp.h seccomp)
+endif()
+target_link_libraries(icu INTERFACE Threads::Threads)
+target_link_libraries(boost_json INTERFACE Threads::Threads)

@@ -1,0 +1,16 @@
+# zelvo_library(NAME SOURCES file... [USES target...] [WRAPS target...])
+#   A folder of the house. USES are the folders below it, WRAPS the outside libraries that only its sources see.
+function(zelvo_library NAME)
+  cmake_parse_arguments(ARG "" "" "SOURCES;USES;WRAPS" ${ARGN})
+  add_library(${NAME} STATIC ${ARG_SOURCES})
+  target_include_directories(${NAME} PUBLIC ${PROJECT_SOURCE_DIR})
+  target_link_libraries(${NAME} PUBLIC ${ARG_USES} PRIVATE zelvo_flags ${ARG_WRAPS})
+endfunction()
+
+# zelvo_executable(NAME SOURCES file... [USES target...])
+function(zelvo_executable NAME)
+  cmake_parse_arguments(ARG "" "" "SOURCES;USES" ${ARGN})
+  add_executable(${NAME} ${ARG_SOURCES})
+  target_include_directories(${NAME} PRIVATE ${PROJECT_SOURCE_DIR})
+  target_link_libraries(${NAME} PRIVATE ${ARG_USES} zelvo_flags)
+endfunction()
