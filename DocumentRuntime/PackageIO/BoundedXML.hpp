@@ -5,8 +5,8 @@
 #include "DocumentRuntime/PackageIO/XMLTree.hpp"
 #include "DocumentRuntime/Records/ByteBuffer.hpp"
 
-/// XML parts of packages, parsed under limits: no document type, no entity declaration, bounded in size, elements, depth and
-/// attributes. Namespaces are not processed: a prefix is a part of the name.
+/// XML parts of packages, parsed under limits: no document type, no entity declaration, bounded in size,
+/// elements, depth and attributes. Namespaces are not processed: a prefix is a part of the name.
 namespace zelvo::OOXML {
 
 inline constexpr std::size_t maximumXMLBytes = 16'777'216;
@@ -14,12 +14,14 @@ inline constexpr std::size_t maximumXMLElements = 200'000;
 inline constexpr std::size_t maximumXMLDepth = 64;
 inline constexpr std::size_t maximumXMLAttributes = 64;  ///< of one element, namespace declarations included
 
-/// Parses one part. Throws `DocumentError`: unsupported "XML encoding or size"; unsafeContent "XML DTD or entity declaration" or
-/// "XML entity"; resourceLimit "XML structure"; invalidArchive "multiple XML roots", "XML encoding" or "malformed XML".
+/// Parses one part. Throws `DocumentError`, in this order of checks: unsupported "XML encoding or size";
+/// unsafeContent "XML DTD or entity declaration"; and while parsing resourceLimit "XML structure" or
+/// invalidArchive "malformed XML", which a second root and an undeclared entity are too. Without declarations
+/// no external entity can exist, so that none is ever asked for.
 XMLTree xml(ByteView part);
 
-/// Makes the parser library do now what it would otherwise ask of the system at its first parse. A process calls
-/// this before it confines itself.
+/// Makes the parser library do now what it would otherwise ask of the system at its first parse. A process
+/// calls this before it confines itself.
 void warmUpXML();
 
 }  // namespace zelvo::OOXML

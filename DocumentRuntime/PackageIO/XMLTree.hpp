@@ -3,26 +3,29 @@
 #include <cstddef>
 #include <cstdint>
 #include <iterator>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 
+#include "DocumentRuntime/PackageIO/XMLTreeStorage.hpp"
+
 namespace zelvo {
 
-class XMLTree;
+class XMLElements;
 
-/// A handle to one element, passed by value. Valid while its tree lives; moving the tree keeps it valid. The views that
-/// it gives live as long.
+/// A handle to one element of an `XMLTree`, passed by value. It and the views that it gives are valid while
+/// the tree lives, moves of the tree included.
 class XMLNode {
  public:
-  class Children;
+  XMLNode(const XMLTreeStorage& storage, std::uint32_t index) : storage_(&storage), index_(index) {}
 
-  /// The name after its last colon.
-  std::string_view name() const;
+  /// The name after its last colon; empty pieces around colons do not count.
+  std::string_view name() const { return storage_->localName(index_); }
   /// The name as written, prefix included.
-  std::string_view qualifiedName() const;
+  std::string_view qualifiedName() const { return storage_->qualifiedName(index_); }
 
-  std::size_t attributeCount() const;
+  std::size_t attributeCount() const { return element().attributeCount; }
   /// The i-th attribute in document order, named as written.
   std::string_view attributeName(std::size_t index) const;
   std::string_view attributeValue(std::size_t index) const;
@@ -30,32 +33,105 @@ class XMLNode {
   std::optional<std::string_view> attribute(std::string_view qualifiedName) const;
 
   /// The child elements in document order.
-  Children children() const;
+  XMLElements children() const;
   /// The first child of that local name.
   std::optional<XMLNode> child(std::string_view name) const;
-  /// The children of that local name, direct ones only.
-  Children all(std::string_view name) const;
-  /// The elements of that local name at any depth below this one, in document order.
-  Children descendants(std::string_view name) const;
+  /// The children of that local name, direct ones only. `name` must outlive the result.
+  XMLElements all(std::string_view name) const;
+  /// The elements of that local name at any depth below this one, in document order. `name` must outlive the
+  /// result.
+  XMLElements descendants(std::string_view name) const;
 
-  /// The character data directly inside this element, then the content of each child: a view into the tree when that is
-  /// one run, else into `storage`, which must then outlive the view.
+  /// The character data directly inside this element, in document order, children passed over.
+  std::string text() const;
+  /// `text()`, then the content of each child: a view into the tree where that is one run, else into
+  /// `storage`, which must then outlive the view.
   std::string_view content(std::string& storage) const;
   std::string content() const;
-  /// `content().empty()`, without building it.
+  /// Whether `content()` is anything but empty, without building it.
   bool hasContent() const;
 
-  /// The character data directly inside this element only.
-  std::string text() const;
+ private:
+  const XMLTreeStorage::Element& element() const { return storage_->elements[index_]; }
+  void appendText(std::string& out) const;
+  void appendContent(std::string& out) const;
 
-  friend bool operator==(const XMLNode&, const XMLNode&) = default;
+  const XMLTreeStorage* storage_;
+  std::uint32_t index_;
+};
+
+/// A range over elements, for `for`. Valid as long as a node is.
+class XMLElements {
+ public:
+  enum class Depth { children, descendants };
+
+  class Iterator {
+   public:
+    using iterator_category = std::forward_iterator_tag;
+    using value_type = XMLNode;
+    using difference_type = std::ptrdiff_t;
+    using pointer = const XMLNode*;
+    using reference = XMLNode;
+
+    Iterator(const XMLElements& range, std::uint32_t index) : range_(&range), index_(index) { skip(); }
+    XMLNode operator*() const { return {*range_->storage_, index_}; }
+    Iterator& operator++() {
+      index_ = next();
+      skip();
+      return *this;
+    }
+    bool operator==(const Iterator& other) const { return index_ == other.index_; }
+
+   private:
+    std::uint32_t next() const {
+      return range_->depth_ == Depth::children ? range_->storage_->elements[index_].end : index_ + 1;
+    }
+    void skip() {
+      while (index_ < range_->end_ && !range_->accepts(index_))
+        index_ = next();
+    }
+
+    const XMLElements* range_;
+    std::uint32_t index_;
+  };
+
+  XMLElements(const XMLTreeStorage& storage, std::uint32_t parent, Depth depth,
+              std::optional<std::string_view> name)
+      : storage_(&storage),
+        first_(parent + 1),
+        end_(storage.elements[parent].end),
+        depth_(depth),
+        name_(name) {}
+
+  Iterator begin() const { return {*this, first_}; }
+  Iterator end() const { return {*this, end_}; }
+  bool empty() const { return begin() == end(); }
+  /// Counted by walking, in linear time.
+  std::size_t size() const { return static_cast<std::size_t>(std::distance(begin(), end())); }
 
  private:
-  friend class XMLTree;
-  XMLNode(const struct XMLTreeStorage* storage, std::uint32_t index) : storage_(storage), index_(index) {}
+  bool accepts(std::uint32_t index) const { return !name_ || storage_->localName(index) == *name_; }
 
-  const struct XMLTreeStorage* storage_;
-  std::uint32_t index_;
+  const XMLTreeStorage* storage_;
+  std::uint32_t first_;
+  std::uint32_t end_;
+  Depth depth_;
+  std::optional<std::string_view> name_;
+};
+
+/// One parsed part. Move-only; owns everything that its nodes show.
+class XMLTree {
+ public:
+  /// `storage` must hold at least the root element.
+  explicit XMLTree(std::unique_ptr<const XMLTreeStorage> storage) : storage_(std::move(storage)) {}
+
+  XMLNode root() const { return {*storage_, 0}; }
+
+  /// What the tree holds in memory.
+  std::size_t byteCount() const;
+
+ private:
+  std::unique_ptr<const XMLTreeStorage> storage_;
 };
 
 }  // namespace zelvo

@@ -1,0 +1,86 @@
+#include "DocumentRuntime/PackageIO/XMLTree.hpp"
+
+namespace zelvo {
+
+std::string_view XMLNode::attributeName(std::size_t index) const {
+  return storage_->view(
+      storage_->names[storage_->attributes[element().firstAttribute + index].name].qualified);
+}
+
+std::string_view XMLNode::attributeValue(std::size_t index) const {
+  return storage_->view(storage_->attributes[element().firstAttribute + index].value);
+}
+
+std::optional<std::string_view> XMLNode::attribute(std::string_view qualifiedName) const {
+  for (std::size_t i = 0; i < attributeCount(); ++i) {
+    if (attributeName(i) == qualifiedName) return attributeValue(i);
+  }
+  return std::nullopt;
+}
+
+XMLElements XMLNode::children() const {
+  return {*storage_, index_, XMLElements::Depth::children, std::nullopt};
+}
+
+std::optional<XMLNode> XMLNode::child(std::string_view name) const {
+  const XMLElements named = all(name);
+  const auto first = named.begin();
+  if (first == named.end()) return std::nullopt;
+  return *first;
+}
+
+XMLElements XMLNode::all(std::string_view name) const {
+  return {*storage_, index_, XMLElements::Depth::children, name};
+}
+
+XMLElements XMLNode::descendants(std::string_view name) const {
+  return {*storage_, index_, XMLElements::Depth::descendants, name};
+}
+
+std::string XMLNode::text() const {
+  std::string out;
+  appendText(out);
+  return out;
+}
+
+std::string_view XMLNode::content(std::string& storage) const {
+  const bool isLeaf = element().end == index_ + 1;
+  if (isLeaf && element().moreText == XMLTreeStorage::none) return storage_->view(element().text);
+  storage.clear();
+  appendContent(storage);
+  return storage;
+}
+
+std::string XMLNode::content() const {
+  std::string out;
+  appendContent(out);
+  return out;
+}
+
+bool XMLNode::hasContent() const {
+  for (std::uint32_t i = index_; i < element().end; ++i) {
+    if (storage_->elements[i].text.length > 0) return true;
+  }
+  return false;
+}
+
+void XMLNode::appendText(std::string& out) const {
+  out += storage_->view(element().text);
+  for (auto i = element().moreText; i != XMLTreeStorage::none; i = storage_->moreText[i].next) {
+    out += storage_->view(storage_->moreText[i].span);
+  }
+}
+
+// Recursion is bounded by the depth that the parser allows.
+void XMLNode::appendContent(std::string& out) const {
+  appendText(out);
+  for (const XMLNode child : children())
+    child.appendContent(out);
+}
+
+std::size_t XMLTree::byteCount() const {
+  return storage_->characters.byteCount() + storage_->names.byteCount() + storage_->attributes.byteCount() +
+         storage_->moreText.byteCount() + storage_->elements.byteCount();
+}
+
+}  // namespace zelvo

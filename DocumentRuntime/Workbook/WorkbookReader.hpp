@@ -1,0 +1,68 @@
+#pragma once
+
+#include <cstddef>
+#include <stop_token>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "DocumentRuntime/PackageIO/PartMap.hpp"
+#include "DocumentRuntime/PackageIO/XMLTree.hpp"
+#include "DocumentRuntime/Records/DocumentModels.hpp"
+#include "DocumentRuntime/Workbook/CellStyles.hpp"
+#include "DocumentRuntime/Workbook/Deferred.hpp"
+#include "DocumentRuntime/Workbook/SharedStrings.hpp"
+#include "DocumentRuntime/Workbook/WorkbookStructure.hpp"
+#include "DocumentRuntime/Workbook/WorksheetFacts.hpp"
+
+namespace zelvo {
+
+/// A vetted view of one XLSX workbook (Transitional SpreadsheetML). Made once for a document; owns all that
+/// it shows.
+///
+/// Every part is parsed once, while the package is vetted. What a sheet says is kept as facts, or as the
+/// error to throw when that sheet is asked for.
+class WorkbookReader {
+ public:
+  static constexpr std::size_t maximumSourceNameBytes = 512;
+
+  /// Opens and vets the workbook; `data` is freed as soon as its entries are expanded. Throws
+  /// `DocumentError`: resourceLimit "source name", "worksheet count" or "shared strings"; unsupported "XLSX
+  /// workbook structure" or "only Transitional XLSX is supported"; invalidArchive "worksheet identity" or
+  /// "number format"; what the package gate throws; and `Cancelled`.
+  WorkbookReader(ByteBuffer data, std::string_view sourceName, const std::stop_token& stop = {});
+
+  /// The last path component of the name that the caller gave.
+  const std::string& sourceName() const { return sourceName_; }
+  const std::string& sourceSHA256() const { return sourceSHA256_; }
+  bool uses1904Dates() const { return uses1904Dates_; }
+  const std::string& calculationMode() const { return calculationMode_; }
+  const std::vector<Sheet>& sheets() const { return sheets_; }
+
+  /// Describes every sheet. Throws the error of the first sheet that has one: invalidArchive "missing
+  /// worksheet", unsupported "worksheet type", or what walking a worksheet throws.
+  WorkbookInspection inspection() const;
+
+ private:
+  struct WorksheetPart {
+    std::string name;
+    Deferred<WorksheetFacts> facts;
+  };
+
+  struct PassedParts;
+
+  PassedParts readParts(ByteBuffer data, const std::stop_token& stop);
+  const WorksheetFacts& factsOf(const Sheet& sheet) const;
+
+  std::string sourceName_;
+  std::string sourceSHA256_;
+  bool uses1904Dates_ = false;
+  std::string calculationMode_;
+  std::vector<Sheet> sheets_;
+  SharedStrings sharedStrings_;
+  CellStyles styles_;
+  PartMap parts_;
+  std::vector<WorksheetPart> worksheets_;  ///< every part whose root is a worksheet, sorted by name
+};
+
+}  // namespace zelvo
