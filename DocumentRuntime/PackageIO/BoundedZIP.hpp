@@ -8,29 +8,31 @@
 #include "DocumentRuntime/PackageIO/PartMap.hpp"
 #include "DocumentRuntime/Records/ByteBuffer.hpp"
 
-/// ZIP archives as OOXML packages use them, and nothing else: no ZIP64, no encryption, no other method than stored
-/// and raw deflate, no links, no ambiguous or overlapping entries. Sizes are checked before memory is spent.
+/// ZIP archives as OOXML packages use them, and nothing else: no ZIP64, no encryption, no other method than
+/// stored and raw deflate, no links, no ambiguous or overlapping entries. Sizes are checked before memory is
+/// spent.
 namespace zelvo::BoundedZIP {
 
 inline constexpr std::size_t minimumArchiveBytes = 22;  ///< one end-of-central-directory record
 inline constexpr std::size_t maximumArchiveBytes = 33'554'432;
 inline constexpr std::size_t maximumEntries = 512;
-inline constexpr std::size_t maximumEntryBytes = 16'777'216;      ///< one entry, expanded
-inline constexpr std::size_t maximumExpandedBytes = 67'108'864;   ///< all entries, expanded
-inline constexpr std::uint64_t maximumExpansionRatio = 200;       ///< expanded bytes for each compressed byte …
+inline constexpr std::size_t maximumEntryBytes = 16'777'216;     ///< one entry, expanded
+inline constexpr std::size_t maximumExpandedBytes = 67'108'864;  ///< all entries, expanded
+inline constexpr std::uint64_t maximumExpansionRatio = 200;  ///< expanded bytes for each compressed byte …
 inline constexpr std::uint64_t expansionAllowanceBytes = 1'048'576;  ///< … and this much more
 inline constexpr std::size_t maximumNameBytes = 256;
 
-/// Reads a whole archive. Directories are dropped. Throws `DocumentError` (the first rule that fails) or `Cancelled`
-/// (looked at once per entry). The result owns its bytes.
+/// Reads a whole archive. Directories are dropped. Throws `DocumentError` (the first rule that fails) or
+/// `Cancelled` (looked at once per entry). The result owns its bytes.
 PartMap read(ByteView archive, const std::stop_token& stop = {});
 
-/// Writes stored entries in name order, all dated 1 January 1980: the same parts always give the same bytes. Throws
-/// `DocumentError` resourceLimit "part count", "output part" or "output archive", or `Cancelled`.
+/// Writes stored entries in name order, all dated 1 January 1980: the same parts always give the same bytes.
+/// The names must be valid UTF-8. Throws `DocumentError` resourceLimit "part count", "output part" or "output
+/// archive", or `Cancelled` (looked at once per entry).
 ByteBuffer write(const PartMap& parts, const std::stop_token& stop = {});
 
-/// Whether a name may stand in an archive: 1 to 256 bytes, relative, no "\", ":", "%" or control character, no empty
-/// piece but a last one, no "." or ".." piece. `name` must be valid UTF-8.
+/// Whether a name may stand in an archive: 1 to 256 bytes, relative, no "\", ":", "%" or control character,
+/// no empty piece but a last one, no "." or ".." piece. `name` must be valid UTF-8.
 bool safeName(std::string_view name);
 
 }  // namespace zelvo::BoundedZIP

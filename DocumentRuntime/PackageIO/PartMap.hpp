@@ -12,9 +12,12 @@ namespace zelvo {
 struct Part {
   std::string name;  ///< as stored, letter case kept, UTF-8
   ByteBuffer bytes;
+
+  friend bool operator==(const Part&, const Part&) = default;
 };
 
-/// The parts of a package, in ascending byte order of their names, which is the order of their scalars. Move-only; owns the bytes.
+/// The parts of a package, in ascending byte order of their names, which is the order of their scalars.
+/// Move-only; owns the bytes.
 class PartMap {
  public:
   /// Takes parts in any order. Names must be unique.
@@ -31,7 +34,7 @@ class PartMap {
   auto begin() const { return parts_.begin(); }
   auto end() const { return parts_.end(); }
 
-  friend bool operator==(const PartMap&, const PartMap&);
+  friend bool operator==(const PartMap&, const PartMap&) = default;
 
  private:
   std::vector<Part> parts_;

@@ -1,0 +1,143 @@
+#include <algorithm>
+#include <string_view>
+#include <vector>
+
+#include "DocumentRuntime/Errors/Cancelled.hpp"
+#include "DocumentRuntime/Errors/DocumentError.hpp"
+#include "DocumentRuntime/PackageIO/BoundedZIP.hpp"
+#include "DocumentRuntime/PackageIO/ZIPCodec.hpp"
+#include "DocumentRuntime/PackageIO/ZIPFormat.hpp"
+#include "Text/Unicode.hpp"
+
+namespace zelvo::BoundedZIP {
+namespace {
+
+constexpr std::uint16_t version20 = 20;  ///< 2.0, the first with folders: what every reader understands
+constexpr std::uint16_t utf8NamesFlag = 0x0800;
+constexpr std::uint16_t midnight = 0;
+constexpr std::uint16_t january1st1980 = 0x21;  ///< the first day that the format can name
+
+/// An entry and where it goes. Sizes and offsets fit 32 bits, because the whole archive is at most 32 MiB.
+struct Record {
+  const Part* part;
+  std::size_t localOffset = 0;
+  std::uint32_t crc = 0;
+};
+
+struct Layout {
+  std::vector<Record> records;
+  std::size_t localBytes = 0;
+  std::size_t centralBytes = 0;
+  std::size_t archiveBytes() const { return localBytes + centralBytes + endRecordBytes; }
+};
+
+/// Puts the parts in order and gives each its place. Everything that can be refused is refused here, before
+/// the archive takes any memory. The sums cannot wrap: they grow by less than 17 MiB a part and are compared
+/// with the limit after each.
+Layout layOut(const PartMap& parts, const std::stop_token& stop) {
+  if (parts.size() == 0 || parts.size() > maximumEntries) throw DocumentError::resourceLimit("part count");
+
+  Layout layout;
+  layout.records.reserve(parts.size());
+  for (const Part& part : parts)
+    layout.records.push_back({.part = &part});
+  std::stable_sort(layout.records.begin(), layout.records.end(), [](const Record& a, const Record& b) {
+    return Unicode::sortsBefore(a.part->name, b.part->name);
+  });
+
+  for (Record& record : layout.records) {
+    throwIfCancelled(stop);
+    const auto& [name, bytes] = *record.part;
+    if (!safeName(name) || bytes.size() > maximumEntryBytes)
+      throw DocumentError::resourceLimit("output part");
+    record.localOffset = layout.localBytes;
+    layout.localBytes += localHeaderBytes + name.size() + bytes.size();
+    layout.centralBytes += centralHeaderBytes + name.size();
+    if (layout.archiveBytes() > maximumArchiveBytes) throw DocumentError::resourceLimit("output archive");
+  }
+  return layout;
+}
+
+/// Fills a buffer of the size that the layout gave, front to back.
+class Output {
+ public:
+  explicit Output(ByteBuffer& buffer) : next_(buffer.data()) {}
+
+  void le16(std::uint16_t value) {
+    *next_++ = static_cast<std::uint8_t>(value);
+    *next_++ = static_cast<std::uint8_t>(value >> 8);
+  }
+  void le32(std::size_t value) {
+    le16(static_cast<std::uint16_t>(value));
+    le16(static_cast<std::uint16_t>(value >> 16));
+  }
+  void append(ByteView bytes) { next_ = std::copy(bytes.begin(), bytes.end(), next_); }
+
+ private:
+  std::uint8_t* next_;
+};
+
+/// The run of fields that local and central headers share.
+void appendSharedFields(Output& out, const Record& record) {
+  const auto& [name, bytes] = *record.part;
+  out.le16(version20);  // needed to extract
+  out.le16(utf8NamesFlag);
+  out.le16(storedMethod);
+  out.le16(midnight);
+  out.le16(january1st1980);
+  out.le32(record.crc);
+  out.le32(bytes.size());  // compressed
+  out.le32(bytes.size());  // uncompressed
+  out.le16(static_cast<std::uint16_t>(name.size()));
+  out.le16(0);  // extra field length
+}
+
+void appendLocalEntry(Output& out, const Record& record) {
+  out.le32(localSignature);
+  appendSharedFields(out, record);
+  out.append(bytesOf(record.part->name));
+  out.append(record.part->bytes.view());
+}
+
+void appendCentralHeader(Output& out, const Record& record) {
+  out.le32(centralSignature);
+  out.le16(version20);  // made by
+  appendSharedFields(out, record);
+  out.le16(0);  // comment length
+  out.le16(0);  // disk number
+  out.le16(0);  // internal attributes
+  out.le32(0);  // external attributes
+  out.le32(record.localOffset);
+  out.append(bytesOf(record.part->name));
+}
+
+void appendEndRecord(Output& out, const Layout& layout) {
+  const auto entries = static_cast<std::uint16_t>(layout.records.size());
+  out.le32(endSignature);
+  out.le16(0);        // this disk
+  out.le16(0);        // the directory's disk
+  out.le16(entries);  // on this disk
+  out.le16(entries);
+  out.le32(layout.centralBytes);
+  out.le32(layout.localBytes);
+  out.le16(0);  // comment length
+}
+
+}  // namespace
+
+ByteBuffer write(const PartMap& parts, const std::stop_token& stop) {
+  Layout layout = layOut(parts, stop);
+  ByteBuffer archive(layout.archiveBytes());
+  Output out(archive);
+  for (Record& record : layout.records) {
+    throwIfCancelled(stop);
+    record.crc = checksum(record.part->bytes.view());
+    appendLocalEntry(out, record);
+  }
+  for (const Record& record : layout.records)
+    appendCentralHeader(out, record);
+  appendEndRecord(out, layout);
+  return archive;
+}
+
+}  // namespace zelvo::BoundedZIP

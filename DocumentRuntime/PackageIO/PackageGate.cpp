@@ -1,0 +1,110 @@
+#include <algorithm>
+#include <array>
+#include <set>
+#include <span>
+#include <utility>
+
+#include "DocumentRuntime/Errors/Cancelled.hpp"
+#include "DocumentRuntime/Errors/DocumentError.hpp"
+#include "DocumentRuntime/PackageIO/BoundedXML.hpp"
+#include "DocumentRuntime/PackageIO/BoundedZIP.hpp"
+#include "DocumentRuntime/PackageIO/OOXMLSupport.hpp"
+#include "Text/Unicode.hpp"
+
+namespace zelvo::OOXML {
+namespace {
+
+constexpr std::string_view contentTypesPart = "[Content_Types].xml";
+constexpr std::string_view packageRelationshipsPart = "_rels/.rels";
+
+/// Parts, or folders of parts, that run code, reach outside the file, or say what the reader does not
+/// understand. Compared with names in lower case.
+constexpr std::array<std::string_view, 8> refusedNames = {
+    "vbaproject",   "activex/",   "externallinks/", "connections.xml",
+    "querytables/", "pivotcache", "pivottable",     "customui/",
+};
+constexpr std::string_view embeddingsFolder = "embeddings/";
+
+/// The same for content types: a part may hide behind a harmless name.
+constexpr std::array<std::string_view, 4> activeContentTypes = {"macroenabled", "vbaproject", "activex",
+                                                                "oleobject"};
+
+bool containsAny(std::string_view text, std::span<const std::string_view> words) {
+  return std::any_of(words.begin(), words.end(),
+                     [&](std::string_view word) { return text.find(word) != std::string_view::npos; });
+}
+
+bool isAllowedWorkbook(std::string_view name, PackageAllowance allowance) {
+  constexpr std::string_view start = "ppt/embeddings/chart-data";
+  constexpr std::string_view end = ".xlsx";
+  if (!name.starts_with(start) || !name.ends_with(end)) return false;
+  const std::string_view number = name.substr(start.size(), name.size() - start.size() - end.size());
+  if (number.empty()) return allowance.chartWorkbook;
+  return allowance.researchChartWorkbooks && number.size() == 1 && number.front() >= '1' &&
+         number.front() <= '4';
+}
+
+/// Whether a part of that name is XML to be vetted; if not, it is an embedded workbook that is passed over.
+bool isVettedPart(std::string_view name, std::string_view lowerCaseName, PackageAllowance allowance) {
+  if (containsAny(lowerCaseName, refusedNames)) {
+    throw DocumentError::unsafeContent("active data connection or unsupported workbook feature");
+  }
+  const bool allowedWorkbook = isAllowedWorkbook(name, allowance);
+  if (lowerCaseName.find(embeddingsFolder) != std::string_view::npos && !allowedWorkbook) {
+    throw DocumentError::unsafeContent("embedded object");
+  }
+  if (lowerCaseName.ends_with(".xml") || lowerCaseName.ends_with(".rels")) return true;
+  if (!allowedWorkbook) throw DocumentError::unsupported("non-XML package part");
+  return false;
+}
+
+void checkContentTypes(XMLNode root) {
+  for (const XMLNode entry : root.children()) {
+    const std::string type = Unicode::lowercased(entry.attribute("ContentType").value_or(""));
+    if (containsAny(type, activeContentTypes)) throw DocumentError::unsafeContent("active content type");
+  }
+}
+
+void checkRelationships(XMLNode root, std::string_view partName, const PartMap& parts) {
+  if (root.name() != "Relationships") throw DocumentError::invalidArchive("relationships root");
+
+  // A tree, not a hash table: a part may hold 200,000 identifiers, chosen to collide.
+  std::set<std::string_view> identifiers;
+  for (const XMLNode relationship : root.children()) {
+    const auto identifier = relationship.attribute("Id");
+    const auto target = relationship.attribute("Target");
+    if (relationship.name() != "Relationship" || !identifier || !identifiers.insert(*identifier).second ||
+        !target || relationship.attribute("TargetMode").value_or("Internal") != "Internal") {
+      throw DocumentError::unsafeContent("external or ambiguous relationship");
+    }
+    if (!parts.contains(resolve(*target, partName))) {
+      throw DocumentError::invalidArchive("missing relationship target");
+    }
+  }
+}
+
+}  // namespace
+
+PartMap package(ByteView bytes, PackageAllowance allowance, const PartVisitor& visitor,
+                const std::stop_token& stop) {
+  return vetted(BoundedZIP::read(bytes, stop), allowance, visitor, stop);
+}
+
+PartMap vetted(PartMap parts, PackageAllowance allowance, const PartVisitor& visitor,
+               const std::stop_token& stop) {
+  if (!parts.contains(contentTypesPart) || !parts.contains(packageRelationshipsPart)) {
+    throw DocumentError::invalidArchive("not an OOXML package");
+  }
+  for (const auto& [name, bytes] : parts) {
+    throwIfCancelled(stop);
+    const std::string lowerCaseName = Unicode::lowercased(name);
+    if (!isVettedPart(name, lowerCaseName, allowance)) continue;
+    XMLTree tree = xml(bytes.view());
+    if (name == contentTypesPart) checkContentTypes(tree.root());
+    if (lowerCaseName.ends_with(".rels")) checkRelationships(tree.root(), name, parts);
+    if (visitor) visitor(name, tree);
+  }
+  return parts;
+}
+
+}  // namespace zelvo::OOXML

@@ -1,0 +1,51 @@
+#include "DocumentRuntime/PackageIO/ZIPCodec.hpp"
+
+#define ZLIB_CONST  // the library's input pointer is then a pointer to const
+#include <algorithm>
+#include <memory>
+#include <new>
+
+#include <zlib.h>
+
+#include "DocumentRuntime/Errors/DocumentError.hpp"
+
+namespace zelvo::BoundedZIP {
+namespace {
+
+/// Raw deflate with the full window: no header, no trailer.
+constexpr int rawWindowBits = -15;
+
+struct InflateEnd {
+  void operator()(z_stream* stream) const { inflateEnd(stream); }
+};
+
+}  // namespace
+
+ByteBuffer inflateRaw(ByteView input, std::size_t size) {
+  z_stream stream{};
+  const int initialized = inflateInit2(&stream, rawWindowBits);
+  if (initialized == Z_MEM_ERROR) throw std::bad_alloc();
+  if (initialized != Z_OK) throw DocumentError::invalidArchive("decompressor initialization");
+  const std::unique_ptr<z_stream, InflateEnd> ending(&stream);
+
+  ByteBuffer output(size);
+  std::uint8_t spare = 0;  // a stream of nothing still needs room for a byte to be read to its end
+  stream.next_in = input.data();
+  stream.avail_in = static_cast<uInt>(input.size());
+  stream.next_out = size == 0 ? &spare : output.data();
+  stream.avail_out = static_cast<uInt>(std::max<std::size_t>(size, 1));
+
+  const int result = inflate(&stream, Z_FINISH);
+  if (result == Z_MEM_ERROR) throw std::bad_alloc();
+  // Bytes behind the end of the stream would be a place to hide something from other readers.
+  if (result != Z_STREAM_END || stream.total_out != size || stream.total_in != input.size()) {
+    throw DocumentError::invalidArchive("deflate length mismatch");
+  }
+  return output;
+}
+
+std::uint32_t checksum(ByteView bytes) {
+  return static_cast<std::uint32_t>(crc32(0, bytes.data(), static_cast<uInt>(bytes.size())));
+}
+
+}  // namespace zelvo::BoundedZIP
