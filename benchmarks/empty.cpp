@@ -1,0 +1,4 @@
+// A program that does nothing: what starting a process costs.
+int main() {
+  return 0;
+}

@@ -1,0 +1,125 @@
+#!/usr/bin/env python3
+"""Measures the release worker against the floor, workload by workload, in one run on one machine, and prints the tables of
+docs/performance.md.
+
+    run.py BIN_FOLDER WORK_FOLDER [RUNS] [--only NAME]
+"""
+
+import base64
+import json
+import os
+import statistics
+import subprocess
+import sys
+from pathlib import Path
+
+import workloads
+
+INSPECTED = ["cells-50000", "near-limit", "sheets-64", "part-16-mib", "strings-50000", "empty-elements",
+             "empty-elements-refused", "attributes-64", "distinct-attributes", "one-tag", "deep-nesting"]
+GROWING = ["cells-50000", "near-limit", "empty-elements"]
+MIB = 1024 * 1024
+
+
+class Bench:
+    def __init__(self, binaries, folder, runs):
+        self.binaries, self.folder, self.runs = binaries, folder, runs
+
+    def request(self, workload, **fields):
+        path = self.folder / f"{workload}.{fields['operation']}.json"
+        data = base64.b64encode((self.folder / f"{workload}.xlsx").read_bytes()).decode()
+        path.write_text(json.dumps({**fields, "data": data, "sourceName": f"{workload}.xlsx"}))
+        return path
+
+    def measure(self, stdin, *commands, runs=None):
+        """For each command the medians of CPU and wall seconds, its largest peak in bytes, and each pair's ratios to the first."""
+        line = [str(self.binaries / "measure"), str(runs or self.runs), str(stdin)]
+        for command in commands:
+            line += ["--", *command]
+        rows = [[] for _ in commands]
+        for text in subprocess.run(line, capture_output=True, text=True, check=True).stdout.splitlines():
+            which, status, user, system, wall, peak = text.split()
+            assert status == "0", f"{commands[int(which)]} ended with wait status {status} on {stdin}"
+            rows[int(which)].append((float(user) + float(system), float(wall), int(peak) * 1024))
+        return [{
+            "cpu": statistics.median(r[0] for r in row),
+            "wall": statistics.median(r[1] for r in row),
+            "peak": max(r[2] for r in row),
+            "cpu ratio": statistics.median(a[0] / max(b[0], 1e-9) for a, b in zip(row, rows[0])),
+            "wall ratio": statistics.median(a[1] / b[1] for a, b in zip(row, rows[0])),
+        } for row in rows]
+
+    def program(self, name):
+        return [str(self.binaries / name)]
+
+
+def expanded_bytes(path):
+    import zipfile
+    with zipfile.ZipFile(path) as archive:
+        return sum(entry.file_size for entry in archive.infolist())
+
+
+def table(title, columns, rows):
+    print(f"\n### {title}\n")
+    print("| " + " | ".join(columns) + " |")
+    print("|---" * len(columns) + "|")
+    for row in rows:
+        print("| " + " | ".join(row) + " |", flush=True)
+
+
+def milliseconds(value):
+    return f"{value * 1000:.1f}"
+
+
+def inspect_rows(bench):
+    worker, floor = bench.program("zelvo_document_worker"), bench.program("floor")
+    for name in INSPECTED:
+        stdin = bench.request(name, operation="inspect")
+        base, ours = bench.measure(stdin, floor, worker)
+        expanded = expanded_bytes(bench.folder / f"{name}.xlsx")
+        # What cannot pass is refused from its directory on: only what was expanded before counts.
+        allowed = stdin.stat().st_size * 3 + min(expanded, 64 * MIB) * 3 + 32 * MIB
+        yield [name, f"{expanded / MIB:.1f}", milliseconds(base["cpu"]), milliseconds(ours["cpu"]),
+               f"{ours['cpu ratio']:.2f}", f"{ours['peak'] / MIB:.0f}", f"{allowed / MIB:.0f}", f"{ours['wall']:.2f}"]
+
+
+def growth_rows(bench):
+    worker = bench.program("zelvo_document_worker")
+    for name in GROWING:
+        times = []
+        for share in (".eighth", ".quarter", ".half", ""):
+            times.append(bench.measure(bench.request(name + share, operation="inspect"), worker)[0]["cpu"])
+        yield [name, *map(milliseconds, times), *(f"{b / a:.2f}" for a, b in zip(times, times[1:]))]
+
+
+def reader_rows(bench):
+    script = str(Path(__file__).with_name("read_with_openpyxl.py"))
+    for name in ("tiny", "table-200x8", "cells-50000"):
+        stdin = bench.request(name, operation="inspect")
+        ours, other = bench.measure(stdin, bench.program("zelvo_document_worker"),
+                                    ["/usr/bin/python3", script, str(bench.folder / f"{name}.xlsx")], runs=3)
+        yield [name, milliseconds(ours["cpu"]), milliseconds(other["cpu"]), f"{other['cpu ratio']:.0f}",
+               f"{ours['peak'] / MIB:.0f}", f"{other['peak'] / MIB:.0f}"]
+
+
+def main():
+    bench = Bench(Path(sys.argv[1]), Path(sys.argv[2]), int(sys.argv[3]) if len(sys.argv) > 3 else 7)
+    sys.argv[1:] = [str(bench.folder)]
+    workloads.main()
+
+    table("Inspect against the floor", ["workload", "expanded MiB", "floor CPU ms", "worker CPU ms", "ratio", "peak MiB",
+                                        "allowed MiB", "wall s"], inspect_rows(bench))
+
+    tiny = bench.request("tiny", operation="inspect")
+    empty, ours = bench.measure(tiny, bench.program("empty"), bench.program("zelvo_document_worker"), runs=200)
+    table("A tiny workbook, whole process", ["empty program wall ms", "worker wall ms", "ratio", "worker peak MiB"],
+          [[f"{empty['wall'] * 1000:.2f}", f"{ours['wall'] * 1000:.2f}", f"{ours['wall ratio']:.2f}", f"{ours['peak'] / MIB:.1f}"]])
+
+    table("Growth: CPU ms at an eighth, a quarter, a half and the whole",
+          ["workload", "1/8", "1/4", "1/2", "1", "1/4 : 1/8", "1/2 : 1/4", "1 : 1/2"], growth_rows(bench))
+    table("Inspect beside openpyxl (read-only mode)", ["workload", "worker CPU ms", "openpyxl CPU ms", "times",
+                                                       "worker peak MiB", "openpyxl peak MiB"], reader_rows(bench))
+
+
+if __name__ == "__main__":
+    main()

@@ -1,0 +1,171 @@
+#!/usr/bin/env python3
+"""Writes the workbooks that the benchmarks measure: the same bytes every time.
+
+    workloads.py FOLDER     writes NAME.xlsx for each workload, and NAME.half.xlsx, .quarter, .eighth where it is scaled
+"""
+
+import io
+import sys
+import zipfile
+from pathlib import Path
+
+MAIN = "http://schemas.openxmlformats.org/spreadsheetml/2006/main"
+RELATIONSHIPS = "http://schemas.openxmlformats.org/officeDocument/2006/relationships"
+PACKAGE = "http://schemas.openxmlformats.org/package/2006"
+PART_LIMIT = 16 * 1024 * 1024
+TOTAL = 60 * 1024 * 1024
+
+
+def letters(column):
+    name = ""
+    while column:
+        column, rest = divmod(column - 1, 26)
+        name = chr(65 + rest) + name
+    return name
+
+
+def noise(state):
+    """A small generator of our own: the standard library's may change between versions."""
+    while True:
+        state = (state * 6364136223846793005 + 1442695040888963407) % 2**64
+        yield state >> 33
+
+
+def worksheet(rows):
+    return f'<worksheet xmlns="{MAIN}"><sheetData>{"".join(rows)}</sheetData></worksheet>'
+
+
+def workbook(sheets, strings=(), extra=()):
+    """A package of the given worksheet parts; `extra` are further parts, by name."""
+    names = [f"Sheet {i + 1}" for i in range(len(sheets))]
+    parts = {
+        "[Content_Types].xml": f'<Types xmlns="{PACKAGE}/content-types"><Default Extension="xml" ContentType="application/xml"/></Types>',
+        "_rels/.rels": f'<Relationships xmlns="{PACKAGE}/relationships"><Relationship Id="rId1" '
+                       f'Type="{RELATIONSHIPS}/officeDocument" Target="xl/workbook.xml"/></Relationships>',
+        "xl/workbook.xml": f'<workbook xmlns="{MAIN}" xmlns:r="{RELATIONSHIPS}"><sheets>' + "".join(
+            f'<sheet name="{name}" sheetId="{i + 1}" r:id="rId{i + 1}"/>' for i, name in enumerate(names)) + "</sheets></workbook>",
+        "xl/_rels/workbook.xml.rels": f'<Relationships xmlns="{PACKAGE}/relationships">' + "".join(
+            f'<Relationship Id="rId{i + 1}" Type="{RELATIONSHIPS}/worksheet" Target="worksheets/sheet{i + 1}.xml"/>'
+            for i in range(len(sheets))) + "</Relationships>",
+        "xl/styles.xml": f'<styleSheet xmlns="{MAIN}"><cellXfs><xf numFmtId="0"/><xf numFmtId="4"/><xf numFmtId="10"/>'
+                         f'<xf numFmtId="14"/></cellXfs></styleSheet>',
+    }
+    if strings:
+        parts["xl/sharedStrings.xml"] = f'<sst xmlns="{MAIN}">' + "".join(f"<si><t>{text}</t></si>" for text in strings) + "</sst>"
+    for i, sheet in enumerate(sheets):
+        parts[f"xl/worksheets/sheet{i + 1}.xml"] = sheet
+    parts.update(extra)
+
+    out = io.BytesIO()
+    with zipfile.ZipFile(out, "w", zipfile.ZIP_DEFLATED, compresslevel=6) as archive:
+        for name in sorted(parts):
+            archive.writestr(zipfile.ZipInfo(name, (1980, 1, 1, 0, 0, 0)), parts[name], zipfile.ZIP_DEFLATED)
+    return out.getvalue()
+
+
+def mixed_rows(count, columns, strings, seed=1, first=1):
+    """Shared strings, numbers, dates, percentages and formulas with stored results."""
+    random = noise(seed)
+    for row in range(first, first + count):
+        cells = []
+        for column in range(1, columns + 1):
+            at = f"{letters(column)}{row}"
+            kind = column % 8
+            if row == 1 or kind in (1, 2):
+                cells.append(f'<c r="{at}" t="s"><v>{next(random) % strings}</v></c>')
+            elif kind in (3, 4):
+                cells.append(f'<c r="{at}" s="1"><v>{next(random) / 1000}</v></c>')
+            elif kind == 5:
+                cells.append(f'<c r="{at}" s="2"><v>0.{next(random) % 10000:04}</v></c>')
+            elif kind == 6:
+                cells.append(f'<c r="{at}" s="3"><v>{40000 + next(random) % 5000}</v></c>')
+            elif kind == 7:
+                cells.append(f'<c r="{at}"><v>{next(random) % 100000}</v></c>')
+            else:
+                cells.append(f'<c r="{at}" s="1"><f>C{row}+D{row}</f><v>{next(random) / 1000}</v></c>')
+        yield f'<row r="{row}">{"".join(cells)}</row>'
+
+
+def words(count, length):
+    random = noise(7)
+    return ["".join(f"{next(random):08x} " for _ in range(length // 9 + 1))[:length].strip() for _ in range(count)]
+
+
+def mixed(cells, columns=8):
+    return workbook([worksheet(mixed_rows(cells // columns, columns, 5000))], words(5000, 24))
+
+
+def inline_sheet(size, seed):
+    """A worksheet of about that many bytes: long inline texts, within the cells that one sheet may have."""
+    random = noise(seed)
+    rows, used, row = [], 0, 0
+    while used < size:
+        row += 1
+        cells = "".join(
+            f'<c r="{letters(column)}{row}" t="inlineStr"><is><t>{"".join(f"{next(random):08x}" for _ in range(40))}</t></is></c>'
+            for column in range(1, 9))
+        rows.append(f'<row r="{row}">{cells}</row>')
+        used += len(rows[-1])
+    return worksheet(rows)
+
+
+def near_limit(share):
+    """The largest workbook that passes, or a share of it: worksheets of mixed short cells and of long texts."""
+    sheets = [worksheet(mixed_rows(int(6250 * share), 8, 5000, seed)) for seed in range(1, 9)]
+    left = int(TOTAL * share) - sum(map(len, sheets))
+    while left > 0:
+        sheets.append(inline_sheet(min(left, 14_000_000), len(sheets)))
+        left -= len(sheets[-1])
+    return workbook(sheets, words(5000, 24))
+
+
+def attribute_names(count):
+    return [letters(i + 1).lower() for i in range(count)]
+
+
+def scaled(make):
+    return {"": make(1), ".half": make(0.5), ".quarter": make(0.25), ".eighth": make(0.125)}
+
+
+WORKLOADS = {
+    "tiny": lambda: {"": workbook([worksheet(mixed_rows(3, 4, 4))], words(4, 8))},
+    "table-200x8": lambda: {"": workbook([worksheet(mixed_rows(201, 8, 200))], words(200, 12))},
+    "cells-50000": lambda: scaled(lambda share: mixed(int(50000 * share))),
+    "sheets-64": lambda: {"": workbook([worksheet(mixed_rows(20, 8, 100, seed)) for seed in range(64)], words(100, 12))},
+    "part-16-mib": lambda: {"": workbook([inline_sheet(PART_LIMIT - 100_000, 3)])},
+    "near-limit": lambda: scaled(near_limit),
+    "strings-50000": lambda: {"": workbook([worksheet(mixed_rows(10, 8, 50000))], words(50000, 300))},
+    "empty-elements": lambda: scaled(lambda share: workbook(
+        [worksheet(mixed_rows(2, 2, 2))], ["a", "b"],
+        {f"xl/e{i:03}.xml": "<a>" + "<b/>" * 54_000 + "</a>" for i in range(int(300 * share))})),
+    # Past what a package may expand to: has to be refused, and soon.
+    "empty-elements-refused": lambda: {"": workbook(
+        [worksheet(mixed_rows(2, 2, 2))], ["a", "b"],
+        {f"xl/e{i:03}.xml": "<a>" + "<b/>" * 199_999 + "</a>" for i in range(300)})},
+    "attributes-64": lambda: {"": workbook([worksheet(mixed_rows(2, 2, 2))], ["a", "b"], {
+        f"xl/a{i}.xml": "<a>" + ("<b" + "".join(f' {name}=""' for name in attribute_names(64)) + "/>") * 39_000 + "</a>"
+        for i in range(3)})},
+    "distinct-attributes": lambda: {"": workbook([worksheet(mixed_rows(2, 2, 2))], ["a", "b"], {
+        "xl/a.xml": "<a>" + "".join(
+            "<b" + "".join(f' {name}=""' for name in names[i:i + 64]) + "/>" for i in range(0, len(names), 64)) + "</a>"
+        for names in [attribute_names(1_700_000)]})},
+    "one-tag": lambda: {"": workbook([worksheet(mixed_rows(2, 2, 2))], ["a", "b"], {
+        "xl/a.xml": "<a" + "".join(f' {name}=""' for name in attribute_names(1_850_000)) + "/>"})},
+    "deep-nesting": lambda: {"": workbook([worksheet(mixed_rows(2, 2, 2))], ["a", "b"], {
+        f"xl/d{i}.xml": "<a>" + ("<b>" * 63 + "</b>" * 63) * 3_000 + "</a>" for i in range(40)})},
+}
+
+
+def main():
+    folder = Path(sys.argv[1])
+    folder.mkdir(parents=True, exist_ok=True)
+    for name, make in WORKLOADS.items():
+        if (folder / f"{name}.xlsx").exists():
+            continue
+        for suffix, data in make().items():
+            (folder / f"{name}{suffix}.xlsx").write_bytes(data)
+            print(f"{name}{suffix}.xlsx {len(data)} bytes")
+
+
+if __name__ == "__main__":
+    main()
