@@ -8,6 +8,8 @@ set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 
 target_compile_options(zelvo_flags INTERFACE
   -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Wnon-virtual-dtor -Wold-style-cast -Wimplicit-fallthrough -Werror
+  # Designated initializers leave the other fields at their defaults on purpose.
+  -Wno-missing-field-initializers
   -fstack-protector-strong
   # A fused multiply-add would give other bytes on other machines: row heights are sums of doubles.
   -ffp-contract=off
