@@ -1,0 +1,270 @@
+#include <functional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "DocumentRuntime/Errors/Cancelled.hpp"
+#include "DocumentRuntime/PackageIO/BoundedZIP.hpp"
+#include "Support/ArchiveBuilder.hpp"
+#include "Support/Cancellation.hpp"
+#include "Support/RefusalTable.hpp"
+
+namespace zelvo {
+namespace {
+
+using testing::ArchiveBuilder;
+using testing::ArchiveEntry;
+using testing::describe;
+using testing::EntryHeader;
+using testing::errorOf;
+
+const DocumentError archiveSize = DocumentError::resourceLimit("archive size");
+const DocumentError noDirectory = DocumentError::invalidArchive("missing ZIP directory");
+const DocumentError directoryKind = DocumentError::unsupported("ZIP64, split archives, or excessive entries");
+const DocumentError directoryBounds = DocumentError::invalidArchive("directory bounds");
+const DocumentError directoryEntry = DocumentError::invalidArchive("invalid directory entry");
+const DocumentError entryBounds = DocumentError::invalidArchive("entry bounds");
+const DocumentError entryKind = DocumentError::unsupported("encrypted archive or compression method");
+const DocumentError specialFile = DocumentError::unsafeContent("archive link or special file");
+const DocumentError path = DocumentError::unsafeContent("duplicate or unsafe archive path");
+const DocumentError expansion = DocumentError::resourceLimit("expanded archive size or compression ratio");
+const DocumentError localMismatch = DocumentError::invalidArchive("local header mismatch");
+const DocumentError localBounds = DocumentError::invalidArchive("local entry bounds");
+const DocumentError overlap = DocumentError::invalidArchive("overlapping entries");
+const DocumentError localSizes = DocumentError::invalidArchive("local size or CRC mismatch");
+const DocumentError storedSize = DocumentError::invalidArchive("stored size mismatch");
+const DocumentError deflateLength = DocumentError::invalidArchive("deflate length mismatch");
+const DocumentError crcMismatch = DocumentError::invalidArchive("CRC mismatch");
+const DocumentError directorySize = DocumentError::invalidArchive("directory size mismatch");
+
+PartMap read(const ArchiveBuilder& archive) {
+  return BoundedZIP::read(bytesOf(archive.bytes()));
+}
+
+/// The names and bytes that an archive holds, in one line, or why it is refused.
+std::string outcome(std::string_view archive) {
+  try {
+    std::string out;
+    for (const auto& [name, bytes] : BoundedZIP::read(bytesOf(archive)))
+      out.append(name).append("=").append(bytes.text()).append(" ");
+    return out;
+  } catch (const DocumentError& error) {
+    return error.errorDescription();
+  }
+}
+
+std::string outcome(const ArchiveBuilder& archive) {
+  return outcome(archive.bytes());
+}
+
+/// Three entries; what the table spoils is the one in the middle, so that there is one to overlap and one to
+/// leave out.
+ArchiveBuilder good() {
+  ArchiveBuilder archive;
+  archive.stored("first.xml", "stored");
+  archive.deflated("xl/middle.xml", "deflated, deflated, deflated");
+  archive.deflated("last.xml", "with a descriptor").useDescriptor();
+  return archive;
+}
+
+using Refusal = testing::Refusal<ArchiveBuilder>;
+
+std::function<void(ArchiveBuilder&)> middle(std::function<void(ArchiveEntry&)> spoil) {
+  return [spoil = std::move(spoil)](ArchiveBuilder& archive) { spoil(archive.entries[1]); };
+}
+
+/// The same change in both headers.
+std::function<void(ArchiveBuilder&)> twice(std::function<void(EntryHeader&)> spoil) {
+  return middle([spoil = std::move(spoil)](ArchiveEntry& entry) { entry.both(spoil); });
+}
+
+std::vector<Refusal> refusals() {
+  using A = ArchiveBuilder&;
+  using E = ArchiveEntry&;
+  using H = EntryHeader&;
+  return {
+      {"cut short", [](A a) { a.keptBytes = 21; }, archiveSize},
+      {"no end record", [](A a) { a.end.signature = 0; }, noDirectory},
+      {"comment length", [](A a) { a.end.commentLength = 1; }, noDirectory},
+      {"disk", [](A a) { a.end.disk = 1; }, directoryKind},
+      {"directory's disk", [](A a) { a.end.directoryDisk = 1; }, directoryKind},
+      {"entries on disk", [](A a) { a.end.entriesOnDisk = 9; }, directoryKind},
+      {"no entries", [](A a) { a.end.entriesOnDisk = a.end.entries = 0; }, directoryKind},
+      {"513 entries", [](A a) { a.end.entriesOnDisk = a.end.entries = 513; }, directoryKind},
+      {"ZIP64 size", [](A a) { a.end.directorySize = 0xFFFFFFFF; }, directoryKind},
+      {"ZIP64 offset", [](A a) { a.end.directoryOffset = 0xFFFFFFFF; }, directoryKind},
+      {"directory past the end", [](A a) { a.end.directoryOffset = 0xFFFFFFFE; }, directoryBounds},
+      {"directory size", [](A a) { a.end.directorySize = 46; }, directoryBounds},
+      {"gap behind the directory", [](A a) { a.gap = "?"; }, directoryBounds},
+      {"central signature", middle([](E e) { e.central.signature = 0; }), directoryEntry},
+      {"no name", middle([](E e) { e.central.nameLength = 0; }), entryBounds},
+      {"central lengths", middle([](E e) { e.central.commentLength = 0xFFFF; }), entryBounds},
+      {"local offset", middle([](E e) { e.central.localOffset = 0xFFFFFFFF; }), entryBounds},
+      {"header into the directory",
+       [](A a) {
+         a.entries[1].central.localOffset = static_cast<std::uint32_t>(a.bytes().find("PK\1\2") - 29);
+       },
+       entryBounds},
+      {"encrypted", middle([](E e) { e.central.flags = 0x01; }), entryKind},
+      {"strongly encrypted", middle([](E e) { e.central.flags = 0x40; }), entryKind},
+      {"method", middle([](E e) { e.central.method = 12; }), entryKind},
+      {"disk start", middle([](E e) { e.central.diskStart = 1; }), entryKind},
+      {"link", middle([](E e) { e.central.externalAttributes = 0xA1FF0000; }), specialFile},
+      {"device", middle([](E e) { e.central.externalAttributes = 0x20000000; }), specialFile},
+      {"name that is no UTF-8", twice([](H h) { h.name = "\xC0\xAF"; }), path},
+      {"name that climbs", twice([](H h) { h.name = "a/../b"; }), path},
+      {"name of another entry", twice([](H h) { h.name = "FIRST.xml"; }), path},
+      {"entry size", middle([](E e) { e.central.uncompressedSize = 16'777'217; }), expansion},
+      {"ratio", middle([](E e) { e.central.compressedSize = 1, e.central.uncompressedSize = 1'048'777; }),
+       expansion, "room"},
+      {"local signature", middle([](E e) { e.local.signature = 0; }), localMismatch},
+      {"local flags", middle([](E e) { e.local.flags ^= 0x02; }), localMismatch},
+      {"local method", middle([](E e) { e.local.method ^= 0x01; }), localMismatch},
+      {"local lengths", middle([](E e) { e.local.extraLength = 0xFFFF; }), localBounds},
+      {"room", middle([](E e) { e.central.compressedSize = 0xFFFFFFFF; }), localBounds, "room"},
+      {"local name length", middle([](E e) { e.local.nameLength = 12; }), localBounds},
+      {"local name", middle([](E e) { e.local.name.back() = 'k'; }), localBounds},
+      {"overlap", middle([](E e) { e.nested = true; }), overlap},
+      {"local CRC", middle([](E e) { e.local.crc ^= 1; }), localSizes},
+      {"local compressed size", middle([](E e) { e.local.compressedSize ^= 1; }), localSizes},
+      {"local uncompressed size", middle([](E e) { e.local.uncompressedSize ^= 1; }), localSizes},
+      {"stored size", twice([](H h) { h.method = 0; }), storedSize},
+      {"one byte too many declared", twice([](H h) { ++h.uncompressedSize; }), deflateLength, "declared"},
+      {"one byte too few declared", twice([](H h) { --h.uncompressedSize; }), deflateLength, "declared"},
+      {"trailing byte", middle([](E e) { e.data += '?', e.both([](auto& h) { ++h.compressedSize; }); }),
+       deflateLength},
+      {"cut stream", middle([](E e) { e.data.pop_back(), e.both([](auto& h) { --h.compressedSize; }); }),
+       deflateLength},
+      {"broken stream", middle([](E e) { e.data[0] = '\xFF'; }), deflateLength},
+      {"CRC", twice([](H h) { h.crc = 7; }), crcMismatch},
+      {"an entry too many", [](A a) { a.end.entriesOnDisk = a.end.entries = 4; }, directoryEntry, "count"},
+      {"an entry too few", [](A a) { a.end.entriesOnDisk = a.end.entries = 2; }, directorySize, "count"},
+  };
+}
+
+TEST(BoundedZIPRead, RefusesInOrder) {
+  testing::expectRefusals<ArchiveBuilder>(good, refusals(), read);
+}
+
+TEST(BoundedZIPRead, KeepsWhatAnArchiveHolds) {
+  ArchiveBuilder archive = good();
+  archive.prefix = "what a self-extracting archive starts with";
+  archive.stored("Folder/", "").central.externalAttributes = 0x41ED0010;
+  archive.stored("Folder/Ünïcode 名.xml", "").central.externalAttributes = 0x81A40000;
+  archive.deflated("nothing.xml", "");
+  archive.entries[0].local.extra = "local";
+  archive.entries[0].central.extra = "another";
+  archive.entries[0].central.comment = "comment";
+  EXPECT_EQ(outcome(archive),
+            "Folder/Ünïcode 名.xml= first.xml=stored last.xml=with a descriptor nothing.xml= "
+            "xl/middle.xml=deflated, deflated, deflated ");
+}
+
+TEST(BoundedZIPRead, TakesTheLastEndRecordThatReachesTheEnd) {
+  ArchiveBuilder inner = good();
+  const std::string expected = outcome(inner);
+  const std::string emptyRecord = "PK\5\6" + std::string(16, '\0');
+
+  inner.end.comment = emptyRecord + "\1" + std::string(1, '\0');  // claims a byte more than there is
+  EXPECT_EQ(outcome(inner), expected);
+  inner.end.comment = emptyRecord + std::string(2, '\0');  // reaches the end, and has no entries
+  EXPECT_EQ(outcome(inner), directoryKind.errorDescription());
+
+  for (const std::size_t length : {65'534U, 65'535U}) {
+    inner.end.comment.assign(length, 'c');
+    EXPECT_EQ(outcome(inner), expected) << length;
+  }
+  inner.end.comment.assign(65'536, 'c');
+  EXPECT_EQ(outcome(inner), noDirectory.errorDescription());
+}
+
+TEST(BoundedZIPRead, StopsAtItsLimits) {
+  // {just at the limit, just over it, how that is refused}
+  const auto expectLimit = [](const ArchiveBuilder& at, const ArchiveBuilder& over,
+                              const DocumentError& refusal) {
+    const auto accepted = errorOf([&] { read(at); });
+    EXPECT_FALSE(accepted) << describe(accepted);
+    const auto refused = errorOf([&] { read(over); });
+    EXPECT_TRUE(refused == refusal) << describe(refused);
+  };
+
+  EXPECT_EQ(outcome(std::string(21, '\0')), archiveSize.errorDescription());
+  EXPECT_EQ(outcome(std::string(22, '\0')), noDirectory.errorDescription());
+
+  ArchiveBuilder at = good();
+  at.prefix.resize(BoundedZIP::maximumArchiveBytes - at.bytes().size());
+  ArchiveBuilder over = at;
+  over.prefix += '?';
+  expectLimit(at, over, archiveSize);
+
+  at = {};
+  for (std::size_t i = 0; i < BoundedZIP::maximumEntries; ++i)
+    at.stored(std::to_string(i), "");
+  over = at;
+  over.stored("one more", "");
+  expectLimit(at, over, directoryKind);
+
+  at = over = {};
+  at.stored(std::string(BoundedZIP::maximumNameBytes, 'n'), "");
+  over.stored(std::string(BoundedZIP::maximumNameBytes + 1, 'n'), "");
+  expectLimit(at, over, path);
+
+  at = over = {};
+  at.stored("big", std::string(BoundedZIP::maximumEntryBytes, '\0'));
+  over.stored("big", std::string(BoundedZIP::maximumEntryBytes + 1, '\0'));
+  expectLimit(at, over, expansion);
+
+  // The whole of four entries at their limit; every 64th byte is noise, which keeps the ratio down.
+  std::string noisy(BoundedZIP::maximumEntryBytes, '\0');
+  std::uint32_t noise = 1;
+  for (std::size_t i = 0; i < noisy.size(); i += 64)
+    noisy[i] = static_cast<char>((noise = noise * 1'664'525 + 1'013'904'223) >> 24);
+  at = {};
+  at.deflated("1", noisy);
+  for (const char* name : {"2", "3", "4"})
+    at.entries.emplace_back(at.entries[0]).both([&](EntryHeader& header) { header.name = name; });
+  at.stored("nothing", "");
+  over = at;
+  over.stored("one byte more", "?");
+  expectLimit(at, over, expansion);
+
+  // Zeros shrink to a thousandth: the size that just passes is a fixed point, found in a few steps.
+  std::size_t size = BoundedZIP::expansionAllowanceBytes;
+  for (std::size_t previous = 0; previous != size;) {
+    at = {};
+    previous = size;
+    size = at.deflated("zeros", std::string(size, '\0')).data.size() * BoundedZIP::maximumExpansionRatio +
+           BoundedZIP::expansionAllowanceBytes;
+  }
+  over = at;
+  over.entries[0].both([](EntryHeader& header) { ++header.uncompressedSize; });
+  expectLimit(at, over, expansion);
+}
+
+TEST(BoundedZIPRead, DamageNeverChangesTheBytesUnseen) {
+  const std::string whole = good().bytes();
+  const PartMap expected = BoundedZIP::read(bytesOf(whole));
+  for (std::size_t length = 0; length < whole.size(); ++length)
+    EXPECT_TRUE(errorOf([&] { BoundedZIP::read(bytesOf(whole.substr(0, length))); })) << length << " bytes";
+
+  for (std::size_t bit = 0; bit < whole.size() * 8; ++bit) {
+    std::string damaged = whole;
+    damaged[bit / 8] = static_cast<char>(damaged[bit / 8] ^ (1 << bit % 8));
+    try {
+      EXPECT_TRUE(BoundedZIP::read(bytesOf(damaged)) == expected)
+          << "byte " << bit / 8 << ", bit " << bit % 8;
+    } catch (const DocumentError&) {  // noticed: as good
+    }
+  }
+}
+
+TEST(BoundedZIPRead, StopsWhenAsked) {
+  const std::string archive = good().bytes();
+  EXPECT_THROW(BoundedZIP::read(bytesOf(archive), testing::stopped()), Cancelled);
+}
+
+}  // namespace
+}  // namespace zelvo
