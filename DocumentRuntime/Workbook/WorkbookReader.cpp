@@ -5,6 +5,8 @@
 
 #include "DocumentRuntime/PackageIO/BoundedZIP.hpp"
 #include "DocumentRuntime/PackageIO/OOXMLSupport.hpp"
+#include "DocumentRuntime/Workbook/CellReader.hpp"
+#include "DocumentRuntime/Workbook/TableExtraction.hpp"
 #include "DocumentRuntime/Workbook/WorkbookParts.hpp"
 
 namespace zelvo {
@@ -24,16 +26,18 @@ struct WorkbookReader::PassedParts {
   std::optional<Deferred<SharedStrings>> sharedStrings;
   std::optional<Deferred<CellStyles>> styles;
   std::vector<WorksheetPart> worksheets;
+  OOXML::KeptTrees worksheetTrees;
 
-  void visit(std::string_view name, XMLNode root) {
+  void visit(std::string_view name, XMLTree& tree) {
+    const XMLNode root = tree.root();
     if (name == WorkbookParts::workbook) read(structure, root);
     if (name == WorkbookParts::relationships) read(relationships, root);
     if (name == WorkbookParts::sharedStrings) read(sharedStrings, root);
     if (name == WorkbookParts::styles) read(styles, root);
-    if (root.name() == "worksheet") {
-      worksheets.push_back(
-          {std::string(name), Deferred<WorksheetFacts>::of([&] { return WorksheetFacts::read(root); })});
-    }
+    if (root.name() != "worksheet") return;
+    worksheets.push_back(
+        {std::string(name), Deferred<WorksheetFacts>::of([&] { return WorksheetFacts::read(root); })});
+    worksheetTrees.keep(name, tree);
   }
 
  private:
@@ -57,6 +61,7 @@ WorkbookReader::WorkbookReader(ByteBuffer data, std::string_view sourceName, con
   if (passed.sharedStrings) sharedStrings_ = passed.sharedStrings->take();
   if (passed.styles) styles_ = passed.styles->take();
   worksheets_ = std::move(passed.worksheets);
+  worksheetTrees_ = std::move(passed.worksheetTrees);
 }
 
 WorkbookReader::PassedParts WorkbookReader::readParts(ByteBuffer data, const std::stop_token& stop) {
@@ -64,8 +69,7 @@ WorkbookReader::PassedParts WorkbookReader::readParts(ByteBuffer data, const std
   data = {};
   PassedParts passed;
   parts_ = OOXML::vetted(
-      std::move(parts), {}, [&](std::string_view name, XMLTree& tree) { passed.visit(name, tree.root()); },
-      stop);
+      std::move(parts), {}, [&](std::string_view name, XMLTree& tree) { passed.visit(name, tree); }, stop);
   return passed;
 }
 
@@ -74,7 +78,7 @@ WorkbookInspection WorkbookReader::inspection() const {
   inspection.sourceName = sourceName_;
   inspection.sourceSHA256 = sourceSHA256_;
   for (const Sheet& sheet : sheets_) {
-    const WorksheetFacts& facts = factsOf(sheet);
+    const WorksheetFacts& facts = partOf(sheet).facts.get();
     inspection.sheets.push_back(
         {.name = sheet.name,
          .hidden = sheet.hidden,
@@ -92,13 +96,36 @@ WorkbookInspection WorkbookReader::inspection() const {
   return inspection;
 }
 
-const WorksheetFacts& WorkbookReader::factsOf(const Sheet& sheet) const {
+SourceTable WorkbookReader::table(const TableSelection& selection,
+                                  const std::set<CellAddress>& acceptedEmptyFormulaCells,
+                                  const std::stop_token& stop) const {
+  const auto sheet = std::ranges::find(sheets_, selection.sheetName, &Sheet::name);
+  if (sheet == sheets_.end() || sheet->hidden) {
+    throw DocumentError::invalidSelection("unknown or hidden worksheet");
+  }
+  const CellRange range = TableExtraction::selectedRange(selection);
+  const WorksheetPart& part = partOf(*sheet);
+  static_cast<void>(part.facts.get());  // throws what is wrong with the sheet
+  std::optional<XMLTree> parsedAgain;
+  const XMLNode worksheet = worksheetTrees_.root(part.name, *parts_.find(part.name), parsedAgain);
+
+  SourceTable table =
+      TableExtraction::read(worksheet, range, selection, CellReader(sharedStrings_, styles_, uses1904Dates_),
+                            acceptedEmptyFormulaCells, stop);
+  table.sourceName = sourceName_;
+  table.sourceSHA256 = sourceSHA256_;
+  table.sheetName = sheet->name;
+  table.selectedRange = range.name();
+  return table;
+}
+
+const WorkbookReader::WorksheetPart& WorkbookReader::partOf(const Sheet& sheet) const {
   if (!parts_.contains(sheet.path)) throw DocumentError::invalidArchive("missing worksheet");
   // Parts come by in the order of their names, so that the list is sorted.
   const auto found = std::ranges::lower_bound(worksheets_, sheet.path, {}, &WorksheetPart::name);
   if (found == worksheets_.end() || found->name != sheet.path)
     throw DocumentError::unsupported("worksheet type");
-  return found->facts.get();
+  return *found;
 }
 
 }  // namespace zelvo

@@ -1,13 +1,15 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
+#include <set>
 #include <stop_token>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "DocumentRuntime/PackageIO/KeptTrees.hpp"
 #include "DocumentRuntime/PackageIO/PartMap.hpp"
-#include "DocumentRuntime/PackageIO/XMLTree.hpp"
 #include "DocumentRuntime/Records/DocumentModels.hpp"
 #include "DocumentRuntime/Workbook/CellStyles.hpp"
 #include "DocumentRuntime/Workbook/Deferred.hpp"
@@ -43,6 +45,14 @@ class WorkbookReader {
   /// worksheet", unsupported "worksheet type", or what walking a worksheet throws.
   WorkbookInspection inspection() const;
 
+  /// Cuts the selected range out of one visible sheet. A cell whose address is in `acceptedEmptyFormulaCells`
+  /// may hold a formula with an empty stored result. Throws invalidSelection "unknown or hidden worksheet",
+  /// then what `TableExtraction::selectedRange`, the sheet itself (as above) and `TableExtraction::read`
+  /// throw, and `Cancelled`.
+  SourceTable table(const TableSelection& selection,
+                    const std::set<CellAddress>& acceptedEmptyFormulaCells = {},
+                    const std::stop_token& stop = {}) const;
+
  private:
   struct WorksheetPart {
     std::string name;
@@ -52,7 +62,8 @@ class WorkbookReader {
   struct PassedParts;
 
   PassedParts readParts(ByteBuffer data, const std::stop_token& stop);
-  const WorksheetFacts& factsOf(const Sheet& sheet) const;
+  /// Throws "missing worksheet" or "worksheet type".
+  const WorksheetPart& partOf(const Sheet& sheet) const;
 
   std::string sourceName_;
   std::string sourceSHA256_;
@@ -62,6 +73,7 @@ class WorkbookReader {
   SharedStrings sharedStrings_;
   CellStyles styles_;
   PartMap parts_;
+  OOXML::KeptTrees worksheetTrees_;
   std::vector<WorksheetPart> worksheets_;  ///< every part whose root is a worksheet, sorted by name
 };
 
