@@ -1,0 +1,149 @@
+#include <cstdint>
+#include <utility>
+
+#include "DocumentRuntime/Authoring/DocumentAuthor.hpp"
+#include "DocumentRuntime/Authoring/PresentationFrame.hpp"
+#include "DocumentRuntime/Authoring/PresentationPackage.hpp"
+#include "DocumentRuntime/Authoring/TableChart.hpp"
+#include "DocumentRuntime/Authoring/TablePages.hpp"
+#include "DocumentRuntime/Authoring/TextEstimate.hpp"
+#include "DocumentRuntime/Errors/DocumentError.hpp"
+#include "DocumentRuntime/PackageIO/BoundedZIP.hpp"
+#include "DocumentRuntime/PackageIO/OOXMLSupport.hpp"
+#include "DocumentRuntime/PackageIO/XMLText.hpp"
+
+namespace zelvo {
+namespace {
+
+using DocumentAuthor::TablePage;
+
+constexpr int titleID = 2;
+constexpr std::int64_t titleY = 300'000;
+constexpr std::int64_t titleHeight = 900'000;
+constexpr int titleFontSize = 2800;  ///< hundredths of a point
+constexpr double titleFontPoints = 28;
+constexpr std::int64_t maximumTitleLines = 2;
+
+constexpr int footerID = 4;
+constexpr std::int64_t footerY = 6'200'000;
+constexpr std::int64_t footerHeight = 540'000;
+constexpr int footerFontSize = 1000;
+
+constexpr std::string_view chartFrame =
+    R"(<p:graphicFrame><p:nvGraphicFramePr><p:cNvPr id="3" name="Editable column chart"/><p:cNvGraphicFramePr/><p:nvPr/>)"
+    R"(</p:nvGraphicFramePr><p:xfrm><a:off x="609600" y="1371600"/><a:ext cx="10972800" cy="4572000"/></p:xfrm>)"
+    R"(<a:graphic><a:graphicData uri="http://schemas.openxmlformats.org/drawingml/2006/chart">)"
+    R"(<c:chart xmlns:c="http://schemas.openxmlformats.org/drawingml/2006/chart" r:id="rId2"/>)"
+    R"(</a:graphicData></a:graphic></p:graphicFrame>)";
+
+std::string footerText(const SourceTable& table) {
+  std::string text =
+      table.sourceName + " · " + table.sheetName + "!" + table.selectedRange + " · saved snapshot";
+  if (table.usesCachedFormulaValues()) text += " · cached formula results";
+  return text;
+}
+
+std::string_view rowFill(std::size_t row) {
+  if (row == 0) return "EDEFF2";
+  return row % 2 == 1 ? "FFFFFF" : "F7F8FA";
+}
+
+void appendTableRow(std::string& xml, const std::vector<std::string>& cells, std::size_t row,
+                    std::int64_t height) {
+  OOXML::append(xml, R"(<a:tr h=")", height, R"(">)");
+  for (const std::string& text : cells) {
+    OOXML::append(
+        xml,
+        R"(<a:tc><a:txBody><a:bodyPr wrap="square"/><a:lstStyle/><a:p><a:pPr/><a:r><a:rPr lang="en-US" )"
+        R"(sz="1400" b=")",
+        row == 0 ? "1" : "0",
+        R"("><a:solidFill><a:srgbClr val="202124"/></a:solidFill><a:latin typeface="Arial"/></a:rPr><a:t>)",
+        OOXML::escaped(text),
+        R"(</a:t></a:r><a:endParaRPr lang="en-US"/></a:p></a:txBody><a:tcPr marL="91440" marR="91440" )"
+        R"(marT="45720" marB="45720"><a:solidFill><a:srgbClr val=")",
+        rowFill(row), R"("/></a:solidFill></a:tcPr></a:tc>)");
+  }
+  xml += "</a:tr>";
+}
+
+void appendTable(std::string& xml, const TablePage& rows) {
+  const std::size_t columns = rows.front().size();
+  const std::int64_t columnWidth = DocumentAuthor::contentWidth / static_cast<std::int64_t>(columns);
+  std::vector<std::int64_t> heights;
+  std::int64_t totalHeight = 0;
+  for (const auto& row : rows)
+    totalHeight += heights.emplace_back(DocumentAuthor::rowHeight(row));
+
+  OOXML::append(
+      xml,
+      R"(<p:graphicFrame><p:nvGraphicFramePr><p:cNvPr id="3" name="Source table"/><p:cNvGraphicFramePr/><p:nvPr/>)"
+      R"(</p:nvGraphicFramePr><p:xfrm><a:off x="609600" y="1371600"/><a:ext cx="10972800" cy=")",
+      totalHeight,
+      R"("/></p:xfrm><a:graphic><a:graphicData uri="http://schemas.openxmlformats.org/drawingml/2006/table">)"
+      R"(<a:tbl><a:tblPr firstRow="1" bandRow="1"/><a:tblGrid>)");
+  for (std::size_t i = 0; i < columns; ++i)
+    OOXML::append(xml, R"(<a:gridCol w=")", columnWidth, R"("/>)");
+  xml += "</a:tblGrid>";
+  for (std::size_t row = 0; row < rows.size(); ++row)
+    appendTableRow(xml, rows[row], row, heights[row]);
+  xml += "</a:tbl></a:graphicData></a:graphic></p:graphicFrame>";
+}
+
+/// A slide around content that is XML already.
+std::string slideXML(std::string_view title, std::string_view content, std::string_view footer) {
+  std::string xml;
+  DocumentAuthor::appendSlideStart(xml);
+  DocumentAuthor::appendTextBox(xml, titleID, titleY, titleHeight, titleFontSize, title);
+  xml += content;
+  DocumentAuthor::appendTextBox(xml, footerID, footerY, footerHeight, footerFontSize, footer);
+  DocumentAuthor::appendSlideEnd(xml);
+  return xml;
+}
+
+void requireTwoLines(std::string_view title, const char* detail) {
+  if (DocumentAuthor::estimatedLines(title, DocumentAuthor::contentWidthPoints, titleFontPoints) >
+      maximumTitleLines) {
+    throw DocumentError::unsupported(detail);
+  }
+}
+
+std::vector<std::string> tableSlides(const SourceTable& table, std::string_view title,
+                                     std::string_view footer) {
+  const std::vector<TablePage> pages = DocumentAuthor::tablePages(table);
+  std::vector<std::string> slides;
+  for (std::size_t i = 0; i < pages.size(); ++i) {
+    std::string slideTitle(title);
+    if (pages.size() > 1) OOXML::append(slideTitle, " · ", i + 1, "/", pages.size());
+    requireTwoLines(slideTitle, "presentation title is too long for two lines");
+    std::string content;
+    appendTable(content, pages[i]);
+    slides.push_back(slideXML(slideTitle, content, footer));
+  }
+  return slides;
+}
+
+std::string chartSlide(const ChartSelection& chart, std::string_view documentTitle, std::string_view footer) {
+  const std::string_view title = chart.title.empty() ? documentTitle : std::string_view(chart.title);
+  requireTwoLines(title, "chart title is too long for two lines");
+  return slideXML(title, chartFrame, footer);
+}
+
+}  // namespace
+
+ByteBuffer DocumentAuthor::pptx(const SourceTable& table, std::string_view title,
+                                const std::optional<ChartSelection>& chart, const std::stop_token& stop) {
+  const std::string footer = footerText(table);
+  std::vector<Slide> slides;
+  for (std::string& xml : tableSlides(table, title, footer))
+    slides.push_back({.xml = std::move(xml), .chart = {}});
+  std::vector<SlideChart> charts;
+  if (chart) {
+    slides.push_back({.xml = chartSlide(*chart, title, footer), .chart = 0});
+    charts.push_back({.xml = chartXML(table, *chart),
+                      .workbookName = "chart-data.xlsx",
+                      .workbook = chartWorkbook(table, *chart, stop)});
+  }
+  return BoundedZIP::write(presentationPackage(slides, std::move(charts)), stop);
+}
+
+}  // namespace zelvo

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+/// What every presentation is built on: the slide list, the one master with its blank layout, the theme, and
+/// the shell of a slide. Geometry is in EMU, font sizes in hundredths of a point.
+namespace zelvo::DocumentAuthor {
+
+/// The presentation part for that many slides; slide i, one-based, has the relationship "rId" + (i + 1).
+std::string presentationXML(std::size_t slideCount);
+std::string masterXML();
+std::string layoutXML();
+std::string themeXML();
+
+/// Opens and closes a slide around its shapes.
+void appendSlideStart(std::string& xml);
+void appendSlideEnd(std::string& xml);
+
+/// A text box across the content box, named "Text " and its id; the text is escaped here.
+void appendTextBox(std::string& xml, int id, std::int64_t y, std::int64_t height, int fontSize,
+                   std::string_view text);
+
+}  // namespace zelvo::DocumentAuthor

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "DocumentRuntime/PackageIO/PartMap.hpp"
+
+namespace zelvo::DocumentAuthor {
+
+struct Slide {
+  std::string xml;                   ///< the slide part, without the XML declaration
+  std::optional<std::size_t> chart;  ///< index of the chart that the slide shows as "rId2"
+};
+
+struct SlideChart {
+  std::string xml;           ///< the chart part, without the XML declaration
+  std::string workbookName;  ///< of the embedded workbook, within ppt/embeddings/
+  ByteBuffer workbook;
+};
+
+/// All parts of a presentation: slides and charts numbered from 1 in order, on the one master, layout and
+/// theme.
+PartMap presentationPackage(const std::vector<Slide>& slides, std::vector<SlideChart> charts);
+
+}  // namespace zelvo::DocumentAuthor

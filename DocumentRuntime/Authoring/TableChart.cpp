@@ -1,0 +1,121 @@
+#include "DocumentRuntime/Authoring/TableChart.hpp"
+
+#include "DocumentRuntime/Authoring/ContentTypes.hpp"
+#include "DocumentRuntime/PackageIO/BoundedZIP.hpp"
+#include "DocumentRuntime/PackageIO/OOXMLSupport.hpp"
+#include "DocumentRuntime/PackageIO/XMLText.hpp"
+
+namespace zelvo {
+namespace {
+
+/// What the chart shows of the table, escaped.
+struct ChartTexts {
+  std::string categoryTitle;
+  std::string seriesName;
+  std::string formatCode;
+  std::vector<std::string> categories;
+  std::vector<std::string> values;  ///< as stored, never as displayed: office programs compute with them
+};
+
+ChartTexts textsOf(const SourceTable& table, const ChartSelection& chart) {
+  const auto category = static_cast<std::size_t>(chart.categoryColumn);
+  const auto value = static_cast<std::size_t>(chart.valueColumn);
+  ChartTexts texts{
+      .categoryTitle = OOXML::escaped(table.columns[category]),
+      .seriesName = OOXML::escaped(table.columns[value]),
+      .formatCode = OOXML::escaped(table.rows.front()[value].numberFormat.value_or("General")),
+  };
+  for (const auto& row : table.rows) {
+    texts.categories.push_back(OOXML::escaped(row[category].displayText()));
+    texts.values.push_back(OOXML::escaped(row[value].value.displayText()));
+  }
+  return texts;
+}
+
+void appendPoints(std::string& xml, const std::vector<std::string>& texts) {
+  OOXML::append(xml, R"(<c:ptCount val=")", texts.size(), R"("/>)");
+  for (std::size_t i = 0; i < texts.size(); ++i) {
+    OOXML::append(xml, R"(<c:pt idx=")", i, R"("><c:v>)", texts[i], "</c:v></c:pt>");
+  }
+}
+
+void appendTextCell(std::string& xml, char column, std::size_t row, std::string_view text) {
+  OOXML::append(xml, R"(<c r=")", std::string_view(&column, 1), row,
+                R"(" t="inlineStr"><is><t xml:space="preserve">)", text, "</t></is></c>");
+}
+
+std::string sheetXML(const ChartTexts& texts) {
+  std::string xml =
+      R"(<worksheet xmlns="http://schemas.openxmlformats.org/spreadsheetml/2006/main"><sheetData><row r="1">)";
+  appendTextCell(xml, 'A', 1, texts.categoryTitle);
+  appendTextCell(xml, 'B', 1, texts.seriesName);
+  xml += "</row>";
+  for (std::size_t i = 0; i < texts.values.size(); ++i) {
+    const std::size_t row = i + 2;
+    OOXML::append(xml, R"(<row r=")", row, R"(">)");
+    appendTextCell(xml, 'A', row, texts.categories[i]);
+    OOXML::append(xml, R"(<c r="B)", row, R"("><v>)", texts.values[i], "</v></c></row>");
+  }
+  xml += "</sheetData></worksheet>";
+  return xml;
+}
+
+}  // namespace
+
+std::string DocumentAuthor::chartXML(const SourceTable& table, const ChartSelection& chart) {
+  const ChartTexts texts = textsOf(table, chart);
+  const std::size_t lastRow = texts.values.size() + 1;
+  std::string xml =
+      R"(<c:chartSpace xmlns:c="http://schemas.openxmlformats.org/drawingml/2006/chart" )"
+      R"(xmlns:a="http://schemas.openxmlformats.org/drawingml/2006/main" )"
+      R"(xmlns:r="http://schemas.openxmlformats.org/officeDocument/2006/relationships">)"
+      R"(<c:date1904 val="0"/><c:lang val="en-US"/><c:chart><c:autoTitleDeleted val="1"/><c:plotArea><c:layout/>)"
+      R"(<c:barChart><c:barDir val="col"/><c:grouping val="clustered"/><c:varyColors val="0"/><c:ser><c:idx val="0"/>)"
+      R"(<c:order val="0"/><c:tx><c:strRef><c:f>ChartData!$B$1</c:f><c:strCache><c:ptCount val="1"/><c:pt idx="0"><c:v>)";
+  OOXML::append(
+      xml, texts.seriesName,
+      R"(</c:v></c:pt></c:strCache></c:strRef></c:tx><c:spPr><a:solidFill><a:srgbClr val="334E68"/></a:solidFill>)"
+      R"(<a:ln><a:noFill/></a:ln></c:spPr><c:cat><c:strRef><c:f>ChartData!$A$2:$A$)",
+      lastRow, "</c:f><c:strCache>");
+  appendPoints(xml, texts.categories);
+  OOXML::append(xml, "</c:strCache></c:strRef></c:cat><c:val><c:numRef><c:f>ChartData!$B$2:$B$", lastRow,
+                "</c:f><c:numCache><c:formatCode>", texts.formatCode, "</c:formatCode>");
+  appendPoints(xml, texts.values);
+  OOXML::append(
+      xml,
+      R"(</c:numCache></c:numRef></c:val></c:ser><c:gapWidth val="80"/><c:axId val="100"/><c:axId val="200"/>)"
+      R"(</c:barChart><c:catAx><c:axId val="100"/><c:scaling><c:orientation val="minMax"/></c:scaling>)"
+      R"(<c:delete val="0"/><c:axPos val="b"/><c:tickLblPos val="nextTo"/><c:crossAx val="200"/>)"
+      R"(<c:crosses val="autoZero"/><c:auto val="1"/><c:lblAlgn val="ctr"/><c:lblOffset val="100"/></c:catAx>)"
+      R"(<c:valAx><c:axId val="200"/><c:scaling><c:orientation val="minMax"/></c:scaling><c:delete val="0"/>)"
+      R"(<c:axPos val="l"/><c:majorGridlines/><c:numFmt formatCode=")",
+      texts.formatCode,
+      R"(" sourceLinked="0"/><c:tickLblPos val="nextTo"/><c:crossAx val="100"/><c:crosses val="autoZero"/>)"
+      R"(<c:crossBetween val="between"/></c:valAx></c:plotArea><c:plotVisOnly val="1"/>)"
+      R"(<c:dispBlanksAs val="gap"/><c:showDLblsOverMax val="0"/></c:chart><c:externalData r:id="rId1">)"
+      R"(<c:autoUpdate val="0"/></c:externalData></c:chartSpace>)");
+  return xml;
+}
+
+ByteBuffer DocumentAuthor::chartWorkbook(const SourceTable& table, const ChartSelection& chart,
+                                         const std::stop_token& stop) {
+  PartMap parts;
+  parts.set("[Content_Types].xml",
+            contentTypes({{"xl/workbook.xml",
+                           "application/vnd.openxmlformats-officedocument.spreadsheetml.sheet.main+xml"},
+                          {"xl/worksheets/sheet1.xml",
+                           "application/vnd.openxmlformats-officedocument.spreadsheetml.worksheet+xml"}},
+                         false));
+  parts.set("_rels/.rels", OOXML::relationships({{"rId1", "officeDocument", "xl/workbook.xml"}}));
+  parts.set(
+      "xl/workbook.xml",
+      OOXML::data(R"(<workbook xmlns="http://schemas.openxmlformats.org/spreadsheetml/2006/main" )"
+                  R"(xmlns:r="http://schemas.openxmlformats.org/officeDocument/2006/relationships"><sheets>)"
+                  R"(<sheet name="ChartData" sheetId="1" r:id="rId1"/></sheets></workbook>)"));
+  parts.set("xl/_rels/workbook.xml.rels",
+            OOXML::relationships({{"rId1", "worksheet", "worksheets/sheet1.xml"}}));
+  parts.set("xl/worksheets/sheet1.xml", OOXML::data(sheetXML(textsOf(table, chart))));
+  return BoundedZIP::write(parts, stop);
+}
+
+}  // namespace zelvo

@@ -1,0 +1,162 @@
+#include "DocumentRuntime/Validation/ChartReadBack.hpp"
+
+#include <algorithm>
+#include <array>
+#include <string>
+#include <vector>
+
+#include "DocumentRuntime/Cells/NumberText.hpp"
+#include "DocumentRuntime/Errors/DocumentError.hpp"
+#include "DocumentRuntime/Validation/DocumentInputRules.hpp"
+#include "DocumentRuntime/Workbook/WorkbookReader.hpp"
+
+namespace zelvo {
+namespace {
+
+constexpr std::size_t maximumPoints = 30;
+constexpr std::string_view sheetName = "ChartData";
+
+/// The five parts of the embedded workbook, sorted.
+constexpr std::array<std::string_view, 5> workbookParts = {
+    "[Content_Types].xml",      "_rels/.rels", "xl/_rels/workbook.xml.rels", "xl/workbook.xml",
+    "xl/worksheets/sheet1.xml",
+};
+
+DocumentError unexpectedShape() {
+  return DocumentError::validationFailed("chart data");
+}
+
+/// The only element of that name in a range of elements.
+XMLNode only(const XMLElements& elements) {
+  if (elements.size() != 1) throw unexpectedShape();
+  return *elements.begin();
+}
+
+/// What a chart has cached, by the elements that hold it.
+struct ChartCaches {
+  XMLNode series;
+  XMLNode categories;
+  XMLNode values;
+
+  /// A second cache anywhere would be data that nobody compares.
+  static ChartCaches find(XMLNode chart) {
+    if (chart.name() != "chartSpace") throw unexpectedShape();
+    const XMLNode series = only(chart.descendants("ser"));
+    const ChartCaches caches{
+        .series = only(only(series.all("tx")).descendants("strCache")),
+        .categories = only(only(series.all("cat")).descendants("strCache")),
+        .values = only(only(series.all("val")).descendants("numCache")),
+    };
+    if (chart.descendants("strCache").size() != 2 || chart.descendants("numCache").size() != 1)
+      throw unexpectedShape();
+    return caches;
+  }
+};
+
+std::vector<std::string> pointTexts(XMLNode cache) {
+  std::vector<std::string> texts;
+  for (const XMLNode point : cache.all("pt"))
+    texts.push_back(only(point.all("v")).content());
+  return texts;
+}
+
+/// Whether the cache counts `count` points and numbers them from 0.
+bool isIndexed(XMLNode cache, std::size_t count) {
+  const auto pointCount = cache.child("ptCount");
+  if (!pointCount || pointCount->attribute("val") != std::to_string(count)) return false;
+  std::size_t index = 0;
+  for (const XMLNode point : cache.all("pt")) {
+    if (point.attribute("idx") != std::to_string(index++)) return false;
+  }
+  return index == count;
+}
+
+void checkReferences(XMLNode chart, const ChartCaches& caches, std::size_t count) {
+  const std::string lastRow = std::to_string(count + 1);
+  const std::vector<std::string> expected = {"ChartData!$B$1", "ChartData!$A$2:$A$" + lastRow,
+                                             "ChartData!$B$2:$B$" + lastRow};
+  std::vector<std::string> references;
+  for (const XMLNode reference : chart.descendants("f"))
+    references.push_back(reference.content());
+  if (references != expected || !isIndexed(caches.categories, count) || !isIndexed(caches.values, count)) {
+    throw DocumentError::validationFailed("chart references or cache indexes");
+  }
+}
+
+void checkWorkbookParts(const ByteBuffer& workbook, const std::stop_token& stop) {
+  const GeneratedPackage package(workbook.view(), {}, stop);
+  if (!std::ranges::equal(package.parts(), workbookParts, {}, &Part::name)) {
+    throw DocumentError::validationFailed("unexpected data in embedded chart workbook");
+  }
+}
+
+/// The first two columns of the embedded sheet, titles included, which must be all that it holds.
+SourceTable readWorkbook(const ByteBuffer& workbook, std::size_t count, const std::stop_token& stop) {
+  const WorkbookReader reader(ByteBuffer::copyOf(workbook.view()), "chart-data.xlsx", stop);
+  const CellRange range{.first = {.column = 1, .row = 1},
+                        .last = {.column = 2, .row = static_cast<std::int64_t>(count) + 1}};
+  const auto sheets = reader.inspection().sheets;
+  if (sheets.size() != 1 || sheets.front().name != sheetName ||
+      sheets.front().populatedRange != range.name()) {
+    throw unexpectedShape();
+  }
+  return reader.table({.sheetName = std::string(sheetName),
+                       .range = range.name(),
+                       .firstRowIsHeader = false,
+                       .includeHiddenRows = true,
+                       .allowCachedFormulaValues = false},
+                      {}, stop);
+}
+
+using Kind = SourceCellValue::Kind;
+
+bool matches(const SourceCell& cell, Kind kind, const std::string& text) {
+  return cell.value.kind() == kind && cell.value.payload() == text;
+}
+
+}  // namespace
+
+void validateChartPackage(const GeneratedPackage& package, const SourceTable* expectedTable,
+                          const ChartSelection& expectedChart, const std::stop_token& stop) {
+  const ByteBuffer& workbook = *package.parts().find(chartWorkbookName);
+  checkWorkbookParts(workbook, stop);
+
+  const auto chartPart = package.parsed(chartPartName);
+  const ChartCaches caches = ChartCaches::find(chartPart.root());
+  const std::vector<std::string> categories = pointTexts(caches.categories);
+  const std::vector<std::string> values = pointTexts(caches.values);
+  const std::size_t count = values.size();
+  if (count < 1 || count > maximumPoints || categories.size() != count ||
+      !std::ranges::all_of(values, NumberText::isValid)) {
+    throw DocumentError::validationFailed("chart values");
+  }
+  checkReferences(chartPart.root(), caches, count);
+
+  const SourceTable embedded = readWorkbook(workbook, count, stop);
+  const std::vector<std::string> seriesName = pointTexts(caches.series);
+  if (seriesName.size() != 1 || !matches(embedded.rows[0][1], Kind::text, seriesName.front()))
+    throw unexpectedShape();
+  for (std::size_t i = 0; i < count; ++i) {
+    const auto& row = embedded.rows[i + 1];
+    if (!matches(row[0], Kind::text, categories[i]) || !matches(row[1], Kind::number, values[i])) {
+      throw DocumentError::validationFailed("chart cache and embedded data disagree");
+    }
+  }
+
+  if (expectedTable == nullptr) return;
+  DocumentEngine::validateChart(expectedChart, *expectedTable);
+  const auto category = static_cast<std::size_t>(expectedChart.categoryColumn);
+  const auto value = static_cast<std::size_t>(expectedChart.valueColumn);
+  const auto isApproved = [&](std::size_t i) {
+    const auto& row = expectedTable->rows[i];
+    return row[category].displayText() == categories[i] && row[value].value.payload() == values[i];
+  };
+  bool approved = expectedTable->rows.size() == count &&
+                  expectedTable->columns[category] == embedded.rows[0][0].value.payload() &&
+                  expectedTable->columns[value] == seriesName.front();
+  for (std::size_t i = 0; approved && i < count; ++i)
+    approved = isApproved(i);
+  if (!approved) throw DocumentError::validationFailed("chart data differs from the approved columns");
+}
+
+}  // namespace zelvo

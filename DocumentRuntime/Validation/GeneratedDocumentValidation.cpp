@@ -1,0 +1,64 @@
+#include "DocumentRuntime/Validation/GeneratedDocumentValidation.hpp"
+
+#include <string_view>
+
+#include "DocumentRuntime/Errors/DocumentError.hpp"
+#include "DocumentRuntime/PackageIO/OOXMLSupport.hpp"
+#include "DocumentRuntime/Validation/GeneratedDocumentProfile.hpp"
+#include "DocumentRuntime/Validation/GeneratedPackage.hpp"
+#include "DocumentRuntime/Validation/PresentationReadBack.hpp"
+#include "DocumentRuntime/Validation/TableReadBack.hpp"
+#include "DocumentRuntime/Validation/WordReadBack.hpp"
+
+namespace zelvo {
+namespace {
+
+constexpr std::string_view packageRelationships = "_rels/.rels";
+constexpr std::string_view officeDocumentType =
+    "http://schemas.openxmlformats.org/officeDocument/2006/relationships/officeDocument";
+
+/// The package must lead to its main part, and to nothing else.
+void checkMainRelationship(const GeneratedPackage& package, std::string_view mainPart) {
+  const auto relationships = package.parsed(packageRelationships);
+  const XMLElements children = relationships.root().children();
+  const bool leadsToMainPart = children.size() == 1 && [&] {
+    const XMLNode relationship = *children.begin();
+    return relationship.attribute("Type") == officeDocumentType &&
+           OOXML::resolve(relationship.attribute("Target").value_or(""), packageRelationships) == mainPart;
+  }();
+  if (!leadsToMainPart) throw DocumentError::validationFailed("main document relationship");
+}
+
+}  // namespace
+
+DocumentValidation DocumentEngine::validate(ByteView data, DocumentFormat format,
+                                            const SourceTable* expectedTable,
+                                            const ChartSelection* expectedChart,
+                                            const std::stop_token& stop) {
+  const bool isPresentation = format == DocumentFormat::pptx;
+  const GeneratedPackage package(data, {.chartWorkbook = isPresentation}, stop);
+
+  const std::string_view mainPart = isPresentation ? presentationPartName : wordPartName;
+  if (!package.contains(mainPart)) throw DocumentError::validationFailed("main document part");
+  checkMainRelationship(package, mainPart);
+  const TableTexts rows =
+      isPresentation ? readPresentation(package, expectedTable, expectedChart, stop) : readWord(package);
+  checkTableDimensions(rows);
+  if (expectedTable != nullptr) compareTable(rows, *expectedTable);
+
+  DocumentValidation result{
+      .structurallyValid = true,
+      .sourceValuesVerified = expectedTable != nullptr,
+      .visuallyVerified = false,
+      .validatorVersion = std::string(GeneratedDocumentProfile::version),
+      .warnings = {"Layout has not been rendered or checked in Word/PowerPoint."},
+      .outputSHA256 = OOXML::hash(data),
+  };
+  if (expectedTable != nullptr) {
+    result.warnings.insert(result.warnings.end(), expectedTable->warnings.begin(),
+                           expectedTable->warnings.end());
+  }
+  return result;
+}
+
+}  // namespace zelvo

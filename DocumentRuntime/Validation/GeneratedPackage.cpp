@@ -1,0 +1,33 @@
+#include "DocumentRuntime/Validation/GeneratedPackage.hpp"
+
+#include "DocumentRuntime/Errors/DocumentError.hpp"
+#include "DocumentRuntime/Validation/GeneratedDocumentProfile.hpp"
+
+namespace zelvo {
+
+GeneratedPackage::GeneratedPackage(ByteView bytes, OOXML::PackageAllowance allowance,
+                                   const std::stop_token& stop) {
+  // The gate's refusals come before the profile's, whichever part they are of.
+  std::optional<DocumentError> outsideProfile;
+  parts_ = OOXML::package(
+      bytes, allowance,
+      [&](std::string_view name, XMLTree& tree) {
+        if (outsideProfile) return;
+        try {
+          GeneratedDocumentProfile::check(tree.root());
+        } catch (const DocumentError& error) {
+          outsideProfile = error;
+        }
+        trees_.keep(name, tree);
+      },
+      stop);
+  if (outsideProfile) throw *outsideProfile;
+}
+
+GeneratedPackage::ParsedPart GeneratedPackage::parsed(std::string_view name) const {
+  ParsedPart part;
+  part.root_ = trees_.root(name, *parts_.find(name), part.again_);
+  return part;
+}
+
+}  // namespace zelvo
