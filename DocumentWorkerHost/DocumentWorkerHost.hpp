@@ -1,0 +1,46 @@
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+#include <string>
+#include <variant>
+
+#include "DocumentWorkerHost/WorkerFailure.hpp"
+#include "DocumentWorkerProtocol/DocumentWorkerMessage.hpp"
+
+namespace zelvo {
+
+/// What came of a request: the worker's response, which may be a refusal (`error`), or why there is none.
+using WorkerReply = std::variant<DocumentWorkerResponse, WorkerFailure>;
+
+/// Has documents read and written by confined workers, one process a request.
+///
+///     const DocumentWorkerHost host("/usr/lib/zelvo/zelvo_document_worker");
+///     const WorkerReply reply = host.send({.operation = DocumentWorkerRequest::Operation::inspect,
+///                                          .data = std::move(bytes),
+///                                          .sourceName = "sales.xlsx"});
+///
+/// A host may be used by several threads at once; it keeps nothing between requests.
+class DocumentWorkerHost {
+ public:
+  /// The worker may use 45 seconds of processor time; on a busy machine that takes longer.
+  static constexpr std::chrono::seconds defaultTimeout{180};
+
+  /// No document of this size fits into a request: base64 alone fills it. Who reads a document from elsewhere
+  /// can stop here.
+  static constexpr std::size_t unsendableBytes = DocumentWorkerWire::maximumMessageBytes / 4 * 3;
+
+  /// `workerPath` is the worker's executable; it is not searched for. `timeout` is wall-clock time a request.
+  explicit DocumentWorkerHost(std::string workerPath, std::chrono::milliseconds timeout = defaultTimeout);
+
+  /// Sends a request, whose texts are valid UTF-8, and waits for the reply. A response holds exactly what its
+  /// operation promises, or `error` alone; its texts come from the document and are as trustworthy as that.
+  /// `std::bad_alloc` comes out, no other error.
+  WorkerReply send(const DocumentWorkerRequest& request) const;
+
+ private:
+  std::string workerPath_;
+  std::chrono::milliseconds timeout_;
+};
+
+}  // namespace zelvo

@@ -1,0 +1,110 @@
+#include "DocumentWorkerHost/WorkerFailure.hpp"
+
+#include <cerrno>
+#include <chrono>
+#include <csignal>
+#include <system_error>
+
+#include "System/ChildProcess.hpp"
+
+namespace zelvo {
+namespace {
+
+using Kind = WorkerFailure::Kind;
+
+/// Linux kills with SIGKILL, not SIGXCPU, where the soft limit of processor time is the hard one, as the
+/// worker sets them: at 45 seconds as counted by ticks, from which the precise count reported afterwards
+/// differs a little.
+constexpr std::chrono::seconds cpuTimeOfLimitKill{43};
+
+std::string sentence(Kind kind, int code) {
+  switch (kind) {
+    using enum WorkerFailure::Kind;
+    case requestTooLarge:
+      return "The document is too large: a request to the worker carries less than 30 MiB.";
+    case notFound:
+      return "The worker was not found.";
+    case notRun:
+      return "The worker could not be run: " + std::generic_category().message(code) + ".";
+    case timedOut:
+      return "The worker did not end in time and was stopped.";
+    case responseTooLarge:
+      return "The worker wrote more than the largest response and was stopped.";
+    case gaveNoResponse:
+      return "The worker gave no response (status 65): it could not use the request, the response was too "
+             "large, or memory ran out.";
+    case notConfined:
+      return "The worker refused to work because it could not confine itself (status 78).";
+    case unknownStatus:
+      return "The worker ended with the unknown status " + std::to_string(code) + ".";
+    case cpuTimeUsedUp:
+      return "The worker used up its processor time.";
+    case brokenInvariant:
+      return "The worker was stopped at a system call that it never makes (SIGSYS). This is a defect or an "
+             "attack; the confinement held.";
+    case killed:
+      return "The worker was killed (SIGKILL). Memory may have run out.";
+    case crashed:
+      return "The worker crashed (signal " + std::to_string(code) + ").";
+    case unreadableResponse:
+      return "The worker's response cannot be read.";
+  }
+  return "The worker failed.";
+}
+
+/// The first line of a program's complaint: what a loader or a sanitizer says. The worker itself writes none.
+std::string firstLine(const std::string& errorOutput) {
+  constexpr std::size_t longest = 200;
+  return errorOutput.substr(0, errorOutput.find('\n')).substr(0, longest);
+}
+
+WorkerFailure failureOfStatus(const ChildResult& result) {
+  constexpr int unusable = 65;
+  constexpr int unconfined = 78;
+  switch (result.code) {
+    case unusable:
+      return {Kind::gaveNoResponse};
+    case unconfined:
+      return {Kind::notConfined};
+    default:
+      return {Kind::unknownStatus, result.code, firstLine(result.errorOutput)};
+  }
+}
+
+WorkerFailure failureOfSignal(const ChildResult& result) {
+  switch (result.code) {
+    case SIGXCPU:
+      return {Kind::cpuTimeUsedUp};
+    case SIGKILL:
+      return {result.cpuTime >= cpuTimeOfLimitKill ? Kind::cpuTimeUsedUp : Kind::killed};
+    case SIGSYS:
+      return {Kind::brokenInvariant};
+    default:
+      return {Kind::crashed, result.code, firstLine(result.errorOutput)};
+  }
+}
+
+}  // namespace
+
+std::string WorkerFailure::message() const {
+  const std::string text = sentence(kind, code);
+  return detail.empty() ? text : text + " (" + detail + ")";
+}
+
+std::optional<WorkerFailure> WorkerFailure::of(const ChildResult& result, const std::string& workerPath) {
+  switch (result.outcome) {
+    case ChildOutcome::failed:
+      return WorkerFailure{result.code == ENOENT ? Kind::notFound : Kind::notRun, result.code, workerPath};
+    case ChildOutcome::timedOut:
+      return WorkerFailure{Kind::timedOut};
+    case ChildOutcome::outputTooLarge:
+      return WorkerFailure{Kind::responseTooLarge};
+    case ChildOutcome::killed:
+      return failureOfSignal(result);
+    case ChildOutcome::exited:
+      if (result.code != 0) return failureOfStatus(result);
+  }
+  return std::nullopt;
+}
+
+}  // namespace zelvo

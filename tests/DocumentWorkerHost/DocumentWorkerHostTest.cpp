@@ -1,0 +1,159 @@
+#include <chrono>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "DocumentRuntime/Coding/JsonCoding.hpp"
+#include "DocumentWorkerHost/DocumentWorkerHost.hpp"
+#include "Support/FakeWorker.hpp"
+#include "Support/TemporaryFolder.hpp"
+
+namespace zelvo {
+namespace {
+
+using namespace std::chrono_literals;
+using Kind = WorkerFailure::Kind;
+using Operation = DocumentWorkerRequest::Operation;
+
+DocumentWorkerRequest requestOf(std::string_view document) {
+  DocumentWorkerRequest request;
+  request.operation = Operation::inspect;
+  request.data = ByteBuffer::copyOf(document);
+  request.sourceName = "book.xlsx";
+  return request;
+}
+
+const WorkerFailure& failureIn(const WorkerReply& reply) {
+  static const WorkerFailure none = {Kind::notRun, 0, "there is a response"};
+  const auto* failure = std::get_if<WorkerFailure>(&reply);
+  return failure != nullptr ? *failure : none;
+}
+
+struct Breakage {
+  std::string act;
+  Kind expected;
+  std::string message;
+};
+
+TEST(DocumentWorkerHost, NamesEveryWayInWhichAWorkerBreaks) {
+  const std::vector<Breakage> rows = {
+      {"exit 65", Kind::gaveNoResponse,
+       "The worker gave no response (status 65): it could not use the request, the response was too large, "
+       "or "
+       "memory ran out."},
+      {"exit 78", Kind::notConfined,
+       "The worker refused to work because it could not confine itself (status 78)."},
+      {"exit 3", Kind::unknownStatus, "The worker ended with the unknown status 3. (fake worker: exit)"},
+      {"signal 24", Kind::cpuTimeUsedUp, "The worker used up its processor time."},
+      {"signal 9", Kind::killed, "The worker was killed (SIGKILL). Memory may have run out."},
+      {"signal 31", Kind::brokenInvariant,
+       "The worker was stopped at a system call that it never makes (SIGSYS). This is a defect or an attack; "
+       "the confinement held."},
+      {"signal 11", Kind::crashed, "The worker crashed (signal 11)."},
+      {"hang", Kind::timedOut, "The worker did not end in time and was stopped."},
+      {"flood", Kind::responseTooLarge, "The worker wrote more than the largest response and was stopped."},
+      {"say ", Kind::unreadableResponse, ""},
+      {"say {\"inspection\":", Kind::unreadableResponse, ""},
+      {"say {\"error\":1}", Kind::unreadableResponse, ""},
+      {"say {\"error\":\"\xff\"}", Kind::unreadableResponse, ""},
+      {"say {}", Kind::unreadableResponse,
+       "The worker's response cannot be read. (It does not answer the request.)"},
+  };
+  // Larger than any pipe, and no fake reads it: neither side may wait for the other.
+  const DocumentWorkerRequest request = requestOf(std::string(5'000'000, 'x'));
+  for (const Breakage& row : rows) {
+    const testing::TemporaryFolder folder;
+    const auto timeout = row.act == "hang" ? 200ms : 60s;
+    const DocumentWorkerHost host(testing::placeFakeWorker(folder, row.act), timeout);
+    const WorkerReply reply = host.send(request);
+    EXPECT_EQ(failureIn(reply).kind, row.expected) << row.act << ": " << failureIn(reply).message();
+    if (!row.message.empty()) {
+      EXPECT_EQ(failureIn(reply).message(), row.message);
+    }
+  }
+}
+
+TEST(DocumentWorkerHost, SaysThatThereIsNoWorker) {
+  const testing::TemporaryFolder folder;
+  const WorkerReply missing = DocumentWorkerHost(folder.path("none")).send(requestOf("x"));
+  EXPECT_EQ(failureIn(missing).kind, Kind::notFound);
+  EXPECT_EQ(failureIn(missing).message(), "The worker was not found. (" + folder.path("none") + ")");
+
+  const std::string text = folder.write("text", "no program");
+  EXPECT_EQ(failureIn(DocumentWorkerHost(text).send(requestOf("x"))).message(),
+            "The worker could not be run: Permission denied. (" + text + ")");
+}
+
+TEST(DocumentWorkerHost, SendsTheLargestRequestAndStartsNothingForALargerOne) {
+  const testing::TemporaryFolder folder;
+  const DocumentWorkerHost host(testing::placeFakeWorker(folder, "exit 65"));
+  const std::size_t overhead = toJson(requestOf("")).size();
+  constexpr std::size_t padding = 1000;  // room to meet the bound to the byte
+  const std::size_t documentBytes = (DocumentWorkerWire::maximumMessageBytes - overhead - padding) / 4 * 3;
+
+  DocumentWorkerRequest request = requestOf(std::string(documentBytes, 'x'));
+  const std::size_t spare = DocumentWorkerWire::maximumMessageBytes - toJson(request).size();
+  request.sourceName.append(spare, 'x');
+  EXPECT_EQ(failureIn(host.send(request)).kind, Kind::gaveNoResponse);
+
+  request.sourceName += 'x';
+  EXPECT_EQ(failureIn(host.send(request)).kind, Kind::requestTooLarge);
+  EXPECT_EQ(failureIn(host.send(requestOf(std::string(DocumentWorkerHost::unsendableBytes, 'x')))).message(),
+            "The document is too large: a request to the worker carries less than 30 MiB.");
+}
+
+TEST(DocumentWorkerHost, AcceptsOnlyWhatTheOperationPromises) {
+  const std::string validation =
+      R"("validation":{"structurallyValid":true,"sourceValuesVerified":true,"visuallyVerified":false,)"
+      R"("validatorVersion":"1","warnings":[],"outputSHA256":""})";
+  const std::string error = R"("error":"no")";
+  struct Row {
+    Operation operation;
+    std::string members;
+    bool isAccepted;
+  };
+  const std::vector<Row> rows = {
+      {Operation::validate, validation, true},
+      {Operation::validate, error, true},
+      {Operation::validate, validation + "," + error, false},
+      {Operation::inspect, validation, false},
+      {Operation::create, error, true},
+  };
+  for (const Row& row : rows) {
+    const testing::TemporaryFolder folder;
+    const DocumentWorkerHost host(testing::placeFakeWorker(folder, "say {" + row.members + "}"));
+    DocumentWorkerRequest request = requestOf("x");
+    request.operation = row.operation;
+    EXPECT_EQ(std::holds_alternative<DocumentWorkerResponse>(host.send(request)), row.isAccepted)
+        << row.members;
+  }
+}
+
+TEST(DocumentWorkerHost, SpeaksToTheRealWorker) {
+  const DocumentWorkerHost host(REAL_WORKER);
+  const WorkerReply refused = host.send(requestOf("no workbook, but longer than 22 bytes"));
+  const auto* response = std::get_if<DocumentWorkerResponse>(&refused);
+  ASSERT_NE(response, nullptr) << failureIn(refused).message();
+  EXPECT_EQ(response->error, "The document archive is invalid: missing ZIP directory");
+
+  std::ifstream file(EXAMPLE_WORKBOOK, std::ios::binary);
+  const std::string book{std::istreambuf_iterator<char>(file), {}};
+  const WorkerReply inspected = host.send(requestOf(book));
+  response = std::get_if<DocumentWorkerResponse>(&inspected);
+  ASSERT_NE(response, nullptr) << failureIn(inspected).message();
+  ASSERT_TRUE(response->inspection) << response->error.value_or("");
+  ASSERT_EQ(response->inspection->sheets.size(), 5U);
+  EXPECT_EQ(response->inspection->sheets[1], (WorksheetInspection{.name = "Orders",
+                                                                  .hidden = false,
+                                                                  .populatedRange = "A1:H25",
+                                                                  .populatedCellCount = 200,
+                                                                  .formulaCellCount = 48,
+                                                                  .formulasMissingCache = 0,
+                                                                  .hasHiddenRowsOrColumns = true,
+                                                                  .hasAutoFilter = true}));
+}
+
+}  // namespace
+}  // namespace zelvo
