@@ -1,0 +1,59 @@
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "ToolRunner.hpp"
+
+namespace zelvo::testing {
+namespace {
+
+TEST(CommandLine, RefusesWhatMakesNoSense) {
+  struct Row {
+    std::vector<std::string> arguments;
+    std::string message;
+  };
+  const std::vector<Row> rows = {
+      {{}, "A subcommand is required"},
+      {{"inspect"}, "BOOK.xlsx is required"},
+      {{"inspect", "--jsno", "a.xlsx"}, "The following argument was not expected: --jsno"},
+      {{"inspect", "-x"}, "BOOK.xlsx is required"},
+      {{"--json", "inspect", "a.xlsx"}, "The following argument was not expected: --json"},
+  };
+  for (const Row& row : rows) {
+    EXPECT_EQ(zelvo(row.arguments), (ToolRun{2, "", "zelvo: " + row.message + " (see zelvo --help)\n"}));
+  }
+}
+
+TEST(CommandLine, HelpsOnStandardOutput) {
+  EXPECT_EQ(zelvo({"--version"}), (ToolRun{0, "zelvo " ZELVO_VERSION "\n", ""}));
+  for (const std::vector<std::string>& arguments :
+       {std::vector<std::string>{"--help"}, {"inspect", "--help"}}) {
+    const ToolRun help = zelvo(arguments);
+    EXPECT_EQ(help.status, 0);
+    EXPECT_EQ(help.errors, "");
+    EXPECT_NE(help.output.find("\nExit status: 0 success, "), std::string::npos) << help.output;
+  }
+}
+
+// A list that the parser takes apart, names of its own words, and what looks like an option.
+TEST(CommandLine, TakesFileNamesAsTheyAre) {
+  const std::vector<std::string> names = {"[a,b]", "[]", "a,b", "{}", "inspect", "", "-x", "--", "--json"};
+  std::vector<std::string> arguments = {"inspect", "--"};
+  std::string errors;
+  for (const std::string& name : names) {
+    arguments.push_back(name);
+    errors += "zelvo: The file cannot be read: " + name + ": No such file or directory\n";
+  }
+  const ToolRun run = zelvo(arguments);
+  EXPECT_EQ(run.status, 1);
+  EXPECT_EQ(run.errors, errors);
+}
+
+TEST(CommandLine, SaysThatStandardOutputIsFull) {
+  const ToolRun full = run("/bin/sh", {"-c", "\"$0\" --version > /dev/full", TOOL});
+  EXPECT_EQ(full, (ToolRun{1, "", "zelvo: Standard output cannot be written.\n"}));
+}
+
+}  // namespace
+}  // namespace zelvo::testing

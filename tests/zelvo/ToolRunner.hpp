@@ -1,0 +1,69 @@
+#pragma once
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "Support/FakeWorker.hpp"
+#include "Support/TemporaryFolder.hpp"
+#include "System/ChildProcess.hpp"
+
+namespace zelvo::testing {
+
+/// What a run of the tool did.
+struct ToolRun {
+  int status;
+  std::string output;
+  std::string errors;
+
+  bool operator==(const ToolRun&) const = default;
+};
+
+inline std::ostream& operator<<(std::ostream& stream, const ToolRun& run) {
+  return stream << "status " << run.status << "\n--- output\n"
+                << run.output << "\n--- errors\n"
+                << run.errors;
+}
+
+inline ToolRun run(const std::string& program, const std::vector<std::string>& arguments,
+                   std::string_view input = {}) {
+  constexpr std::size_t outputBytes = 1 << 20;
+  const ChildResult result =
+      runChildProcess({.program = program, .arguments = arguments}, input,
+                      {.outputBytes = outputBytes, .wallClock = std::chrono::seconds(60)});
+  EXPECT_EQ(result.outcome, ChildOutcome::exited) << "code " << result.code;
+  return {result.code, result.output, result.errorOutput};
+}
+
+/// Runs the tool beside the real worker.
+inline ToolRun zelvo(const std::vector<std::string>& arguments, std::string_view input = {}) {
+  return run(TOOL, arguments, input);
+}
+
+/// The tool in a folder of its own, where a test puts the worker of its choice, or none.
+class DisplacedTool {
+ public:
+  DisplacedTool() { std::filesystem::create_hard_link(TOOL, path_); }
+  explicit DisplacedTool(std::string_view act) : DisplacedTool() { placeFakeWorker(folder_, act); }
+
+  const TemporaryFolder& folder() const { return folder_; }
+  ToolRun run(const std::vector<std::string>& arguments, std::string_view input = {}) const {
+    return testing::run(path_, arguments, input);
+  }
+
+ private:
+  TemporaryFolder folder_;
+  std::string path_ = folder_.path("zelvo");
+};
+
+inline std::string contentOf(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+}  // namespace zelvo::testing

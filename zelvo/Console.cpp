@@ -1,0 +1,32 @@
+#include "zelvo/Console.hpp"
+
+#include <cstdio>
+#include <string>
+
+#include "zelvo/TerminalText.hpp"
+
+namespace zelvo::Console {
+namespace {
+
+void write(std::FILE* stream, std::string_view text) {
+  // A failure leaves its mark on the stream, and `finish` sees it.
+  static_cast<void>(std::fwrite(text.data(), 1, text.size(), stream));
+}
+
+}  // namespace
+
+void print(std::string_view text) {
+  write(stdout, text);
+}
+
+void complain(std::string_view message) {
+  static_cast<void>(std::fflush(stdout));
+  write(stderr, "zelvo: " + printable(message) + "\n");
+}
+
+bool finish() {
+  const bool isFlushed = std::fflush(stdout) == 0;
+  return isFlushed && std::ferror(stdout) == 0;
+}
+
+}  // namespace zelvo::Console

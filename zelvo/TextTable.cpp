@@ -1,0 +1,37 @@
+#include "zelvo/TextTable.hpp"
+
+#include <algorithm>
+#include <utility>
+
+#include "Text/TerminalWidth.hpp"
+#include "zelvo/TerminalText.hpp"
+
+namespace zelvo {
+
+void TextTable::addRow(const std::vector<std::string>& texts) {
+  std::vector<Cell>& row = rows_.emplace_back();
+  for (std::size_t i = 0; i < aligns_.size(); ++i) {
+    std::string text = printable(texts.at(i));
+    const std::size_t columns = terminalColumns(text);
+    widths_[i] = std::max(widths_[i], columns);
+    row.push_back({std::move(text), columns});
+  }
+}
+
+std::string TextTable::text(std::size_t indent) const {
+  constexpr std::size_t gap = 2;
+  std::string text;
+  for (const std::vector<Cell>& row : rows_) {
+    std::size_t due = indent;  // spaces that stand before the next text; none are left over at the end
+    for (std::size_t i = 0; i < row.size(); ++i) {
+      const std::size_t padding = widths_[i] - row[i].columns;
+      const bool isRight = aligns_[i] == Align::right;
+      text.append(due + (isRight ? padding : 0), ' ').append(row[i].text);
+      due = gap + (isRight ? 0 : padding);
+    }
+    text += '\n';
+  }
+  return text;
+}
+
+}  // namespace zelvo
