@@ -1,0 +1,90 @@
+#include "DocumentRuntime/Coding/Base64.hpp"
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+
+namespace zelvo::Base64 {
+namespace {
+
+constexpr std::string_view alphabet = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+
+/// Stands above the 24 bits of a group, so that it survives every "or" and is looked at once.
+constexpr std::uint32_t invalid = 1U << 31;
+
+/// What a character adds to its group of 24 bits, one table for each of the four places.
+using PlaceTable = std::array<std::uint32_t, 256>;
+
+constexpr PlaceTable placeTable(unsigned shift) {
+  PlaceTable table{};
+  table.fill(invalid);
+  for (std::uint32_t i = 0; i < alphabet.size(); ++i) {
+    table[static_cast<unsigned char>(alphabet[i])] = i << shift;
+  }
+  return table;
+}
+
+constexpr PlaceTable place0 = placeTable(18);
+constexpr PlaceTable place1 = placeTable(12);
+constexpr PlaceTable place2 = placeTable(6);
+constexpr PlaceTable place3 = placeTable(0);
+
+std::uint32_t group(const unsigned char* text) {
+  return place0[text[0]] | place1[text[1]] | place2[text[2]] | place3[text[3]];
+}
+
+std::uint8_t byteOf(std::uint32_t group, unsigned shift) {
+  return static_cast<std::uint8_t>(group >> shift);
+}
+
+}  // namespace
+
+std::optional<ByteBuffer> decode(std::string_view text) {
+  if (text.size() % 4 != 0) return std::nullopt;
+  if (text.empty()) return ByteBuffer();
+  const std::size_t padding = text.ends_with("==") ? 2 : text.ends_with('=') ? 1 : 0;
+  const std::size_t wholeGroups = text.size() / 4 - (padding > 0 ? 1 : 0);
+
+  ByteBuffer bytes(text.size() / 4 * 3 - padding);
+  const auto* in = reinterpret_cast<const unsigned char*>(text.data());
+  std::uint8_t* out = bytes.data();
+  std::uint32_t seen = 0;
+  for (std::size_t i = 0; i < wholeGroups; ++i, in += 4, out += 3) {
+    const std::uint32_t bits = group(in);
+    seen |= bits;
+    out[0] = byteOf(bits, 16);
+    out[1] = byteOf(bits, 8);
+    out[2] = byteOf(bits, 0);
+  }
+  if (padding > 0) {
+    const std::uint32_t bits = place0[in[0]] | place1[in[1]] | (padding == 1 ? place2[in[2]] : 0);
+    const std::uint32_t trailing = padding == 1 ? 0xFFU : 0xFFFFU;
+    if ((bits & trailing) != 0) return std::nullopt;
+    seen |= bits;
+    out[0] = byteOf(bits, 16);
+    if (padding == 1) out[1] = byteOf(bits, 8);
+  }
+  if ((seen & invalid) != 0) return std::nullopt;
+  return bytes;
+}
+
+void append(std::string& out, ByteView bytes) {
+  const std::size_t start = out.size();
+  out.resize(start + encodedSize(bytes.size()));
+  char* text = out.data() + start;
+  const auto write = [&text](std::uint32_t bits) {
+    for (const unsigned shift : {18U, 12U, 6U, 0U})
+      *text++ = alphabet[bits >> shift & 0x3FU];
+  };
+  const std::uint8_t* in = bytes.data();
+  std::size_t left = bytes.size();
+  for (; left >= 3; left -= 3, in += 3) {
+    write(std::uint32_t{in[0]} << 16 | std::uint32_t{in[1]} << 8 | in[2]);
+  }
+  if (left == 0) return;
+  write(std::uint32_t{in[0]} << 16 | (left == 2 ? std::uint32_t{in[1]} << 8 : 0));
+  text[-1] = '=';
+  if (left == 1) text[-2] = '=';
+}
+
+}  // namespace zelvo::Base64

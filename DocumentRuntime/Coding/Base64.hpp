@@ -1,0 +1,23 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "DocumentRuntime/Records/ByteBuffer.hpp"
+
+/// Standard base64: the alphabet with "+" and "/", padded with "=".
+namespace zelvo::Base64 {
+
+/// The bytes of a text that `append` could have written, and none for every other text: white space, missing
+/// or misplaced padding, other alphabets, and bits behind the last byte that are not zero.
+std::optional<ByteBuffer> decode(std::string_view text);
+
+void append(std::string& out, ByteView bytes);
+
+/// How many characters `append` writes for so many bytes.
+constexpr std::size_t encodedSize(std::size_t bytes) {
+  return (bytes + 2) / 3 * 4;
+}
+
+}  // namespace zelvo::Base64

@@ -1,0 +1,166 @@
+#pragma once
+
+#include <algorithm>
+#include <concepts>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "DocumentRuntime/Coding/JsonReader.hpp"
+#include "DocumentRuntime/Coding/JsonWriter.hpp"
+#include "DocumentRuntime/Records/ByteBuffer.hpp"
+
+/// How records go to and from JSON. A type takes part by a pair of functions,
+///
+///     void encode(JsonWriter&, const Type&);
+///     void decode(JsonValue, Type&);
+///
+/// found by their arguments' namespace (so they, and `eachField`, stand in it, not in an unnamed one). A
+/// record that is an object of its fields lists them once for both directions:
+///
+///     template <ConstOrNot<Point> Record>
+///     void eachField(Record& point, const auto& field) {
+///       field("x", point.x);
+///       field("label", point.label);  // a std::optional: left out when absent, absent when missing or null
+///     }
+///     void encode(JsonWriter& writer, const Point& point) { encodeFields(writer, point); }
+///     void decode(JsonValue value, Point& point) { decodeFields(value, point); }
+namespace zelvo {
+
+/// `T` or `const T`.
+template <typename Given, typename T>
+concept ConstOrNot = std::same_as<std::remove_const_t<Given>, T>;
+
+inline void decode(JsonValue value, bool& field) {
+  field = value.boolean();
+}
+inline void decode(JsonValue value, std::int64_t& field) {
+  field = value.integer();
+}
+inline void decode(JsonValue value, double& field) {
+  field = value.number();
+}
+inline void decode(JsonValue value, std::string& field) {
+  field = value.string();
+}
+inline void decode(JsonValue value, ByteBuffer& field) {
+  field = value.bytes();
+}
+
+// Nothing converts to the type that is encoded: a string literal must not go out as a boolean.
+void encode(JsonWriter& writer, std::same_as<bool> auto field) {
+  writer.boolean(field);
+}
+void encode(JsonWriter& writer, std::same_as<std::int64_t> auto field) {
+  writer.integer(field);
+}
+void encode(JsonWriter& writer, std::same_as<double> auto field) {
+  writer.number(field);
+}
+inline void encode(JsonWriter& writer, const std::string& field) {
+  writer.string(field);
+}
+inline void encode(JsonWriter& writer, const ByteBuffer& field) {
+  writer.bytes(field.view());
+}
+
+template <typename T>
+void decode(JsonValue value, std::vector<T>& list) {
+  const JsonArray array = value.array();
+  list.clear();
+  list.reserve(array.size());
+  for (const JsonValue element : array)
+    decode(element, list.emplace_back());
+}
+
+template <typename T>
+void encode(JsonWriter& writer, const std::vector<T>& list) {
+  writer.beginArray();
+  for (const T& element : list)
+    encode(writer, element);
+  writer.endArray();
+}
+
+/// Fills fields from the members of an object.
+class FieldDecoder {
+ public:
+  explicit FieldDecoder(JsonObject object) : object_(object) {}
+
+  template <typename T>
+  void operator()(std::string_view key, T& field) const {
+    decode(object_.required(key), field);
+  }
+  template <typename T>
+  void operator()(std::string_view key, std::optional<T>& field) const {
+    field.reset();
+    if (const auto value = object_.optional(key)) decode(*value, field.emplace());
+  }
+
+ private:
+  JsonObject object_;
+};
+
+/// Writes fields as the members of an object.
+class FieldEncoder {
+ public:
+  explicit FieldEncoder(JsonWriter& writer) : writer_(writer) {}
+
+  template <typename T>
+  void operator()(std::string_view key, const T& field) const {
+    writer_.key(key);
+    encode(writer_, field);
+  }
+  template <typename T>
+  void operator()(std::string_view key, const std::optional<T>& field) const {
+    if (field) (*this)(key, *field);
+  }
+
+ private:
+  JsonWriter& writer_;
+};
+
+template <typename Record>
+void decodeFields(JsonValue value, Record& record) {
+  eachField(record, FieldDecoder(value.object()));
+}
+
+template <typename Record>
+void encodeFields(JsonWriter& writer, const Record& record) {
+  writer.beginObject();
+  eachField(record, FieldEncoder(writer));
+  writer.endObject();
+}
+
+/// The enumerator whose place is that of the string among `names`.
+template <typename Enumeration>
+Enumeration decodeName(JsonValue value, std::span<const std::string_view> names) {
+  const std::string_view name = value.string();
+  const auto found = std::find(names.begin(), names.end(), name);
+  if (found == names.end()) value.fail("Unknown value.");
+  return static_cast<Enumeration>(found - names.begin());
+}
+
+/// A record from its JSON text. Throws `DecodingError`. The text is given up: it is freed before this
+/// returns.
+template <typename Record>
+Record fromJson(std::string text) {
+  const JsonDocument document(std::move(text));
+  Record record;
+  decode(document.root(), record);
+  return record;
+}
+
+/// A record's JSON text, compact. `expectedBytes` spares copies where the size can be told beforehand.
+template <typename Record>
+std::string toJson(const Record& record, std::size_t expectedBytes = 0) {
+  JsonWriter writer(expectedBytes);
+  encode(writer, record);
+  return writer.take();
+}
+
+}  // namespace zelvo

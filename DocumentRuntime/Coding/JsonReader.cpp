@@ -1,0 +1,158 @@
+#include "DocumentRuntime/Coding/JsonReader.hpp"
+
+#include <algorithm>
+#include <functional>
+
+#include <boost/json/basic_parser_impl.hpp>
+
+namespace zelvo {
+
+namespace json = boost::json;
+
+/// Takes the parser's events down as tokens, and packs the decoded texts towards the front of the source.
+///
+/// `packed_` is the end of what has been packed. It never passes the place that the parser has read to,
+/// because what is packed came from at least as many bytes of the source: an escape is longer than what it
+/// stands for. The parser never looks back at what it has reported.
+class JsonDocument::Builder {
+ public:
+  explicit Builder(JsonDocument& document) : text_(document.text_), tokens_(document.tokens_) {}
+
+  // NOLINTBEGIN(readability-identifier-naming): these names are what the parser asks for.
+  static constexpr std::size_t max_object_size = maximumTextBytes;
+  static constexpr std::size_t max_array_size = maximumTextBytes;
+  static constexpr std::size_t max_key_size = maximumTextBytes;
+  static constexpr std::size_t max_string_size = maximumTextBytes;
+
+  using Text = json::string_view;
+  using Failure = json::error_code;
+
+  bool on_document_begin(Failure&) { return true; }
+  bool on_document_end(Failure&) { return true; }
+  bool on_comment_part(Text, Failure&) { return true; }
+  bool on_comment(Text, Failure&) { return true; }
+
+  bool on_null(Failure&) { return add(JsonKind::null, 0, 0); }
+  bool on_bool(bool value, Failure&) { return add(JsonKind::boolean, value ? 1 : 0, 0); }
+
+  // The parser's conversion of numbers is inexact: only their texts are taken.
+  bool on_number_part(Text part, Failure&) { return pack(part); }
+  bool on_int64(std::int64_t, Text part, Failure&) { return addText(JsonKind::number, part); }
+  bool on_uint64(std::uint64_t, Text part, Failure&) { return addText(JsonKind::number, part); }
+  bool on_double(double, Text part, Failure&) { return addText(JsonKind::number, part); }
+
+  bool on_key_part(Text part, std::size_t, Failure&) { return pack(part); }
+  bool on_key(Text part, std::size_t, Failure&) { return addText(JsonKind::string, part); }
+  bool on_string_part(Text part, std::size_t, Failure&) { return pack(part); }
+  bool on_string(Text part, std::size_t, Failure&) { return addText(JsonKind::string, part); }
+
+  bool on_array_begin(Failure&) { return open(JsonKind::array); }
+  bool on_array_end(std::size_t count, Failure&) { return close(count); }
+  bool on_object_begin(Failure&) { return open(JsonKind::object); }
+  bool on_object_end(std::size_t count, Failure&) { return close(count); }
+  // NOLINTEND(readability-identifier-naming)
+
+ private:
+  bool add(JsonKind kind, std::size_t start, std::size_t extent) {
+    Token& token = tokens_.emplace_back();
+    token.start = static_cast<std::uint32_t>(start);
+    token.kind = kind;
+    token.extent = extent & maximumTextBytes;
+    return true;
+  }
+
+  /// Appends a piece of the string or number that is being read. The first piece of most stands in the
+  /// source, and stays where it is: a long string is not moved.
+  bool pack(Text piece) {
+    if (!inText_) {
+      if (standsInSource(piece)) packed_ = static_cast<std::size_t>(piece.data() - text_.data());
+      start_ = packed_;
+      inText_ = true;
+    }
+    char* const target = text_.data() + packed_;
+    if (target != piece.data()) std::copy(piece.begin(), piece.end(), target);
+    packed_ += piece.size();
+    return true;
+  }
+
+  bool addText(JsonKind kind, Text lastPiece) {
+    pack(lastPiece);
+    inText_ = false;
+    return add(kind, start_, packed_ - start_);
+  }
+
+  bool standsInSource(Text piece) const {
+    const std::less<> before;
+    return !before(piece.data(), text_.data()) && before(piece.data(), text_.data() + text_.size());
+  }
+
+  bool open(JsonKind kind) {
+    unclosed_.push_back(tokens_.size());
+    return add(kind, 0, 0);
+  }
+
+  bool close(std::size_t count) {
+    Token& token = tokens_[unclosed_.back()];
+    token.start = static_cast<std::uint32_t>(count);
+    token.extent = (tokens_.size() - unclosed_.back() - 1) & maximumTextBytes;
+    unclosed_.pop_back();
+    return true;
+  }
+
+  std::string& text_;
+  std::vector<Token>& tokens_;
+  std::vector<std::size_t> unclosed_;
+  std::size_t packed_ = 0;
+  std::size_t start_ = 0;
+  bool inText_ = false;
+};
+
+JsonDocument::JsonDocument(std::string text) : text_(std::move(text)) {
+  if (text_.size() > maximumTextBytes) throw DecodingError("The JSON is too long.");
+  // Every token but the root's stands for two bytes at least, itself and what separates it from the next.
+  // Memory that no token reaches is never resident.
+  tokens_.reserve(text_.size() / 2 + 1);
+
+  json::parse_options options;
+  options.max_depth = maximumDepth;
+  json::basic_parser<Builder> parser(options, *this);
+  json::error_code failure;
+  const std::size_t consumed = parser.write_some(false, text_.data(), text_.size(), failure);
+  if (!failure && consumed < text_.size()) failure = json::error::extra_data;
+  if (failure) {
+    throw DecodingError("The JSON is malformed at byte " + std::to_string(consumed) + ": " +
+                        failure.message() + ".");
+  }
+}
+
+std::uint32_t JsonDocument::next(std::uint32_t index) const {
+  const Token& token = tokens_[index];
+  const bool holdsTokens = token.kind == JsonKind::array || token.kind == JsonKind::object;
+  return index + 1 + (holdsTokens ? token.extent : 0);
+}
+
+std::string JsonDocument::path(std::uint32_t index) const {
+  std::string path;
+  std::uint32_t current = 0;
+  while (current != index) {
+    const bool isObject = tokens_[current].kind == JsonKind::object;
+    std::uint32_t child = current + 1;
+    for (std::size_t position = 0;; ++position) {
+      const std::uint32_t value = isObject ? child + 1 : child;
+      if (index < next(value)) {
+        if (!isObject) {
+          path += '[' + std::to_string(position) + ']';
+        } else {
+          if (!path.empty()) path += '.';
+          path += text(tokens_[child]);
+        }
+        current = value;
+        break;
+      }
+      child = next(value);
+    }
+  }
+  return path;
+}
+
+}  // namespace zelvo
