@@ -98,7 +98,7 @@ std::vector<Refusal> refusals() {
       {"ZIP64 offset", [](A a) { a.end.directoryOffset = 0xFFFFFFFF; }, directoryKind},
       {"directory past the end", [](A a) { a.end.directoryOffset = 0xFFFFFFFE; }, directoryBounds},
       {"directory size", [](A a) { a.end.directorySize = 46; }, directoryBounds},
-      {"gap behind the directory", [](A a) { a.gap = "?"; }, directoryBounds},
+      {"gap behind the directory", [](A a) { a.gap += '?'; }, directoryBounds},
       {"central signature", middle([](E e) { e.central.signature = 0; }), directoryEntry},
       {"no name", middle([](E e) { e.central.nameLength = 0; }), entryBounds},
       {"central lengths", middle([](E e) { e.central.commentLength = 0xFFFF; }), entryBounds},

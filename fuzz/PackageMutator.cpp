@@ -1,0 +1,88 @@
+#include "fuzz/PackageMutator.hpp"
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include "DocumentRuntime/Errors/DocumentError.hpp"
+#include "DocumentRuntime/PackageIO/BoundedZIP.hpp"
+#include "Support/ArchiveBuilder.hpp"
+
+extern "C" std::size_t LLVMFuzzerMutate(std::uint8_t* data, std::size_t size, std::size_t maximumSize);
+
+namespace zelvo::fuzzing {
+namespace {
+
+using testing::ArchiveBuilder;
+using testing::EntryHeader;
+
+/// How much longer one mutation may make a text.
+constexpr std::size_t growth = 256;
+
+void mutate(std::string& text) {
+  const std::size_t size = text.size();
+  text.resize(size + growth);
+  text.resize(LLVMFuzzerMutate(reinterpret_cast<std::uint8_t*>(text.data()), size, text.size()));
+}
+
+struct TextPart {
+  std::string name;
+  std::string text;
+};
+
+ArchiveBuilder archiveOf(const std::vector<TextPart>& parts, bool deflate) {
+  ArchiveBuilder archive;
+  for (const TextPart& part : parts) {
+    if (deflate) {
+      archive.deflated(part.name, part.text);
+    } else {
+      archive.stored(part.name, part.text);
+    }
+  }
+  return archive;
+}
+
+std::string mutatedArchive(std::vector<TextPart> parts, unsigned seed) {
+  const std::size_t chosen = seed % parts.size();
+  const bool deflate = (seed >> 8) % 2 == 0;
+  switch ((seed >> 16) % 8) {
+    case 0: {  // a stream that lies about its content
+      ArchiveBuilder archive = archiveOf(parts, true);
+      auto& entry = archive.entries[chosen];
+      mutate(entry.data);
+      entry.both([&](EntryHeader& header) {
+        header.compressedSize = static_cast<std::uint32_t>(entry.data.size());
+      });
+      return archive.bytes();
+    }
+    case 1:
+      mutate(parts[chosen].name);
+      break;
+    case 2:
+      parts.erase(parts.begin() + static_cast<std::ptrdiff_t>(chosen));
+      break;
+    default:
+      mutate(parts[chosen].text);
+  }
+  return archiveOf(parts, deflate).bytes();
+}
+
+}  // namespace
+
+std::size_t mutatePackage(std::uint8_t* data, std::size_t size, std::size_t maximumSize, unsigned seed) {
+  if ((seed >> 24) % 8 == 0) return LLVMFuzzerMutate(data, size, maximumSize);
+  std::vector<TextPart> parts;
+  try {
+    for (const Part& part : BoundedZIP::read({data, size}))
+      parts.push_back({part.name, std::string(part.bytes.text())});
+  } catch (const DocumentError&) {
+    return LLVMFuzzerMutate(data, size, maximumSize);
+  }
+  if (parts.empty()) return LLVMFuzzerMutate(data, size, maximumSize);
+  const std::string mutated = mutatedArchive(std::move(parts), seed);
+  if (mutated.size() > maximumSize) return size;
+  std::copy(mutated.begin(), mutated.end(), data);
+  return mutated.size();
+}
+
+}  // namespace zelvo::fuzzing

@@ -1,0 +1,28 @@
+// The whole way of a workbook: archive, gate, XML, sheets. Whatever comes in is described or refused, and an
+// archive that was read is written and read again as the same parts.
+
+#include "DocumentRuntime/Errors/DocumentError.hpp"
+#include "DocumentRuntime/PackageIO/BoundedZIP.hpp"
+#include "DocumentRuntime/Workbook/WorkbookReader.hpp"
+#include "fuzz/PackageMutator.hpp"
+#include "fuzz/Require.hpp"
+
+using zelvo::BoundedZIP::read;
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  const zelvo::ByteView bytes{data, size};
+  try {
+    const zelvo::PartMap parts = read(bytes);
+    if (parts.size() > 0) ZELVO_REQUIRE(read(zelvo::BoundedZIP::write(parts).view()) == parts);
+    const zelvo::WorkbookReader reader(zelvo::ByteBuffer::copyOf(bytes), "book.xlsx");
+    ZELVO_REQUIRE(reader.inspection().sheets.size() == reader.sheets().size());
+  } catch (const zelvo::DocumentError& error) {
+    ZELVO_REQUIRE(!error.detail().empty());
+  }
+  return 0;
+}
+
+extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t size, std::size_t maximumSize,
+                                               unsigned seed) {
+  return zelvo::fuzzing::mutatePackage(data, size, maximumSize, seed);
+}
