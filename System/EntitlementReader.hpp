@@ -4,6 +4,16 @@
 
 namespace zelvo {
 
+/// The keys by which the platform knows the entitlements that matter here.
+namespace entitlement {
+inline constexpr std::string_view appSandbox = "com.apple.security.app-sandbox";
+inline constexpr std::string_view networkClient = "com.apple.security.network.client";
+inline constexpr std::string_view networkServer = "com.apple.security.network.server";
+inline constexpr std::string_view inherit = "com.apple.security.inherit";
+inline constexpr std::string_view userSelectedFiles = "com.apple.security.files.user-selected.read-write";
+inline constexpr std::string_view appleEvents = "com.apple.security.automation.apple-events";
+}  // namespace entitlement
+
 /// What the platform says of one entitlement of the running process.
 enum class EntitlementValue {
   absent,

@@ -27,9 +27,13 @@ class Limits {
   /// False when the operating system refuses.
   virtual bool apply(const ResourceLimit& limit) = 0;
 
-  /// Gives up the right to change limits or filters again; called once, after the last limit and before the first byte
-  /// is read. False when the operating system refuses.
+  /// Gives up the right to change limits or filters again; called once, after the last limit and before the
+  /// first byte is read. False when the operating system refuses.
   virtual bool seal() = 0;
 };
+
+/// Sets a limit of the running process and reads it back. False when the operating system refuses, and when
+/// it only pretended to set it.
+bool applyToThisProcess(const ResourceLimit& limit);
 
 }  // namespace zelvo

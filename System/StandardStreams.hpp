@@ -32,13 +32,18 @@ class Output {
   virtual bool write(std::string_view bytes) = 0;
 };
 
-/// Standard input, by plain system calls.
+/// Makes a write to a closed pipe, or to a file under a file-size limit, fail; otherwise its signal ends the
+/// process. False when the operating system refuses.
+bool ignoreSignalsOfWriting();
+
+/// Standard input, by plain system calls. The descriptor must be a blocking one.
 class StandardInput final : public Input {
  public:
   std::optional<std::size_t> read(std::span<char> buffer) override;
 };
 
-/// Standard output, by plain system calls.
+/// Standard output, by plain system calls. The descriptor must be a blocking one; a regular file takes no
+/// byte under a file-size limit of 0.
 class StandardOutput final : public Output {
  public:
   bool write(std::string_view bytes) override;

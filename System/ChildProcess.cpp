@@ -1,0 +1,226 @@
+#include "System/ChildProcess.hpp"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <fcntl.h>
+#include <optional>
+#include <poll.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+
+#include "System/Descriptor.hpp"
+#include "System/SpawnPlan.hpp"
+
+namespace zelvo {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+/// What a pipe holds by default.
+constexpr std::size_t readBytes = 65536;
+/// A message for a person is shorter; a child that floods standard error is read on, and forgotten.
+constexpr std::size_t keptErrorBytes = 65536;
+/// Keeps sums with the clock's time in range.
+constexpr std::chrono::milliseconds longestWallClock = std::chrono::hours(24 * 365);
+
+/// Keeps SIGPIPE from this thread, so that writing to a child that has ended fails with EPIPE and the host
+/// lives, whatever it does with the signal otherwise.
+class SigpipeHeldBack {
+ public:
+  SigpipeHeldBack() : wasPending_(isPending()) {
+    const sigset_t sigpipe = only();
+    pthread_sigmask(SIG_BLOCK, &sigpipe, &before_);
+  }
+  SigpipeHeldBack(const SigpipeHeldBack&) = delete;
+  SigpipeHeldBack& operator=(const SigpipeHeldBack&) = delete;
+  ~SigpipeHeldBack() {
+    const sigset_t sigpipe = only();
+    int taken = 0;
+    if (!wasPending_ && isPending()) sigwait(&sigpipe, &taken);
+    pthread_sigmask(SIG_SETMASK, &before_, nullptr);
+  }
+
+ private:
+  static sigset_t only() {
+    sigset_t set;
+    sigemptyset(&set);
+    sigaddset(&set, SIGPIPE);
+    return set;
+  }
+  static bool isPending() {
+    sigset_t pending;
+    sigemptyset(&pending);
+    sigpending(&pending);
+    return sigismember(&pending, SIGPIPE) == 1;
+  }
+
+  bool wasPending_;
+  sigset_t before_ = {};
+};
+
+/// A started child. One that has not ended with its owner's interest in it is killed.
+class Child {
+ public:
+  explicit Child(pid_t id) : id_(id) {}
+  Child(const Child&) = delete;
+  Child& operator=(const Child&) = delete;
+  ~Child() { killAndWait(); }
+
+  bool isGone() const { return isGone_; }
+
+  /// Looks whether the child has ended, or waits until it has.
+  void look(int options) {
+    pid_t found = 0;
+    do {
+      found = wait4(id_, &status_, options, &usage_);
+    } while (found < 0 && errno == EINTR);
+    if (found < 0) error_ = errno;
+    isGone_ = found != 0;
+  }
+
+  /// False when the child is still there at the deadline.
+  bool endsBefore(Clock::time_point deadline) {
+    constexpr std::chrono::microseconds firstPause{50};
+    constexpr std::chrono::microseconds longestPause{10'000};
+    for (auto pause = firstPause;; pause = std::min(2 * pause, longestPause)) {
+      look(WNOHANG);
+      if (isGone_) return true;
+      if (Clock::now() >= deadline) return false;
+      std::this_thread::sleep_for(pause);
+    }
+  }
+
+  void killAndWait() {
+    if (isGone_) return;
+    kill(id_, SIGKILL);
+    look(0);
+  }
+
+  /// Once it is gone: how it ended, if nobody ended it, and what it used.
+  void report(ChildResult& result) const {
+    if (error_ != 0) {
+      result.outcome = ChildOutcome::failed;
+      result.code = error_;
+      return;
+    }
+    const bool isKilled = WIFSIGNALED(status_);
+    result.outcome = isKilled ? ChildOutcome::killed : ChildOutcome::exited;
+    result.code = isKilled ? WTERMSIG(status_) : WEXITSTATUS(status_);
+    for (const timeval& time : {usage_.ru_utime, usage_.ru_stime}) {
+      result.cpuTime += std::chrono::seconds(time.tv_sec) + std::chrono::microseconds(time.tv_usec);
+    }
+#if defined(__APPLE__)
+    constexpr std::uint64_t unit = 1;
+#else
+    constexpr std::uint64_t unit = 1024;
+#endif
+    result.peakMemoryBytes = static_cast<std::uint64_t>(usage_.ru_maxrss) * unit;
+  }
+
+ private:
+  pid_t id_;
+  bool isGone_ = false;
+  int error_ = 0;
+  int status_ = 0;
+  rusage usage_ = {};
+};
+
+/// The host's ends of a child's three pipes.
+struct Streams {
+  Descriptor input;
+  Descriptor output;
+  Descriptor errors;
+};
+
+/// Writes what the pipe takes; closes it after the last byte, and when the child no longer reads.
+void writeSome(Descriptor& stream, std::string_view& input) {
+  const ssize_t count = ::write(stream.number(), input.data(), input.size());
+  if (count >= 0) input.remove_prefix(static_cast<std::size_t>(count));
+  const bool isBroken = count < 0 && errno != EAGAIN && errno != EINTR;
+  if (isBroken || input.empty()) stream.close();
+}
+
+/// Reads what is there and keeps up to `bound` bytes in all; closes the stream at its end. False when more
+/// came.
+bool readSome(Descriptor& stream, std::string& kept, std::size_t bound) {
+  std::array<char, readBytes> buffer;
+  const ssize_t count = ::read(stream.number(), buffer.data(), buffer.size());
+  if (count < 0) {
+    if (errno != EAGAIN && errno != EINTR) stream.close();
+    return true;
+  }
+  if (count == 0) stream.close();
+  const auto came = static_cast<std::size_t>(count);
+  const std::size_t taken = std::min(came, bound - kept.size());
+  kept.append(buffer.data(), taken);
+  return taken == came;
+}
+
+int millisecondsUntil(Clock::time_point deadline) {
+  constexpr std::chrono::milliseconds longestSleep = std::chrono::hours(1);
+  const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now());
+  return static_cast<int>(std::clamp(left, std::chrono::milliseconds(0), longestSleep).count());
+}
+
+/// Writes and reads until the child has closed both outputs. Says why the child has to be ended, if it has.
+std::optional<ChildOutcome> exchange(Streams& streams, std::string_view input, const ChildBounds& bounds,
+                                     Clock::time_point deadline, ChildResult& result) {
+  if (input.empty()) streams.input.close();
+  while (streams.output || streams.errors) {
+    // A closed stream has the number -1, which poll passes over.
+    std::array<pollfd, 3> waits = {{{streams.input.number(), POLLOUT, 0},
+                                    {streams.output.number(), POLLIN, 0},
+                                    {streams.errors.number(), POLLIN, 0}}};
+    if (poll(waits.data(), waits.size(), millisecondsUntil(deadline)) < 0) {
+      if (errno == EINTR) continue;
+      result.code = errno;
+      return ChildOutcome::failed;
+    }
+    if (waits[0].revents != 0) writeSome(streams.input, input);
+    if (waits[1].revents != 0 && !readSome(streams.output, result.output, bounds.outputBytes)) {
+      return ChildOutcome::outputTooLarge;
+    }
+    if (waits[2].revents != 0) readSome(streams.errors, result.errorOutput, keptErrorBytes);
+    if (Clock::now() >= deadline) return ChildOutcome::timedOut;
+  }
+  streams.input.close();
+  return std::nullopt;
+}
+
+}  // namespace
+
+ChildResult runChildProcess(const ChildCommand& command, std::string_view input, const ChildBounds& bounds) {
+  ChildResult result = {};
+  result.outcome = ChildOutcome::failed;
+  const Clock::time_point deadline = Clock::now() + std::min(bounds.wallClock, longestWallClock);
+  const SigpipeHeldBack held;
+
+  Streams streams;
+  pid_t id = 0;
+  {
+    SpawnPlan plan;
+    streams.input = plan.pipeTo(STDIN_FILENO);
+    streams.output = plan.pipeFrom(STDOUT_FILENO);
+    streams.errors = plan.pipeFrom(STDERR_FILENO);
+    result.code = plan.start(command, id);
+    if (result.code != 0) return result;
+  }
+  Child child(id);
+
+  std::optional<ChildOutcome> endedFor = exchange(streams, input, bounds, deadline, result);
+  if (!endedFor && !child.endsBefore(deadline)) endedFor = ChildOutcome::timedOut;
+  child.killAndWait();
+  const int code = result.code;
+  child.report(result);
+  if (endedFor) {
+    result.outcome = *endedFor;
+    result.code = code;
+  }
+  return result;
+}
+
+}  // namespace zelvo

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace zelvo {
+
+struct ChildCommand {
+  std::string program;                 ///< a path; it is not searched for
+  std::vector<std::string> arguments;  ///< what follows the program's own name
+};
+
+struct ChildBounds {
+  std::size_t outputBytes;              ///< on standard output; one byte more ends the child
+  std::chrono::milliseconds wallClock;  ///< from starting it until it has ended
+};
+
+enum class ChildOutcome {
+  failed,          ///< it was not started, or the system failed under way; `code` is the error number
+  exited,          ///< by itself; `code` is the exit status
+  killed,          ///< by a signal that was not ours; `code` is the signal
+  timedOut,        ///< ended by us, `code` is 0
+  outputTooLarge,  ///< ended by us, `code` is 0
+};
+
+struct ChildResult {
+  ChildOutcome outcome;
+  int code;
+  std::string output;       ///< what came on standard output, within its bound
+  std::string errorOutput;  ///< the first 64 KiB of standard error
+  std::chrono::microseconds cpuTime;
+  /// The largest resident set. Linux counts what the starting process held at that moment too: an upper
+  /// bound.
+  std::uint64_t peakMemoryBytes;
+};
+
+/// Runs a program to its end: with the input on its standard input, an empty environment, no other descriptor
+/// and no signal blocked or ignored. Input is written while both outputs are read, so neither side waits for
+/// the other; a child that does not read its input is no error. When the bounds are passed, the child is
+/// killed.
+///
+/// May be called from several threads at once. The caller must leave its children to be waited for: under an
+/// ignored SIGCHLD the outcome is `failed`. `std::bad_alloc` comes out, no other error, and leaves no child
+/// behind.
+ChildResult runChildProcess(const ChildCommand& command, std::string_view input, const ChildBounds& bounds);
+
+}  // namespace zelvo

@@ -1,0 +1,134 @@
+#include <cerrno>
+#include <csignal>
+#include <fcntl.h>
+#include <string>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <gtest/gtest.h>
+
+#include "System/ChildProcess.hpp"
+
+namespace zelvo {
+namespace {
+
+using std::chrono::milliseconds;
+
+constexpr ChildBounds ample = {.outputBytes = 1 << 24, .wallClock = std::chrono::seconds(60)};
+
+ChildResult runShell(const std::string& script, std::string_view input = "",
+                     const ChildBounds& bounds = ample) {
+  return runChildProcess({"/bin/sh", {"-c", script}}, input, bounds);
+}
+
+TEST(ChildProcess, saysHowTheChildEnded) {
+  struct Row {
+    std::string script;
+    ChildBounds bounds;
+    ChildOutcome outcome;
+    int code;
+    std::string output;
+  };
+  const ChildBounds brief = {.outputBytes = 1 << 20, .wallClock = milliseconds(300)};
+  const ChildBounds eightBytes = {.outputBytes = 8, .wallClock = std::chrono::seconds(60)};
+  const Row rows[] = {
+      {"exit 0", ample, ChildOutcome::exited, 0, ""},
+      {"echo said; exit 78", ample, ChildOutcome::exited, 78, "said\n"},
+      {"echo said; kill -SYS $$", ample, ChildOutcome::killed, SIGSYS, "said\n"},
+      {"kill -KILL $$", ample, ChildOutcome::killed, SIGKILL, ""},
+      {"printf 12345678", eightBytes, ChildOutcome::exited, 0, "12345678"},
+      {"printf 123456789", eightBytes, ChildOutcome::outputTooLarge, 0, "12345678"},
+      {"while :; do echo more; done", eightBytes, ChildOutcome::outputTooLarge, 0, "more\nmor"},
+      {"exec sleep 60", brief, ChildOutcome::timedOut, 0, ""},
+      {"while :; do echo more >&2; done", brief, ChildOutcome::timedOut, 0, ""},
+      {"echo said; exec sleep 60 >&- 2>&-", brief, ChildOutcome::timedOut, 0, "said\n"},
+      {"trap '' TERM PIPE; exec sleep 60", brief, ChildOutcome::timedOut, 0, ""},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.script);
+    const ChildResult result = runShell(row.script, "", row.bounds);
+    EXPECT_EQ(result.outcome, row.outcome);
+    EXPECT_EQ(result.code, row.code);
+    EXPECT_EQ(result.output, row.output);
+  }
+  EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1) << "a child was left behind";
+}
+
+TEST(ChildProcess, saysWhyNothingWasStarted) {
+  for (const auto& [program, error] : {std::pair{"/no/such/program", ENOENT}, std::pair{"/", EACCES}}) {
+    const ChildResult result = runChildProcess({program, {}}, "ignored", ample);
+    EXPECT_EQ(result.outcome, ChildOutcome::failed) << program;
+    EXPECT_EQ(result.code, error) << program;
+  }
+}
+
+TEST(ChildProcess, writesAndReadsAtOnce) {
+  std::string input;
+  for (int i = 0; input.size() < 5'000'000; ++i) {
+    input += std::to_string(i) + '\n';
+  }
+  const ChildResult copied = runShell("cat", input);
+  EXPECT_EQ(copied.outcome, ChildOutcome::exited);
+  EXPECT_TRUE(copied.output == input) << copied.output.size() << " of " << input.size() << " bytes came back";
+
+  const ChildResult slow = runShell("sleep 0.2; wc -c; sleep 0.2; echo late", input);
+  EXPECT_EQ(slow.output, std::to_string(input.size()) + "\nlate\n");
+
+  const ChildResult unread = runShell("exec <&-; echo unread", input);
+  EXPECT_EQ(unread.outcome, ChildOutcome::exited);
+  EXPECT_EQ(unread.output, "unread\n");
+}
+
+TEST(ChildProcess, keepsTheStartOfAFloodOnStandardError) {
+  const ChildResult result = runShell("head -c 1000000 /dev/zero >&2; echo reason >&2; echo answer");
+  EXPECT_EQ(result.outcome, ChildOutcome::exited);
+  EXPECT_EQ(result.errorOutput, std::string(65536, '\0'));
+  EXPECT_EQ(result.output, "answer\n");
+}
+
+TEST(ChildProcess, handsNothingDown) {
+  EXPECT_EQ(runChildProcess({"/usr/bin/env", {}}, "", ample).output, "");
+
+  const int leaking = open("/dev/null", O_RDONLY);
+  const std::string number = std::to_string(leaking);
+  EXPECT_EQ(runShell("[ -e /proc/self/fd/" + number + " ] && echo open || echo closed").output, "closed\n");
+  close(leaking);
+
+  sigset_t all;
+  sigset_t before;
+  sigfillset(&all);
+  pthread_sigmask(SIG_BLOCK, &all, &before);
+  auto* const handler = std::signal(SIGTERM, SIG_IGN);
+  const ChildResult signalled = runShell("kill -TERM $$");
+  static_cast<void>(std::signal(SIGTERM, handler));
+  pthread_sigmask(SIG_SETMASK, &before, nullptr);
+  EXPECT_EQ(signalled.code, SIGTERM) << "a signal was blocked or ignored";
+}
+
+TEST(ChildProcess, worksInAHostWithoutStandardStreams) {
+  const pid_t host = fork();
+  if (host == 0) {
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+      close(stream);
+    }
+    const ChildResult result = runShell("cat; echo errors >&2", "input");
+    _exit(result.output == "input" && result.errorOutput == "errors\n" ? 0 : 1);
+  }
+  int status = 0;
+  waitpid(host, &status, 0);
+  EXPECT_EQ(status, 0);
+}
+
+TEST(ChildProcess, measuresWhatTheChildUsed) {
+  const ChildResult busy = runShell("i=0; while [ $i -lt 100000 ]; do i=$((i+1)); done");
+  const ChildResult idle = runShell("sleep 0.3");
+  EXPECT_GT(busy.cpuTime, milliseconds(20));
+  EXPECT_LT(idle.cpuTime, milliseconds(20));
+  constexpr std::uint64_t kept = 40'000'000;
+  const ChildResult large = runShell("head -c 50000000 /dev/zero | tail -c 40000000 >/dev/null");
+  EXPECT_GT(large.peakMemoryBytes, kept);
+  EXPECT_LT(large.peakMemoryBytes, 100 * kept);
+}
+
+}  // namespace
+}  // namespace zelvo
