@@ -3,6 +3,7 @@
 function(zelvo_library NAME)
   cmake_parse_arguments(ARG "" "" "SOURCES;USES;WRAPS" ${ARGN})
   add_library(${NAME} STATIC ${ARG_SOURCES})
+  target_compile_features(${NAME} PUBLIC cxx_std_20)
   target_include_directories(${NAME} PUBLIC ${PROJECT_SOURCE_DIR})
   target_link_libraries(${NAME} PUBLIC ${ARG_USES} PRIVATE zelvo_flags ${ARG_WRAPS})
 endfunction()
