@@ -1,0 +1,59 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "DocumentRuntime/Coding/RecordCoding.hpp"
+#include "DocumentRuntime/Records/ByteBuffer.hpp"
+#include "DocumentRuntime/Records/DocumentModels.hpp"
+
+/// The one request and the one response that pass between a host and the worker, as JSON objects of their
+/// fields in the order of declaration: `toJson`, `fromJson`.
+namespace zelvo {
+
+namespace DocumentWorkerWire {
+
+/// The code-signing identifier under which the worker is signed where programs are signed, for hosts that
+/// check it.
+inline constexpr std::string_view signingIdentifier = "com.korrinet.document-worker";
+
+/// The largest request and the largest response: 40 MiB of JSON.
+inline constexpr std::int64_t maximumMessageBytes = 41'943'040;
+
+}  // namespace DocumentWorkerWire
+
+/// What is asked of the worker. An operation ignores the fields that it does not use. Move-only.
+struct DocumentWorkerRequest {
+  enum class Operation { inspect, extract, create, validate };
+
+  Operation operation = Operation::inspect;
+  ByteBuffer data;         ///< the workbook; for `validate`, the document
+  std::string sourceName;  ///< what the results call the workbook
+  std::optional<TableSelection> selection;
+  std::optional<DocumentFormat> format;
+  std::optional<std::string> title;
+  std::optional<ChartSelection> chart;
+  std::optional<SourceTable> expectedTable;
+
+  bool operator==(const DocumentWorkerRequest&) const = default;
+};
+
+/// What the worker answers: the results of the operation, or the error alone. Move-only.
+struct DocumentWorkerResponse {
+  std::optional<WorkbookInspection> inspection;
+  std::optional<SourceTable> table;
+  std::optional<GeneratedDocument> document;
+  std::optional<DocumentValidation> validation;
+  std::optional<std::string> error;  ///< a sentence for the user
+
+  bool operator==(const DocumentWorkerResponse&) const = default;
+};
+
+void encode(JsonWriter& writer, const DocumentWorkerRequest& request);
+void decode(JsonValue value, DocumentWorkerRequest& request);
+void encode(JsonWriter& writer, const DocumentWorkerResponse& response);
+void decode(JsonValue value, DocumentWorkerResponse& response);
+
+}  // namespace zelvo

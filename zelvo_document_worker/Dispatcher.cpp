@@ -1,0 +1,71 @@
+#include "zelvo_document_worker/Dispatcher.hpp"
+
+#include <utility>
+
+#include "DocumentRuntime/Engine/DocumentEngine.hpp"
+#include "DocumentRuntime/Errors/DocumentError.hpp"
+#include "DocumentRuntime/Validation/GeneratedDocumentValidation.hpp"
+
+namespace zelvo {
+namespace {
+
+using Operation = DocumentWorkerRequest::Operation;
+
+template <typename T>
+const T* pointerTo(const std::optional<T>& value) {
+  return value ? &*value : nullptr;
+}
+
+DocumentWorkerResponse inspect(DocumentWorkerRequest request) {
+  DocumentWorkerResponse response;
+  response.inspection = DocumentEngine::inspectXLSX(std::move(request.data), request.sourceName);
+  return response;
+}
+
+DocumentWorkerResponse extract(DocumentWorkerRequest request) {
+  if (!request.selection) throw DocumentError::invalidSelection("Choose a table.");
+  DocumentWorkerResponse response;
+  response.table =
+      DocumentEngine::extractTable(std::move(request.data), request.sourceName, *request.selection);
+  return response;
+}
+
+DocumentWorkerResponse create(DocumentWorkerRequest request) {
+  if (!request.selection || !request.format || !request.title) {
+    throw DocumentError::invalidSelection("The document plan is incomplete.");
+  }
+  DocumentWorkerResponse response;
+  response.table =
+      DocumentEngine::extractTable(std::move(request.data), request.sourceName, *request.selection);
+  // A Word document never carries a chart: one that is asked for is ignored.
+  response.document = *request.format == DocumentFormat::docx
+                          ? DocumentEngine::createDOCX(*response.table, *request.title)
+                          : DocumentEngine::createPPTX(*response.table, *request.title, request.chart);
+  return response;
+}
+
+DocumentWorkerResponse validate(DocumentWorkerRequest request) {
+  if (!request.format) throw DocumentError::validationFailed("Missing document format.");
+  DocumentWorkerResponse response;
+  response.validation = DocumentEngine::validate(request.data.view(), *request.format,
+                                                 pointerTo(request.expectedTable), pointerTo(request.chart));
+  return response;
+}
+
+}  // namespace
+
+DocumentWorkerResponse run(DocumentWorkerRequest&& request) {
+  switch (request.operation) {
+    case Operation::inspect:
+      return inspect(std::move(request));
+    case Operation::extract:
+      return extract(std::move(request));
+    case Operation::create:
+      return create(std::move(request));
+    case Operation::validate:
+      return validate(std::move(request));
+  }
+  return {};
+}
+
+}  // namespace zelvo

@@ -1,0 +1,89 @@
+#include "zelvo_document_worker/WorkerEntry.hpp"
+
+#include <array>
+#include <cstddef>
+#include <exception>
+#include <optional>
+#include <string>
+#include <utility>
+
+#include "DocumentRuntime/Errors/DocumentError.hpp"
+#include "DocumentWorkerProtocol/DocumentWorkerMessage.hpp"
+#include "Text/Unicode.hpp"
+#include "zelvo_document_worker/Dispatcher.hpp"
+#include "zelvo_document_worker/SandboxCheck.hpp"
+
+namespace zelvo {
+namespace {
+
+/// The hardest workbook within the readers' limits takes a few seconds: who needs more is stuck.
+constexpr ResourceLimit cpuLimit = {.resource = Resource::cpuSeconds, .soft = 45, .hard = 45};
+constexpr ResourceLimit fileLimit = {.resource = Resource::fileBytes, .soft = 0, .hard = 0};
+constexpr ResourceLimit processLimit = {.resource = Resource::processes, .soft = 0, .hard = 0};
+
+constexpr std::size_t maximumMessageBytes = DocumentWorkerWire::maximumMessageBytes;
+constexpr std::size_t readChunkBytes = 65'536;
+
+/// Of an error that is reported, in user-perceived characters: details can quote texts of the document.
+constexpr std::size_t maximumErrorCharacters = 500;
+
+bool confine(EntitlementReader& entitlements, Limits& limits) {
+  return sandboxIsEnabled(entitlements) && limits.apply(cpuLimit) && limits.apply(fileLimit) &&
+         limits.apply(processLimit) && limits.seal();
+}
+
+/// The whole input; none when reading fails or a chunk would pass the bound.
+std::optional<std::string> readRequest(Input& input) {
+  std::string request;
+  // Room for the largest request, of which only the pages that are written ever become resident: nothing is
+  // copied for growth.
+  request.reserve(maximumMessageBytes);
+  std::array<char, readChunkBytes> chunk;
+  while (true) {
+    const std::optional<std::size_t> count = input.read(chunk);
+    if (!count) return std::nullopt;
+    if (*count == 0) return request;
+    if (*count > maximumMessageBytes - request.size()) return std::nullopt;
+    request.append(chunk.data(), *count);
+  }
+}
+
+/// An operation that fails is answered too: with the error alone.
+DocumentWorkerResponse answer(DocumentWorkerRequest request) {
+  try {
+    return run(std::move(request));
+  } catch (const DocumentError& error) {
+    DocumentWorkerResponse response;
+    response.error = Unicode::prefix(error.errorDescription(), maximumErrorCharacters);
+    return response;
+  }
+}
+
+/// The response's text; none when it is too large to be sent.
+std::optional<std::string> encoded(const DocumentWorkerResponse& response) {
+  std::string text = toJson(response);
+  if (text.size() > maximumMessageBytes) return std::nullopt;
+  return text;
+}
+
+bool serve(Input& input, Output& output) {
+  std::optional<std::string> request = readRequest(input);
+  if (!request) return false;
+  const auto response = encoded(answer(fromJson<DocumentWorkerRequest>(*std::move(request))));
+  return response && output.write(*response);
+}
+
+}  // namespace
+
+int runWorker(EntitlementReader& entitlements, Limits& limits, Input& input, Output& output) noexcept {
+  try {
+    if (!confine(entitlements, limits)) return exitStatus::notConfined;
+    return serve(input, output) ? exitStatus::answered : exitStatus::noResponse;
+  } catch (const std::exception&) {
+    // The request cannot be decoded, or memory ran out. Writing comes last and throws nothing, so nothing was
+    // written.
+    return exitStatus::noResponse;
+  }
+}
+
+}  // namespace zelvo
