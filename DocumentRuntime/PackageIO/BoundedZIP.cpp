@@ -1,7 +1,5 @@
 #include "DocumentRuntime/PackageIO/BoundedZIP.hpp"
 
-#include <algorithm>
-
 namespace zelvo::BoundedZIP {
 namespace {
 
@@ -11,20 +9,24 @@ bool isRefused(char byte) {
   return byte == '\\' || byte == ':' || byte == '%' || static_cast<unsigned char>(byte) < 0x20;
 }
 
+/// A piece that names a place relative to another one.
+bool isStep(std::string_view piece) {
+  return piece == "." || piece == "..";
+}
+
 }  // namespace
 
 bool safeName(std::string_view name) {
-  if (name.empty() || name.size() > maximumNameBytes) return false;
-  if (name.starts_with('/')) return false;
-  if (std::any_of(name.begin(), name.end(), isRefused)) return false;
-  for (;;) {
-    const std::size_t slash = name.find('/');
-    const std::string_view piece = name.substr(0, slash);
-    if (piece == "." || piece == "..") return false;
-    if (slash == std::string_view::npos) return true;
-    if (piece.empty()) return false;
-    name.remove_prefix(slash + 1);
+  if (name.empty() || name.size() > maximumNameBytes || name.front() == '/') return false;
+  std::size_t pieceStart = 0;
+  for (std::size_t i = 0; i < name.size(); ++i) {
+    if (isRefused(name[i])) return false;
+    if (name[i] != '/') continue;
+    const std::string_view piece = name.substr(pieceStart, i - pieceStart);
+    if (piece.empty() || isStep(piece)) return false;
+    pieceStart = i + 1;
   }
+  return !isStep(name.substr(pieceStart));
 }
 
 }  // namespace zelvo::BoundedZIP

@@ -9,6 +9,7 @@
 #include "DocumentRuntime/PackageIO/BoundedXML.hpp"
 #include "DocumentRuntime/PackageIO/BoundedZIP.hpp"
 #include "DocumentRuntime/PackageIO/OOXMLSupport.hpp"
+#include "DocumentRuntime/PackageIO/TargetResolver.hpp"
 #include "Text/Unicode.hpp"
 
 namespace zelvo::OOXML {
@@ -68,6 +69,7 @@ void checkContentTypes(XMLNode root) {
 void checkRelationships(XMLNode root, std::string_view partName, const PartMap& parts) {
   if (root.name() != "Relationships") throw DocumentError::invalidArchive("relationships root");
 
+  const TargetResolver resolver(partName);
   // A tree, not a hash table: a part may hold 200,000 identifiers, chosen to collide.
   std::set<std::string_view> identifiers;
   for (const XMLNode relationship : root.children()) {
@@ -77,7 +79,7 @@ void checkRelationships(XMLNode root, std::string_view partName, const PartMap& 
         !target || relationship.attribute("TargetMode").value_or("Internal") != "Internal") {
       throw DocumentError::unsafeContent("external or ambiguous relationship");
     }
-    if (!parts.contains(resolve(*target, partName))) {
+    if (!parts.contains(resolver.resolve(*target))) {
       throw DocumentError::invalidArchive("missing relationship target");
     }
   }
