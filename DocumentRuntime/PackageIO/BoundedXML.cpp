@@ -46,7 +46,7 @@ class Parse {
       position += length;
     }
     if (outOfMemory_ || XML_GetErrorCode(parser_.get()) == XML_ERROR_NO_MEMORY) throw std::bad_alloc();
-    if (failure_) throw *failure_;
+    if (failure_) throw DocumentError(*failure_);
     if (!parsed) throw DocumentError::invalidArchive("malformed XML");
     return builder_.finish();
   }
