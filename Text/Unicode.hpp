@@ -5,14 +5,22 @@
 #include <string_view>
 #include <vector>
 
-/// Text as people see it. Every argument is UTF-8, and, but for `isValid`, must be valid: the readers check a text
-/// once, where it comes in. Pure-ASCII text takes a path that never touches the Unicode library.
+/// Text as people see it. Every argument is UTF-8, and, but for `isValid` and `isASCII`, must be valid: the
+/// readers check a text once, where it comes in. Pure-ASCII text takes a path that never touches the Unicode
+/// library.
 ///
 /// A "character" is a user-perceived one: an extended grapheme cluster, CR LF being one.
+///
+/// Every function may run on several threads at once. Memory that runs out is std::bad_alloc, and so is a
+/// text that the Unicode library cannot address (hundreds of MiB, far above what any reader lets in); nothing
+/// else comes out.
 namespace zelvo::Unicode {
 
 /// Whether the bytes are well-formed UTF-8: no overlong form, no surrogate, nothing above U+10FFFF.
 bool isValid(std::string_view bytes);
+
+/// Whether every byte is below 0x80.
+bool isASCII(std::string_view bytes);
 
 std::size_t characterCount(std::string_view text);
 
@@ -29,8 +37,8 @@ std::string uppercased(std::string_view text);
 /// Without leading and trailing White_Space, as a view into `text`.
 std::string_view trimmed(std::string_view text);
 
-/// The pieces between line breaks, as views into `text`: LF, CR, CR LF as one, VT, FF, U+0085, U+2028, U+2029. An
-/// empty text is one empty line; a final break is followed by an empty line.
+/// The pieces between line breaks, as views into `text`: LF, CR, CR LF as one, VT, FF, U+0085, U+2028,
+/// U+2029. An empty text is one empty line; a final break is followed by an empty line.
 std::vector<std::string_view> lines(std::string_view text);
 
 /// The canonical composition (NFC).
@@ -39,11 +47,14 @@ std::string composed(std::string_view text);
 /// Whether `a` sorts before `b`: by the scalars of their canonically composed forms.
 bool sortsBefore(std::string_view a, std::string_view b);
 
-/// Decodes the scalar that starts at `position` and moves `position` behind it.
+/// Decodes the scalar that starts at `position`, which lies inside `text`, and moves `position` behind it.
 char32_t nextScalar(std::string_view text, std::size_t& position);
 
-/// Makes the Unicode library do now what it would otherwise do at its first use. A process calls this before it
-/// confines itself.
+/// Appends the scalar's encoding, of one to four bytes, to `text`.
+void append(std::string& text, char32_t scalar);
+
+/// Makes the Unicode library do now, for this thread, what it would otherwise do at its first use. A process
+/// calls this before it confines itself.
 void warmUp();
 
 }  // namespace zelvo::Unicode

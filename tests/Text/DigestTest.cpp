@@ -1,0 +1,19 @@
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "Text/Digest.hpp"
+
+namespace zelvo {
+namespace {
+
+TEST(Digest, KnownAnswers) {
+  const std::vector<std::uint8_t> abc = {'a', 'b', 'c'};
+  const std::vector<std::uint8_t> million(1'000'000, 'a');
+  EXPECT_EQ(Digest::sha256({}), "e3b0c44298fc1c149afbf4c8996fb92427ae41e4649b934ca495991b7852b855");
+  EXPECT_EQ(Digest::sha256(abc), "ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad");
+  EXPECT_EQ(Digest::sha256(million), "cdc76e5c9914fb9281a1c7e284d73e67f1809a48a497200e046d39ccc7112cd0");
+}
+
+}  // namespace
+}  // namespace zelvo
