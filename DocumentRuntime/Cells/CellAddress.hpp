@@ -7,7 +7,8 @@
 
 namespace zelvo {
 
-/// One cell in A1 notation. Column and row are one-based: A is 1, XFD is 16384. Ordered row-major: B1 before A2.
+/// One cell in A1 notation. Column and row are one-based: A is 1, XFD is 16384. Ordered row-major: B1 before
+/// A2.
 struct CellAddress {
   static constexpr std::int64_t maximumColumn = 16'384;
   static constexpr std::int64_t maximumRow = 1'048'576;
@@ -15,7 +16,8 @@ struct CellAddress {
   std::int64_t column = 1;
   std::int64_t row = 1;
 
-  /// Parses "B7", "b7" or "$B$7". Throws `DocumentError` invalidSelection "cell address" or "cell address bounds".
+  /// Parses "B7", "b7" or "$B$7". Throws `DocumentError` invalidSelection "cell address" or "cell address
+  /// bounds".
   static CellAddress parse(std::string_view text);
 
   /// Column letters and row, without "$". A column below 1 prints no letters.
@@ -33,8 +35,8 @@ struct CellRange {
   CellAddress first;
   CellAddress last;
 
-  /// Parses "A1" or "A1:B2". Throws the errors of `CellAddress::parse`, and `DocumentError` invalidSelection "use one
-  /// rectangular A1 range" or "reversed range".
+  /// Parses "A1" or "A1:B2". Throws the errors of `CellAddress::parse`, and `DocumentError` invalidSelection
+  /// "use one rectangular A1 range" or "reversed range".
   static CellRange parse(std::string_view text);
 
   /// The corners' names around a colon, also for a single cell.

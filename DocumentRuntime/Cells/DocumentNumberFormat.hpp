@@ -17,8 +17,9 @@ struct Numeric {
   std::string prefix;             ///< currency before the number; may end in one space
   std::string suffix;             ///< currency after the number; may start with one space
 
-  /// Renders a decimal number text, rounding half to even on the exact decimal. A text that is no decimal number, or
-  /// whose power of ten lies beyond ±127, comes back unchanged.
+  /// Renders a number text (see NumberText.hpp), rounding half to even on the exact decimal. A negative
+  /// number that rounds to zero keeps its sign ("-0.00"); the sign stands behind the prefix ("$-5"). Any
+  /// other text comes back unchanged, and so does a number whose last digit's power of ten lies beyond ±127.
   std::string render(std::string_view text) const;
 
   bool operator==(const Numeric&) const = default;

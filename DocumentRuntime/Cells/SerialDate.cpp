@@ -1,0 +1,134 @@
+#include "DocumentRuntime/Cells/SerialDate.hpp"
+
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <cstdint>
+
+#include "DocumentRuntime/Cells/DocumentNumberFormat.hpp"
+#include "DocumentRuntime/Cells/NumberText.hpp"
+#include "DocumentRuntime/Errors/DocumentError.hpp"
+
+namespace zelvo::SerialDate {
+namespace {
+
+using std::chrono::days;
+using std::chrono::milliseconds;
+using std::chrono::seconds;
+using std::chrono::sys_days;
+using std::chrono::sys_seconds;
+
+using namespace std::chrono_literals;
+
+/// 9999-12-31 in the 1900 system.
+constexpr double maximumSerial = 2'958'465;
+
+/// 1900-02-29 in the 1900 system, a day that never was.
+constexpr double falseLeapDay = 60;
+
+constexpr sys_days base1900 = 1899y / 12 / 31;
+constexpr sys_days base1904 = 1904y / 1 / 1;
+
+/// The second in which a serial lies. Texts of 17 digits fall short of the moment that was meant by far less
+/// than a millisecond, so rounding to it first keeps 1/24 from becoming 00:59:59.
+sys_seconds instantOf(double serial, bool uses1904Dates) {
+  const double wholeDays = std::floor(serial);
+  const double fraction = serial - wholeDays;  // exact
+  const days skipped = days(!uses1904Dates && serial >= falseLeapDay ? 1 : 0);
+  const sys_days day = (uses1904Dates ? base1904 : base1900) + days(static_cast<int>(wholeDays)) - skipped;
+  return std::chrono::floor<seconds>(day + milliseconds(std::llround(fraction * 86'400'000)));
+}
+
+std::string padded(std::int64_t number, std::size_t width) {
+  std::string digits = std::to_string(number);
+  if (digits.size() < width) digits.insert(0, width - digits.size(), '0');
+  return digits;
+}
+
+std::string dateText(sys_seconds instant) {
+  const std::chrono::year_month_day date = std::chrono::floor<days>(instant);
+  return padded(static_cast<int>(date.year()), 4) + '-' + padded(static_cast<unsigned>(date.month()), 2) +
+         '-' + padded(static_cast<unsigned>(date.day()), 2);
+}
+
+std::string timeText(sys_seconds instant) {
+  const std::chrono::hh_mm_ss time(instant - std::chrono::floor<days>(instant));
+  return padded(time.hours().count(), 2) + ':' + padded(time.minutes().count(), 2) + ':' +
+         padded(time.seconds().count(), 2);
+}
+
+bool isDigit(char character) {
+  return character >= '0' && character <= '9';
+}
+
+/// Whether the text has the shape's length, digits where the shape has 0, and the shape's characters
+/// elsewhere.
+bool hasShape(std::string_view text, std::string_view shape) {
+  return std::equal(text.begin(), text.end(), shape.begin(), shape.end(), [](char character, char expected) {
+    return expected == '0' ? isDigit(character) : character == expected;
+  });
+}
+
+unsigned number(std::string_view digits) {
+  unsigned result = 0;
+  for (const char digit : digits)
+    result = result * 10 + static_cast<unsigned>(digit - '0');
+  return result;
+}
+
+/// Whether the text is hh:mm from 00:00 to 23:59.
+bool isHourAndMinute(std::string_view text) {
+  return hasShape(text, "00:00") && number(text.substr(0, 2)) < 24 && number(text.substr(3)) < 60;
+}
+
+bool isZone(std::string_view text) {
+  if (text == "Z") return true;
+  return (text.starts_with('+') || text.starts_with('-')) && isHourAndMinute(text.substr(1));
+}
+
+}  // namespace
+
+std::string excelDate(std::string_view raw, std::string_view cellName, std::string_view format,
+                      bool uses1904Dates) {
+  const auto serial = NumberText::value(raw);
+  if (!serial || *serial < 0 || *serial > maximumSerial ||
+      (!uses1904Dates && std::floor(*serial) == falseLeapDay)) {
+    throw DocumentError::unsupported("Excel date at " + std::string(cellName));
+  }
+  const sys_seconds instant = instantOf(*serial, uses1904Dates);
+  if (DocumentNumberFormat::isTime(format)) {
+    if (*serial >= 1) {
+      throw DocumentError::unsupported("time value spans multiple days at " + std::string(cellName));
+    }
+    return timeText(instant);
+  }
+  const bool isWhole = *serial == std::floor(*serial);
+  return isWhole ? dateText(instant) : dateText(instant) + ' ' + timeText(instant);
+}
+
+bool isoDateOnly(std::string_view text) {
+  if (!hasShape(text, "0000-00-00")) return false;
+  const unsigned year = number(text.substr(0, 4));
+  const std::chrono::year_month_day date(std::chrono::year(static_cast<int>(year)),
+                                         std::chrono::month(number(text.substr(5, 2))),
+                                         std::chrono::day(number(text.substr(8))));
+  return year > 0 && date.ok();
+}
+
+bool isoDateTime(std::string_view text) {
+  constexpr std::string_view shape = "0000-00-00T00:00:00";
+  if (!hasShape(text.substr(0, shape.size()), shape)) return false;
+  if (!isoDateOnly(text.substr(0, 10)) || !isHourAndMinute(text.substr(11, 5))) return false;
+  if (number(text.substr(17, 2)) > 59) return false;
+
+  std::string_view rest = text.substr(shape.size());
+  if (rest.starts_with('.')) {
+    rest.remove_prefix(1);
+    const std::size_t digits = std::min(rest.find_first_not_of("0123456789"), rest.size());
+    if (digits == 0) return false;
+    rest.remove_prefix(digits);
+  }
+  return isZone(rest);
+}
+
+}  // namespace zelvo::SerialDate
