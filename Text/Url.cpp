@@ -1,0 +1,29 @@
+#include "Text/Url.hpp"
+
+#include <boost/url/parse.hpp>
+#include <boost/url/url_view.hpp>
+
+namespace zelvo {
+namespace {
+
+/// A piece that the parser found, as a view into the text that it was given.
+std::string_view standard(boost::urls::string_view piece) {
+  return {piece.data(), piece.size()};
+}
+
+}  // namespace
+
+std::optional<UrlComponents> urlComponents(std::string_view text) {
+  const auto url = boost::urls::parse_uri({text.data(), text.size()});
+  if (!url) return std::nullopt;
+  // The parser lets a path begin right behind the host, and reads "http://h:port" as one.
+  const std::string_view path = standard(url->encoded_path());
+  if (url->has_authority() && !path.empty() && !path.starts_with('/')) return std::nullopt;
+  return UrlComponents{
+      .scheme = standard(url->scheme()),
+      .host = standard(url->encoded_host()),
+      .hasUserInfo = url->has_userinfo(),
+  };
+}
+
+}  // namespace zelvo
