@@ -1,0 +1,15 @@
+#pragma once
+
+#include <vector>
+
+#include "DocumentRuntime/Research/ResearchSpreadsheet.hpp"
+
+/// Computes a dataset's calculations from its frozen cells.
+namespace zelvo::ResearchFormulaEvaluator {
+
+/// The calculations' values and formula texts, in the order of the list, whatever their order of dependency.
+/// Throws `DocumentError` for the first rule that is broken; budgets bound the work for any dataset, also one
+/// that was never validated.
+std::vector<ResolvedCalculation> resolve(const ResearchSpreadsheet& spreadsheet);
+
+}  // namespace zelvo::ResearchFormulaEvaluator

@@ -1,0 +1,71 @@
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+#include <map>
+#include <optional>
+#include <set>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace zelvo {
+
+/// Which evidence a research result may cite: the host's own statement, never the model's. Local snapshots
+/// are cited by identifier alone; public sources by identifier or URL.
+class ResearchSourceScope {
+ public:
+  /// A description of one piece of evidence. Texts are valid UTF-8.
+  struct Record {
+    enum class Kind { localSnapshot, publicSearch, publicPage, publicURL };
+
+    std::string id;
+    Kind kind = Kind::localSnapshot;
+    std::string label;
+    std::optional<std::chrono::sys_seconds> observedAt;
+    std::string coverage;  ///< how much of the source the evidence covers
+    std::optional<std::string> provenanceURL;
+
+    /// The kind for readers: "Local visible excerpt".
+    std::string_view kindLabel() const;
+    /// "2024-02-29T12:00:00Z", or "Not recorded".
+    std::string observedUTC() const;
+    /// Identifier, kind, label, observation, coverage and URL in one line, joined with " | ".
+    std::string metadata() const;
+
+    bool operator==(const Record&) const = default;
+  };
+
+  /// `publicSources` leads from identifiers to URLs.
+  ResearchSourceScope(const std::vector<std::string>& localSnapshotIDs,
+                      std::map<std::string, std::string> publicSources, std::vector<Record> records);
+
+  /// Checks the references of one row or slide. Throws `DocumentError` validationFailed, with one message for
+  /// all: references to anything outside the scope, malformed or repeated ones, and, when evidence is
+  /// required, none at all, unless the scope itself is empty.
+  void validate(const std::optional<std::vector<std::string>>& ids, const std::vector<std::string>& urls,
+                bool requiresEvidence) const;
+
+  /// The records that references stand for, in ascending order of their identifiers, each once; made up from
+  /// what is known where the host gave none. References outside the scope add nothing.
+  std::vector<Record> selectedRecords(const std::vector<std::string>& ids,
+                                      const std::vector<std::string>& urls) const;
+
+ private:
+  bool holds(const std::vector<std::string>& ids, const std::vector<std::string>& urls) const;
+  const std::string* identifierOf(const std::string& url) const;
+  std::optional<Record> recordOf(const std::string& id) const;
+
+  std::set<std::string> localSnapshotIDs_;
+  std::map<std::string, std::string> publicSources_;
+  std::vector<Record> records_;
+  std::map<std::string, std::size_t> recordByID_;   ///< the first of each identifier
+  std::map<std::string, std::size_t> recordByURL_;  ///< the first of each URL
+  std::map<std::string, std::string> publicIDByURL_;
+};
+
+/// The name by which JSON and metadata know a kind.
+std::string_view rawValue(ResearchSourceScope::Record::Kind kind);
+std::optional<ResearchSourceScope::Record::Kind> evidenceKind(std::string_view rawValue);
+
+}  // namespace zelvo

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <string>
+
+#include "DocumentRuntime/Research/ResearchSourceScope.hpp"
+
+namespace zelvo {
+
+/// A scope from the JSON text in which a host keeps it:
+///
+///     {"localSnapshotIDs": [id …], "publicSources": {id: url …},
+///      "records": [{"id", "kind", "label", "observedAt"?, "coverage", "provenanceURL"?} …]}
+///
+/// with `observedAt` as an ISO 8601 date and time with zone, cut to the second. Throws `DecodingError`.
+ResearchSourceScope researchSourceScopeFromJson(std::string text);
+
+}  // namespace zelvo

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// How research results refer to their evidence: by identifier and by URL.
+namespace zelvo::SourceReferences {
+
+/// Identifiers, and likewise URLs, of one row.
+inline constexpr std::size_t maximumPerRow = 8;
+
+/// Not empty, at most 160 bytes, and only ASCII letters, digits, "-", "." and "_".
+bool isIdentifier(std::string_view text);
+
+/// An absolute URL of scheme "http" or "https", in lower case, with a host and neither user nor password.
+bool isWebURL(std::string_view text);
+
+/// Every text once, ascending by the scalars of their canonically composed forms.
+std::vector<std::string> distinctSorted(std::vector<std::string> texts);
+
+}  // namespace zelvo::SourceReferences

@@ -1,0 +1,166 @@
+#include <gtest/gtest.h>
+
+#include "Datasets.hpp"
+#include "DocumentRuntime/Cells/DoubleText.hpp"
+#include "DocumentRuntime/Research/ResearchFormulaEvaluator.hpp"
+#include "DocumentRuntime/Research/ResearchSpreadsheetCoding.hpp"
+#include "Support/RefusalTable.hpp"
+
+namespace zelvo {
+namespace {
+
+using namespace testing;
+using enum Formula::Operation;
+
+constexpr std::int64_t tallRows = 500;
+
+/// 500 rows of twelve blank numeric cells.
+ResearchSpreadsheet tallTable() {
+  ResearchSpreadsheet dataset = numericTable(std::vector<std::optional<std::string>>(12));
+  dataset.rows.resize(tallRows, numberRow(std::vector<std::optional<double>>(12)));
+  return dataset;
+}
+
+/// Puts the formula into the cells of the last columns, which nothing else uses.
+void addCalculations(ResearchSpreadsheet& dataset, std::size_t count, const Formula& formula) {
+  for (std::size_t i = 0; i < count; ++i) {
+    const auto place = static_cast<std::int64_t>(dataset.calculations->size());
+    dataset.calculations->push_back(
+        {.row = place % tallRows, .column = 11 - place / tallRows, .formula = formula});
+  }
+}
+
+Formula nested(Formula innermost, int levels) {
+  for (int i = 0; i < levels; ++i)
+    innermost = apply(count, {innermost});
+  return innermost;
+}
+
+void expectLimit(const ResearchSpreadsheet& within, const ResearchSpreadsheet& past,
+                 const DocumentError& expected) {
+  const auto none = errorOf([&] { ResearchFormulaEvaluator::resolve(within); });
+  EXPECT_FALSE(none) << describe(none);
+  const auto error = errorOf([&] { ResearchFormulaEvaluator::resolve(past); });
+  EXPECT_TRUE(error == expected) << describe(error);
+}
+
+TEST(FormulaBudget, Calculations) {
+  ResearchSpreadsheet dataset = tallTable();
+  addCalculations(dataset, 1000, constant(1));
+  ResearchSpreadsheet past = dataset;
+  addCalculations(past, 1, Formula{});
+  expectLimit(dataset, past, DocumentError::resourceLimit("calculation count"));
+}
+
+TEST(FormulaBudget, Depth) {
+  ResearchSpreadsheet dataset = tallTable();
+  addCalculations(dataset, 1, nested(constant(1), 31));
+  ResearchSpreadsheet past = tallTable();
+  addCalculations(past, 1, nested(Formula{}, 32));
+  expectLimit(dataset, past, DocumentError::resourceLimit("formula expression"));
+}
+
+TEST(FormulaBudget, Nodes) {
+  // 1000 formulas of 50 nodes: the operation, 31 constants, and a count of 17.
+  std::vector<Formula> arguments(31, constant(1));
+  arguments.push_back(apply(count, std::vector<Formula>(17, constant(1))));
+  ResearchSpreadsheet dataset = tallTable();
+  addCalculations(dataset, 1000, apply(count, arguments));
+  ResearchSpreadsheet past = dataset;
+  past.calculations->back().formula.arguments->back().arguments->push_back(Formula{});
+  expectLimit(dataset, past, DocumentError::resourceLimit("formula expression"));
+}
+
+TEST(FormulaBudget, CellReads) {
+  // 40 formulas that read 500 rows of ten columns.
+  ResearchSpreadsheet dataset = tallTable();
+  addCalculations(dataset, 40, apply(count, {rangeOf(0, 0, tallRows - 1, 9)}));
+  ResearchSpreadsheet past = dataset;
+  addCalculations(past, 1, cellAt(-1, -1));
+  expectLimit(dataset, past, DocumentError::resourceLimit("formula cell dependencies"));
+}
+
+TEST(FormulaBudget, Text) {
+  const double widest = -1.2345678901234567e-300;
+  ASSERT_EQ(DoubleText::shortest(widest).size(), 24U);
+  const Formula block = apply(count, std::vector<Formula>(32, constant(widest)));
+  const auto ofBytes = [&](double last) {
+    std::vector<Formula> arguments(10, block);
+    arguments.resize(14, constant(widest));
+    arguments.push_back(constant(last));
+    ResearchSpreadsheet dataset = tallTable();
+    addCalculations(dataset, 1, apply(count, arguments));
+    return dataset;
+  };
+  const ResearchSpreadsheet dataset = ofBytes(123456789012.25);
+  EXPECT_EQ(ResearchFormulaEvaluator::resolve(dataset).at(0).formula.size(), 8192U);
+  expectLimit(dataset, ofBytes(123456789012.125),
+              DocumentError::resourceLimit("formula text or numeric result"));
+}
+
+/// A dataset of 1000 calculations, each one more than the next, and 7 at the end.
+ResearchSpreadsheet chain(bool isForward) {
+  ResearchSpreadsheet dataset = tallTable();
+  const auto placeOf = [](std::int64_t i) { return std::pair(i % tallRows, i / tallRows); };
+  for (std::int64_t i = 0; i < 1000; ++i) {
+    const auto [row, column] = placeOf(i);
+    const auto [nextRow, nextColumn] = placeOf(i + 1);
+    dataset.calculations->push_back({row, column, apply(add, {constant(1), cellAt(nextRow, nextColumn)})});
+  }
+  dataset.rows[0].cells[2] = numberCell(7);
+  if (!isForward) std::reverse(dataset.calculations->begin(), dataset.calculations->end());
+  return dataset;
+}
+
+TEST(FormulaBudget, LongChainsResolveFromEitherEnd) {
+  for (const bool isForward : {true, false}) {
+    const auto cells = chain(isForward).resolvedCells();
+    EXPECT_EQ(cells[0][0], numberCell(1007));
+    EXPECT_EQ(cells[499][1], numberCell(8));
+  }
+  ResearchSpreadsheet circle = chain(true);
+  circle.calculations->back().formula = cellAt(0, 0);
+  const auto error = errorOf([&] { ResearchFormulaEvaluator::resolve(circle); });
+  EXPECT_TRUE(error == DocumentError::validationFailed("Circular or deeply nested formula dependencies."));
+}
+
+// A dependency that is met at depth 32 must have been resolved before; its own formula begins at depth 1.
+TEST(FormulaBudget, DependenciesAtTheDeepestNode) {
+  const auto dataset = [](int levels, bool isResolvedBefore) {
+    ResearchSpreadsheet result = tallTable();
+    result.calculations = {{0, 0, nested(cellAt(1, 0), levels)}, {1, 0, nested(constant(1), 31)}};
+    if (isResolvedBefore) std::swap(result.calculations->front(), result.calculations->back());
+    return result;
+  };
+  const auto deep = DocumentError::validationFailed("Circular or deeply nested formula dependencies.");
+  expectLimit(dataset(30, false), dataset(31, false), deep);
+  EXPECT_NO_THROW(ResearchFormulaEvaluator::resolve(dataset(31, true)));
+}
+
+// What the budgets leave to a response that means harm; whoever takes long here runs into the suite's
+// time limit.
+TEST(FormulaBudget, HostileDatasetsWithinTheBudgets) {
+  ResearchSpreadsheet nodes = tallTable();
+  Formula wide = apply(sum, std::vector<Formula>(17, constant(1)));
+  for (int i = 0; i < 30; ++i)
+    wide = apply(sum, {wide});
+  Formula bushy = apply(count, {});
+  for (int i = 0; i < 4; ++i)
+    bushy.arguments->push_back(
+        nested(apply(count, std::vector<Formula>(32, constant(-1.2345678901234567e-300))), 10));
+  addCalculations(nodes, 280, bushy);
+  EXPECT_EQ(ResearchFormulaEvaluator::resolve(nodes).at(0).value, 4);
+  addCalculations(nodes, 1, wide);  // its text doubles at every level
+  EXPECT_TRUE(errorOf([&] { ResearchFormulaEvaluator::resolve(nodes); }) ==
+              DocumentError::resourceLimit("formula text or numeric result"));
+
+  // Every formula reads the outputs of the one after it: a chain in which each link is a range.
+  ResearchSpreadsheet ranges = tallTable();
+  for (std::int64_t row = 0; row < tallRows - 1; ++row)
+    ranges.calculations->push_back({row, 0, apply(sum, {rangeOf(row + 1, 0, row + 1, 11)})});
+  ranges.rows[tallRows - 1].cells[0] = numberCell(3);
+  EXPECT_EQ(ResearchFormulaEvaluator::resolve(ranges).at(0).value, 3);
+}
+
+}  // namespace
+}  // namespace zelvo

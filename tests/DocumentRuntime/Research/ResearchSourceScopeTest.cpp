@@ -1,0 +1,138 @@
+#include <gtest/gtest.h>
+
+#include "Datasets.hpp"
+#include "DocumentRuntime/Coding/DecodingError.hpp"
+#include "DocumentRuntime/Errors/DocumentError.hpp"
+#include "DocumentRuntime/Research/ResearchSourceScopeCoding.hpp"
+#include "Support/RefusalTable.hpp"
+
+namespace zelvo {
+namespace {
+
+using namespace testing;
+using Texts = std::vector<std::string>;
+
+const std::string scopeJson =
+    R"({"localSnapshotIDs":["local-1","local-2","local-2"],)"
+    R"("publicSources":{"web.2":"https://w/shared","web.1":"https://w/shared","web.3":"https://w/3","é":"https://w/é"},)"
+    R"("records":[)"
+    R"({"id":"local-1","kind":"localSnapshot","label":"Page","observedAt":"2024-02-29T23:30:00.9-01:30",)"
+    R"("coverage":"Half","provenanceURL":"https://l/1"},)"
+    R"({"id":"web.3","kind":"publicPage","label":"First","coverage":"All","provenanceURL":"https://w/3"},)"
+    R"({"id":"web.3","kind":"publicSearch","label":"Second","coverage":"All"},)"
+    R"({"id":"shadow","kind":"publicURL","label":"Shadow","coverage":"All","provenanceURL":"https://w/3"}]})";
+
+ResearchSourceScope scope() {
+  return researchSourceScopeFromJson(scopeJson);
+}
+
+TEST(ResearchSourceScope, ChecksReferences) {
+  const std::string longest(160, 'x');
+  const ResearchSourceScope withLongest({longest, longest + "x", "a b", ""}, {{"a/b", "https://h"}}, {});
+  const Texts nine = {"local-1", "local-2", "web.1", "web.2", "web.3", "a", "b", "c", "d"};
+  const ResearchSourceScope withNine(nine, {}, {});
+  const ResearchSourceScope empty({}, {}, {});
+  const struct {
+    std::string name;
+    ResearchSourceScope scope;
+    std::optional<Texts> ids;
+    Texts urls;
+    bool requiresEvidence;
+    bool holds;
+  } rows[] = {
+      {"both kinds of ID", scope(), Texts{"local-1", "web.1"}, {}, true, true},
+      {"a URL alone", scope(), {}, {"https://w/3"}, true, true},
+      {"a URL twice", scope(), {}, {"https://w/3", "https://w/3"}, true, true},
+      {"an ID twice", scope(), Texts{"local-1", "local-1"}, {}, true, false},
+      {"eight IDs", withNine, Texts(nine.begin(), nine.end() - 1), {}, true, true},
+      {"nine IDs", withNine, nine, {}, true, false},
+      {"an ID of 160 bytes", withLongest, Texts{longest}, {}, true, true},
+      {"an ID of 161 bytes", withLongest, Texts{longest + "x"}, {}, true, false},
+      {"a space", withLongest, Texts{"a b"}, {}, true, false},
+      {"a slash", withLongest, Texts{"a/b"}, {}, true, false},
+      {"an empty ID", withLongest, Texts{""}, {}, true, false},
+      {"an ID of a record only", scope(), Texts{"shadow"}, {}, true, false},
+      {"a URL in other case", scope(), {}, {"https://W/3"}, true, false},
+      {"a local URL beside its ID", scope(), Texts{"local-1"}, {"https://l/1"}, true, false},
+      {"nothing where evidence is required", scope(), Texts{}, {}, true, false},
+      {"nothing where it is not", scope(), {}, {}, false, true},
+      {"nothing in an empty scope", empty, {}, {}, true, true},
+      {"nothing with a public source",
+       ResearchSourceScope({}, {{"a", "https://h"}}, {}),
+       {},
+       {},
+       true,
+       false},
+      {"something in an empty scope", empty, {}, {"https://h"}, true, false},
+  };
+  for (const auto& row : rows) {
+    const auto error = errorOf([&] { row.scope.validate(row.ids, row.urls, row.requiresEvidence); });
+    const auto expected = DocumentError::validationFailed(
+        "Use exact trusted local snapshot IDs or accepted public evidence; local evidence needs no public "
+        "URL.");
+    EXPECT_TRUE(row.holds ? !error : error == expected) << row.name << ": " << describe(error);
+  }
+}
+
+TEST(ResearchSourceScope, SelectsAndDescribesRecords) {
+  const struct {
+    Texts ids;
+    Texts urls;
+    Texts expected;
+  } rows[] = {
+      {{}, {}, {}},
+      {{"unknown"}, {"https://unknown"}, {}},
+      // A record of that URL comes before the public source, and stands for it by its own identifier.
+      {{}, {"https://w/3"}, {"web.3 | publicPage | First | Not recorded | All | https://w/3"}},
+      {{},
+       {"https://w/shared"},
+       {"web.1 | publicURL | Public reference | Not recorded | Returned public URL; coverage metadata "
+        "unavailable | "
+        "https://w/shared"}},
+      {{"web.3", "local-2", "local-1"},
+       {"https://l/1", "https://w/3"},
+       {"local-1 | localSnapshot | Page | 2024-03-01T01:00:00Z | Half | Provenance only: https://l/1",
+        "local-2 | localSnapshot | Visible source | Not recorded | Partial visible excerpt; capture metadata "
+        "unavailable | No URL",
+        "web.3 | publicPage | First | Not recorded | All | https://w/3"}},
+      {{"shadow"}, {}, {"shadow | publicURL | Shadow | Not recorded | All | https://w/3"}},
+  };
+  for (const auto& row : rows) {
+    Texts metadata;
+    for (const auto& record : scope().selectedRecords(row.ids, row.urls))
+      metadata.push_back(record.metadata());
+    EXPECT_EQ(metadata, row.expected);
+  }
+  Texts labels;
+  for (const std::string id : {"local-1", "local-2", "web.1", "web.3"})
+    labels.emplace_back(scope().selectedRecords({id}, {}).at(0).kindLabel());
+  EXPECT_EQ(labels, (Texts{"Local visible excerpt", "Local visible excerpt", "Public source URL",
+                           "Public page excerpt"}));
+}
+
+TEST(ResearchSourceScope, RefusesAFileOfAnotherShape) {
+  const struct {
+    std::string from;
+    std::string to;
+    std::string path;
+  } rows[] = {
+      {"\"publicPage\"", "\"page\"", "records[1].kind"},
+      {"2024-02-29T23:30:00.9-01:30", "2024-02-29T23:30:00", "records[0].observedAt"},
+      {"2024-02-29T23:30:00.9-01:30", "2023-02-29T23:30:00Z", "records[0].observedAt"},
+      {"\"https://w/3\",\"é\"", "null,\"é\"", "publicSources.web.3"},
+      {"\"publicSources\"", "\"sources\"", ""},
+  };
+  for (const auto& row : rows) {
+    std::string json = scopeJson;
+    json.replace(json.find(row.from), row.from.size(), row.to);
+    try {
+      researchSourceScopeFromJson(json);
+      ADD_FAILURE() << row.to;
+    } catch (const DecodingError& error) {
+      EXPECT_EQ(error.path(), row.path) << row.to;
+    }
+  }
+}
+
+}  // namespace
+}  // namespace zelvo
