@@ -82,10 +82,10 @@ std::size_t offsetBehind(std::string_view text, std::size_t count) {
   if (text.size() <= count) return text.size();  // a character has at least one byte
   if (count == 0) return 0;
 
-  // Two bytes are the longest ASCII character, and one more byte shows that the last one has ended: where
-  // these are ASCII, nothing behind them matters. `count` is below the size of a text, so twice it cannot
+  // No ASCII character is longer than two bytes, and to the one that is, CR LF, nothing joins: where these
+  // bytes are ASCII, nothing behind them matters. `count` is below the size of a text, so twice it cannot
   // overflow.
-  const std::string_view head = text.substr(0, 2 * count + 1);
+  const std::string_view head = text.substr(0, 2 * count);
   if (isASCII(head)) {
     std::size_t at = 0;
     for (std::size_t i = 0; i < count && at < head.size(); ++i)

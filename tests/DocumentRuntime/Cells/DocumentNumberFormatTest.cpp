@@ -37,34 +37,13 @@ TEST(DocumentNumberFormat, NumericCodes) {
     ASSERT_TRUE(format) << row.code;
     EXPECT_EQ(*format, row.expected) << row.code;
   }
-  for (const std::string code : {"",
-                                 "$",
-                                 "General",
-                                 "@",
-                                 "#",
-                                 "00",
-                                 "#,##",
-                                 "##,##0",
-                                 "0.",
-                                 "0.%",
-                                 "0.0000000000000",
-                                 "0%%",
-                                 "0% ",
-                                 "$0%",
-                                 "0% kr",
-                                 "$0$",
-                                 "0  kr",
-                                 "0;-0",
-                                 "0 ",
-                                 " 0",
-                                 "0.00E+00",
-                                 "[Red]0",
-                                 "0\n",
-                                 "0\u00A0kr",
-                                 "KR0",
-                                 "m/d/yy"}) {
-    EXPECT_FALSE(DocumentNumberFormat::numeric(code)) << code;
-  }
+  const auto expectRefused = [](const auto&... texts) {
+    for (const std::string_view text : {std::string_view(texts)...})
+      EXPECT_FALSE(DocumentNumberFormat::numeric(text)) << text;
+  };
+  expectRefused("", "$", "General", "@", "#", "00", "#,##", "##,##0", "0.", "0.%", "0.0000000000000", "0%%",
+                "0% ", "$0%", "0% kr", "$0$", "0  kr", "0;-0", "0 ", " 0", "0.00E+00", "[Red]0", "0\n",
+                "0\u00A0kr", "KR0", "m/d/yy");
 }
 
 TEST(DocumentNumberFormat, BuiltinCodesAreAllOfAKnownKind) {
