@@ -1,0 +1,180 @@
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "DocumentWorkerProtocol/DocumentWorkerMessage.hpp"
+#include "System/ChildProcess.hpp"
+
+// The built worker, confined, over real pipes.
+namespace zelvo {
+namespace {
+
+using Operation = DocumentWorkerRequest::Operation;
+
+constexpr std::size_t maximumMessageBytes = DocumentWorkerWire::maximumMessageBytes;
+constexpr ChildBounds ample = {.outputBytes = 2 * maximumMessageBytes,
+                               .wallClock = std::chrono::seconds(100)};
+
+ChildResult runWorkerProcess(std::string_view input) {
+  return runChildProcess({WORKER, {}}, input, ample);
+}
+
+/// Runs a script in which "$0" is the worker.
+ChildResult runShell(const std::string& script, std::string_view input) {
+  return runChildProcess({"/bin/sh", {"-c", script, WORKER}}, input, ample);
+}
+
+/// It ended by itself with that status, said that and nothing else.
+void expectEnd(const ChildResult& result, int status, const std::string& output) {
+  EXPECT_EQ(result.outcome, ChildOutcome::exited);
+  EXPECT_EQ(result.code, status);
+  EXPECT_EQ(result.output, output);
+  EXPECT_EQ(result.errorOutput, "");
+}
+
+ByteBuffer exampleWorkbook() {
+  std::ifstream file(EXAMPLE_WORKBOOK, std::ios::binary);
+  const std::string bytes((std::istreambuf_iterator<char>(file)), {});
+  EXPECT_FALSE(bytes.empty()) << EXAMPLE_WORKBOOK;
+  return ByteBuffer::copyOf(bytes);
+}
+
+DocumentWorkerRequest exampleRequest(Operation operation) {
+  DocumentWorkerRequest request;
+  request.operation = operation;
+  request.data = exampleWorkbook();
+  request.sourceName = "quarterly-sales.xlsx";
+  return request;
+}
+
+DocumentWorkerResponse answerTo(const DocumentWorkerRequest& request) {
+  ChildResult result = runWorkerProcess(toJson(request));
+  auto response = fromJson<DocumentWorkerResponse>(result.output);
+  // No byte stands before or behind the object.
+  expectEnd(result, 0, toJson(response));
+  return response;
+}
+
+const std::string smallRequest = R"({"operation":"extract","data":"","sourceName":"a.xlsx"})";
+const std::string smallResponse = R"({"error":"The selected table cannot be used: Choose a table."})";
+
+TEST(WorkerProcess, DoesItsFourOperations) {
+  const auto inspected = answerTo(exampleRequest(Operation::inspect));
+  ASSERT_TRUE(inspected.inspection);
+  EXPECT_EQ(inspected.inspection->sheets.at(0).name, "Quarter");
+
+  DocumentWorkerRequest request = exampleRequest(Operation::extract);
+  request.selection = {
+      .sheetName = "Quarter", .range = "A1:F6", .firstRowIsHeader = true, .allowCachedFormulaValues = true};
+  const auto extracted = answerTo(request);
+  ASSERT_TRUE(extracted.table) << extracted.error.value_or("");
+  EXPECT_EQ(extracted.table->rows.size(), 5U);
+
+  request.operation = Operation::create;
+  request.title = "Quarter";
+  request.chart = {.categoryColumn = 0, .valueColumn = 1, .title = "Sales"};
+  for (const auto format : {DocumentFormat::docx, DocumentFormat::pptx}) {
+    request.format = format;
+    auto created = answerTo(request);
+    ASSERT_TRUE(created.document) << created.error.value_or("");
+    EXPECT_EQ(created.table, extracted.table);
+
+    DocumentWorkerRequest validation = exampleRequest(Operation::validate);
+    validation.data = std::move(created.document->data);
+    validation.format = format;
+    validation.expectedTable = std::move(created.table);
+    validation.chart = request.chart;
+    const auto validated = answerTo(validation);
+    EXPECT_EQ(validated.validation, created.document->validation) << validated.error.value_or("");
+  }
+}
+
+TEST(WorkerProcess, UnusableInputGetsNoResponse) {
+  for (const std::string input : {
+           "",
+           "{",
+           "\xFF\xFE",
+           R"({"operation":"delete","data":"","sourceName":"a"})",
+           R"({"operation":"inspect","data":""})",
+           R"({"operation":"inspect","data":"=","sourceName":"a"})",
+           R"({"operation":"inspect","data":"","sourceName":["a"]})",
+       }) {
+    SCOPED_TRACE(input);
+    expectEnd(runWorkerProcess(input), 65, "");
+  }
+  expectEnd(runWorkerProcess(std::string(2'000'000, '[')), 65, "");
+}
+
+TEST(WorkerProcess, AFailedOperationIsAnswered) {
+  expectEnd(runWorkerProcess(smallRequest), 0, smallResponse);
+  expectEnd(runWorkerProcess(R"({"operation":"inspect","data":"","sourceName":"a.xlsx"})"), 0,
+            R"({"error":"The document exceeds a safe processing limit: archive size"})");
+}
+
+TEST(WorkerProcess, TheLargestRequestIsReadAndNoLargerOne) {
+  std::string request = smallRequest;
+  request.resize(maximumMessageBytes, ' ');
+  expectEnd(runWorkerProcess(request), 0, smallResponse);
+  expectEnd(runWorkerProcess(request + ' '), 65, "");
+}
+
+TEST(WorkerProcess, MemoryIsInProportionToALongDocument) {
+  // Refused by its first bytes: what is measured is reading and decoding. Some writers escape the slash.
+  constexpr std::string_view head = R"({"operation":"inspect","sourceName":"a.xlsx","data":"\/\/\/\/)";
+  std::string input;
+  input.reserve(maximumMessageBytes);
+  input += head;
+  input.append(maximumMessageBytes / 8 * 7, '/').append("\"}");
+  const ChildResult result = runWorkerProcess(input);
+  expectEnd(result, 0, R"({"error":"The document archive is invalid: missing ZIP directory"})");
+#if !defined(ZELVO_SANITIZE)
+  EXPECT_LT(result.peakMemoryBytes, std::uint64_t{input.size()} * 3 + (32U << 20));
+#endif
+}
+
+TEST(WorkerProcess, AStandardOutputThatCannotBeWrittenIsAStatus) {
+#if !defined(ZELVO_SANITIZE)  // whose runtime would take the free number for a pipe of its own
+  expectEnd(runShell(R"("$0" >&-)", smallRequest), 65, "");
+#endif
+  // A regular file must not grow.
+  expectEnd(runShell(R"(file=$(mktemp) && "$0" > "$file"; echo "$?, $(wc -c < "$file") bytes"; rm "$file")",
+                     smallRequest),
+            0, "65, 0 bytes\n");
+  // The pipe's reader has ended before the worker gets its request.
+  expectEnd(runShell(R"(exec 3>&1; { sleep 0.3; "$0"; echo "$?" >&3; } | true)", smallRequest), 0, "65\n");
+}
+
+TEST(WorkerProcess, AResponseLargerThanThePipeWaitsForItsReader) {
+  DocumentWorkerRequest request = exampleRequest(Operation::create);
+  request.selection = {
+      .sheetName = "Orders", .range = "A1:H25", .firstRowIsHeader = true, .allowCachedFormulaValues = true};
+  request.format = DocumentFormat::pptx;
+  request.title = "Orders";
+  const std::string input = toJson(request);
+  const std::string whole = runWorkerProcess(input).output;
+  constexpr std::size_t pipeBytes = 65'536;
+  ASSERT_GT(whole.size(), pipeBytes) << whole;
+  expectEnd(runShell(R"({ "$0"; echo " $?"; } | { sleep 0.5; cat; })", input), 0, whole + " 0\n");
+}
+
+TEST(WorkerProcess, OptionsAndEnvironmentAreIgnored) {
+  expectEnd(runShell(R"(TZ=:/etc/passwd LC_ALL=tr_TR.UTF-8 ICU_DATA=/tmp "$0" --help -v)", smallRequest), 0,
+            smallResponse);
+}
+
+TEST(WorkerProcess, AParentCannotTalkItOutOfItsConfinement) {
+  for (const std::string mode : {"seccomp-fails", "seccomp-pretends", "prlimit-fails", "prlimit-pretends",
+                                 "prctl-fails", "prctl-pretends"}) {
+    SCOPED_TRACE(mode);
+    expectEnd(runChildProcess({HOSTILE_PARENT, {mode, WORKER}}, smallRequest, ample), 78, "");
+    // The request is still there for the next reader.
+    expectEnd(runShell("{ " HOSTILE_PARENT " " + mode + R"( "$0"; echo " $?"; cat; })", smallRequest), 0,
+              " 78\n" + smallRequest);
+  }
+}
+
+}  // namespace
+}  // namespace zelvo
