@@ -217,13 +217,4 @@ bool sortsBefore(std::string_view a, std::string_view b) {
   return composed(a) < composed(b);
 }
 
-void warmUp() {
-  // Letters outside ASCII, a mark that composes, and an emoji sequence: every table is used once.
-  const std::string_view sample = "Ae\u0301\u03A3 \U0001F469\u200D\U0001F680";
-  characterCount(sample);
-  lowercased(sample);
-  uppercased(sample);
-  composed(sample);
-}
-
 }  // namespace zelvo::Unicode

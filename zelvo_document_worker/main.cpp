@@ -4,7 +4,6 @@
 #include "DocumentRuntime/PackageIO/BoundedXML.hpp"
 #include "System/Confinement.hpp"
 #include "System/StandardStreams.hpp"
-#include "Text/Unicode.hpp"
 #include "zelvo_document_worker/WorkerEntry.hpp"
 
 namespace zelvo {
@@ -13,7 +12,6 @@ namespace {
 int confineAndRun() {
   try {
     OOXML::warmUpXML();
-    Unicode::warmUp();
     warmUpUnwinder();
     const Confinement confinement = enterConfinement();
     StandardInput input;
