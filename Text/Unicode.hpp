@@ -11,8 +11,9 @@
 ///
 /// A "character" is a user-perceived one: an extended grapheme cluster, CR LF being one.
 ///
-/// No function asks anything of the operating system but memory, at its first use as at every other, so that a confined process may call
-/// them: the library's data is linked in, and files that could replace it are refused.
+/// No function asks anything of the operating system but memory, at its first use as at every other, so that
+/// a confined process may call them: the library's data is linked in, and files that could replace it are
+/// refused.
 ///
 /// Every function may run on several threads at once. Memory that runs out is std::bad_alloc, and so is a
 /// text that the Unicode library cannot address (hundreds of MiB, far above what any reader lets in); nothing
