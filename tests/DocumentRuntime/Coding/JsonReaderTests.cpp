@@ -106,8 +106,8 @@ TEST(JsonReader, Malformed) {
     const std::string error = errorOf([&] { dumpOf(text); });
     EXPECT_TRUE(error.starts_with("The JSON is malformed at byte ")) << text << " gives " << error;
   }
-  EXPECT_TRUE(
-      errorOf([] { dumpOf(std::string("[1]\0", 4)); }).starts_with("The JSON is malformed at byte 3"));
+  EXPECT_EQ(errorOf([] { dumpOf(std::string("[1]\0", 4)); }), "The JSON is malformed at byte 3: extra data.");
+  EXPECT_EQ(errorOf([] { dumpOf(R"({"a": 1 2})"); }), "The JSON is malformed at byte 8: syntax error.");
 }
 
 TEST(JsonReader, EveryTruncationIsRefused) {
