@@ -56,6 +56,59 @@ class InspectParser {
   CLI::Option* files_ = nullptr;
 };
 
+/// The options by which every research command is told what may be cited.
+class SourceOptions {
+ public:
+  explicit SourceOptions(CLI::App& command) {
+    // One value each: what follows may be a file.
+    sources_ = command.add_option("--source", given_.sources, "A URL that may be cited; repeat for more")
+                   ->type_name("URL")
+                   ->allow_extra_args(false);
+    command.add_flag("--no-sources", given_.noSources, "No URL may be cited")->excludes(sources_);
+    command.add_option("--scope", given_.scopeFile, "The trusted evidence")->type_name("SCOPE.json");
+  }
+  SourceOptions(const SourceOptions&) = delete;
+  SourceOptions& operator=(const SourceOptions&) = delete;
+  ~SourceOptions() = default;
+
+  SourceArguments arguments() const {
+    return {.sources = values(*sources_),
+            .noSources = given_.noSources,
+            .scopeFile = withoutGuards(given_.scopeFile)};
+  }
+
+ private:
+  SourceArguments given_;
+  CLI::Option* sources_ = nullptr;
+};
+
+class ResearchCheckParser {
+ public:
+  explicit ResearchCheckParser(CLI::App& research)
+      : command_(research.add_subcommand("check", "Validate a dataset and compute its formulas")),
+        sources_(*command_) {
+    command_->add_option("DATASET.json", given_.dataset, "Dataset")->required()->type_name("");
+    command_->add_flag("--require-chart", given_.requireChart, "Refuse a dataset without charts");
+    command_->add_flag("--json", given_.json, "Print JSON, which is also the default here");
+  }
+  ResearchCheckParser(const ResearchCheckParser&) = delete;
+  ResearchCheckParser& operator=(const ResearchCheckParser&) = delete;
+  ~ResearchCheckParser() = default;
+
+  bool isGiven() const { return command_->parsed(); }
+  ResearchCheckArguments arguments() const {
+    return {.dataset = withoutGuards(given_.dataset),
+            .requireChart = given_.requireChart,
+            .json = given_.json,
+            .sources = sources_.arguments()};
+  }
+
+ private:
+  ResearchCheckArguments given_;
+  CLI::App* command_;
+  SourceOptions sources_;
+};
+
 Ending endingOf(const CLI::App& tool, const CLI::ParseError& end) {
   std::ostringstream output;
   std::ostringstream errors;
@@ -72,6 +125,9 @@ std::variant<Command, Ending> parseCommandLine(int count, const char* const* arg
   tool.require_subcommand(1);
   tool.footer(footer);
   const InspectParser inspect(tool);
+  CLI::App* research = tool.add_subcommand("research", "Check datasets of research results");
+  research->require_subcommand(1);
+  const ResearchCheckParser researchCheck(*research);
 
   std::vector<std::string> reversed;  // as CLI11 wants it
   for (int i = count - 1; i > 0; --i)
@@ -81,6 +137,7 @@ std::variant<Command, Ending> parseCommandLine(int count, const char* const* arg
   } catch (const CLI::ParseError& end) {
     return endingOf(tool, end);
   }
+  if (researchCheck.isGiven()) return researchCheck.arguments();
   return inspect.arguments();
 }
 

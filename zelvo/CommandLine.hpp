@@ -14,8 +14,22 @@ struct InspectArguments {
   bool json = false;
 };
 
+/// What rows and slides may cite.
+struct SourceArguments {
+  std::vector<std::string> sources;  ///< URLs
+  bool noSources = false;            ///< no URL at all; otherwise an empty list is no rule
+  std::string scopeFile;             ///< empty for none
+};
+
+struct ResearchCheckArguments {
+  std::string dataset;  ///< a file
+  bool requireChart = false;
+  bool json = false;  ///< changes nothing: there is no output for people
+  SourceArguments sources;
+};
+
 /// What to do: one alternative a subcommand.
-using Command = std::variant<InspectArguments>;
+using Command = std::variant<InspectArguments, ResearchCheckArguments>;
 
 /// Nothing to do but to say this: help, the version, or what is wrong with the command line.
 struct Ending {

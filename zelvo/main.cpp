@@ -1,5 +1,5 @@
 // The command-line tool: a host for people. Documents are never parsed here, only handed to a confined
-// worker, and whatever comes back from one is made harmless before a terminal sees it.
+// worker or child, and whatever comes back from one is made harmless before a terminal sees it.
 
 #include <algorithm>
 #include <exception>
@@ -10,6 +10,7 @@
 #include "zelvo/Console.hpp"
 #include "zelvo/ExitStatus.hpp"
 #include "zelvo/InspectCommand.hpp"
+#include "zelvo/ResearchCheckCommand.hpp"
 #include "zelvo/WorkerPath.hpp"
 
 namespace zelvo {
@@ -19,6 +20,7 @@ struct RunCommand {
   const DocumentWorkerHost& host;
 
   ExitStatus operator()(const InspectArguments& arguments) const { return inspect(host, arguments); }
+  ExitStatus operator()(const ResearchCheckArguments& arguments) const { return researchCheck(arguments); }
 };
 
 ExitStatus end(const Ending& ending) {

@@ -1,0 +1,73 @@
+#include "zelvo/ConfinedWork.hpp"
+
+#include <cstddef>
+#include <exception>
+#include <new>
+#include <utility>
+
+#include "DocumentWorkerHost/WorkerFailure.hpp"
+#include "System/Confinement.hpp"
+#include "System/ForkedChild.hpp"
+#include "System/StandardStreams.hpp"
+#include "zelvo_document_worker/SandboxCheck.hpp"
+#include "zelvo_document_worker/WorkerEntry.hpp"
+
+namespace zelvo {
+namespace {
+
+/// The work is bounded to a fraction of a second: who needs more is stuck.
+constexpr ResourceLimit cpuLimit = {.resource = Resource::cpuSeconds, .soft = 45, .hard = 45};
+constexpr ResourceLimit fileLimit = {.resource = Resource::fileBytes, .soft = 0, .hard = 0};
+constexpr ResourceLimit processLimit = {.resource = Resource::processes, .soft = 0, .hard = 0};
+
+/// As much as a worker may answer.
+constexpr std::size_t maximumOutputBytes = 40U << 20;
+
+/// The child's own status for "what I wrote is why the input is refused"; the others are a worker's.
+constexpr int refusedStatus = 1;
+
+bool confineThisProcess() {
+  const Confinement confinement = enterConfinement();
+  Limits& limits = *confinement.limits;
+  return sandboxIsEnabled(*confinement.entitlements) && limits.apply(cpuLimit) && limits.apply(fileLimit) &&
+         limits.apply(processLimit) && limits.seal();
+}
+
+/// Writes the result, or the refusal, and gives the status to end with.
+int answer(const std::function<std::string()>& work) {
+  StandardOutput output;
+  std::string bytes;
+  int status = exitStatus::answered;
+  try {
+    bytes = work();
+  } catch (const std::bad_alloc&) {
+    return exitStatus::noResponse;
+  } catch (const std::exception& refusal) {
+    bytes = refusal.what();
+    status = refusedStatus;
+  }
+  return output.write(bytes) ? status : exitStatus::noResponse;
+}
+
+int confineAndAnswer(const std::function<std::string()>& work) noexcept {
+  try {
+    warmUpUnwinder();
+    if (!confineThisProcess()) return exitStatus::notConfined;
+    return answer(work);
+  } catch (const std::exception&) {
+    return exitStatus::noResponse;
+  }
+}
+
+}  // namespace
+
+std::variant<std::string, Complaint> runConfined(const std::function<std::string()>& work) {
+  ChildResult result = runForkedChild([&work] { return confineAndAnswer(work); }, maximumOutputBytes);
+  if (result.outcome == ChildOutcome::exited && result.code == refusedStatus)
+    return Complaint{ExitStatus::refused, std::move(result.output)};
+  if (const auto failure = WorkerFailure::of(result, "zelvo"))
+    return Complaint{ExitStatus::workerFailed, failure->message()};
+  return std::move(result.output);
+}
+
+}  // namespace zelvo

@@ -1,0 +1,42 @@
+#include "zelvo/ResearchInput.hpp"
+
+#include <cstddef>
+#include <utility>
+
+#include "DocumentRuntime/Research/ResearchSourceScopeCoding.hpp"
+#include "zelvo/DocumentFile.hpp"
+
+namespace zelvo {
+namespace {
+
+/// Far above what any research input may hold, and little enough to read before knowing what it is.
+constexpr std::size_t maximumFileBytes = 16U << 20;
+
+}  // namespace
+
+std::variant<std::string, Complaint> readText(const std::string& path) {
+  auto file = readDocument(path, maximumFileBytes + 1);
+  if (auto* failure = std::get_if<std::string>(&file))
+    return Complaint{ExitStatus::refused, std::move(*failure)};
+  const auto& document = *std::get_if<DocumentFile>(&file);
+  if (document.data.size() > maximumFileBytes)
+    return Complaint{ExitStatus::refused, "The file is larger than 16 MiB: " + path};
+  return std::string(document.data.text());
+}
+
+std::optional<ResearchSourceScope> SourceInput::scope() const {
+  if (!scopeText) return std::nullopt;
+  return researchSourceScopeFromJson(*scopeText);
+}
+
+std::variant<SourceInput, Complaint> readSources(const SourceArguments& arguments) {
+  SourceInput input;
+  if (arguments.noSources || !arguments.sources.empty()) input.allowedSources = arguments.sources;
+  if (arguments.scopeFile.empty()) return input;
+  auto text = readText(arguments.scopeFile);
+  if (auto* complaint = std::get_if<Complaint>(&text)) return std::move(*complaint);
+  input.scopeText = std::move(*std::get_if<std::string>(&text));
+  return input;
+}
+
+}  // namespace zelvo
