@@ -12,7 +12,9 @@ GeneratedPackage::GeneratedPackage(ByteView bytes, OOXML::PackageAllowance allow
   parts_ = OOXML::package(
       bytes, allowance,
       [&](std::string_view name, XMLTree& tree) {
-        if (outsideProfile) return;
+        // A name that ends in other letter case is none that is written here, and fails as such later.
+        const bool isProfiled = name.ends_with(".xml") || name.ends_with(".rels");
+        if (outsideProfile || !isProfiled) return;
         try {
           GeneratedDocumentProfile::check(tree.root());
         } catch (const DocumentError& error) {
@@ -21,7 +23,7 @@ GeneratedPackage::GeneratedPackage(ByteView bytes, OOXML::PackageAllowance allow
         trees_.keep(name, tree);
       },
       stop);
-  if (outsideProfile) throw *outsideProfile;
+  if (outsideProfile) throw DocumentError(*outsideProfile);
 }
 
 GeneratedPackage::ParsedPart GeneratedPackage::parsed(std::string_view name) const {

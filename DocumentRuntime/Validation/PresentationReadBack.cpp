@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <array>
+#include <iterator>
+#include <optional>
 #include <set>
 #include <string>
 #include <utility>
@@ -61,46 +63,60 @@ void checkParts(const PartMap& parts) {
   }
 }
 
-/// The names of the slide parts in the order of the show.
-std::vector<std::string> slideParts(const GeneratedPackage& package) {
-  const DocumentError failure = DocumentError::validationFailed("presentation slides");
+/// The part that an entry of the slide list leads to.
+std::string slidePart(XMLNode entry, const RelationshipTargets& targets) {
+  const auto identifier = entry.attribute("r:id");
+  const auto target = identifier ? targets.find(*identifier) : std::nullopt;
+  if (!target) throw DocumentError::validationFailed("presentation slides");
+  return OOXML::resolve(*target, presentationRelationships);
+}
+
+/// The rows of one slide; none where it is a chart's slide, which has no table to join.
+std::optional<TableTexts> slideRows(XMLNode slide, bool hasChartPart) {
+  if (slide.name() != "sld") throw DocumentError::validationFailed("slide root");
+  const XMLElements tables = slide.descendants("tbl");
+  if (tables.empty() && hasChartPart && !slide.descendants("chart").empty()) return std::nullopt;
+  TableTexts rows;
+  for (const XMLNode table : tables)
+    appendTableTexts(rows, table);
+  return rows;
+}
+
+/// The tables of the slides in the order of the show.
+std::vector<TableTexts> readSlides(const GeneratedPackage& package, const std::stop_token& stop) {
   const auto presentation = package.parsed(presentationPartName);
   const XMLNode root = presentation.root();
   const auto list = root.child("sldIdLst");
   if (root.name() != "presentation" || root.attribute("xmlns:p") != presentationNamespace || !list ||
-      list->children().empty() || list->children().size() > maximumSlides) {
-    throw DocumentError(failure);
+      list->children().empty() || list->children().size() > maximumSlides ||
+      !package.contains(presentationRelationships)) {
+    throw DocumentError::validationFailed("presentation slides");
   }
-  if (!package.contains(presentationRelationships)) throw DocumentError(failure);
-  const auto relationships = package.parsed(presentationRelationships);
-  const auto targets = RelationshipTargets::read(relationships.root());
+  const auto targets = RelationshipTargets::read(package.parsed(presentationRelationships).root());
 
-  std::vector<std::string> names;
+  const bool hasChartPart = package.contains(chartPartName);
+  std::vector<TableTexts> slides;
   std::set<std::string> seen;
-  for (const XMLNode slide : root.descendants("sldId")) {
-    const auto identifier = slide.attribute("r:id");
-    const auto target = identifier ? targets.find(*identifier) : std::nullopt;
-    if (!target) throw DocumentError(failure);
-    std::string name = OOXML::resolve(*target, presentationRelationships);
+  for (const XMLNode entry : root.descendants("sldId")) {
+    throwIfCancelled(stop);
+    const std::string name = slidePart(entry, targets);
     if (!seen.insert(name).second) throw DocumentError::validationFailed("duplicate slide");
-    names.push_back(std::move(name));
+    if (auto rows = slideRows(package.parsed(name).root(), hasChartPart)) slides.push_back(std::move(*rows));
   }
-  return names;
+  return slides;
 }
 
-/// Adds one slide's rows to the table, its header only if it is the first.
-void joinSlide(TableTexts& joined, XMLNode slide, bool hasChartPart) {
-  if (slide.name() != "sld") throw DocumentError::validationFailed("slide root");
-  const XMLElements tables = slide.descendants("tbl");
-  if (tables.empty() && hasChartPart && !slide.descendants("chart").empty()) return;
-  TableTexts rows;
-  for (const XMLNode table : tables)
-    appendTableTexts(rows, table);
-  if (rows.empty() || (!joined.empty() && rows.front() != joined.front())) {
-    throw DocumentError::validationFailed("repeated table header");
+/// One table of all slides, whose header each of them repeats.
+TableTexts joined(std::vector<TableTexts> slides) {
+  TableTexts table;
+  for (TableTexts& rows : slides) {
+    if (rows.empty() || (!table.empty() && rows.front() != table.front())) {
+      throw DocumentError::validationFailed("repeated table header");
+    }
+    const auto firstNew = rows.begin() + (table.empty() ? 0 : 1);
+    table.insert(table.end(), std::make_move_iterator(firstNew), std::make_move_iterator(rows.end()));
   }
-  const auto firstNew = rows.begin() + (joined.empty() ? 0 : 1);
-  joined.insert(joined.end(), std::make_move_iterator(firstNew), std::make_move_iterator(rows.end()));
+  return table;
 }
 
 }  // namespace
@@ -108,13 +124,9 @@ void joinSlide(TableTexts& joined, XMLNode slide, bool hasChartPart) {
 TableTexts readPresentation(const GeneratedPackage& package, const SourceTable* expectedTable,
                             const ChartSelection* expectedChart, const std::stop_token& stop) {
   checkParts(package.parts());
-  const bool hasChart = package.contains(chartPartName);
-  TableTexts rows;
-  for (const std::string& name : slideParts(package)) {
-    throwIfCancelled(stop);
-    joinSlide(rows, package.parsed(name).root(), hasChart);
-  }
+  TableTexts rows = joined(readSlides(package, stop));
 
+  const bool hasChart = package.contains(chartPartName);
   const bool hasWorkbook = package.contains(chartWorkbookName);
   if (hasChart != hasWorkbook || (!hasChart && expectedChart != nullptr)) {
     throw DocumentError::validationFailed("missing chart or orphaned chart workbook");
