@@ -1,0 +1,127 @@
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "DocumentRuntime/Engine/DocumentEngine.hpp"
+#include "DocumentRuntime/PackageIO/OOXMLSupport.hpp"
+#include "DocumentRuntime/Validation/GeneratedDocumentValidation.hpp"
+#include "Support/PackageBuilder.hpp"
+#include "Support/RefusalTable.hpp"
+#include "Support/SampleTable.hpp"
+
+namespace zelvo {
+namespace {
+
+using testing::errorOf;
+
+const DocumentError longCells =
+    DocumentError::unsupported("long slide cells; use a Word table or a smaller presentation selection");
+
+struct Request {
+  SourceTable table = testing::tableOf(2, 5);
+  std::string title = "Title";
+  std::optional<ChartSelection> chart =
+      ChartSelection{.categoryColumn = 0, .valueColumn = 1, .title = "Chart"};
+
+  Request() {
+    for (auto& row : table.rows)
+      row[1].value = SourceCellValue::number("2.5");
+  }
+};
+
+void createDeck(const Request& request) {
+  DocumentEngine::createPPTX(request.table, request.title, request.chart);
+}
+
+TEST(DocumentEngine, RefusesDecksInTheOrderOfTheRules) {
+  const std::vector<testing::Refusal<Request>> rows = {
+      {"input rule", [](Request& request) { request.table.rows[4][0].address = "A2"; },
+       DocumentError::invalidSelection("cell lineage or bounds")},
+      {"long title", [](Request& request) { request.table.columns[1] = std::string(61, 'i'); }, longCells},
+      {"long cell",
+       [](Request& request) { request.table.rows[2][0].value = SourceCellValue::text(std::string(81, 'i')); },
+       longCells},
+      {"chart rule", [](Request& request) { request.chart->valueColumn = 2; },
+       DocumentError::invalidSelection("chart needs two different columns and at most 30 rows")},
+      {"tall row",
+       [](Request& request) {
+         request.table.rows[3][0].value = SourceCellValue::text(std::string(19, '\n'));
+       },
+       DocumentError::unsupported(
+           "presentation cells need too much vertical space; use Word or fewer columns")},
+      {"three lines of title", [](Request& request) { request.title = std::string(95, 'i'); },
+       DocumentError::unsupported("presentation title is too long for two lines")},
+      {"three lines of chart title", [](Request& request) { request.chart->title = std::string(95, 'i'); },
+       DocumentError::unsupported("chart title is too long for two lines")},
+      // Written without it, and read back as another text.
+      {"control character",
+       [](Request& request) { request.table.rows[1][0].value = SourceCellValue::text("a\x01"); },
+       DocumentError::validationFailed("chart data differs from the approved columns")},
+  };
+  testing::expectRefusals<Request>([] { return Request(); }, rows, createDeck);
+}
+
+TEST(DocumentEngine, MeasuresSlideCellsAsTheyAreShown) {
+  Request request;
+  request.chart.reset();
+  request.table.columns[0] = std::string(60, 'i');
+  request.table.rows[0][0].value = SourceCellValue::text(std::string(80, 'i'));
+  // 60 digits with their 19 separators are 79 characters, with "%" 80; 61 digits are 82.
+  request.table.rows[0][1].value = SourceCellValue::number(std::string(60, '1'));
+  request.table.rows[0][1].numberFormat = "#,##0";
+  EXPECT_FALSE(errorOf([&] { createDeck(request); }));
+  request.table.rows[0][1].numberFormat = "#,##0.0";
+  EXPECT_EQ(errorOf([&] { createDeck(request); }), longCells);
+  EXPECT_FALSE(errorOf([&] { DocumentEngine::createDOCX(request.table, request.title); }));
+}
+
+TEST(DocumentEngine, RefusesWordDocumentsThatWouldShowOtherTexts) {
+  SourceTable table = testing::tableOf(1, 2);
+  for (const char* text : {"a\x01", "a\rb", "a\uFFFE"}) {
+    table.rows[0][0].value = SourceCellValue::text(text);
+    EXPECT_EQ(errorOf([&] { DocumentEngine::createDOCX(table, "Title"); }),
+              DocumentError::validationFailed("table cells differ from frozen source values"));
+  }
+  EXPECT_EQ(errorOf([&] { DocumentEngine::createDOCX(table, " "); }),
+            DocumentError::invalidSelection("table, title, or source bounds"));
+}
+
+TEST(DocumentEngine, MakesDocumentsThatShowWhatWasExtracted) {
+  const ByteBuffer workbook = testing::workbookPackage(testing::richWorkbook()).bytes();
+  EXPECT_EQ(DocumentEngine::inspectXLSX(ByteBuffer::copyOf(workbook.view()), "folder/book.xlsx").sourceSHA256,
+            OOXML::hash(workbook.view()));
+  const SourceTable table =
+      DocumentEngine::extractTable(ByteBuffer::copyOf(workbook.view()), "folder/book.xlsx",
+                                   {.sheetName = "Sales",
+                                    .range = "A1:E4",
+                                    .firstRowIsHeader = true,
+                                    .includeHiddenRows = true,
+                                    .allowCachedFormulaValues = true});
+  ASSERT_EQ(table.rows.size(), 3U);
+
+  const GeneratedDocument word = DocumentEngine::createDOCX(table, "Sales");
+  const GeneratedDocument deck = DocumentEngine::createPPTX(table, "Sales", {});
+  EXPECT_EQ(word.format, DocumentFormat::docx);
+  EXPECT_EQ(deck.format, DocumentFormat::pptx);
+  for (const GeneratedDocument* document : {&word, &deck}) {
+    EXPECT_EQ(document->sourceSHA256, OOXML::hash(workbook.view()));
+    EXPECT_TRUE(document->validation.sourceValuesVerified);
+    EXPECT_EQ(document->validation,
+              DocumentEngine::validate(document->data.view(), document->format, &table, nullptr));
+    // Each shows this table and no other.
+    SourceTable other = table;
+    other.rows[0][1].value = SourceCellValue::number("1234.51");
+    EXPECT_TRUE(
+        errorOf([&] { DocumentEngine::validate(document->data.view(), document->format, &other, nullptr); }));
+  }
+
+  SourceTable charted = testing::tableOf(2, 30);
+  for (auto& row : charted.rows)
+    row[1].value = SourceCellValue::number("-1E-3");
+  const ChartSelection chart{.categoryColumn = 0, .valueColumn = 1, .title = ""};
+  EXPECT_TRUE(DocumentEngine::createPPTX(charted, "Sales", chart).validation.sourceValuesVerified);
+}
+
+}  // namespace
+}  // namespace zelvo
