@@ -13,7 +13,6 @@ endfunction()
 
 find_package(Threads REQUIRED)
 zelvo_import(zlib zlib.h z)
-zelvo_import(expat expat.h expat)
 zelvo_import(icu unicode/uchar.h icuuc icudata)
 zelvo_import(nettle nettle/sha2.h nettle)
 zelvo_import(boost_json boost/json.hpp boost_json)

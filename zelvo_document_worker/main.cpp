@@ -1,7 +1,6 @@
 #include <exception>
 #include <unistd.h>
 
-#include "DocumentRuntime/PackageIO/BoundedXML.hpp"
 #include "System/Confinement.hpp"
 #include "System/StandardStreams.hpp"
 #include "zelvo_document_worker/WorkerEntry.hpp"
@@ -11,7 +10,6 @@ namespace {
 
 int confineAndRun() {
   try {
-    OOXML::warmUpXML();
     warmUpUnwinder();
     const Confinement confinement = enterConfinement();
     StandardInput input;

@@ -20,8 +20,4 @@ inline constexpr std::size_t maximumXMLAttributes = 64;  ///< of one element, na
 /// no external entity can exist, so that none is ever asked for.
 XMLTree xml(ByteView part);
 
-/// Makes the parser library do now what it would otherwise ask of the system at its first parse. A process
-/// calls this before it confines itself.
-void warmUpXML();
-
 }  // namespace zelvo::OOXML

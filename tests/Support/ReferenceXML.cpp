@@ -87,13 +87,6 @@ std::optional<std::string> reference(std::string_view xml) {
   return tree.open.front().children;
 }
 
-bool holdsNonASCII(std::string_view text) {
-  for (const char c : text) {
-    if (static_cast<unsigned char>(c) >= 0x80) return true;
-  }
-  return false;
-}
-
 }  // namespace
 
 std::optional<std::string> disagreement(std::string_view xml) {
@@ -108,10 +101,8 @@ std::optional<std::string> disagreement(std::string_view xml) {
   }
   const auto theirs = reference(xml);
   if (ours == theirs) return std::nullopt;
-  if (ours.has_value() != theirs.has_value() &&
-      (holdsNonASCII(xml) || xml.find("<?xml") != std::string_view::npos)) {
+  if (ours.has_value() != theirs.has_value() && xml.find("<?xml") != std::string_view::npos)
     return std::nullopt;
-  }
   return "ours: " + ours.value_or("refused") + "\ntheirs: " + theirs.value_or("refused");
 }
 

@@ -1,0 +1,91 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "DocumentRuntime/PackageIO/BoundedXML.hpp"
+#include "DocumentRuntime/PackageIO/XMLTreeBuilder.hpp"
+
+namespace zelvo::OOXML {
+
+/// Reads one XML 1.0 document without a document type, once from front to back, and tells a builder what it
+/// holds. Time is linear in the text: nothing is looked at twice but the few names of one tag. Memory, the
+/// builder's aside, is fixed but for one tag's values: attributes past those that an element may have are
+/// counted, not kept.
+///
+/// `text` must be valid UTF-8 without NUL bytes, and outlive the scanner.
+class XMLScanner {
+ public:
+  XMLScanner(std::string_view text, XMLTreeBuilder& builder) : text_(text), builder_(builder) {}
+
+  /// Throws `DocumentError` invalidArchive "malformed XML", and what the builder throws.
+  void run();
+
+ private:
+  struct Attribute {
+    std::string_view name;
+    std::string_view value;    ///< where it stands for itself
+    std::size_t decodedStart;  ///< in `decodedValues_`, where it does not
+    std::size_t decodedLength;
+    std::uint32_t nameHash;
+  };
+
+  // The document, top down.
+  void declaration();
+  void declaredValue(std::string_view name, bool (*isValid)(std::string_view));
+  void miscellaneous();
+  void root();
+  void markup();
+  void startTag();
+  void attribute();
+  Attribute attributeValue(char quote);
+  void decodeInValue();
+  void endTag();
+  void characterData();
+  void section();
+  void comment();
+  void instruction();
+
+  // Pieces of it.
+  std::string_view name();
+  bool skipSpace();
+  /// Decodes the reference at the position and moves behind it. The view is valid until the next one.
+  std::string_view reference();
+  char32_t characterReference();
+  /// Moves behind the next `end` and gives what stands before it.
+  std::string_view upTo(std::string_view end);
+  static void checkCharacters(std::string_view text);
+
+  // The text.
+  bool isAtEnd() const { return position_ == text_.size(); }
+  /// NUL at the end: the text holds none.
+  char peek() const { return isAtEnd() ? '\0' : text_[position_]; }
+  std::string_view rest() const { return text_.substr(position_); }
+  bool take(std::string_view expected);
+  bool take(char expected) {
+    if (peek() != expected) return false;
+    ++position_;
+    return true;
+  }
+  /// Moves over the bytes of these classes and gives them.
+  std::string_view run(std::uint8_t classes);
+  static void require(bool condition) {
+    if (!condition) malformed();
+  }
+  [[noreturn]] static void malformed();
+
+  std::string_view text_;
+  XMLTreeBuilder& builder_;
+  std::size_t position_ = 0;
+  std::array<std::string_view, maximumXMLDepth> openNames_{};
+  std::size_t depth_ = 0;
+  std::array<Attribute, maximumXMLAttributes> attributes_{};  ///< of the tag being read
+  std::size_t attributeCount_ = 0;
+  std::string decodedValues_;  ///< of the tag being read
+  std::string decodedReference_;
+};
+
+}  // namespace zelvo::OOXML
