@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "DocumentRuntime/Records/ByteBuffer.hpp"
+#include "DocumentRuntime/Research/Datasets.hpp"
 #include "Support/PackageBuilder.hpp"
 
 namespace {
@@ -46,6 +47,36 @@ void addXML(Seeds& seeds) {
   seeds.add("<a b='&#65;&lt;'>x<![CDATA[<&]]><!-- c --><?p i?><c:d xmlns:c='u'/>\r\n</a>");
 }
 
+void addRequests(Seeds& seeds) {
+  seeds.add(R"({"operation":"inspect","data":"","sourceName":"a"})");
+  seeds.add(
+      R"({"operation":"create","data":"QQ==","sourceName":"a","selection":{"sheetName":"S","range":"A1:B2",)"
+      R"("firstRowIsHeader":true,"includeHiddenRows":false,"allowCachedFormulaValues":true},"format":"pptx",)"
+      R"("title":"T\u00e9\ud83d\ude00","chart":{"categoryColumn":0,"valueColumn":1.0,"title":""}})");
+  seeds.add(
+      R"({"operation":"validate","data":"QUI=","sourceName":"a","format":"docx","expectedTable":{"sourceName":"a",)"
+      R"("sourceSHA256":"b","sheetName":"S","selectedRange":"A1","columns":["c"],"rows":[[{"address":"A2","value":)"
+      R"({"number":{"_0":"1"}},"usesCachedFormulaValue":true,"formula":"x","numberFormat":"0","hidden":false},)"
+      R"({"address":"B2","value":{"missing":{}},"usesCachedFormulaValue":false,"hidden":true}]],"warnings":["w"],)"
+      R"("headerUsesCachedFormulaValues":false}})");
+}
+
+/// The first byte says what the host asks for.
+void addDatasets(Seeds& seeds) {
+  using namespace zelvo::testing;
+  zelvo::ResearchSpreadsheet dataset = yearlyProfit();
+  seeds.add("\1" + dataset.encoded());
+  seeds.add("\3```json\n" + dataset.encoded() + "\n```");
+  dataset.calculations->front().formula = apply(
+      Operation::average, {rangeOf(0, 2, 2, 3), apply(Operation::count, {cellAt(1, 4), constant(0.5)})});
+  for (Row& row : dataset.rows) {
+    row.sourceIDs = {"a", "b"};
+    row.sources = {"http://h/"};
+  }
+  seeds.add("\4" + dataset.encoded());
+  seeds.add(std::string("\0{}", 3));
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -56,6 +87,8 @@ int main(int argc, char** argv) {
   const std::string_view target = argv[1];
   Seeds seeds(argv[2]);
   if (target == "fuzz_package" || target == "fuzz_extract") addWorkbooks(seeds);
+  if (target == "fuzz_dataset") addDatasets(seeds);
+  if (target == "fuzz_request") addRequests(seeds);
   if (target == "fuzz_xml") addXML(seeds);
   return seeds.count() > 0 ? 0 : 1;
 }
