@@ -1,0 +1,147 @@
+// write_documents FOLDER: writes a set of documents and, beside each, NAME.json with what readers must find
+// in it: {"rows": [[text, …], …], "categories": [text, …], "values": [text, …]}, the latter two empty without
+// a chart.
+
+#include <cstdio>
+#include <exception>
+#include <fstream>
+#include <optional>
+#include <string>
+#include <utility>
+
+#include "DocumentRuntime/Coding/JsonWriter.hpp"
+#include "DocumentRuntime/Engine/DocumentEngine.hpp"
+#include "Support/SampleTable.hpp"
+
+namespace {
+
+using zelvo::ChartSelection;
+using zelvo::GeneratedDocument;
+using zelvo::JsonWriter;
+using zelvo::SourceCellValue;
+using zelvo::SourceTable;
+using zelvo::testing::tableOf;
+
+constexpr const char* title = "Quarterly <figures> & more";
+
+std::string expectations(const SourceTable& table, const std::optional<ChartSelection>& chart) {
+  JsonWriter json;
+  const auto column = [&](const char* key, std::int64_t index, bool displayed) {
+    json.key(key);
+    json.beginArray();
+    for (const auto& row : table.rows) {
+      if (!chart) break;
+      const auto& cell = row[static_cast<std::size_t>(index)];
+      json.string(displayed ? cell.displayText() : cell.value.payload());
+    }
+    json.endArray();
+  };
+  json.beginObject();
+  json.key("rows");
+  json.beginArray();
+  json.beginArray();
+  for (const std::string& text : table.columns)
+    json.string(text);
+  json.endArray();
+  for (const auto& row : table.rows) {
+    json.beginArray();
+    for (const auto& cell : row)
+      json.string(cell.displayText());
+    json.endArray();
+  }
+  json.endArray();
+  column("categories", chart ? chart->categoryColumn : 0, true);
+  column("values", chart ? chart->valueColumn : 0, false);
+  json.endObject();
+  return json.take();
+}
+
+class Documents {
+ public:
+  explicit Documents(std::string folder) : folder_(std::move(folder)) {}
+
+  void word(const std::string& name, const SourceTable& table) const {
+    write(name + ".docx", zelvo::DocumentEngine::createDOCX(table, title), expectations(table, {}));
+  }
+  void deck(const std::string& name, const SourceTable& table,
+            const std::optional<ChartSelection>& chart = {}) const {
+    write(name + ".pptx", zelvo::DocumentEngine::createPPTX(table, title, chart), expectations(table, chart));
+  }
+
+ private:
+  void write(const std::string& file, const GeneratedDocument& document, const std::string& expected) const {
+    std::ofstream(folder_ + '/' + file, std::ios::binary) << document.data.text();
+    std::ofstream(folder_ + '/' + file + ".json") << expected;
+  }
+
+  std::string folder_;
+};
+
+/// What markup, right-to-left scripts, scalars above the first plane and spaces make of a text.
+SourceTable specialTable() {
+  const std::vector<std::string> texts = {
+      "<a href=\"x\">&amp;</a>",
+      "'quoted' \"twice\"",
+      " space at both ends ",
+      "two  spaces   and three",
+      "Straße, Ærø, e\u0301",
+      "東京 トウキョウ",
+      "\u05E9\u05DC\u05D5\u05DD 12 \u05E9",
+      "👩‍👩‍👧 🇫🇷 𝔘",
+      "_x0041_ %41 &#65;",
+      "=1+1",
+      "]]>",
+      "- – — − \u00AD",
+  };
+  SourceTable table = tableOf(3, 4);
+  for (std::size_t i = 0; i < texts.size(); ++i)
+    table.rows[i / 3][i % 3].value = SourceCellValue::text(texts[i]);
+  table.columns[1] = "a < b & \"c\"";
+  return table;
+}
+
+SourceTable figures(std::size_t rows) {
+  SourceTable table = tableOf(3, rows);
+  table.columns = {"Month & year", "Revenue <net>", "Note"};
+  for (std::size_t i = 0; i < rows; ++i) {
+    table.rows[i][0].value = SourceCellValue::text("Month " + std::to_string(i + 1));
+    const auto amount = 1000 + 137 * static_cast<int>(i % 7) - 300 * static_cast<int>(i % 5);
+    table.rows[i][1].value = SourceCellValue::number(std::to_string(amount) + ".125");
+    table.rows[i][1].numberFormat = "\"$\"#,##0.00";
+  }
+  return table;
+}
+
+void writeAll(const Documents& documents) {
+  const ChartSelection chart{.categoryColumn = 0, .valueColumn = 1, .title = "Revenue"};
+  documents.word("small", zelvo::testing::sampleTable());
+  documents.word("large", tableOf(8, 200));
+  documents.word("special", specialTable());
+  documents.word("lines", [] {
+    SourceTable table = tableOf(1, 1);
+    table.rows[0][0].value = SourceCellValue::text("one\ntwo\tthree");
+    return table;
+  }());
+  documents.word("figures", figures(60));
+  documents.deck("small", zelvo::testing::sampleTable());
+  documents.deck("large", tableOf(8, 110));
+  documents.deck("special", specialTable());
+  documents.deck("chart-of-one", figures(1), chart);
+  documents.deck("chart", figures(30), chart);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  if (argc != 2) {
+    std::fputs("usage: write_documents FOLDER\n", stderr);
+    return 2;
+  }
+  try {
+    writeAll(Documents(argv[1]));
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "write_documents: %s\n", error.what());
+    return 1;
+  }
+  return 0;
+}
