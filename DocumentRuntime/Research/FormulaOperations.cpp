@@ -55,7 +55,7 @@ EvaluatedFormula arithmetic(Formula::Operation operation, const std::vector<Eval
   const EvaluatedFormula& b = arguments[1];
 
   std::string text = "IF(COUNT(" + a.text + ',' + b.text + ")=2,IFERROR((";
-  text += a.text + operatorSign(operation) + b.text + "),\"\"),\"\")";
+  text += a.text + operatorSign(operation) + b.text + R"(),""),""))";
   return {{combined(operation, a.values[0], b.values[0])}, std::move(text)};
 }
 

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <map>
 #include <string>
+#include <tuple>
 #include <utility>
 
 #include "DocumentRuntime/Cells/CellAddress.hpp"
@@ -55,7 +56,9 @@ struct Coordinates {
   std::int64_t row;
   std::int64_t column;
 
-  auto operator<=>(const Coordinates&) const = default;
+  friend bool operator<(const Coordinates& a, const Coordinates& b) {
+    return std::tie(a.row, a.column) < std::tie(b.row, b.column);
+  }
 };
 
 /// One resolution. Formulas depend on one another in chains as long as the list, so nodes wait on a stack of

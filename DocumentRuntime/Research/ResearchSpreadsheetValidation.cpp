@@ -37,6 +37,7 @@ void require(bool holds, const char* message) {
 
 bool hasGoodHeadings(const std::vector<Column>& columns) {
   std::vector<std::string> folded;
+  folded.reserve(columns.size());
   for (const Column& column : columns)
     folded.push_back(Unicode::lowercased(column.headerLabel()));
   std::sort(folded.begin(), folded.end());
