@@ -123,6 +123,15 @@ def attribute_names(count):
     return [letters(i + 1).lower() for i in range(count)]
 
 
+def many_attributes(count, seed):
+    """Elements of 64 attributes each, with values that do not compress too well to pass."""
+    random = noise(seed)
+    names = attribute_names(64)
+    for _ in range(count):
+        digits = f"{next(random):010}" * 7
+        yield "<b" + "".join(f' {name}="{digits[i]}"' for i, name in enumerate(names)) + "/>"
+
+
 def scaled(make):
     return {"": make(1), ".half": make(0.5), ".quarter": make(0.25), ".eighth": make(0.125)}
 
@@ -143,8 +152,7 @@ WORKLOADS = {
         [worksheet(mixed_rows(2, 2, 2))], ["a", "b"],
         {f"xl/e{i:03}.xml": "<a>" + "<b/>" * 199_999 + "</a>" for i in range(300)})},
     "attributes-64": lambda: {"": workbook([worksheet(mixed_rows(2, 2, 2))], ["a", "b"], {
-        f"xl/a{i}.xml": "<a>" + ("<b" + "".join(f' {name}=""' for name in attribute_names(64)) + "/>") * 39_000 + "</a>"
-        for i in range(3)})},
+        f"xl/a{i}.xml": "<a>" + "".join(many_attributes(30_000, i)) + "</a>" for i in range(3)})},
     "distinct-attributes": lambda: {"": workbook([worksheet(mixed_rows(2, 2, 2))], ["a", "b"], {
         "xl/a.xml": "<a>" + "".join(
             "<b" + "".join(f' {name}=""' for name in names[i:i + 64]) + "/>" for i in range(0, len(names), 64)) + "</a>"

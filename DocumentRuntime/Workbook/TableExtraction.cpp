@@ -63,11 +63,22 @@ class RangeCollector final : public WorksheetVisitor {
   std::vector<bool> hiddenRows_;
 };
 
+/// What the texts of one table may hold together, in bytes; no response could carry more. Cells share their
+/// strings and formats, so that a small workbook of one enormous character could otherwise grow a
+/// thousandfold.
+constexpr std::size_t maximumTableBytes = std::size_t{40} * 1024 * 1024;
+
+std::size_t textBytes(const SourceCell& cell) {
+  return cell.value.payload().size() + (cell.formula ? cell.formula->size() : 0) +
+         (cell.numberFormat ? cell.numberFormat->size() : 0);
+}
+
 std::vector<std::vector<SourceCell>> readRows(const RangeCollector& contents, const CellRange& range,
                                               const TableSelection& selection, const CellReader& reader,
                                               const std::set<CellAddress>& acceptedEmptyFormulaCells,
                                               const std::stop_token& stop) {
   std::vector<std::vector<SourceCell>> rows;
+  std::size_t tableBytes = 0;
   for (std::size_t row = 0; std::cmp_less(row, heightOf(range)); ++row) {
     throwIfCancelled(stop);
     const bool hidden = contents.isHidden(row);
@@ -80,6 +91,8 @@ std::vector<std::vector<SourceCell>> readRows(const RangeCollector& contents, co
                                   {.hidden = hidden,
                                    .allowCache = selection.allowCachedFormulaValues,
                                    .acceptEmptyFormula = acceptedEmptyFormulaCells.contains(address)}));
+      tableBytes += textBytes(cells.back());
+      if (tableBytes > maximumTableBytes) throw DocumentError::resourceLimit("selected cell text");
     }
   }
   return rows;

@@ -257,6 +257,24 @@ TEST(TableExtraction, CountsCharactersAsPeopleDo) {
               DocumentError::resourceLimit("selected cell text"));
 }
 
+TEST(TableExtraction, BoundsWhatSharedTextsGrowTo) {
+  // One character of 2 MiB, small in the file and shared by 21 cells.
+  std::string character = "e";
+  while (character.size() < 2 * 1024 * 1024)
+    character += "\u0301";
+  std::string rows;
+  for (int row = 1; row <= 21; ++row) {
+    const std::string number = std::to_string(row);
+    rows += "<row r='" + number + "'><c r='A" + number + "' t='s'><v>0</v></c></row>";
+  }
+  Extraction extraction{.workbook = testing::plainWorkbook(rows)};
+  extraction.workbook.sharedStrings = {"<t>" + character + "</t>"};
+  extraction.selection = {.sheetName = "Data", .range = "A1:A19"};
+  EXPECT_EQ(extract(extraction).rows.size(), 19U);
+  extraction.selection.range = "A1:A21";
+  EXPECT_TRUE(errorOf([&] { extract(extraction); }) == DocumentError::resourceLimit("selected cell text"));
+}
+
 TEST(TableExtraction, StopsWhenCancelled) {
   const WorkbookReader reader(testing::workbookPackage(testing::richWorkbook()).bytes(), "book.xlsx");
   EXPECT_THROW(reader.table(Extraction().selection, {}, testing::stopped()), Cancelled);
