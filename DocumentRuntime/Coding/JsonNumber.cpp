@@ -1,10 +1,10 @@
 #include "DocumentRuntime/Coding/JsonNumber.hpp"
 
-#include <array>
 #include <charconv>
-#include <cmath>
 #include <cstddef>
 #include <system_error>
+
+#include "DocumentRuntime/Cells/DoubleText.hpp"
 
 namespace zelvo::JsonNumber {
 namespace {
@@ -79,16 +79,10 @@ std::optional<double> number(std::string_view text) {
 }
 
 void append(std::string& out, double value) {
-  constexpr double smallestFixed = 1e-4;
-  constexpr double largestFixed = 0x1p54;
-  const double magnitude = std::fabs(value);
-  const bool fixed = magnitude == 0 || (magnitude >= smallestFixed && magnitude <= largestFixed);
-  // 17 significant digits, sign, point, and either "0.000" before them or an exponent of five characters
-  // after them.
-  std::array<char, 32> text{};
-  const auto result = std::to_chars(text.begin(), text.end(), value,
-                                    fixed ? std::chars_format::fixed : std::chars_format::scientific);
-  out.append(text.begin(), result.ptr);
+  const std::string shortest = DoubleText::shortest(value);
+  std::string_view text = shortest;
+  if (text.ends_with(".0")) text.remove_suffix(2);
+  out += text;
 }
 
 }  // namespace zelvo::JsonNumber
