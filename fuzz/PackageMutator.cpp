@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "DocumentRuntime/Errors/DocumentError.hpp"
@@ -42,6 +43,31 @@ ArchiveBuilder archiveOf(const std::vector<TextPart>& parts, bool deflate) {
   return archive;
 }
 
+/// The parts of an archive; none of what is no archive.
+std::vector<TextPart> partsOf(ByteView archive) {
+  std::vector<TextPart> parts;
+  try {
+    for (const Part& part : BoundedZIP::read(archive))
+      parts.push_back({part.name, std::string(part.bytes.text())});
+  } catch (const DocumentError&) {
+    parts.clear();
+  }
+  return parts;
+}
+
+std::string mutatedArchive(std::vector<TextPart> parts, unsigned seed);
+
+/// Mutates a part, and an archive within the archive by the same rules as the one around it.
+void mutatePart(TextPart& part, unsigned seed) {
+  auto inner = part.name.ends_with(".xlsx") ? partsOf(bytesOf(part.text)) : std::vector<TextPart>();
+  if (inner.empty()) {
+    mutate(part.text);
+  } else {
+    constexpr unsigned spread = 2'654'435'761;  // other bits choose inside
+    part.text = mutatedArchive(std::move(inner), seed * spread);
+  }
+}
+
 std::string mutatedArchive(std::vector<TextPart> parts, unsigned seed) {
   const std::size_t chosen = seed % parts.size();
   const bool deflate = (seed >> 8) % 2 == 0;
@@ -62,7 +88,7 @@ std::string mutatedArchive(std::vector<TextPart> parts, unsigned seed) {
       parts.erase(parts.begin() + static_cast<std::ptrdiff_t>(chosen));
       break;
     default:
-      mutate(parts[chosen].text);
+      mutatePart(parts[chosen], seed);
   }
   return archiveOf(parts, deflate).bytes();
 }
@@ -71,13 +97,7 @@ std::string mutatedArchive(std::vector<TextPart> parts, unsigned seed) {
 
 std::size_t mutatePackage(std::uint8_t* data, std::size_t size, std::size_t maximumSize, unsigned seed) {
   if ((seed >> 24) % 8 == 0) return LLVMFuzzerMutate(data, size, maximumSize);
-  std::vector<TextPart> parts;
-  try {
-    for (const Part& part : BoundedZIP::read({data, size}))
-      parts.push_back({part.name, std::string(part.bytes.text())});
-  } catch (const DocumentError&) {
-    return LLVMFuzzerMutate(data, size, maximumSize);
-  }
+  std::vector<TextPart> parts = partsOf({data, size});
   if (parts.empty()) return LLVMFuzzerMutate(data, size, maximumSize);
   const std::string mutated = mutatedArchive(std::move(parts), seed);
   if (mutated.size() > maximumSize) return size;

@@ -8,6 +8,7 @@
 
 #include "DocumentRuntime/Records/ByteBuffer.hpp"
 #include "DocumentRuntime/Research/Datasets.hpp"
+#include "DocumentRuntime/Validation/EditedDocument.hpp"
 #include "Support/PackageBuilder.hpp"
 
 namespace {
@@ -39,6 +40,13 @@ void addWorkbooks(Seeds& seeds) {
   seeds.add(zelvo::testing::workbookPackage(zelvo::testing::plainWorkbook(
       "<row r='1'><c r='A1' t='str'><v>a</v></c></row><row r='2'><c r='A2'><v>1</v></c></row>")));
   seeds.add(zelvo::testing::minimalPackage());
+}
+
+void addDocuments(Seeds& seeds) {
+  using namespace zelvo::testing;
+  seeds.add(unpacked(zelvo::DocumentAuthor::docx(deckTable(), "Title").view()));
+  seeds.add(deck().package);
+  seeds.add(chartDeck().package);
 }
 
 void addXML(Seeds& seeds) {
@@ -89,6 +97,7 @@ int main(int argc, char** argv) {
   if (target == "fuzz_package" || target == "fuzz_extract") addWorkbooks(seeds);
   if (target == "fuzz_dataset") addDatasets(seeds);
   if (target == "fuzz_request") addRequests(seeds);
+  if (target == "fuzz_validate") addDocuments(seeds);
   if (target == "fuzz_xml") addXML(seeds);
   return seeds.count() > 0 ? 0 : 1;
 }
