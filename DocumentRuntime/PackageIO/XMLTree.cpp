@@ -3,12 +3,13 @@
 namespace zelvo {
 
 std::string_view XMLNode::attributeName(std::size_t index) const {
-  return storage_->view(
-      storage_->names[storage_->attributes[element().firstAttribute + index].name].qualified);
+  const auto& attribute = storage_->attributes[element().firstAttribute + index];
+  return storage_->view({attribute.offset, attribute.nameLength});
 }
 
 std::string_view XMLNode::attributeValue(std::size_t index) const {
-  return storage_->view(storage_->attributes[element().firstAttribute + index].value);
+  const auto& attribute = storage_->attributes[element().firstAttribute + index];
+  return storage_->view({attribute.offset + attribute.nameLength, attribute.valueLength});
 }
 
 std::optional<std::string_view> XMLNode::attribute(std::string_view qualifiedName) const {

@@ -51,8 +51,8 @@ void XMLTreeBuilder::start(std::string_view qualifiedName, std::size_t attribute
 }
 
 void XMLTreeBuilder::attribute(std::string_view qualifiedName, std::string_view value) {
-  const std::uint32_t name = nameIndex(qualifiedName);
-  storage_->attributes.push({name, store(value)});
+  const Span name = store(qualifiedName);
+  storage_->attributes.push({name.offset, name.length, store(value).length});
 }
 
 void XMLTreeBuilder::characters(std::string_view text) {

@@ -36,8 +36,8 @@ class XMLTreeBuilder {
     std::uint32_t lastText;  ///< index into `moreText`; `none` while the text is one run
   };
 
-  /// Names repeat, so that each is stored once as long as it is found within a few probes of this table; past
-  /// that it is simply stored again. So no choice of names can make a look-up long.
+  /// Names of elements repeat, so that each is stored once as long as it is found within a few probes of this
+  /// table; past that it is simply stored again. So no choice of names can make a look-up long.
   static constexpr std::size_t nameSlots = 1024;
   static constexpr std::size_t nameProbes = 4;
 

@@ -23,9 +23,12 @@ struct XMLTreeStorage {
     std::uint32_t localOffset;  ///< from the start of the qualified name
     std::uint32_t localLength;
   };
+  /// The name, and behind it the value. Not shared like the names of elements: a part may hold millions of
+  /// attributes, and twelve bytes for each is what bounds the tree of such a part.
   struct Attribute {
-    std::uint32_t name;  ///< index into `names`
-    Span value;
+    std::uint32_t offset;
+    std::uint32_t nameLength;
+    std::uint32_t valueLength;
   };
   /// Character data that goes on after a child element; a chain, so that no text is ever moved to be joined.
   struct MoreText {
