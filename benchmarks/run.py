@@ -83,6 +83,36 @@ def inspect_rows(bench):
                f"{ours['cpu ratio']:.2f}", f"{ours['peak'] / MIB:.0f}", f"{allowed / MIB:.0f}", f"{ours['wall']:.2f}"]
 
 
+SELECTION = {"sheetName": "Sheet 1", "range": "A1:H201", "firstRowIsHeader": True, "includeHiddenRows": False,
+             "allowCachedFormulaValues": True}
+
+
+def extract_rows(bench):
+    worker, floor = bench.program("zelvo_document_worker"), bench.program("floor")
+    openpyxl = ["/usr/bin/python3", str(Path(__file__).with_name("read_with_openpyxl.py"))]
+    for name in ("cells-50000", "near-limit"):
+        stdin = bench.request(name, operation="extract", selection=SELECTION)
+        base, ours = bench.measure(stdin, floor, worker)
+        book = str(bench.folder / f"{name}.xlsx")
+        others = bench.measure(stdin, worker, [*openpyxl, book, "A1:H201"], ["/usr/bin/xlsx2csv", "-n", "Sheet 1", book], runs=2)
+        yield [name, milliseconds(base["cpu"]), milliseconds(ours["cpu"]), f"{ours['cpu ratio']:.2f}",
+               milliseconds(others[1]["cpu"]), milliseconds(others[2]["cpu"]), f"{ours['peak'] / MIB:.0f}"]
+
+
+def create_rows(bench):
+    worker = bench.program("zelvo_document_worker")
+    plan = {"title": "Benchmark", "selection": SELECTION}
+    chart = {"categoryColumn": 0, "valueColumn": 2, "title": "Chart"}
+    for label, rows, fields in (("DOCX, 200 x 8", 201, {"format": "docx"}),
+                                ("PPTX with a chart, 30 x 8", 31, {"format": "pptx", "chart": chart})):
+        selection = {**SELECTION, "range": f"A1:H{rows}"}
+        extract = bench.request("table-200x8", operation="extract", selection=selection)
+        create = bench.request("table-200x8", operation="create", **{**plan, "selection": selection}, **fields)
+        base = bench.measure(extract, worker, runs=30)[0]
+        ours = bench.measure(create, worker, runs=30)[0]
+        yield [label, f"{base['cpu'] * 1000:.2f}", f"{ours['cpu'] * 1000:.2f}", f"{ours['cpu'] / base['cpu']:.2f}"]
+
+
 def growth_rows(bench):
     worker = bench.program("zelvo_document_worker")
     for name in GROWING:
@@ -115,6 +145,10 @@ def main():
     table("A tiny workbook, whole process", ["empty program wall ms", "worker wall ms", "ratio", "worker peak MiB"],
           [[f"{empty['wall'] * 1000:.2f}", f"{ours['wall'] * 1000:.2f}", f"{ours['wall ratio']:.2f}", f"{ours['peak'] / MIB:.1f}"]])
 
+    table("Extract 201 x 8 cells", ["workload", "floor CPU ms", "worker CPU ms", "ratio", "openpyxl CPU ms", "xlsx2csv CPU ms",
+                                    "worker peak MiB"], extract_rows(bench))
+    table("Create, validation included, against extract of the same range",
+          ["document", "extract CPU ms", "create CPU ms", "ratio"], create_rows(bench))
     table("Growth: CPU ms at an eighth, a quarter, a half and the whole",
           ["workload", "1/8", "1/4", "1/2", "1", "1/4 : 1/8", "1/2 : 1/4", "1 : 1/2"], growth_rows(bench))
     table("Inspect beside openpyxl (read-only mode)", ["workload", "worker CPU ms", "openpyxl CPU ms", "times",

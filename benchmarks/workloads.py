@@ -12,6 +12,7 @@ from pathlib import Path
 MAIN = "http://schemas.openxmlformats.org/spreadsheetml/2006/main"
 RELATIONSHIPS = "http://schemas.openxmlformats.org/officeDocument/2006/relationships"
 PACKAGE = "http://schemas.openxmlformats.org/package/2006"
+CONTENT = "application/vnd.openxmlformats-officedocument.spreadsheetml"
 PART_LIMIT = 16 * 1024 * 1024
 TOTAL = 60 * 1024 * 1024
 
@@ -39,7 +40,12 @@ def workbook(sheets, strings=(), extra=()):
     """A package of the given worksheet parts; `extra` are further parts, by name."""
     names = [f"Sheet {i + 1}" for i in range(len(sheets))]
     parts = {
-        "[Content_Types].xml": f'<Types xmlns="{PACKAGE}/content-types"><Default Extension="xml" ContentType="application/xml"/></Types>',
+        "[Content_Types].xml": f'<Types xmlns="{PACKAGE}/content-types">'
+                               '<Default Extension="rels" ContentType="application/vnd.openxmlformats-package.relationships+xml"/>'
+                               '<Default Extension="xml" ContentType="application/xml"/>' + "".join(
+            f'<Override PartName="/xl/{name}.xml" ContentType="{CONTENT}.{kind}+xml"/>' for name, kind in [
+                ("workbook", "sheet.main"), ("styles", "styles"), *([("sharedStrings", "sharedStrings")] if strings else []),
+                *((f"worksheets/sheet{i + 1}", "worksheet") for i in range(len(sheets)))]) + "</Types>",
         "_rels/.rels": f'<Relationships xmlns="{PACKAGE}/relationships"><Relationship Id="rId1" '
                        f'Type="{RELATIONSHIPS}/officeDocument" Target="xl/workbook.xml"/></Relationships>',
         "xl/workbook.xml": f'<workbook xmlns="{MAIN}" xmlns:r="{RELATIONSHIPS}"><sheets>' + "".join(
@@ -50,6 +56,9 @@ def workbook(sheets, strings=(), extra=()):
         "xl/styles.xml": f'<styleSheet xmlns="{MAIN}"><cellXfs><xf numFmtId="0"/><xf numFmtId="4"/><xf numFmtId="10"/>'
                          f'<xf numFmtId="14"/></cellXfs></styleSheet>',
     }
+    relationships = "".join(f'<Relationship Id="{name}" Type="{RELATIONSHIPS}/{name}" Target="{name}.xml"/>'
+                            for name in ["styles", *(["sharedStrings"] if strings else [])])
+    parts["xl/_rels/workbook.xml.rels"] = parts["xl/_rels/workbook.xml.rels"].replace("</Rel", relationships + "</Rel")
     if strings:
         parts["xl/sharedStrings.xml"] = f'<sst xmlns="{MAIN}">' + "".join(f"<si><t>{text}</t></si>" for text in strings) + "</sst>"
     for i, sheet in enumerate(sheets):
