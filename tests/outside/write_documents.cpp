@@ -2,9 +2,9 @@
 // in it: {"rows": [[text, …], …], "categories": [text, …], "values": [text, …]}, the latter two empty without
 // a chart.
 
-#include <cstdio>
 #include <exception>
 #include <fstream>
+#include <iostream>
 #include <optional>
 #include <string>
 #include <utility>
@@ -134,13 +134,13 @@ void writeAll(const Documents& documents) {
 
 int main(int argc, char** argv) {
   if (argc != 2) {
-    std::fputs("usage: write_documents FOLDER\n", stderr);
+    std::cerr << "usage: write_documents FOLDER\n";
     return 2;
   }
   try {
     writeAll(Documents(argv[1]));
   } catch (const std::exception& error) {
-    std::fprintf(stderr, "write_documents: %s\n", error.what());
+    std::cerr << "write_documents: " << error.what() << '\n';
     return 1;
   }
   return 0;
