@@ -5,6 +5,7 @@
 #include <csignal>
 #include <system_error>
 
+#include "DocumentWorkerProtocol/WorkerExitStatus.hpp"
 #include "System/ChildProcess.hpp"
 
 namespace zelvo {
@@ -59,12 +60,10 @@ std::string firstLine(const std::string& errorOutput) {
 }
 
 WorkerFailure failureOfStatus(const ChildResult& result) {
-  constexpr int unusable = 65;
-  constexpr int unconfined = 78;
   switch (result.code) {
-    case unusable:
+    case exitStatus::noResponse:
       return {Kind::gaveNoResponse};
-    case unconfined:
+    case exitStatus::notConfined:
       return {Kind::notConfined};
     default:
       return {Kind::unknownStatus, result.code, firstLine(result.errorOutput)};

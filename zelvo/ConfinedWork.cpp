@@ -6,19 +6,14 @@
 #include <utility>
 
 #include "DocumentWorkerHost/WorkerFailure.hpp"
+#include "DocumentWorkerProtocol/WorkerExitStatus.hpp"
 #include "System/Confinement.hpp"
 #include "System/ForkedChild.hpp"
 #include "System/StandardStreams.hpp"
-#include "zelvo_document_worker/SandboxCheck.hpp"
-#include "zelvo_document_worker/WorkerEntry.hpp"
+#include "zelvo_document_worker/WorkerConfinement.hpp"
 
 namespace zelvo {
 namespace {
-
-/// The work is bounded to a fraction of a second: who needs more is stuck.
-constexpr ResourceLimit cpuLimit = {.resource = Resource::cpuSeconds, .soft = 45, .hard = 45};
-constexpr ResourceLimit fileLimit = {.resource = Resource::fileBytes, .soft = 0, .hard = 0};
-constexpr ResourceLimit processLimit = {.resource = Resource::processes, .soft = 0, .hard = 0};
 
 /// As much as a worker may answer.
 constexpr std::size_t maximumOutputBytes = 40U << 20;
@@ -28,9 +23,7 @@ constexpr int refusedStatus = 1;
 
 bool confineThisProcess() {
   const Confinement confinement = enterConfinement();
-  Limits& limits = *confinement.limits;
-  return sandboxIsEnabled(*confinement.entitlements) && limits.apply(cpuLimit) && limits.apply(fileLimit) &&
-         limits.apply(processLimit) && limits.seal();
+  return confineForWork(*confinement.entitlements, *confinement.limits);
 }
 
 /// Writes the result, or the refusal, and gives the status to end with.

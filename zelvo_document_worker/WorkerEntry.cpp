@@ -9,28 +9,19 @@
 
 #include "DocumentRuntime/Errors/DocumentError.hpp"
 #include "DocumentWorkerProtocol/DocumentWorkerMessage.hpp"
+#include "DocumentWorkerProtocol/WorkerExitStatus.hpp"
 #include "Text/Unicode.hpp"
 #include "zelvo_document_worker/Dispatcher.hpp"
-#include "zelvo_document_worker/SandboxCheck.hpp"
+#include "zelvo_document_worker/WorkerConfinement.hpp"
 
 namespace zelvo {
 namespace {
-
-/// The hardest workbook within the readers' limits takes a few seconds: who needs more is stuck.
-constexpr ResourceLimit cpuLimit = {.resource = Resource::cpuSeconds, .soft = 45, .hard = 45};
-constexpr ResourceLimit fileLimit = {.resource = Resource::fileBytes, .soft = 0, .hard = 0};
-constexpr ResourceLimit processLimit = {.resource = Resource::processes, .soft = 0, .hard = 0};
 
 constexpr std::size_t maximumMessageBytes = DocumentWorkerWire::maximumMessageBytes;
 constexpr std::size_t readChunkBytes = 65'536;
 
 /// Of an error that is reported, in user-perceived characters: details can quote texts of the document.
 constexpr std::size_t maximumErrorCharacters = 500;
-
-bool confine(EntitlementReader& entitlements, Limits& limits) {
-  return sandboxIsEnabled(entitlements) && limits.apply(cpuLimit) && limits.apply(fileLimit) &&
-         limits.apply(processLimit) && limits.seal();
-}
 
 /// The whole input; none when reading fails or a chunk would pass the bound.
 std::optional<std::string> readRequest(Input& input) {
@@ -77,7 +68,7 @@ bool serve(Input& input, Output& output) {
 
 int runWorker(EntitlementReader& entitlements, Limits& limits, Input& input, Output& output) noexcept {
   try {
-    if (!confine(entitlements, limits)) return exitStatus::notConfined;
+    if (!confineForWork(entitlements, limits)) return exitStatus::notConfined;
     return serve(input, output) ? exitStatus::answered : exitStatus::noResponse;
   } catch (const std::exception&) {
     // The request cannot be decoded, or memory ran out. Writing comes last and throws nothing, so nothing was

@@ -1,6 +1,7 @@
 #include <exception>
 #include <unistd.h>
 
+#include "DocumentWorkerProtocol/WorkerExitStatus.hpp"
 #include "System/Confinement.hpp"
 #include "System/StandardStreams.hpp"
 #include "zelvo_document_worker/WorkerEntry.hpp"

@@ -1,0 +1,11 @@
+#pragma once
+
+/// With what status a worker ends.
+namespace zelvo::exitStatus {
+
+inline constexpr int answered = 0;  ///< a response was written: a result or an error
+/// Nothing was written: the request could not be used, the response not be sent, or memory ran out.
+inline constexpr int noResponse = 65;
+inline constexpr int notConfined = 78;  ///< nothing was read: the sandbox or a limit is not in place
+
+}  // namespace zelvo::exitStatus
