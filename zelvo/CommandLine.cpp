@@ -7,13 +7,16 @@
 
 #include <CLI/CLI.hpp>
 
+#include "Text/Unicode.hpp"
+
 namespace zelvo {
 namespace {
 
 constexpr const char* footer =
-    R"("-" as a file is standard input.
+    R"("-" as a file is standard input, and for -o standard output, which must not be a terminal. It has no
+ending to tell the format: it is a presentation with --chart, and a Word document without.
 
-Exit status: 0 success, 1 a document was refused or a file could not be read, 2 wrong usage,
+Exit status: 0 success, 1 a document was refused or a file could not be read or written, 2 wrong usage,
 3 the worker could not be run or broke; with several files the highest.)";
 
 /// CLI11 takes a list's value that looks like "[a,b]" apart. A NUL, which no argument can hold, hides the
@@ -38,6 +41,34 @@ std::vector<std::string> values(const CLI::Option& option) {
   return list;
 }
 
+std::string value(const CLI::Option& option) {
+  return option.empty() ? std::string() : withoutGuards(option.results().back());
+}
+
+/// A text that goes to the worker. File names may be any bytes.
+CLI::Option* addText(CLI::App& command, const std::string& name, const std::string& description) {
+  const auto check = [](const std::string& text) {
+    return Unicode::isValid(text) ? std::string() : std::string("The text is not UTF-8");
+  };
+  return command.add_option(name, description)->type_name("TEXT")->check(check);
+}
+
+CLI::Option* addFlag(CLI::App& command, const std::string& name, const std::string& description) {
+  return command.add_flag(name, description);
+}
+
+/// The format that a file's ending names.
+std::optional<DocumentFormat> formatOf(std::string_view path) {
+  const std::string ending(path.substr(path.size() - std::min<std::size_t>(path.size(), 5)));
+  if (CLI::detail::to_lower(ending) == ".docx") return DocumentFormat::docx;
+  if (CLI::detail::to_lower(ending) == ".pptx") return DocumentFormat::pptx;
+  return std::nullopt;
+}
+
+std::string checkDocumentName(const std::string& path) {
+  return path == "-" || formatOf(path) ? "" : "The file's name must end in .docx or .pptx";
+}
+
 class InspectParser {
  public:
   explicit InspectParser(CLI::App& tool) {
@@ -54,6 +85,145 @@ class InspectParser {
  private:
   InspectArguments given_;
   CLI::Option* files_ = nullptr;
+};
+
+/// Which table of which workbook.
+class SelectionOptions {
+ public:
+  explicit SelectionOptions(CLI::App& command)
+      : workbook_(command.add_option("BOOK.xlsx", "Workbook")->required()->type_name("")),
+        sheet_(addText(command, "--sheet", "The worksheet")->required()->type_name("NAME")),
+        range_(addText(command, "--range", "The cells, like A1:D20")->required()->type_name("RANGE")),
+        noHeader_(addFlag(command, "--no-header", "The first row holds data, not the columns' titles")),
+        hidden_(addFlag(command, "--include-hidden", "Take hidden rows, too")),
+        cached_(addFlag(command, "--cached-formulas", "Take the saved results of formulas")) {}
+
+  std::string workbook() const { return value(*workbook_); }
+  TableSelection selection() const {
+    return {.sheetName = value(*sheet_),
+            .range = value(*range_),
+            .firstRowIsHeader = noHeader_->empty(),
+            .includeHiddenRows = !hidden_->empty(),
+            .allowCachedFormulaValues = !cached_->empty()};
+  }
+
+ private:
+  CLI::Option* workbook_;
+  CLI::Option* sheet_;
+  CLI::Option* range_;
+  CLI::Option* noHeader_;
+  CLI::Option* hidden_;
+  CLI::Option* cached_;
+};
+
+class ChartOptions {
+ public:
+  explicit ChartOptions(CLI::App& command)
+      : columns_(
+            addText(command, "--chart", "Columns of a chart, by title or zero-based index; Word has none")),
+        title_(addText(command, "--chart-title", "The chart's title")->needs(columns_)) {
+    columns_->type_name("CATEGORY:VALUE")->check([](const std::string& text) {
+      return text.find(':') != std::string::npos ? "" : "The columns must be given as CATEGORY:VALUE";
+    });
+  }
+
+  std::optional<ChartArguments> arguments() const {
+    if (columns_->empty()) return std::nullopt;
+    return ChartArguments{.columns = value(*columns_), .title = value(*title_)};
+  }
+
+ private:
+  CLI::Option* columns_;
+  CLI::Option* title_;
+};
+
+class ExtractParser {
+ public:
+  explicit ExtractParser(CLI::App& tool)
+      : command_(tool.add_subcommand("extract", "Show a table of an XLSX workbook")), table_(*command_) {
+    json_ = addFlag(*command_, "--json", "Print the table's JSON record");
+    csv_ = addFlag(*command_, "--csv", "Print what the cells show as CSV")->excludes(json_);
+  }
+
+  bool isGiven() const { return command_->parsed(); }
+  ExtractArguments arguments() const {
+    using enum ExtractArguments::Form;
+    const auto form = !json_->empty() ? json : !csv_->empty() ? csv : people;
+    return {.workbook = table_.workbook(), .selection = table_.selection(), .form = form};
+  }
+
+ private:
+  CLI::App* command_;
+  SelectionOptions table_;
+  CLI::Option* json_ = nullptr;
+  CLI::Option* csv_ = nullptr;
+};
+
+/// The format of the document in a file of that name, which has passed its check.
+DocumentFormat formatOf(const std::string& path, const std::optional<ChartArguments>& chart) {
+  return formatOf(path).value_or(chart ? DocumentFormat::pptx : DocumentFormat::docx);
+}
+
+class CreateParser {
+ public:
+  explicit CreateParser(CLI::App& tool)
+      : command_(tool.add_subcommand("create", "Write a table as a Word document or a presentation")),
+        table_(*command_),
+        title_(addText(*command_, "--title", "The document's title")->required()),
+        chart_(*command_),
+        output_(command_->add_option("-o", "What to write")->required()) {
+    output_->type_name("OUT.docx|OUT.pptx")->check(checkDocumentName);
+  }
+
+  bool isGiven() const { return command_->parsed(); }
+  CreateArguments arguments() const {
+    const auto chart = chart_.arguments();
+    const std::string output = value(*output_);
+    return {.workbook = table_.workbook(),
+            .selection = table_.selection(),
+            .title = value(*title_),
+            .chart = chart,
+            .output = output,
+            .format = formatOf(output, chart)};
+  }
+
+ private:
+  CLI::App* command_;
+  SelectionOptions table_;
+  CLI::Option* title_;
+  ChartOptions chart_;
+  CLI::Option* output_;
+};
+
+class ValidateParser {
+ public:
+  explicit ValidateParser(CLI::App& tool)
+      : command_(tool.add_subcommand("validate", "Prove that a document is one that create wrote")),
+        document_(command_->add_option("DOC.docx|DOC.pptx", "Document")->required()),
+        expected_(command_->add_option("--expect", "The table that it must show, from extract --json")),
+        chart_(*command_),
+        json_(addFlag(*command_, "--json", "Print the JSON record")) {
+    document_->type_name("")->check(checkDocumentName);
+    expected_->type_name("TABLE.json");
+  }
+
+  bool isGiven() const { return command_->parsed(); }
+  ValidateArguments arguments() const {
+    const auto chart = chart_.arguments();
+    const std::string document = value(*document_);
+    return {.document = document,
+            .format = formatOf(document, chart),
+            .expectedTable = value(*expected_),
+            .chart = chart,
+            .json = !json_->empty()};
+  }
+
+ private:
+  CLI::App* command_;
+  CLI::Option* document_;
+  CLI::Option* expected_;
+  ChartOptions chart_;
+  CLI::Option* json_;
 };
 
 /// The options by which every research command is told what may be cited.
@@ -119,12 +289,15 @@ Ending endingOf(const CLI::App& tool, const CLI::ParseError& end) {
 }  // namespace
 
 std::variant<Command, Ending> parseCommandLine(int count, const char* const* arguments) {
-  CLI::App tool("Reads office documents in a confined worker process.", "zelvo");
+  CLI::App tool("Reads and writes office documents in a confined worker process.", "zelvo");
   tool.set_version_flag("--version", "zelvo " ZELVO_VERSION);
   tool.set_help_all_flag("--help-all", "Print the help of every subcommand and exit");
   tool.require_subcommand(1);
   tool.footer(footer);
   const InspectParser inspect(tool);
+  const ExtractParser extract(tool);
+  const CreateParser create(tool);
+  const ValidateParser validate(tool);
   CLI::App* research = tool.add_subcommand("research", "Check datasets of research results");
   research->require_subcommand(1);
   const ResearchCheckParser researchCheck(*research);
@@ -137,6 +310,9 @@ std::variant<Command, Ending> parseCommandLine(int count, const char* const* arg
   } catch (const CLI::ParseError& end) {
     return endingOf(tool, end);
   }
+  if (extract.isGiven()) return extract.arguments();
+  if (create.isGiven()) return create.arguments();
+  if (validate.isGiven()) return validate.arguments();
   if (researchCheck.isGiven()) return researchCheck.arguments();
   return inspect.arguments();
 }

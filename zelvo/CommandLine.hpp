@@ -1,9 +1,11 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <variant>
 #include <vector>
 
+#include "DocumentRuntime/Records/DocumentModels.hpp"
 #include "zelvo/ExitStatus.hpp"
 
 namespace zelvo {
@@ -11,6 +13,37 @@ namespace zelvo {
 /// Everywhere, "-" as a file is standard input.
 struct InspectArguments {
   std::vector<std::string> files;  ///< at least one
+  bool json = false;
+};
+
+struct ExtractArguments {
+  enum class Form { people, json, csv };
+
+  std::string workbook;  ///< a file
+  TableSelection selection;
+  Form form = Form::people;
+};
+
+/// A chart as the command line names it.
+struct ChartArguments {
+  std::string columns;  ///< "CATEGORY:VALUE"
+  std::string title;    ///< may be empty
+};
+
+struct CreateArguments {
+  std::string workbook;  ///< a file
+  TableSelection selection;
+  std::string title;
+  std::optional<ChartArguments> chart;
+  std::string output;  ///< a file, or "-" for standard output
+  DocumentFormat format = DocumentFormat::docx;
+};
+
+struct ValidateArguments {
+  std::string document;  ///< a file
+  DocumentFormat format = DocumentFormat::docx;
+  std::string expectedTable;  ///< a file with the JSON of a table; empty for none
+  std::optional<ChartArguments> chart;
   bool json = false;
 };
 
@@ -29,7 +62,8 @@ struct ResearchCheckArguments {
 };
 
 /// What to do: one alternative a subcommand.
-using Command = std::variant<InspectArguments, ResearchCheckArguments>;
+using Command = std::variant<InspectArguments, ExtractArguments, CreateArguments, ValidateArguments,
+                             ResearchCheckArguments>;
 
 /// Nothing to do but to say this: help, the version, or what is wrong with the command line.
 struct Ending {

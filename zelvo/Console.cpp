@@ -2,6 +2,7 @@
 
 #include <cstdio>
 #include <string>
+#include <unistd.h>
 
 #include "zelvo/TerminalText.hpp"
 
@@ -22,6 +23,14 @@ void print(std::string_view text) {
 void complain(std::string_view message) {
   static_cast<void>(std::fflush(stdout));
   write(stderr, "zelvo: " + printable(message) + "\n");
+}
+
+void hint(std::string_view text) {
+  write(stderr, printable(text) + "\n");
+}
+
+bool isTerminal() {
+  return isatty(STDOUT_FILENO) == 1;
 }
 
 bool finish() {

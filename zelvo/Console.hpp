@@ -11,6 +11,12 @@ void print(std::string_view text);
 /// Characters that would move the cursor or reorder text are written as escapes.
 void complain(std::string_view message);
 
+/// Writes a further line below a complaint, made harmless likewise.
+void hint(std::string_view text);
+
+/// Whether standard output is a terminal.
+bool isTerminal();
+
 /// Whether all that was printed has been written.
 bool finish();
 

@@ -20,14 +20,10 @@ class Inspector {
       : host_(host), json_(arguments.json), isOneOfSeveral_(arguments.files.size() > 1) {}
 
   ExitStatus inspect(const std::string& path) {
-    const auto answer = ask(host_, path, {.operation = DocumentWorkerRequest::Operation::inspect});
-    if (const auto* complaint = std::get_if<Complaint>(&answer)) {
-      // Among several files the message alone would not say which one it is about.
-      if (isOneOfSeveral_ && !json_)
-        printSection(path, "  Not inspected: " + printable(complaint->message) + "\n");
-      Console::complain(complaint->message);
-      return complaint->status;
-    }
+    const auto request = requestAbout(path);  // inspecting is what a request asks for by itself
+    if (const auto* complaint = std::get_if<Complaint>(&request)) return complain(path, *complaint);
+    const auto answer = ask(host_, *std::get_if<DocumentWorkerRequest>(&request));
+    if (const auto* complaint = std::get_if<Complaint>(&answer)) return complain(path, *complaint);
     const WorkbookInspection& inspection = *std::get_if<DocumentWorkerResponse>(&answer)->inspection;
     if (json_) {
       Console::print(toJson(inspection) + "\n");
@@ -38,6 +34,14 @@ class Inspector {
   }
 
  private:
+  ExitStatus complain(const std::string& path, const Complaint& complaint) {
+    // Among several files the message alone would not say which one it is about.
+    if (isOneOfSeveral_ && !json_)
+      printSection(path, "  Not inspected: " + printable(complaint.message) + "\n");
+    Console::complain(complaint.message);
+    return complaint.status;
+  }
+
   void printSection(const std::string& path, const std::string& text) {
     if (!isFirstSection_) Console::print("\n");
     isFirstSection_ = false;

@@ -22,13 +22,14 @@ std::string TextTable::text(std::size_t indent) const {
   constexpr std::size_t gap = 2;
   std::string text;
   for (const std::vector<Cell>& row : rows_) {
-    std::size_t due = indent;  // spaces that stand before the next text; none are left over at the end
+    std::size_t due = indent;  // spaces that stand before the next text
     for (std::size_t i = 0; i < row.size(); ++i) {
       const std::size_t padding = widths_[i] - row[i].columns;
       const bool isRight = aligns_[i] == Align::right;
       text.append(due + (isRight ? padding : 0), ' ').append(row[i].text);
       due = gap + (isRight ? 0 : padding);
     }
+    text.erase(text.find_last_not_of(' ') + 1);  // stops at the line before
     text += '\n';
   }
   return text;

@@ -14,16 +14,17 @@ Complaint complaintOf(const WorkerFailure& failure) {
 
 }  // namespace
 
-std::variant<DocumentWorkerResponse, Complaint> ask(const DocumentWorkerHost& host, const std::string& path,
-                                                    DocumentWorkerRequest request) {
-  // A document cut at that bound is not sent: the host finds it too large.
+std::variant<DocumentWorkerRequest, Complaint> requestAbout(const std::string& path) {
   auto file = readDocument(path, DocumentWorkerHost::unsendableBytes);
   if (auto* failure = std::get_if<std::string>(&file))
     return Complaint{ExitStatus::refused, std::move(*failure)};
   auto& document = *std::get_if<DocumentFile>(&file);
-  request.sourceName = std::move(document.sourceName);
-  request.data = std::move(document.data);
+  return DocumentWorkerRequest{.data = std::move(document.data),
+                               .sourceName = std::move(document.sourceName)};
+}
 
+std::variant<DocumentWorkerResponse, Complaint> ask(const DocumentWorkerHost& host,
+                                                    const DocumentWorkerRequest& request) {
   WorkerReply reply = host.send(request);
   if (const auto* failure = std::get_if<WorkerFailure>(&reply)) return complaintOf(*failure);
   auto& response = *std::get_if<DocumentWorkerResponse>(&reply);

@@ -14,8 +14,12 @@ struct Complaint {
   std::string message;
 };
 
-/// Reads the file at `path` into the request, sends it, and gives the response if it is no refusal.
-std::variant<DocumentWorkerResponse, Complaint> ask(const DocumentWorkerHost& host, const std::string& path,
-                                                    DocumentWorkerRequest request);
+/// Reads the file at `path` into a request, whose operation is still to be chosen. A document that is too
+/// large is cut: the host refuses it.
+std::variant<DocumentWorkerRequest, Complaint> requestAbout(const std::string& path);
+
+/// Sends a request, and gives the response if it is no refusal.
+std::variant<DocumentWorkerResponse, Complaint> ask(const DocumentWorkerHost& host,
+                                                    const DocumentWorkerRequest& request);
 
 }  // namespace zelvo

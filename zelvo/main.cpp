@@ -8,9 +8,12 @@
 
 #include "zelvo/CommandLine.hpp"
 #include "zelvo/Console.hpp"
+#include "zelvo/CreateCommand.hpp"
 #include "zelvo/ExitStatus.hpp"
+#include "zelvo/ExtractCommand.hpp"
 #include "zelvo/InspectCommand.hpp"
 #include "zelvo/ResearchCheckCommand.hpp"
+#include "zelvo/ValidateCommand.hpp"
 #include "zelvo/WorkerPath.hpp"
 
 namespace zelvo {
@@ -20,6 +23,9 @@ struct RunCommand {
   const DocumentWorkerHost& host;
 
   ExitStatus operator()(const InspectArguments& arguments) const { return inspect(host, arguments); }
+  ExitStatus operator()(const ExtractArguments& arguments) const { return extract(host, arguments); }
+  ExitStatus operator()(const CreateArguments& arguments) const { return create(host, arguments); }
+  ExitStatus operator()(const ValidateArguments& arguments) const { return validate(host, arguments); }
   ExitStatus operator()(const ResearchCheckArguments& arguments) const { return researchCheck(arguments); }
 };
 

@@ -19,6 +19,17 @@ TEST(CommandLine, RefusesWhatMakesNoSense) {
       {{"inspect", "--jsno", "a.xlsx"}, "The following argument was not expected: --jsno"},
       {{"inspect", "-x"}, "BOOK.xlsx is required"},
       {{"--json", "inspect", "a.xlsx"}, "The following argument was not expected: --json"},
+      {{"extract", "a.xlsx", "--sheet", "S"}, "--range is required"},
+      {{"extract", "a.xlsx", "--sheet", "\xff", "--range", "A1"}, "--sheet: The text is not UTF-8"},
+      {{"extract", "-", "--sheet", "S", "--sheet", "T", "--range", "A1"},
+       "--sheet: At Most 1 required but received 2"},
+      {{"extract", "-", "--sheet", "S", "--range", "A1", "--json", "--csv"}, "--json excludes --csv"},
+      {{"create", "-", "--sheet", "S", "--range", "A1", "--title", "t"}, "-o is required"},
+      {{"create", "-", "--sheet", "S", "--range", "A1", "--title", "t", "-o", "docx"},
+       "-o: The file's name must end in .docx or .pptx"},
+      {{"validate", "a.xlsx"}, "DOC.docx|DOC.pptx: The file's name must end in .docx or .pptx"},
+      {{"validate", "a.pptx", "--chart", "0"}, "--chart: The columns must be given as CATEGORY:VALUE"},
+      {{"validate", "a.pptx", "--chart-title", "t"}, "--chart-title requires --chart"},
   };
   for (const Row& row : rows) {
     EXPECT_EQ(zelvo(row.arguments), (ToolRun{2, "", "zelvo: " + row.message + " (see zelvo --help)\n"}));

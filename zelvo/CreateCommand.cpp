@@ -1,0 +1,117 @@
+#include "zelvo/CreateCommand.hpp"
+
+#include <algorithm>
+#include <charconv>
+#include <optional>
+#include <string>
+#include <utility>
+#include <variant>
+
+#include "DocumentRuntime/PackageIO/BoundedZIP.hpp"
+#include "zelvo/ChartColumns.hpp"
+#include "zelvo/ConfinedWork.hpp"
+#include "zelvo/Console.hpp"
+#include "zelvo/DocumentText.hpp"
+#include "zelvo/OutputFile.hpp"
+#include "zelvo/TerminalText.hpp"
+#include "zelvo/WorkerExchange.hpp"
+
+namespace zelvo {
+namespace {
+
+using Operation = DocumentWorkerRequest::Operation;
+
+/// Why there is no document, if so.
+using Failure = std::optional<Complaint>;
+
+/// Has one document made, step by step; what a step finds stands in fields for the next.
+class Creation {
+ public:
+  Creation(const DocumentWorkerHost& host, const CreateArguments& arguments)
+      : host_(host), arguments_(arguments), isForStandardOutput_(arguments.output == "-") {}
+
+  Failure run() {
+    if (isForStandardOutput_ && Console::isTerminal())
+      return Complaint{ExitStatus::usage, "A document is not written to a terminal."};
+    auto request = requestAbout(arguments_.workbook);
+    if (auto* complaint = std::get_if<Complaint>(&request)) return *complaint;
+    request_ = std::move(*std::get_if<DocumentWorkerRequest>(&request));
+    request_.selection = arguments_.selection;
+    if (Failure failure = chooseChart()) return failure;
+    if (Failure failure = create()) return failure;
+    return isForStandardOutput_ ? print() : write();
+  }
+
+ private:
+  /// The columns' titles are the table's.
+  Failure chooseChart() {
+    if (!arguments_.chart || arguments_.format != DocumentFormat::pptx) return {};
+    request_.operation = Operation::extract;
+    const auto answer = ask(host_, request_);
+    if (const auto* complaint = std::get_if<Complaint>(&answer)) return *complaint;
+    auto chart = chosenChart(*arguments_.chart, std::get_if<DocumentWorkerResponse>(&answer)->table->columns);
+    if (auto* complaint = std::get_if<Complaint>(&chart)) return *complaint;
+    request_.chart = *std::get_if<ChartSelection>(&chart);
+    return {};
+  }
+
+  Failure create() {
+    request_.operation = Operation::create;
+    request_.format = arguments_.format;
+    request_.title = arguments_.title;
+    auto answer = ask(host_, request_);
+    if (auto* complaint = std::get_if<Complaint>(&answer)) return *complaint;
+    response_ = std::move(*std::get_if<DocumentWorkerResponse>(&answer));
+    return {};
+  }
+
+  Failure print() const {
+    Console::print(response_.document->data.text());
+    return {};
+  }
+
+  Failure write() const {
+    const GeneratedDocument& document = *response_.document;
+    std::optional<std::size_t> slides;
+    if (document.format == DocumentFormat::pptx) {
+      const auto count = slideCount(document.data);
+      if (const auto* complaint = std::get_if<Complaint>(&count)) return *complaint;
+      slides = *std::get_if<std::size_t>(&count);
+    }
+    if (const auto failure = writeFile(arguments_.output, document.data.view()))
+      return Complaint{ExitStatus::refused, *failure};
+    Console::print(printable(arguments_.output) + "\n" + describe(document, *response_.table, slides));
+    return {};
+  }
+
+  /// Counted in the package itself, which only a confined process may open.
+  static std::variant<std::size_t, Complaint> slideCount(const ByteBuffer& package) {
+    const auto counted = runConfined([&] {
+      const PartMap parts = BoundedZIP::read(package.view());
+      return std::to_string(std::ranges::count_if(
+          parts, [](const Part& part) { return part.name.starts_with("ppt/slides/slide"); }));
+    });
+    if (const auto* complaint = std::get_if<Complaint>(&counted)) return *complaint;
+    const std::string& text = *std::get_if<std::string>(&counted);
+    std::size_t count = 0;
+    std::from_chars(text.data(), text.data() + text.size(), count);
+    return count;
+  }
+
+  const DocumentWorkerHost& host_;
+  const CreateArguments& arguments_;
+  bool isForStandardOutput_;
+  DocumentWorkerRequest request_;
+  DocumentWorkerResponse response_;
+};
+
+}  // namespace
+
+ExitStatus create(const DocumentWorkerHost& host, const CreateArguments& arguments) {
+  const Failure failure = Creation(host, arguments).run();
+  if (!failure) return ExitStatus::success;
+  Console::complain(failure->message);
+  return failure->status;
+}
+
+}  // namespace zelvo

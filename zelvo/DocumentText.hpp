@@ -1,0 +1,25 @@
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+
+#include "DocumentRuntime/Records/DocumentModels.hpp"
+
+namespace zelvo {
+
+/// A document that was made of a table, for people. A Word document has no slides.
+std::string describe(const GeneratedDocument& document, const SourceTable& table,
+                     std::optional<std::size_t> slideCount);
+
+/// What a validation was asked to prove.
+struct ValidationScope {
+  DocumentFormat format = DocumentFormat::docx;
+  bool expectsTable = false;
+  bool expectsChart = false;
+};
+
+/// What was proved of a document, and what was not, for people.
+std::string describe(const DocumentValidation& validation, const ValidationScope& scope);
+
+}  // namespace zelvo
