@@ -18,6 +18,7 @@
 
 namespace {
 
+// NOLINTBEGIN(readability-identifier-naming): the parser calls its handler by these names.
 struct DataHandler {
   static constexpr std::size_t max_array_size = SIZE_MAX;
   static constexpr std::size_t max_object_size = SIZE_MAX;
@@ -50,6 +51,7 @@ struct DataHandler {
   bool on_comment_part(View, Error&) { return true; }
   bool on_comment(View, Error&) { return true; }
 };
+// NOLINTEND(readability-identifier-naming)
 
 std::string readInput() {
   std::string input;

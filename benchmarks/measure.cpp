@@ -49,7 +49,8 @@ int main(int argc, char** argv) {
     commands.push_back(&argv[i + 1]);
   }
   if (commands.empty()) {
-    std::fputs("usage: measure RUNS INPUT -- COMMAND [ARG...] [-- COMMAND [ARG...]]...\n", stderr);
+    static_cast<void>(
+        std::fputs("usage: measure RUNS INPUT -- COMMAND [ARG...] [-- COMMAND [ARG...]]...\n", stderr));
     return 2;
   }
   const long runs = std::strtol(argv[1], nullptr, 10);

@@ -22,6 +22,7 @@ std::vector<DocumentAuthor::TablePage> DocumentAuthor::tablePages(const SourceTa
   std::int64_t used = headerHeight;
   for (const auto& row : table.rows) {
     std::vector<std::string> texts;
+    texts.reserve(row.size());
     for (const SourceCell& cell : row)
       texts.push_back(cell.displayText());
     const std::int64_t height = rowHeight(texts);

@@ -18,7 +18,8 @@ std::string describe(DocumentError::Case errorCase, const std::string& detail) {
     case DocumentError::Case::invalidSelection:
       return "The selected table cannot be used: " + detail;
     case DocumentError::Case::formulaValueUnavailable:
-      return "Cell " + detail + " needs a verified formula result. This reader does not recalculate formulas.";
+      return "Cell " + detail +
+             " needs a verified formula result. This reader does not recalculate formulas.";
     case DocumentError::Case::validationFailed:
       return "The generated document did not pass validation: " + detail;
   }
@@ -33,7 +34,9 @@ DocumentError::DocumentError(Case errorCase, std::string detail)
 DocumentError DocumentError::invalidArchive(std::string detail) {
   return {Case::invalidArchive, std::move(detail)};
 }
-DocumentError DocumentError::unsupported(std::string detail) { return {Case::unsupported, std::move(detail)}; }
+DocumentError DocumentError::unsupported(std::string detail) {
+  return {Case::unsupported, std::move(detail)};
+}
 DocumentError DocumentError::resourceLimit(std::string detail) {
   return {Case::resourceLimit, std::move(detail)};
 }

@@ -19,8 +19,8 @@ inline std::string_view textOf(ByteView bytes) {
 
 /// Owned bytes of a fixed size: a document, an archive entry. Move-only, compared by content.
 ///
-/// Fresh storage is not zeroed, because everything here is filled at once by a decoder, and pages that are never
-/// written are never resident.
+/// Fresh storage is not zeroed, because everything here is filled at once by a decoder, and pages that are
+/// never written are never resident.
 class ByteBuffer {
  public:
   ByteBuffer() = default;

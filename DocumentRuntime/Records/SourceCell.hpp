@@ -5,7 +5,8 @@
 
 namespace zelvo {
 
-/// One cell's value. Texts keep the workbook's own characters: a number stays the decimal text that was stored.
+/// One cell's value. Texts keep the workbook's own characters: a number stays the decimal text that was
+/// stored.
 class SourceCellValue {
  public:
   enum class Kind { text, number, boolean, date, missing, error };
@@ -45,8 +46,8 @@ struct SourceCell {
   std::optional<std::string> numberFormat;
   bool hidden = false;  ///< the cell stands in a hidden row
 
-  /// As `SourceCellValue::displayText`, with a number rendered by its numeric format where it has one. Dates are
-  /// display texts already.
+  /// As `SourceCellValue::displayText`, with a number rendered by its numeric format where it has one. Dates
+  /// are display texts already.
   std::string displayText() const;
 
   bool operator==(const SourceCell&) const = default;
