@@ -123,7 +123,7 @@ TEST(CreateCommand, LeavesNothingBehindWhenItFails) {
   EXPECT_EQ(
       run("/bin/sh",
           {"-c",
-           R"(trap '' XFSZ; ulimit -f 1; "$0" create "$1" --sheet Orders --range A1:F8 --title t -o "$2")",
+           R"(trap '' XFSZ; ulimit -f 8; "$0" create "$1" --sheet Orders --range A1:F8 --title t -o "$2")",
            TOOL, book, folder.path("full.docx")}),
       (ToolRun{1, "", unwritable + folder.path("full.docx") + ": File too large\n"}));
   EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.path("")), {}), 2);
