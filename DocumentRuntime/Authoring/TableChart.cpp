@@ -1,6 +1,8 @@
 #include "DocumentRuntime/Authoring/TableChart.hpp"
 
-#include "DocumentRuntime/Authoring/ContentTypes.hpp"
+#include <cstdint>
+
+#include "DocumentRuntime/Authoring/WorkbookPackage.hpp"
 #include "DocumentRuntime/PackageIO/BoundedZIP.hpp"
 #include "DocumentRuntime/PackageIO/OOXMLSupport.hpp"
 #include "DocumentRuntime/PackageIO/XMLText.hpp"
@@ -39,22 +41,19 @@ void appendPoints(std::string& xml, const std::vector<std::string>& texts) {
   }
 }
 
-void appendTextCell(std::string& xml, char column, std::size_t row, std::string_view text) {
-  OOXML::append(xml, R"(<c r=")", std::string_view(&column, 1), row,
-                R"(" t="inlineStr"><is><t xml:space="preserve">)", text, "</t></is></c>");
-}
-
 std::string sheetXML(const ChartTexts& texts) {
-  std::string xml =
-      R"(<worksheet xmlns="http://schemas.openxmlformats.org/spreadsheetml/2006/main"><sheetData><row r="1">)";
-  appendTextCell(xml, 'A', 1, texts.categoryTitle);
-  appendTextCell(xml, 'B', 1, texts.seriesName);
+  std::string xml;
+  OOXML::append(xml, R"(<worksheet xmlns=")", DocumentAuthor::spreadsheetNamespace,
+                R"("><sheetData><row r="1">)");
+  DocumentAuthor::appendTextCell(xml, {.column = 1, .row = 1}, "", texts.categoryTitle);
+  DocumentAuthor::appendTextCell(xml, {.column = 2, .row = 1}, "", texts.seriesName);
   xml += "</row>";
   for (std::size_t i = 0; i < texts.values.size(); ++i) {
-    const std::size_t row = i + 2;
+    const auto row = static_cast<std::int64_t>(i + 2);
     OOXML::append(xml, R"(<row r=")", row, R"(">)");
-    appendTextCell(xml, 'A', row, texts.categories[i]);
-    OOXML::append(xml, R"(<c r="B)", row, R"("><v>)", texts.values[i], "</v></c></row>");
+    DocumentAuthor::appendTextCell(xml, {.column = 1, .row = row}, "", texts.categories[i]);
+    DocumentAuthor::appendValueCell(xml, {.column = 2, .row = row}, "", texts.values[i]);
+    xml += "</row>";
   }
   xml += "</sheetData></worksheet>";
   return xml;
@@ -99,23 +98,9 @@ std::string DocumentAuthor::chartXML(const SourceTable& table, const ChartSelect
 
 ByteBuffer DocumentAuthor::chartWorkbook(const SourceTable& table, const ChartSelection& chart,
                                          const std::stop_token& stop) {
-  PartMap parts;
-  parts.set("[Content_Types].xml",
-            contentTypes({{"xl/workbook.xml",
-                           "application/vnd.openxmlformats-officedocument.spreadsheetml.sheet.main+xml"},
-                          {"xl/worksheets/sheet1.xml",
-                           "application/vnd.openxmlformats-officedocument.spreadsheetml.worksheet+xml"}},
-                         false));
-  parts.set("_rels/.rels", OOXML::relationships({{"rId1", "officeDocument", "xl/workbook.xml"}}));
-  parts.set(
-      "xl/workbook.xml",
-      OOXML::data(R"(<workbook xmlns="http://schemas.openxmlformats.org/spreadsheetml/2006/main" )"
-                  R"(xmlns:r="http://schemas.openxmlformats.org/officeDocument/2006/relationships"><sheets>)"
-                  R"(<sheet name="ChartData" sheetId="1" r:id="rId1"/></sheets></workbook>)"));
-  parts.set("xl/_rels/workbook.xml.rels",
-            OOXML::relationships({{"rId1", "worksheet", "worksheets/sheet1.xml"}}));
-  parts.set("xl/worksheets/sheet1.xml", OOXML::data(sheetXML(textsOf(table, chart))));
-  return BoundedZIP::write(parts, stop);
+  WorkbookPlan plan;
+  plan.sheets.push_back({.name = "ChartData", .xml = sheetXML(textsOf(table, chart)), .relationships = {}});
+  return BoundedZIP::write(workbookPackage(plan), stop);
 }
 
 }  // namespace zelvo

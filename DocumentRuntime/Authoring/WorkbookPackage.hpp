@@ -1,0 +1,51 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "DocumentRuntime/Cells/CellAddress.hpp"
+#include "DocumentRuntime/PackageIO/OOXMLSupport.hpp"
+#include "DocumentRuntime/PackageIO/PartMap.hpp"
+
+/// Workbooks of inline strings, without a shared string part: what every written workbook is built on.
+namespace zelvo::DocumentAuthor {
+
+struct WorkbookSheet {
+  std::string name;  ///< escaped here
+  std::string xml;   ///< the worksheet part, without the XML declaration
+  std::vector<OOXML::Relationship> relationships;
+};
+
+/// A part beside the worksheets: a table, a drawing, a chart.
+struct WorkbookPart {
+  std::string folder;            ///< within xl/
+  std::string name;              ///< within the folder
+  std::string_view contentType;  ///< a word of the program
+  std::string xml;               ///< without the XML declaration
+  std::vector<OOXML::Relationship> relationships;
+};
+
+struct WorkbookPlan {
+  std::string beforeSheets;  ///< of the workbook element: views
+  std::vector<WorkbookSheet> sheets;
+  std::string afterSheets;  ///< of the workbook element: calculation properties
+  std::string stylesXML;    ///< without the XML declaration; empty for a workbook without styles
+  std::vector<WorkbookPart> parts;
+};
+
+/// All parts of a workbook; sheets are numbered from 1 in order.
+PartMap workbookPackage(const WorkbookPlan& plan);
+
+inline constexpr std::string_view spreadsheetNamespace =
+    "http://schemas.openxmlformats.org/spreadsheetml/2006/main";
+
+/// A cell with an inline string. `attributes` stand behind the address, with a leading space; `text` must be
+/// escaped.
+void appendTextCell(std::string& xml, const CellAddress& address, std::string_view attributes,
+                    std::string_view text);
+/// A cell with a stored value, which must be escaped.
+void appendValueCell(std::string& xml, const CellAddress& address, std::string_view attributes,
+                     std::string_view value);
+
+}  // namespace zelvo::DocumentAuthor
