@@ -8,23 +8,29 @@
 #include <gtest/gtest.h>
 
 #include "DocumentRuntime/Errors/DocumentError.hpp"
+#include "Support/Cases.hpp"
+#include "Support/Texts.hpp"
 
 namespace zelvo::testing {
 
-/// One thing that a reader refuses: how to spoil a good input, and what the reader must then say.
-template <typename Input>
-struct Refusal {
-  std::string name;
-  std::function<void(Input&)> spoil;
-  DocumentError expected;
-  /// Rows that spoil the same place, or a place and a place within it ("sheet" and "sheet/row"), cannot be
-  /// combined; an empty place combines with all.
-  std::string place = {};
-};
+/// What comes out of a call, in one line: "unsupported: worksheet type" for an error of that case and detail,
+/// nothing where nothing is refused.
+struct Outcome {
+  std::string text;
 
-inline bool isWithin(const std::string& place, const std::string& other) {
-  return place == other || place.starts_with(other + '/');
-}
+  Outcome(std::string line) : text(std::move(line)) {}
+  Outcome(const char* line) : text(line) {}
+  Outcome(const DocumentError& error) {
+    constexpr const char* cases[] = {"invalidArchive",  "unsupported",      "resourceLimit",
+                                     "unsafeContent",   "invalidSelection", "formulaValueUnavailable",
+                                     "validationFailed"};
+    text = std::string(cases[static_cast<int>(error.errorCase())]) + ": " + error.detail();
+  }
+  bool operator==(const Outcome&) const = default;
+  friend std::ostream& operator<<(std::ostream& stream, const Outcome& outcome) {
+    return stream << (outcome.text.empty() ? "nothing was refused" : outcome.text);
+  }
+};
 
 template <typename Act>
 std::optional<DocumentError> errorOf(const Act& act) {
@@ -36,8 +42,48 @@ std::optional<DocumentError> errorOf(const Act& act) {
   return std::nullopt;
 }
 
+template <typename Act>
+Outcome outcomeOf(const Act& act) {
+  const auto error = errorOf(act);
+  return error ? Outcome(*error) : "";
+}
+
 inline std::string describe(const std::optional<DocumentError>& error) {
   return error ? error->errorDescription() : "nothing was refused";
+}
+
+/// One thing that a reader refuses: how to spoil a good input, and what the reader must then say.
+template <typename Input>
+struct Refusal {
+  std::string name;
+  std::function<void(Input&)> spoil;
+  Outcome expected;
+  /// Rows that spoil the same place, or a place and a place within it ("sheet" and "sheet/row"), cannot be
+  /// combined; an empty place combines with all.
+  std::string place = {};
+};
+
+/// Rows that edit a text each, `from => to | refusal | place` in a line; `find` gives the text of an input.
+template <typename Input, typename Find>
+std::vector<Refusal<Input>> edits(const Find& find, std::string_view table) {
+  std::vector<Refusal<Input>> rows;
+  for (const auto& [from, to, expected, place] : cases<4>(table)) {
+    const auto spoil = [=, from = from, to = to](Input& input) { replace(find(input), from, to); };
+    rows.push_back({std::string(from).append(" becomes ").append(to), spoil, expected, place});
+  }
+  return rows;
+}
+
+template <typename Input>
+std::vector<Refusal<Input>> joined(const std::vector<std::vector<Refusal<Input>>>& groups) {
+  std::vector<Refusal<Input>> rows;
+  for (const auto& group : groups)
+    rows.insert(rows.end(), group.begin(), group.end());
+  return rows;
+}
+
+inline bool isWithin(const std::string& place, const std::string& other) {
+  return place == other || place.starts_with(other + '/');
 }
 
 /// Checks a table of refusals that stands in the order of the reader's checks: every row alone, and of every
@@ -45,16 +91,12 @@ inline std::string describe(const std::optional<DocumentError>& error) {
 template <typename Input, typename Read>
 void expectRefusals(const std::function<Input()>& good, const std::vector<Refusal<Input>>& rows,
                     const Read& read) {
-  {
-    const Input input = good();
-    const auto error = errorOf([&] { read(input); });
-    EXPECT_FALSE(error) << "the good input: " << describe(error);
-  }
+  const Input untouched = good();
+  EXPECT_EQ(outcomeOf([&] { read(untouched); }), "") << "the good input";
   for (std::size_t i = 0; i < rows.size(); ++i) {
     Input alone = good();
     rows[i].spoil(alone);
-    const auto error = errorOf([&] { read(alone); });
-    EXPECT_TRUE(error == rows[i].expected) << rows[i].name << ": " << describe(error);
+    EXPECT_EQ(outcomeOf([&] { read(alone); }), rows[i].expected) << rows[i].name;
     for (std::size_t j = i + 1; j < rows.size(); ++j) {
       const bool bothPlaced = !rows[i].place.empty() && !rows[j].place.empty();
       if (bothPlaced && (isWithin(rows[i].place, rows[j].place) || isWithin(rows[j].place, rows[i].place)))
@@ -62,9 +104,28 @@ void expectRefusals(const std::function<Input()>& good, const std::vector<Refusa
       Input both = good();
       rows[j].spoil(both);
       rows[i].spoil(both);
-      const auto first = errorOf([&] { read(both); });
-      EXPECT_TRUE(first == rows[i].expected)
-          << rows[i].name << " before " << rows[j].name << ": " << describe(first);
+      EXPECT_EQ(outcomeOf([&] { read(both); }), rows[i].expected)
+          << rows[i].name << " before " << rows[j].name;
+    }
+  }
+}
+
+/// A limit: how to make an input that reaches a size, the last size that passes, and what one more gives.
+template <typename Input>
+struct Limit {
+  std::string name;
+  std::size_t last;
+  Outcome beyond;
+  std::function<void(Input&, std::size_t)> reach;
+};
+
+template <typename Input, typename Read>
+void expectLimits(const std::vector<Limit<Input>>& limits, const Read& read) {
+  for (const Limit<Input>& limit : limits) {
+    for (const bool isBeyond : {false, true}) {
+      Input input;
+      limit.reach(input, limit.last + (isBeyond ? 1 : 0));
+      EXPECT_EQ(outcomeOf([&] { read(input); }), isBeyond ? limit.beyond : "") << limit.name;
     }
   }
 }

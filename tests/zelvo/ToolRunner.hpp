@@ -1,8 +1,6 @@
 #pragma once
 
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -11,6 +9,7 @@
 
 #include "Support/FakeWorker.hpp"
 #include "Support/TemporaryFolder.hpp"
+#include "Support/Texts.hpp"
 #include "System/ChildProcess.hpp"
 
 namespace zelvo::testing {
@@ -60,10 +59,5 @@ class DisplacedTool {
   TemporaryFolder folder_;
   std::string path_ = folder_.path("zelvo");
 };
-
-inline std::string contentOf(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
-}
 
 }  // namespace zelvo::testing

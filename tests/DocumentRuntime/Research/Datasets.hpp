@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "DocumentRuntime/Research/ResearchSpreadsheet.hpp"
+#include "Support/Texts.hpp"
 
 /// Datasets and formulas in few words.
 namespace zelvo::testing {
@@ -94,13 +95,6 @@ inline ResearchSpreadsheet yearlyProfit() {
   dataset.charts.push_back(
       {.title = "Profit", .kind = Chart::Kind::line, .categoryColumn = 0, .valueColumns = {2, 4}});
   return dataset;
-}
-
-inline std::string repeated(const std::string& piece, std::size_t count) {
-  std::string result;
-  for (std::size_t i = 0; i < count; ++i)
-    result += piece;
-  return result;
 }
 
 }  // namespace zelvo::testing

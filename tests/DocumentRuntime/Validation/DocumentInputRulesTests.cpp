@@ -1,4 +1,3 @@
-#include <functional>
 #include <string>
 #include <vector>
 
@@ -11,190 +10,130 @@
 namespace zelvo {
 namespace {
 
-using testing::errorOf;
-using testing::Refusal;
+using testing::characters;
+using testing::outcomeOf;
+using testing::tableOf;
+using Value = SourceCellValue;
 
 const DocumentError bounds = DocumentError::invalidSelection("table, title, or source bounds");
 const DocumentError lineage = DocumentError::invalidSelection("cell lineage or bounds");
 const DocumentError number = DocumentError::invalidSelection("numeric value or unsupported format");
 
-/// So many user-perceived characters, each of two scalars and three bytes.
-std::string characters(std::size_t count) {
-  std::string text;
-  for (std::size_t i = 0; i < count; ++i)
-    text += "e\u0301";
-  return text;
-}
-
 struct Input {
-  SourceTable table = testing::tableOf(3, 4);
+  SourceTable table = tableOf(3, 4);
   std::string title = "Title";
 
   SourceCell& cell(std::size_t row, std::size_t column) { return table.rows[row][column]; }
+  SourceCell& last() { return table.rows.back().back(); }
 };
+using I = Input&;
 
 void check(const Input& input) {
   DocumentEngine::validateInput(input.table, input.title);
 }
 
 TEST(InputRules, RefuseInTheirOrder) {
-  const std::vector<Refusal<Input>> rows = {
-      {"ragged row", [](Input& input) { input.table.rows[1].pop_back(); }, bounds},
-      {"path as source", [](Input& input) { input.table.sourceName = "home/book.xlsx"; }, bounds},
-      {"selected range that is none", [](Input& input) { input.table.selectedRange = "A1:B2:C3"; },
-       DocumentError::invalidSelection("use one rectangular A1 range"), "range"},
-      {"reversed range", [](Input& input) { input.table.selectedRange = "C5:A1"; },
-       DocumentError::invalidSelection("reversed range"), "range"},
+  const std::vector<testing::Refusal<Input>> rows = {
+      {"ragged row", [](I i) { i.table.rows[1].pop_back(); }, bounds},
+      {"path as source", [](I i) { i.table.sourceName = "home/book.xlsx"; }, bounds},
+      {"selected range that is none", [](I i) { i.table.selectedRange = "A1:B2:C3"; },
+       "invalidSelection: use one rectangular A1 range", "range"},
+      {"range", [](I i) { i.table.selectedRange = "C5:A1"; }, "invalidSelection: reversed range", "range"},
       // Cell by cell: all rules of an earlier cell come before those of a later one.
-      {"address that is none", [](Input& input) { input.cell(0, 0).address = "1A"; },
-       DocumentError::invalidSelection("cell address"), "A"},
-      {"cell above the range", [](Input& input) { input.table.selectedRange = "A3:C5"; }, lineage, "range"},
-      {"long text", [](Input& input) { input.cell(0, 1).value = SourceCellValue::text(characters(2001)); },
-       lineage, "B/value"},
-      {"number that is none", [](Input& input) { input.cell(0, 1).value = SourceCellValue::number("1,5"); },
-       number, "B/value"},
-      {"formula without stored result", [](Input& input) { input.cell(0, 1).formula = "A1"; },
-       DocumentError::formulaValueUnavailable("B2"), "B/formula"},
-      {"cell seen before", [](Input& input) { input.cell(1, 0).address = "$B$2"; }, lineage},
-      {"cell right of the range", [](Input& input) { input.cell(3, 2).address = "D5"; }, lineage},
+      {"no address", [](I i) { i.cell(0, 0).address = "1A"; }, "invalidSelection: cell address", "A"},
+      {"cell above the range", [](I i) { i.table.selectedRange = "A3:C5"; }, lineage, "range"},
+      {"long text", [](I i) { i.cell(0, 1).value = Value::text(characters(2001)); }, lineage, "B/value"},
+      {"no number", [](I i) { i.cell(0, 1).value = Value::number("1,5"); }, number, "B/value"},
+      {"no result", [](I i) { i.cell(0, 1).formula = "A1"; }, "formulaValueUnavailable: B2", "B/formula"},
+      {"cell seen before", [](I i) { i.cell(1, 0).address = "$B$2"; }, lineage},
+      {"cell right of the range", [](I i) { i.last().address = "D5"; }, lineage},
   };
   testing::expectRefusals<Input>([] { return Input(); }, rows, check);
 }
 
-/// A limit: how to make an input that reaches `size`, the last size that passes, and what one more gives.
-struct Limit {
-  std::string name;
-  std::function<void(Input&, std::size_t size)> reach;
-  std::size_t last;
-  DocumentError beyond;
-};
+void setFormula(I input, std::size_t size) {
+  input.last().formula = characters(size);
+  input.last().usesCachedFormulaValue = true;
+}
 
 TEST(InputRules, HoldAtEveryLimitAndNoFurther) {
-  const std::vector<Limit> limits = {
-      {"title", [](Input& input, std::size_t size) { input.title = characters(size); }, 160, bounds},
-      {"title with the spaces around it",
-       [](Input& input, std::size_t size) { input.title = "x" + std::string(size - 1, ' '); }, 160, bounds},
-      {"columns", [](Input& input, std::size_t size) { input.table = testing::tableOf(size, 1); }, 8, bounds},
-      {"rows", [](Input& input, std::size_t size) { input.table = testing::tableOf(1, size); }, 200, bounds},
-      {"column title", [](Input& input, std::size_t size) { input.table.columns[2] = characters(size); }, 120,
-       bounds},
-      {"source name", [](Input& input, std::size_t size) { input.table.sourceName = characters(size); }, 512,
-       bounds},
-      {"sheet name", [](Input& input, std::size_t size) { input.table.sheetName = characters(size); }, 64,
-       bounds},
-      {"warnings", [](Input& input, std::size_t size) { input.table.warnings.assign(size, "w"); }, 16,
-       bounds},
-      {"warning",
-       [](Input& input, std::size_t size) {
-         input.table.warnings = {"", characters(size)};
-       },
-       500, bounds},
-      {"text",
-       [](Input& input, std::size_t size) {
-         input.cell(3, 2).value = SourceCellValue::text(characters(size));
-       },
-       2000, lineage},
-      {"error",
-       [](Input& input, std::size_t size) {
-         input.cell(3, 2).value = SourceCellValue::error(characters(size));
-       },
-       2000, lineage},
-      {"formula",
-       [](Input& input, std::size_t size) {
-         input.cell(3, 2).formula = characters(size);
-         input.cell(3, 2).usesCachedFormulaValue = true;
-       },
-       8192, lineage},
-      {"number format",
-       [](Input& input, std::size_t size) { input.cell(3, 2).numberFormat = characters(size); }, 256,
-       lineage},
-      {"number",
-       [](Input& input, std::size_t size) {
-         input.cell(3, 2).value = SourceCellValue::number(std::string(size, '1'));
-       },
-       64, number},
-      {"last column of the range",
-       [](Input& input, std::size_t size) {
-         input.cell(3, 2).address = std::string(1, char('A' + size)) + "1";
-       },
-       2, lineage},
-      {"last row of the range",
-       [](Input& input, std::size_t size) { input.cell(3, 2).address = "C" + std::to_string(size); }, 5,
-       lineage},
+  using Size = std::size_t;
+  const std::vector<testing::Limit<Input>> limits = {
+      {"title", 160, bounds, [](I i, Size size) { i.title = characters(size); }},
+      {"title and spaces", 160, bounds, [](I i, Size size) { i.title = "x" + std::string(size - 1, ' '); }},
+      {"columns", 8, bounds, [](I i, Size size) { i.table = tableOf(size, 1); }},
+      {"rows", 200, bounds, [](I i, Size size) { i.table = tableOf(1, size); }},
+      {"column title", 120, bounds, [](I i, Size size) { i.table.columns[2] = characters(size); }},
+      {"source name", 512, bounds, [](I i, Size size) { i.table.sourceName = characters(size); }},
+      {"sheet name", 64, bounds, [](I i, Size size) { i.table.sheetName = characters(size); }},
+      {"warnings", 16, bounds, [](I i, Size size) { i.table.warnings.assign(size, "w"); }},
+      {"warning", 500, bounds, [](I i, Size size) { i.table.warnings.push_back(characters(size)); }},
+      {"text", 2000, lineage, [](I i, Size size) { i.last().value = Value::text(characters(size)); }},
+      {"error", 2000, lineage, [](I i, Size size) { i.last().value = Value::error(characters(size)); }},
+      {"formula", 8192, lineage, setFormula},
+      {"number format", 256, lineage, [](I i, Size size) { i.last().numberFormat = characters(size); }},
+      {"number", 64, number, [](I i, Size size) { i.last().value = Value::number(std::string(size, '1')); }},
+      {"last column", 2, lineage,
+       [](I i, Size c) { i.last().address = std::string("ABCD").substr(c, 1) + "1"; }},
+      {"last row", 5, lineage, [](I i, Size row) { i.last().address = "C" + std::to_string(row); }},
   };
-  for (const Limit& limit : limits) {
-    Input reaching;
-    limit.reach(reaching, limit.last);
-    const auto none = errorOf([&] { check(reaching); });
-    EXPECT_FALSE(none) << limit.name << ": " << testing::describe(none);
-    Input beyond;
-    limit.reach(beyond, limit.last + 1);
-    const auto error = errorOf([&] { check(beyond); });
-    EXPECT_TRUE(error == limit.beyond) << limit.name << ": " << testing::describe(error);
-  }
+  testing::expectLimits(limits, check);
 }
 
 TEST(InputRules, RefuseWhatIsEmptyOrMisspelt) {
-  const std::vector<Refusal<Input>> rows = {
-      {"no title", [](Input& input) { input.title = ""; }, bounds},
-      {"blank title", [](Input& input) { input.title = " \n\u2003\u2028"; }, bounds},
-      {"no columns",
-       [](Input& input) {
-         input.table.columns.clear();
-         input.table.rows = {{}};
-       },
-       bounds},
-      {"no rows", [](Input& input) { input.table.rows.clear(); }, bounds},
-      {"empty column title", [](Input& input) { input.table.columns[1] = ""; }, bounds},
-      {"row with a cell more", [](Input& input) { input.table.rows[3].push_back({.address = "D5"}); },
-       bounds},
-      {"path of another system", [](Input& input) { input.table.sourceName = "C:\\book.xlsx"; }, bounds},
-      {"digest in upper case", [](Input& input) { input.table.sourceSHA256.back() = 'F'; }, bounds},
-      {"digest of another letter", [](Input& input) { input.table.sourceSHA256.front() = 'g'; }, bounds},
-      {"short digest", [](Input& input) { input.table.sourceSHA256.pop_back(); }, bounds},
-      {"digest and a line break", [](Input& input) { input.table.sourceSHA256 += '\n'; }, bounds},
+  const std::vector<std::pair<std::string, void (*)(I)>> rows = {
+      {"no title", [](I i) { i.title = ""; }},
+      {"blank title", [](I i) { i.title = " \n\u2003\u2028"; }},
+      {"no columns", [](I i) { i.table.columns.clear(), i.table.rows.assign(1, {}); }},
+      {"no rows", [](I i) { i.table.rows.clear(); }},
+      {"empty column title", [](I i) { i.table.columns[1] = ""; }},
+      {"row with a cell more", [](I i) { i.table.rows[3].push_back({.address = "D5"}); }},
+      {"path of another system", [](I i) { i.table.sourceName = "C:\\book.xlsx"; }},
+      {"digest in upper case", [](I i) { i.table.sourceSHA256.back() = 'F'; }},
+      {"digest of another letter", [](I i) { i.table.sourceSHA256.front() = 'g'; }},
+      {"short digest", [](I i) { i.table.sourceSHA256.pop_back(); }},
+      {"digest and a line break", [](I i) { i.table.sourceSHA256 += '\n'; }},
   };
-  for (const auto& row : rows) {
+  for (const auto& [name, spoil] : rows) {
     Input input;
-    row.spoil(input);
-    EXPECT_TRUE(errorOf([&] { check(input); }) == row.expected) << row.name;
+    spoil(input);
+    EXPECT_EQ(outcomeOf([&] { check(input); }), bounds) << name;
   }
 }
 
 TEST(InputRules, TakeNumbersInFormatsThatCanBeShown) {
-  const struct {
-    std::string number;
-    std::optional<std::string> format;
-    bool passes;
-  } rows[] = {
-      {"1", {}, true},           {"+.5e-3", {}, true},         {"1e308", {}, true},    {"1e309", {}, false},
-      {"", {}, false},           {"NaN", {}, false},           {" 1", {}, false},      {"0x10", {}, false},
-      {"1", "General", true},    {"1", "general", false},      {"1", "@", true},       {"1", "0.0%", true},
-      {"1", "YYYY-MM-DD", true}, {"1", "hh:mm:ss", true},      {"1", "[Red]0", false}, {"1", "", false},
-      {"1", "#,##0.00", true},   {"1", "\"$\"#,##0.00", true}, {"1", "0;-0", false},
-  };
-  for (const auto& row : rows) {
+  const auto outcome = [](const std::string& text, const std::optional<std::string>& format) {
     Input input;
-    input.cell(0, 0).value = SourceCellValue::number(row.number);
-    input.cell(0, 0).numberFormat = row.format;
-    const auto error = errorOf([&] { check(input); });
-    EXPECT_EQ(error, row.passes ? std::nullopt : std::optional(number))
-        << row.number << " " << row.format.value_or("-");
-  }
+    input.cell(0, 0).value = Value::number(text);
+    input.cell(0, 0).numberFormat = format;
+    return outcomeOf([&] { check(input); });
+  };
+  for (const std::string text : {"1", "+.5e-3", "1e308"})
+    EXPECT_EQ(outcome(text, {}), "") << text;
+  for (const std::string text : {"1e309", "", "NaN", " 1", "0x10"})
+    EXPECT_EQ(outcome(text, {}), number) << text;
+  for (const std::string& format :
+       testing::words(R"(General @ 0.0% YYYY-MM-DD hh:mm:ss #,##0.00 "$"#,##0.00)"))
+    EXPECT_EQ(outcome("1", format), "") << format;
+  for (const std::string format : {"general", "[Red]0", "", "0;-0"})
+    EXPECT_EQ(outcome("1", format), number) << format;
   Input text;  // the formats of other kinds are nobody's business
   text.cell(0, 0).numberFormat = "[Red]0";
-  EXPECT_FALSE(errorOf([&] { check(text); }));
+  EXPECT_EQ(outcomeOf([&] { check(text); }), "");
 }
 
 struct ChartInput {
-  SourceTable table = testing::tableOf(3, 3);
+  SourceTable table;
   ChartSelection chart = {.categoryColumn = 0, .valueColumn = 2, .title = ""};
 
-  ChartInput() { putValues(); }
-  void putValues() {
+  ChartInput() { setRows(3); }
+  void setRows(std::size_t count) {
+    table = tableOf(3, count);
     for (auto& row : table.rows)
-      row[2].value = SourceCellValue::number("-1.5e3");
+      row[2].value = Value::number("-1.5e3");
   }
+  SourceCell& category() { return table.rows.front()[0]; }
+  SourceCell& value() { return table.rows.back()[2]; }
 };
 
 void checkChart(const ChartInput& input) {
@@ -202,66 +141,47 @@ void checkChart(const ChartInput& input) {
 }
 
 TEST(ChartRules, RefuseInTheirOrder) {
+  using C = ChartInput&;
   const auto columns =
       DocumentError::invalidSelection("chart needs two different columns and at most 30 rows");
   const auto values = DocumentError::invalidSelection(
       "chart categories and numeric values must be present; missing values are not zero");
   const auto formats = DocumentError::invalidSelection("chart values have mixed formats or units");
-  const std::vector<Refusal<ChartInput>> rows = {
-      {"category left of all", [](ChartInput& input) { input.chart.categoryColumn = -1; }, columns},
-      {"value right of all", [](ChartInput& input) { input.chart.valueColumn = 3; }, columns, "value"},
-      {"one column twice", [](ChartInput& input) { input.chart.valueColumn = 0; }, columns, "value"},
-      {"column beyond any size", [](ChartInput& input) { input.chart.valueColumn = INT64_MAX; }, columns,
-       "value"},
-      {"31 rows",
-       [](ChartInput& input) {
-         input.table = testing::tableOf(3, 31);
-         input.putValues();
-       },
-       columns, "rows"},
-      {"title", [](ChartInput& input) { input.chart.title = characters(161); }, columns},
-      {"ragged row", [](ChartInput& input) { input.table.rows[1].pop_back(); }, values, "rows/1"},
-      {"missing category",
-       [](ChartInput& input) { input.table.rows[0][0].value = SourceCellValue::missing(); }, values,
-       "rows/0/0"},
-      {"long category",
-       [](ChartInput& input) { input.table.rows[0][0].value = SourceCellValue::text(characters(61)); },
-       values, "rows/0/0"},
-      {"text as value", [](ChartInput& input) { input.table.rows[2][2].value = SourceCellValue::text("1"); },
-       values, "rows/2/2"},
-      {"missing value", [](ChartInput& input) { input.table.rows[2][2].value = SourceCellValue::missing(); },
-       values, "rows/2/2"},
-      {"infinite value",
-       [](ChartInput& input) { input.table.rows[2][2].value = SourceCellValue::number("1e400"); }, values,
-       "rows/2/2"},
-      {"number of 65 characters",
-       [](ChartInput& input) {
-         input.table.rows[2][2].value = SourceCellValue::number(std::string(65, '1'));
-       },
-       values, "rows/2/2"},
-      {"two formats", [](ChartInput& input) { input.table.rows[2][2].numberFormat = "0"; }, formats,
-       "rows/2/format"},
-      {"no rows", [](ChartInput& input) { input.table.rows.clear(); }, formats, "rows"},
+  const std::vector<testing::Refusal<ChartInput>> rows = {
+      {"category left of all", [](C c) { c.chart.categoryColumn = -1; }, columns},
+      {"value right of all", [](C c) { c.chart.valueColumn = 3; }, columns, "value"},
+      {"one column twice", [](C c) { c.chart.valueColumn = 0; }, columns, "value"},
+      {"column beyond any size", [](C c) { c.chart.valueColumn = INT64_MAX; }, columns, "value"},
+      {"31 rows", [](C c) { c.setRows(31); }, columns, "rows"},
+      {"title", [](C c) { c.chart.title = characters(161); }, columns},
+      {"ragged row", [](C c) { c.table.rows[1].pop_back(); }, values, "rows/1"},
+      {"missing category", [](C c) { c.category().value = Value::missing(); }, values, "rows/0/0"},
+      {"long category", [](C c) { c.category().value = Value::text(characters(61)); }, values, "rows/0/0"},
+      {"text as value", [](C c) { c.value().value = Value::text("1"); }, values, "rows/2/2"},
+      {"missing value", [](C c) { c.value().value = Value::missing(); }, values, "rows/2/2"},
+      {"infinity", [](C c) { c.value().value = Value::number("1e400"); }, values, "rows/2/2"},
+      {"65 digits", [](C c) { c.value().value = Value::number(std::string(65, '1')); }, values, "rows/2/2"},
+      {"two formats", [](C c) { c.value().numberFormat = "0"; }, formats, "rows/2/format"},
+      {"no rows", [](C c) { c.table.rows.clear(); }, formats, "rows"},
   };
   testing::expectRefusals<ChartInput>([] { return ChartInput(); }, rows, checkChart);
 }
 
 TEST(ChartRules, HoldAtEveryLimit) {
   ChartInput input;
-  input.table = testing::tableOf(3, 30);
-  input.putValues();
+  input.setRows(30);
   input.chart.title = characters(160);
-  input.table.rows[29][0].value = SourceCellValue::text(characters(60));
-  input.table.rows[29][2].value = SourceCellValue::number(std::string(64, '1'));
-  input.table.rows[29][2].numberFormat = "General";  // as if it had none
-  EXPECT_FALSE(errorOf([&] { checkChart(input); }));
+  input.category().value = Value::text(characters(60));
+  input.value().value = Value::number(std::string(64, '1'));
+  input.value().numberFormat = "General";  // as if it had none
+  EXPECT_EQ(outcomeOf([&] { checkChart(input); }), "");
 
   // A category counts as it is shown: 59 digits are shown as 61 characters.
   ChartInput shown;
-  shown.table.rows[0][0].value = SourceCellValue::number(std::string(59, '1'));
-  EXPECT_FALSE(errorOf([&] { checkChart(shown); }));
-  shown.table.rows[0][0].numberFormat = "0.0";
-  EXPECT_TRUE(errorOf([&] { checkChart(shown); }));
+  shown.category().value = Value::number(std::string(59, '1'));
+  EXPECT_EQ(outcomeOf([&] { checkChart(shown); }), "");
+  shown.category().numberFormat = "0.0";
+  EXPECT_NE(outcomeOf([&] { checkChart(shown); }), "");
 }
 
 }  // namespace

@@ -15,132 +15,96 @@ namespace {
 
 using testing::EditedDocument;
 using testing::element;
+using testing::repeated;
 using testing::replace;
-using testing::replaceAll;
-
-const std::string layoutWarning = "Layout has not been rendered or checked in Word/PowerPoint.";
-
-DocumentError failure(const char* detail) {
-  return DocumentError::validationFailed(detail);
-}
+using E = EditedDocument&;
 
 /// The document part, whatever a row has renamed it to.
-std::string& document(EditedDocument& edited) {
+std::string& document(E edited) {
   return edited.part(edited.package.parts.back().name);
 }
 
-void replaceTable(EditedDocument& edited, const std::string& by) {
-  std::string& text = document(edited);
-  replace(text, element(text, "w:tbl"), by);
+std::string& relationships(E edited) {
+  return edited.part("_rels/.rels");
 }
 
-std::string cells(std::size_t count) {
-  std::string text;
-  for (std::size_t i = 0; i < count; ++i)
-    text += "<w:tc><w:t>x</w:t></w:tc>";
-  return text;
+auto table(std::string xml) {
+  return [xml = std::move(xml)](E e) { replace(document(e), element(document(e), "w:tbl"), xml); };
 }
 
-std::string tableXML(std::size_t rows, std::size_t columns) {
-  std::string text;
-  for (std::size_t i = 0; i < rows; ++i)
-    text += "<w:tr>" + cells(columns) + "</w:tr>";
-  return "<w:tbl>" + text + "</w:tbl>";
+std::string rowsXML(std::size_t rows, std::size_t columns) {
+  return repeated("<w:tr>" + repeated("<w:tc><w:t>x</w:t></w:tc>", columns) + "</w:tr>", rows);
+}
+
+auto tableOf(std::size_t rows, std::size_t columns) {
+  return table("<w:tbl>" + rowsXML(rows, columns) + "</w:tbl>");
+}
+
+auto renamed(std::string from, std::string to) {
+  return [=](E edited) { testing::replaceAll(document(edited), from, to); };
+}
+
+/// A part before all others, so that the document stays the last.
+auto part(std::string name, std::string text) {
+  return [=](E edited) { edited.package.parts.insert(edited.package.parts.begin(), {name, text}); };
+}
+
+std::vector<testing::Refusal<EditedDocument>> refusals() {
+  const auto inDocument = [](auto text) { return testing::edits<EditedDocument>(document, text); };
+  const auto inRelationships = [](auto text) { return testing::edits<EditedDocument>(relationships, text); };
+  const auto wordTable = DocumentError::validationFailed("Word table");
+  const auto dimensions = DocumentError::validationFailed("table dimensions");
+  const auto differ = DocumentError::validationFailed("table cells differ from frozen source values");
+  return testing::joined<EditedDocument>({
+      {{"no package", [](E e) { e.package.remove("[Content_Types].xml"); },
+        "invalidArchive: not an OOXML package"},
+       {"workbook", part("ppt/embeddings/chart-data.xlsx", ""), "unsafeContent: embedded object"}},
+      inDocument(R"(<w:sectPr> => <w:hyperlink/><w:sectPr> | )"
+                 R"(validationFailed: unexpected executable or unsupported document element |)"),
+      {{"main part of another name", [](E e) { e.renameMainPart("word/document.xml", "word/other.xml"); },
+        "validationFailed: main document part", "target"},
+       {"no relationship at all",
+        [](E e) {
+          const std::string text = relationships(e).substr(0, relationships(e).find("<Relationship "));
+          relationships(e) = text + "</Relationships>";
+        },
+        "validationFailed: main document relationship", "target"}},
+      inRelationships(R"(
+</ => <Relationship Id="x" Target="_rels/.rels"/></ | validationFailed: main document relationship | target/second
+/officeDocument" => /styles" | validationFailed: main document relationship | target/type
+word/document.xml => _rels/.rels | validationFailed: main document relationship | target)"),
+      {{"part", part("docProps/core.xml", "<Types/>"), "validationFailed: unexpected Word package part"},
+       {"another root", renamed("w:document", "w:p"), wordTable, "root"}},
+      inDocument(R"( xmlns:w="http://schemas.openxmlformats.org/wordprocessingml/2006/main" => )"
+                 R"(| validationFailed: Word table | namespace)"),
+      {{"no body", renamed("w:body", "w:p"), wordTable, "body"},
+       {"no table", table(""), wordTable, "table"},
+       {"two tables", table("<w:tbl/><w:tbl/>"), wordTable, "table"}},
+      inDocument("</w:tc> => <w:tbl/></w:tc> | validationFailed: Word table | table"),
+      {{"no rows", table("<w:tbl/>"), dimensions, "table"},
+       {"no cells", tableOf(2, 0), dimensions, "table"},
+       {"nine columns", tableOf(2, 9), dimensions, "table"},
+       {"202 rows", tableOf(202, 1), dimensions, "table"},
+       {"header with a cell less", [](E e) { replace(document(e), element(document(e), "w:tc"), ""); },
+        dimensions, "table"},
+       {"expected table that breaks a rule", [](E e) { e.table->sourceName = "home/book.xlsx"; },
+        "invalidSelection: table, title, or source bounds"}},
+      inDocument(R"(
+>2,2< => >2,2 < | validationFailed: table cells differ from frozen source values | table/row
+>Column 3< => >Column < | validationFailed: table cells differ from frozen source values | table/header)"),
+      {{"a row more", [](E e) { replace(document(e), "</w:tbl>", rowsXML(1, 3) + "</w:tbl>"); }, differ,
+        "table"},
+       {"expected value", [](E e) { e.table->rows[3][2].value = SourceCellValue::text("4,4"); }, differ}},
+  });
 }
 
 TEST(WordValidation, RefusesInTheOrderOfItsChecks) {
-  const std::vector<testing::Refusal<EditedDocument>> rows = {
-      {"no package", [](EditedDocument& edited) { edited.package.remove("[Content_Types].xml"); },
-       DocumentError::invalidArchive("not an OOXML package")},
-      {"embedded workbook",
-       [](EditedDocument& edited) {
-         edited.package.parts.insert(edited.package.parts.begin(), {"ppt/embeddings/chart-data.xlsx", ""});
-       },
-       DocumentError::unsafeContent("embedded object")},
-      {"element outside the profile",
-       [](EditedDocument& edited) { replace(document(edited), "<w:sectPr>", "<w:hyperlink/><w:sectPr>"); },
-       failure("unexpected executable or unsupported document element")},
-      {"main part of another name",
-       [](EditedDocument& edited) { edited.renameMainPart("word/document.xml", "word/other.xml"); },
-       failure("main document part"), "target"},
-      {"no relationship at all",
-       [](EditedDocument& edited) {
-         edited.part("_rels/.rels") =
-             R"(<Relationships xmlns="http://schemas.openxmlformats.org/package/2006/relationships"/>)";
-       },
-       failure("main document relationship"), "target"},
-      {"a second relationship",
-       [](EditedDocument& edited) {
-         replace(edited.part("_rels/.rels"), "</", R"(<Relationship Id="x" Target="_rels/.rels"/></)");
-       },
-       failure("main document relationship"), "target/second"},
-      {"relationship of another type",
-       [](EditedDocument& edited) { replace(edited.part("_rels/.rels"), "/officeDocument\"", "/styles\""); },
-       failure("main document relationship"), "target/type"},
-      {"relationship to another part",
-       [](EditedDocument& edited) {
-         replace(edited.part("_rels/.rels"), "word/document.xml", "_rels/.rels");
-       },
-       failure("main document relationship"), "target"},
-      {"fourth part",
-       [](EditedDocument& edited) {
-         edited.package.parts.insert(edited.package.parts.begin(), {"docProps/core.xml", "<Types/>"});
-       },
-       failure("unexpected Word package part")},
-      {"another root", [](EditedDocument& edited) { replaceAll(document(edited), "w:document", "w:p"); },
-       failure("Word table"), "root"},
-      {"no namespace",
-       [](EditedDocument& edited) {
-         replace(document(edited),
-                 R"( xmlns:w="http://schemas.openxmlformats.org/wordprocessingml/2006/main")", "");
-       },
-       failure("Word table"), "namespace"},
-      {"no body", [](EditedDocument& edited) { replaceAll(document(edited), "w:body", "w:p"); },
-       failure("Word table"), "body"},
-      {"no table", [](EditedDocument& edited) { replaceTable(edited, ""); }, failure("Word table"), "table"},
-      {"two tables",
-       [](EditedDocument& edited) {
-         const std::string table = element(document(edited), "w:tbl");
-         replaceTable(edited, table + table);
-       },
-       failure("Word table"), "table"},
-      {"table in a cell",
-       [](EditedDocument& edited) { replace(document(edited), "</w:tc>", "<w:tbl/></w:tc>"); },
-       failure("Word table"), "table"},
-      {"no rows", [](EditedDocument& edited) { replaceTable(edited, "<w:tbl/>"); },
-       failure("table dimensions"), "table"},
-      {"no cells", [](EditedDocument& edited) { replaceTable(edited, tableXML(2, 0)); },
-       failure("table dimensions"), "table"},
-      {"nine columns", [](EditedDocument& edited) { replaceTable(edited, tableXML(2, 9)); },
-       failure("table dimensions"), "table"},
-      {"202 rows", [](EditedDocument& edited) { replaceTable(edited, tableXML(202, 1)); },
-       failure("table dimensions"), "table"},
-      {"header with a cell less",
-       [](EditedDocument& edited) { replace(document(edited), element(document(edited), "w:tc"), ""); },
-       failure("table dimensions"), "table"},
-      {"expected table that breaks a rule",
-       [](EditedDocument& edited) { edited.table->sourceName = "home/book.xlsx"; },
-       DocumentError::invalidSelection("table, title, or source bounds")},
-      {"a letter more", [](EditedDocument& edited) { replace(document(edited), ">2,2<", ">2,2 <"); },
-       failure("table cells differ from frozen source values"), "table/row"},
-      {"a header's letter less",
-       [](EditedDocument& edited) { replace(document(edited), ">Column 3<", ">Column <"); },
-       failure("table cells differ from frozen source values"), "table/header"},
-      {"a row twice",
-       [](EditedDocument& edited) {
-         const std::string row = "<w:tr>" + cells(3) + "</w:tr>";
-         replace(document(edited), "</w:tbl>", row + "</w:tbl>");
-       },
-       failure("table cells differ from frozen source values"), "table"},
-      {"another expected value",
-       [](EditedDocument& edited) { edited.table->rows[3][2].value = SourceCellValue::text("4,4"); },
-       failure("table cells differ from frozen source values")},
-  };
-  testing::expectRefusals<EditedDocument>(testing::wordDocument, rows,
-                                          [](const EditedDocument& edited) { edited.validate(); });
+  testing::expectRefusals<EditedDocument>(testing::wordDocument, refusals(),
+                                          [](const auto& edited) { edited.validate(); });
 }
 
 TEST(WordValidation, SaysWhatWasProved) {
+  const std::string layoutWarning = "Layout has not been rendered or checked in Word/PowerPoint.";
   EditedDocument edited = testing::wordDocument();
   edited.table->warnings = {"first", "second"};
   DocumentValidation expected{.structurallyValid = true,
@@ -171,15 +135,15 @@ TEST(WordValidation, TakesTablesUpToTheirBounds) {
   EditedDocument edited = testing::wordDocument();
   edited.table.reset();
   for (const auto& [rows, columns] : {std::pair{201U, 8U}, {1U, 1U}}) {
-    replaceTable(edited, tableXML(rows, columns));
+    tableOf(rows, columns)(edited);
     EXPECT_TRUE(edited.validate().structurallyValid);
   }
 }
 
 TEST(WordValidation, IsCancelled) {
-  const EditedDocument edited = testing::wordDocument();
-  EXPECT_THROW(DocumentEngine::validate(edited.package.bytes().view(), DocumentFormat::docx, nullptr, nullptr,
-                                        testing::stopped()),
+  const ByteBuffer word = testing::wordDocument().package.bytes();
+  const auto stop = testing::stopped();
+  EXPECT_THROW(DocumentEngine::validate(word.view(), DocumentFormat::docx, nullptr, nullptr, stop),
                Cancelled);
 }
 

@@ -2,7 +2,6 @@
 
 #include <functional>
 #include <optional>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 
@@ -11,32 +10,9 @@
 #include "DocumentRuntime/Validation/GeneratedDocumentValidation.hpp"
 #include "Support/PackageBuilder.hpp"
 #include "Support/SampleTable.hpp"
+#include "Support/Texts.hpp"
 
 namespace zelvo::testing {
-
-/// Puts `to` in the place of the first `from`, which must be there: an edit that does nothing tests nothing.
-inline void replace(std::string& text, std::string_view from, std::string_view to) {
-  const auto position = text.find(from);
-  if (position == std::string::npos) throw std::logic_error("nothing to edit: " + std::string(from));
-  text.replace(position, from.size(), to);
-}
-
-inline void replaceAll(std::string& text, std::string_view from, std::string_view to) {
-  replace(text, from, to);
-  for (auto position = text.find(to) + to.size(); (position = text.find(from, position)) != std::string::npos;
-       position += to.size()) {
-    text.replace(position, from.size(), to);
-  }
-}
-
-/// The first element of that qualified name, tags included; it must not hold another of its name.
-inline std::string element(const std::string& text, const std::string& name) {
-  const auto start = text.find('<' + name + '>');
-  const std::string endTag = "</" + name + '>';
-  const auto end = text.find(endTag, start);
-  if (start == std::string::npos || end == std::string::npos) throw std::logic_error("no element " + name);
-  return text.substr(start, end + endTag.size() - start);
-}
 
 inline PackageBuilder unpacked(ByteView bytes) {
   PackageBuilder package;
@@ -74,13 +50,6 @@ struct EditedDocument {
   }
 };
 
-inline EditedDocument wordDocument() {
-  const SourceTable table = tableOf(3, 4);
-  return {.format = DocumentFormat::docx,
-          .package = unpacked(DocumentAuthor::docx(table, "Title").view()),
-          .table = table};
-}
-
 /// A table that takes two slides, its second column numbers.
 inline SourceTable deckTable() {
   SourceTable table = tableOf(3, 12);
@@ -91,20 +60,18 @@ inline SourceTable deckTable() {
   return table;
 }
 
-inline EditedDocument deck() {
+inline EditedDocument wordDocument() {
+  const SourceTable table = tableOf(3, 4);
+  return {DocumentFormat::docx, unpacked(DocumentAuthor::docx(table, "Title").view()), table};
+}
+
+inline EditedDocument deck(const std::optional<ChartSelection>& chart = {}) {
   const SourceTable table = deckTable();
-  return {.format = DocumentFormat::pptx,
-          .package = unpacked(DocumentAuthor::pptx(table, "Title", {}).view()),
-          .table = table};
+  return {DocumentFormat::pptx, unpacked(DocumentAuthor::pptx(table, "Title", chart).view()), table, chart};
 }
 
 inline EditedDocument chartDeck() {
-  const SourceTable table = deckTable();
-  const ChartSelection chart{.categoryColumn = 0, .valueColumn = 1, .title = "Chart"};
-  return {.format = DocumentFormat::pptx,
-          .package = unpacked(DocumentAuthor::pptx(table, "Title", chart).view()),
-          .table = table,
-          .chart = chart};
+  return deck(ChartSelection{.categoryColumn = 0, .valueColumn = 1, .title = "Chart"});
 }
 
 }  // namespace zelvo::testing
