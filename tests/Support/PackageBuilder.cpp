@@ -134,6 +134,15 @@ WorkbookText plainWorkbook(std::string_view rows) {
   return {.sheets = {{"Data", std::string("<sheetData>").append(rows).append("</sheetData>")}}};
 }
 
+WorkbookText sharedStringColumn(std::size_t rows) {
+  std::string xml;
+  for (std::size_t i = 1; i <= rows; ++i) {
+    const std::string row = std::to_string(i);
+    xml += "<row r='" + row + "'><c r='A" + row + "' t='s'><v>0</v></c></row>";
+  }
+  return plainWorkbook(xml);
+}
+
 WorkbookText richWorkbook() {
   return {
       .sheets =

@@ -53,6 +53,9 @@ PackageBuilder workbookPackage(const WorkbookText& workbook);
 /// One sheet, "Data", that holds these row elements.
 WorkbookText plainWorkbook(std::string_view rows);
 
+/// Such a sheet of so many rows, each a cell in column A that shows the first shared string.
+WorkbookText sharedStringColumn(std::size_t rows);
+
 /// Three sheets with something of everything: every type of cell, rich and phonetic strings, dates and
 /// currencies, a formula with and one without a stored result, hidden rows, columns and sheets, merged cells
 /// and a filter.
