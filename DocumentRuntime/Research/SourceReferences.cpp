@@ -23,6 +23,12 @@ bool isIdentifier(std::string_view text) {
          std::ranges::all_of(text, isIdentifierCharacter);
 }
 
+bool areDistinctIdentifiers(std::vector<std::string_view> texts) {
+  std::sort(texts.begin(), texts.end());
+  return std::adjacent_find(texts.begin(), texts.end()) == texts.end() &&
+         std::ranges::all_of(texts, isIdentifier);
+}
+
 bool isWebURL(std::string_view text) {
   const auto url = urlComponents(text);
   return url && (url->scheme == "http" || url->scheme == "https") && !url->host.empty() && !url->hasUserInfo;

@@ -14,6 +14,9 @@ inline constexpr std::size_t maximumPerRow = 8;
 /// Not empty, at most 160 bytes, and only ASCII letters, digits, "-", "." and "_".
 bool isIdentifier(std::string_view text);
 
+/// Whether all are identifiers and no two are the same.
+bool areDistinctIdentifiers(std::vector<std::string_view> texts);
+
 /// An absolute URL of scheme "http" or "https", in lower case, with a host and neither user nor password.
 bool isWebURL(std::string_view text);
 

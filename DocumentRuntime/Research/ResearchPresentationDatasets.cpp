@@ -1,0 +1,78 @@
+// Attaching the host's datasets: a model may repeat them, never add or change one.
+
+#include <algorithm>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "DocumentRuntime/Errors/DocumentError.hpp"
+#include "DocumentRuntime/Research/ResearchPresentation.hpp"
+#include "DocumentRuntime/Research/SourceReferences.hpp"
+
+namespace zelvo {
+namespace {
+
+using Dataset = ResearchPresentation::Dataset;
+using Slide = ResearchPresentation::Slide;
+
+void require(bool holds, const char* message) {
+  if (!holds) throw DocumentError::validationFailed(message);
+}
+
+bool hasOnlyReferences(const ResearchPresentation& deck) {
+  return !deck.dataset &&
+         std::ranges::none_of(deck.slides, [](const Slide& slide) { return slide.chartIndex.has_value(); });
+}
+
+bool areBoundedIdentities(const std::vector<std::string>& ids) {
+  return ids.size() <= ResearchPresentation::maximumDatasets &&
+         SourceReferences::areDistinctIdentifiers({ids.begin(), ids.end()});
+}
+
+std::vector<std::string> identitiesOf(const std::vector<Dataset>& datasets) {
+  std::vector<std::string> ids;
+  for (const Dataset& dataset : datasets)
+    ids.push_back(dataset.id);
+  return ids;
+}
+
+bool areAmong(const std::vector<std::string>& ids, const std::set<std::string>& wanted) {
+  return std::ranges::all_of(
+      wanted, [&ids](const std::string& id) { return std::ranges::find(ids, id) != ids.end(); });
+}
+
+bool repeatsOnly(const ResearchPresentation& deck, const std::vector<Dataset>& canonical) {
+  return !deck.datasets || std::ranges::all_of(*deck.datasets, [&canonical](const Dataset& dataset) {
+    return std::ranges::find(canonical, dataset) != canonical.end();
+  });
+}
+
+}  // namespace
+
+bool ResearchPresentation::hasBoundedIdentities(const std::vector<Dataset>& datasets) {
+  return areBoundedIdentities(identitiesOf(datasets));
+}
+
+ResearchPresentation ResearchPresentation::attachingDataset(const ResearchSpreadsheet& canonical) const {
+  require(!dataset || *dataset == canonical, "The presentation cannot replace the shared source dataset.");
+  ResearchPresentation attached = *this;
+  attached.dataset = canonical;
+  return attached;
+}
+
+ResearchPresentation ResearchPresentation::attachingDatasets(
+    const std::vector<Dataset>& canonical, const std::vector<std::string>& allowedDatasetIDs) const {
+  require(
+      hasOnlyReferences(*this) && hasBoundedIdentities(canonical) && areBoundedIdentities(allowedDatasetIDs),
+      "A collection presentation needs unique, bounded dataset identities and explicit chart references.");
+  const std::set<std::string> wanted = referencedChartDatasetIDs();
+  require(areAmong(allowedDatasetIDs, wanted),
+          "The presentation references a dataset outside its declared result scope.");
+  require(repeatsOnly(*this, canonical), "Model content cannot add or change canonical dataset records.");
+  require(areAmong(identitiesOf(canonical), wanted), "A canonical dataset is missing.");
+  ResearchPresentation attached = *this;
+  attached.datasets = canonical;
+  return attached;
+}
+
+}  // namespace zelvo
