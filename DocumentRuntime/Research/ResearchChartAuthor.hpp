@@ -1,0 +1,34 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "DocumentRuntime/Research/ResearchSpreadsheet.hpp"
+
+/// The native chart of a dataset, over a sheet named "Data" whose first row holds the headings.
+namespace zelvo::ResearchChartAuthor {
+
+/// The chart part, without the XML declaration. The dataset and the chart must have passed validation:
+/// `cells` are the resolved ones, one a column.
+///
+/// `embedded` says that the sheet is in a workbook of its own, related to the part as "rId1". `columnMap`
+/// leads from the dataset's columns to the sheet's, where they differ, both zero-based. `zeroBaseline` pins
+/// the value axis of a bar chart at zero where all values lie on one side of it.
+std::string xml(const ResearchSpreadsheet& content,
+                const std::vector<std::vector<ResearchSpreadsheet::Cell>>& cells,
+                const ResearchSpreadsheet::Chart& chart, bool embedded,
+                const std::map<std::int64_t, std::int64_t>& columnMap, bool zeroBaseline);
+
+/// The letter of a zero-based column. One letter is enough: a dataset has at most twelve columns.
+char letter(std::int64_t index);
+
+/// The name of a series, as legends show it: the column's, with its unit, where that is not empty.
+std::string seriesName(const ResearchSpreadsheet::Column& column);
+
+/// A user's text as charts show it, unescaped: without control characters.
+std::string cleaned(std::string_view text);
+
+}  // namespace zelvo::ResearchChartAuthor

@@ -1,0 +1,22 @@
+// Workbooks of datasets; those of reports stand apart.
+
+#include "DocumentRuntime/Research/ResearchWorkbook.hpp"
+
+#include "DocumentRuntime/PackageIO/BoundedZIP.hpp"
+#include "DocumentRuntime/Research/ResearchWorkbookAuthor.hpp"
+#include "DocumentRuntime/Research/ResearchWorkbookReadBack.hpp"
+
+namespace zelvo {
+
+ByteBuffer ResearchWorkbook::make(std::string_view title, const ResearchSpreadsheet& content,
+                                  const AllowedSources& sources,
+                                  const std::optional<ResearchSourceScope>& sourceScope,
+                                  const std::stop_token& stop) {
+  content.validate(/*requiresChart=*/false, sources, sourceScope);
+  const auto written = ResearchWorkbookContent::of(title, content, sources, sourceScope);
+  ByteBuffer bytes = BoundedZIP::write(researchWorkbookPackage(written), stop);
+  readBackResearchWorkbook(ByteBuffer::copyOf(bytes.view()), written, stop);
+  return bytes;
+}
+
+}  // namespace zelvo

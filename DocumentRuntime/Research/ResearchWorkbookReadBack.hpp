@@ -1,0 +1,18 @@
+#pragma once
+
+#include <stop_token>
+
+#include "DocumentRuntime/Records/ByteBuffer.hpp"
+#include "DocumentRuntime/Research/ResearchWorkbookContent.hpp"
+
+namespace zelvo {
+
+/// Opens a written workbook as any stranger's and compares what it says with what was to be written: every
+/// text of the Sources sheet; on the Data sheet every number, formula and stored result, as stored.
+///
+/// Throws `DocumentError` validationFailed "source provenance readback", "formula readback" or "numeric
+/// readback"; what `WorkbookReader` throws; `Cancelled`.
+void readBackResearchWorkbook(ByteBuffer workbook, const ResearchWorkbookContent& content,
+                              const std::stop_token& stop = {});
+
+}  // namespace zelvo
