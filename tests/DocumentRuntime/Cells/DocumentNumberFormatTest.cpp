@@ -6,44 +6,36 @@
 #include <unicode/decimfmt.h>
 
 #include "DocumentRuntime/Cells/DocumentNumberFormat.hpp"
+#include "Support/Cases.hpp"
 
 namespace zelvo {
 namespace {
 
 using DocumentNumberFormat::Numeric;
 
+/// The parameters in one line: fraction digits, what is switched on, and the texts on both sides.
+std::string dump(const Numeric& format) {
+  return std::to_string(format.minimumFractionDigits) + '-' + std::to_string(format.maximumFractionDigits) +
+         (format.grouped ? " grouped" : "") + (format.percent ? " percent" : "") + " '" + format.prefix +
+         "' '" + format.suffix + "'";
+}
+
 TEST(DocumentNumberFormat, NumericCodes) {
-  const struct {
-    std::string code;
-    Numeric expected;
-  } rows[] = {
-      {"0", {}},
-      {"#,##0.00", {2, 2, true, false, "", ""}},
-      {"0.0#", {1, 2, false, false, "", ""}},
-      {"0.#0", {1, 2, false, false, "", ""}},
-      {"0.############", {0, 12, false, false, "", ""}},
-      {"#,##0.0%", {1, 1, true, true, "", ""}},
-      {"\"$\"#,##0", {0, 0, true, false, "$", ""}},
-      {"$ 0.00", {2, 2, false, false, "$ ", ""}},
-      {"#,##0 kr", {0, 0, true, false, "", " kr"}},
-      {"0\"€\"", {0, 0, false, false, "", "€"}},
-      {"£0 GBP", {0, 0, false, false, "£", " GBP"}},
-      {"\"$\"0$", {0, 0, false, false, "$", "$"}},
-      {"$€0", {0, 0, false, false, "€", ""}},
-      {"$ €0", {0, 0, false, false, "€", ""}},
-  };
-  for (const auto& row : rows) {
-    const auto format = DocumentNumberFormat::numeric(row.code);
-    ASSERT_TRUE(format) << row.code;
-    EXPECT_EQ(*format, row.expected) << row.code;
+  for (const auto& [code, expected] : testing::cases<2>(R"(
+      0 => 0-0 '' '' ; #,##0.00 => 2-2 grouped '' '' ; 0.0# => 1-2 '' '' ; 0.#0 => 1-2 '' ''
+      0.############ => 0-12 '' '' ; #,##0.0% => 1-1 grouped percent '' '' ; "$"#,##0 => 0-0 grouped '$' ''
+      $ 0.00 => 2-2 '$ ' '' ; #,##0 kr => 0-0 grouped '' ' kr' ; 0"€" => 0-0 '' '€' ; £0 GBP => 0-0 '£' ' GBP'
+      "$"0$ => 0-0 '$' '$' ; $€0 => 0-0 '€' '' ; $ €0 => 0-0 '€' '')")) {
+    const auto format = DocumentNumberFormat::numeric(code);
+    ASSERT_TRUE(format) << code;
+    EXPECT_EQ(dump(*format), expected) << code;
   }
-  const auto expectRefused = [](const auto&... texts) {
-    for (const std::string_view text : {std::string_view(texts)...})
-      EXPECT_FALSE(DocumentNumberFormat::numeric(text)) << text;
-  };
-  expectRefused("", "$", "General", "@", "#", "00", "#,##", "##,##0", "0.", "0.%", "0.0000000000000", "0%%",
-                "0% ", "$0%", "0% kr", "$0$", "0  kr", "0;-0", "0 ", " 0", "0.00E+00", "[Red]0", "0\n",
-                "0\u00A0kr", "KR0", "m/d/yy");
+  for (const std::string& text :
+       testing::words(R"($ General @ # 00 #,## ##,##0 0. 0.% 0.0000000000000 0%% 0%␠ $0%
+      0%␠kr $0$ 0␠␠kr 0;-0 0␠ ␠0 0.00E+00 [Red]0 0␊ KR0 m/d/yy)"))
+    EXPECT_FALSE(DocumentNumberFormat::numeric(text)) << text;
+  for (const std::string text : {"", "0\u00A0kr"})
+    EXPECT_FALSE(DocumentNumberFormat::numeric(text)) << text;
 }
 
 TEST(DocumentNumberFormat, BuiltinCodesAreAllOfAKnownKind) {
@@ -63,46 +55,22 @@ TEST(DocumentNumberFormat, BuiltinCodesAreAllOfAKnownKind) {
 }
 
 TEST(DocumentNumberFormat, Rendering) {
-  const std::string zeros(127, '0');
-  const struct {
-    std::string code;
-    std::string text;
-    std::string expected;
-  } rows[] = {
-      {"#,##0.00", "1234.5", "1,234.50"},
-      {"#,##0", "-1234567", "-1,234,567"},
-      {"#,##0", "999", "999"},
-      {"0.0#", "3", "3.0"},
-      {"0.0#", "3.14159", "3.14"},
-      {"0%", "0.25", "25%"},
-      {"0.00%", "0.125", "12.50%"},
-      {"0", "12.5", "12"},
-      {"0", "13.5", "14"},
-      {"0", "12.50000000000000000000000000000000000000000000000000000000001", "13"},
-      {"0.00", "1.005", "1.00"},
-      {"#,##0.0", "+999999.95", "1,000,000.0"},
-      {"0.00", "-0.001", "-0.00"},
-      {"0.00", "-0", "0.00"},
-      {"$0", "-5", "$-5"},
-      {"#,##0 kr", "1e3", "1,000 kr"},
-      {"0", "000.", "0"},
-      {"0.0", ".05", "0.0"},
-      {"0", "1e127", "1" + zeros},
-      {"0%", "1e127", "1" + zeros + "00%"},
-      {"0", "1e128", "1e128"},
-      {"0.0", "1e-127", "0.0"},
-      {"0.0", "1e-128", "1e-128"},
-      {"0.0", "1.0e-127", "1.0e-127"},
-      {"$0", "0e999999999", "0e999999999"},
-      {"$0", "n/a", "n/a"},
-      {"$0", "1,5", "1,5"},
-      {"$0", "", ""},
-      {"$0", std::string(65, '1'), std::string(65, '1')},
+  const auto rendered = [](const std::string& code, const std::string& text) {
+    return DocumentNumberFormat::numeric(code).value().render(text);
   };
-  for (const auto& row : rows) {
-    EXPECT_EQ(DocumentNumberFormat::numeric(row.code).value().render(row.text), row.expected)
-        << row.code << ' ' << row.text;
-  }
+  for (const auto& [code, text, expected] : testing::cases<3>(R"(
+      #,##0.00 | 1234.5 => 1,234.50 ; #,##0 | -1234567 => -1,234,567 ; #,##0 | 999 => 999 ; 0.0# | 3 => 3.0
+      0.0# | 3.14159 => 3.14 ; 0% | 0.25 => 25% ; 0.00% | 0.125 => 12.50% ; 0 | 12.5 => 12 ; 0 | 13.5 => 14
+      0 | 12.50000000000000000000000000000000000000000000000000000000001 => 13 ; 0.00 | 1.005 => 1.00
+      #,##0.0 | +999999.95 => 1,000,000.0 ; 0.00 | -0.001 => -0.00 ; 0.00 | -0 => 0.00 ; $0 | -5 => $-5
+      #,##0 kr | 1e3 => 1,000 kr ; 0 | 000. => 0 ; 0.0 | .05 => 0.0 ; 0 | 1e128 => 1e128 ; 0.0 | 1e-127 => 0.0
+      0.0 | 1e-128 => 1e-128 ; 0.0 | 1.0e-127 => 1.0e-127 ; $0 | 0e999999999 => 0e999999999 ; $0 | n/a => n/a
+      $0 | 1,5 => 1,5 ; $0 | =>)"))
+    EXPECT_EQ(rendered(code, text), expected) << code << ' ' << text;
+  const std::string zeros(127, '0');
+  EXPECT_EQ(rendered("0", "1e127"), "1" + zeros);
+  EXPECT_EQ(rendered("0%", "1e127"), "1" + zeros + "00%");
+  EXPECT_EQ(rendered("$0", std::string(65, '1')), std::string(65, '1'));
 }
 
 /// ICU's formatter, set up from the same parameters.
