@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <cstdint>
+#include <numeric>
 #include <random>
 #include <string>
 #include <thread>
@@ -8,6 +9,7 @@
 #include <gtest/gtest.h>
 #include <unicode/normalizer2.h>
 
+#include "Support/Texts.hpp"
 #include "Text/Unicode.hpp"
 
 namespace zelvo {
@@ -15,8 +17,8 @@ namespace {
 
 using Characters = std::vector<std::string>;
 
-const std::vector<Characters>& texts() {
-  static const std::vector<Characters> rows = {
+TEST(Unicode, Characters) {
+  const std::vector<Characters> texts = {
       {},
       {"a", "b"},
       {"\r\n", "\n", "\r", "\r", "\r\n"},
@@ -30,14 +32,8 @@ const std::vector<Characters>& texts() {
       {"\u0BA8\u0BBF", "\u0E01\u0E33"},                                // spacing marks
       {"\u06001", "2"},                                                // prepended
   };
-  return rows;
-}
-
-TEST(Unicode, Characters) {
-  for (const Characters& characters : texts()) {
-    std::string text;
-    for (const auto& character : characters)
-      text += character;
+  for (const Characters& characters : texts) {
+    const std::string text = std::accumulate(characters.begin(), characters.end(), std::string());
     EXPECT_EQ(Unicode::characterCount(text), characters.size()) << text;
     std::string expected;
     for (std::size_t count = 0; count <= characters.size(); ++count) {
@@ -57,12 +53,7 @@ TEST(Unicode, CharactersBehindLongASCII) {
     EXPECT_EQ(Unicode::exceeds(text, 10), letters + 2 > 10) << letters;
     EXPECT_EQ(Unicode::characterCount(Unicode::prefix(text, 10)), std::min<std::size_t>(letters + 2, 10));
   }
-  const std::string marks = [] {
-    std::string text = "a";
-    for (int i = 0; i < 100'000; ++i)
-      text += "\u0301";
-    return text;
-  }();
+  const std::string marks = "a" + testing::repeated("\u0301", 100'000);
   EXPECT_EQ(Unicode::characterCount(marks + marks), 2U);
   EXPECT_EQ(Unicode::prefix(marks + "bc", 2), marks + "b");
 }
@@ -87,15 +78,9 @@ TEST(Unicode, Composition) {
 TEST(Unicode, CompositionOfLongRunsOfMarks) {
   // Marks of two classes in turn, which have to be sorted: quadratic work would not end within the time-out.
   constexpr int count = 300'000;
-  std::string mixed = "a";
-  std::string expected = "\u00E1";
-  for (int i = 0; i < count; ++i)
-    mixed += "\u0301\u0316";
-  for (int i = 0; i < count; ++i)
-    expected += "\u0316";
-  for (int i = 1; i < count; ++i)
-    expected += "\u0301";
-  EXPECT_TRUE(Unicode::composed(mixed) == expected);
+  using testing::repeated;
+  EXPECT_TRUE(Unicode::composed("a" + repeated("\u0301\u0316", count)) ==
+              "\u00E1" + repeated("\u0316", count) + repeated("\u0301", count - 1));
 }
 
 TEST(Unicode, CompositionAgreesWithICU) {
