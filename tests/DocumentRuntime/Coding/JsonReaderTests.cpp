@@ -3,35 +3,26 @@
 #include <gtest/gtest.h>
 
 #include "DocumentRuntime/Coding/JsonReader.hpp"
+#include "Support/Texts.hpp"
 
 namespace zelvo {
 namespace {
 
 /// The value as a canonical text: strings as they are between bars, numbers as doubles.
 std::string dump(JsonValue value) {
-  switch (value.kind()) {
-    case JsonKind::null:
-      return "null";
-    case JsonKind::boolean:
-      return value.boolean() ? "true" : "false";
-    case JsonKind::number:
-      return std::to_string(value.number());
-    case JsonKind::string:
-      return "|" + std::string(value.string()) + "|";
-    case JsonKind::array: {
-      std::string text = "[" + std::to_string(value.array().size()) + ":";
-      for (const JsonValue element : value.array())
-        text += " " + dump(element);
-      return text + "]";
-    }
-    case JsonKind::object: {
-      std::string text = "{";
-      for (const JsonMember member : value.object())
-        text += " " + std::string(member.key) + "=" + dump(member.value);
-      return text + "}";
-    }
+  if (value.isNull()) return "null";
+  if (value.kind() == JsonKind::boolean) return value.boolean() ? "true" : "false";
+  if (value.kind() == JsonKind::number) return std::to_string(value.number());
+  if (value.kind() == JsonKind::string) return "|" + std::string(value.string()) + "|";
+  std::string text;
+  if (value.kind() == JsonKind::object) {
+    for (const JsonMember member : value.object())
+      text += " " + std::string(member.key) + "=" + dump(member.value);
+    return "{" + text + "}";
   }
-  return "?";
+  for (const JsonValue element : value.array())
+    text += " " + dump(element);
+  return "[" + std::to_string(value.array().size()) + ":" + text + "]";
 }
 
 std::string dumpOf(std::string text) {
@@ -68,21 +59,16 @@ TEST(JsonReader, Values) {
 
 TEST(JsonReader, TextsStayApartWhenEscapesShrinkThem) {
   // Longer than the parser's buffer, so that strings come in pieces, decoded ones and plain ones by turns.
-  std::string json = "[";
+  std::string json;
   std::string expected = "[60:";
   for (std::size_t i = 0; i < 60; ++i) {
     const std::string plain(i * 97, static_cast<char>('a' + i % 26));
-    const std::string escapes = i % 3 == 0 ? R"(\u00e9\n\/)" : "";
-    const std::string decoded = i % 3 == 0 ? "é\n/" : "";
-    json.append(i > 0 ? ",\"" : "\"")
-        .append(plain)
-        .append(escapes)
-        .append(plain)
-        .append(escapes)
-        .append("\"");
-    expected.append(" |").append(plain).append(decoded).append(plain).append(decoded).append("|");
+    const std::string escaped = plain + (i % 3 == 0 ? R"(\u00e9\n\/)" : "");
+    const std::string decoded = plain + (i % 3 == 0 ? "é\n/" : "");
+    json += (i > 0 ? ",\"" : "\"") + escaped + escaped + '"';
+    expected += " |" + decoded + decoded + '|';
   }
-  EXPECT_EQ(dumpOf(json + "]"), expected + "]");
+  EXPECT_EQ(dumpOf("[" + json + "]"), expected + "]");
 }
 
 TEST(JsonReader, Malformed) {
@@ -123,11 +109,7 @@ TEST(JsonReader, DepthIsBounded) {
   EXPECT_EQ(errorOf([&] { const JsonDocument document(nested(512)); }), "no error");
   EXPECT_NE(errorOf([&] { const JsonDocument document(nested(513)); }), "no error");
   EXPECT_NE(errorOf([&] { const JsonDocument document(std::string(1'000'000, '[')); }), "no error");
-  std::string objects;
-  for (int i = 0; i < 512; ++i) {
-    objects += R"({"a":)";
-  }
-  objects += "1" + std::string(512, '}');
+  const std::string objects = testing::repeated(R"({"a":)", 512) + "1" + std::string(512, '}');
   EXPECT_EQ(errorOf([&] { const JsonDocument document(objects); }), "no error");
   EXPECT_NE(errorOf([&] { const JsonDocument document("[" + objects + "]"); }), "no error");
 }
@@ -151,27 +133,27 @@ TEST(JsonReader, ErrorsNameThePlace) {
   const JsonDocument document(
       R"({"a":[{"b":1},{"b":[true,1e400,"!"]}],"a":[{"b":2},{"b":[true,1e400,"!",0.5,18446744073709551615,{}]}]})");
   const JsonObject root = document.root().object();
-  std::vector<JsonValue> last;
-  for (const JsonValue element : root.required("a").array())
-    last.push_back(element);
-  ASSERT_EQ(last.size(), 2U);
-  std::vector<JsonValue> values;
-  for (const JsonValue element : last[1].object().required("b").array())
-    values.push_back(element);
-  ASSERT_EQ(values.size(), 6U);
+  const auto element = [](const JsonValue& list, std::size_t index) {
+    std::vector<JsonValue> elements;
+    for (const JsonValue value : list.array())
+      elements.push_back(value);
+    return elements.at(index);
+  };
+  const auto last = [&](std::size_t i) { return element(root.required("a"), i).object(); };
+  const auto value = [&](std::size_t i) { return element(last(1).required("b"), i); };
 
-  const std::vector<std::pair<std::function<void()>, std::string>> rows = {
+  const std::pair<std::function<void()>, std::string> rows[] = {
       {[&] { root.required("x"); }, "The key \"x\" is missing."},
       {[&] { document.root().array(); }, "Expected an array, found an object."},
-      {[&] { last[0].object().string("b"); }, "a[0].b: Expected a string, found a number."},
-      {[&] { last[1].object().string("c"); }, "a[1]: The key \"c\" is missing."},
-      {[&] { values[0].integer(); }, "a[1].b[0]: Expected a number, found a boolean."},
-      {[&] { values[1].number(); }, "a[1].b[1]: The number is out of range."},
-      {[&] { values[2].bytes(); }, "a[1].b[2]: Expected base64."},
-      {[&] { values[2].boolean(); }, "a[1].b[2]: Expected a boolean, found a string."},
-      {[&] { values[3].integer(); }, "a[1].b[3]: Expected an integer of at most 64 bits."},
-      {[&] { values[4].integer(); }, "a[1].b[4]: Expected an integer of at most 64 bits."},
-      {[&] { values[5].object().fail("Wrong."); }, "a[1].b[5]: Wrong."},
+      {[&] { last(0).string("b"); }, "a[0].b: Expected a string, found a number."},
+      {[&] { last(1).string("c"); }, "a[1]: The key \"c\" is missing."},
+      {[&] { value(0).integer(); }, "a[1].b[0]: Expected a number, found a boolean."},
+      {[&] { value(1).number(); }, "a[1].b[1]: The number is out of range."},
+      {[&] { value(2).bytes(); }, "a[1].b[2]: Expected base64."},
+      {[&] { value(2).boolean(); }, "a[1].b[2]: Expected a boolean, found a string."},
+      {[&] { value(3).integer(); }, "a[1].b[3]: Expected an integer of at most 64 bits."},
+      {[&] { value(4).integer(); }, "a[1].b[4]: Expected an integer of at most 64 bits."},
+      {[&] { value(5).object().fail("Wrong."); }, "a[1].b[5]: Wrong."},
   };
   for (const auto& [act, expected] : rows)
     EXPECT_EQ(errorOf(act), expected);

@@ -11,12 +11,14 @@ namespace {
 
 TEST(JsonWriter, StructureAndValues) {
   JsonWriter writer;
+  const auto key = [&](std::string_view name) -> JsonWriter& {
+    writer.key(name);
+    return writer;
+  };
   writer.beginObject();
-  writer.key("empty");
-  writer.beginArray();
+  key("empty").beginArray();
   writer.endArray();
-  writer.key("list");
-  writer.beginArray();
+  key("list").beginArray();
   writer.null();
   writer.boolean(true);
   writer.integer(std::numeric_limits<std::int64_t>::min());
@@ -24,14 +26,11 @@ TEST(JsonWriter, StructureAndValues) {
   writer.beginObject();
   writer.endObject();
   writer.beginObject();
-  writer.key("a \"key\"");
-  writer.bytes(bytesOf("\xFF\xEF\xBE!"));
-  writer.key("b");
-  writer.string("");
+  key("a \"key\"").bytes(bytesOf("\xFF\xEF\xBE!"));
+  key("b").string("");
   writer.endObject();
   writer.endArray();
-  writer.key("last");
-  writer.boolean(false);
+  key("last").boolean(false);
   writer.endObject();
   EXPECT_EQ(
       writer.take(),

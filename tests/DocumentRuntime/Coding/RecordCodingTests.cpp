@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
 #include "DocumentRuntime/Coding/RecordCoding.hpp"
+#include "Support/Cases.hpp"
+#include "Support/Texts.hpp"
 
 namespace zelvo {
 namespace {
@@ -21,10 +23,8 @@ void expectRoundTrip(const std::string& json) {
   EXPECT_EQ(toJson(fromJson<Record>(json)), json);
 }
 
-std::string without(std::string text, const std::string& piece) {
-  const std::size_t at = text.find(piece);
-  EXPECT_NE(at, std::string::npos) << piece;
-  return text.erase(at, piece.size());
+std::string without(const std::string& text, const std::string& piece) {
+  return testing::replaced(text, piece, "");
 }
 
 const std::string cellA1 =
@@ -85,60 +85,50 @@ TEST(RecordCoding, LenientWhereItMayBe) {
 }
 
 TEST(RecordCoding, CellValuesHaveOneKindAndItsPayload) {
-  const std::string count = "Invalid number of keys found, expected one.";
-  const std::vector<std::pair<std::string, std::string>> rows = {
-      {R"({})", count},
-      {R"({"missing":{},"text":{"_0":"a"}})", count},
-      {R"({"text":{"_0":"a"},"other":1})", count},
-      {R"({"text":{"_0":"a"},"missing":{},"text":{"_0":"a"}})", count},
-      {R"({"formula":{"_0":"a"}})", "Unknown kind of cell value."},
-      {R"({"Text":{"_0":"a"}})", "Unknown kind of cell value."},
-      {R"({"text":"a"})", "text: Expected an object, found a string."},
-      {R"({"missing":null})", "missing: Expected an object, found null."},
-      {R"({"text":{}})", "text: The key \"_0\" is missing."},
-      {R"({"text":{"_0":null}})", "text._0: Expected a string, found null."},
-      {R"({"number":{"_0":12}})", "number._0: Expected a string, found a number."},
-      {R"({"boolean":{"_0":"true"}})", "boolean._0: Expected a boolean, found a string."},
-      {R"({"boolean":{"_0":1}})", "boolean._0: Expected a boolean, found a number."},
-      {R"("text")", "Expected an object, found a string."},
-  };
   const std::string before = R"({"address":"A1","usesCachedFormulaValue":false,"hidden":false,"value":)";
-  for (const auto& [value, expected] : rows) {
-    const std::string error = errorOf<SourceCell>(before + value + "}");
-    EXPECT_TRUE(error == "value: " + expected || error == "value." + expected) << value << " gives " << error;
-  }
+  for (const auto& [value, expected] : testing::cases<2>(R"(
+      {} => value: Invalid number of keys found, expected one.
+      {"missing":{},"text":{"_0":"a"}} => value: Invalid number of keys found, expected one.
+      {"text":{"_0":"a"},"other":1} => value: Invalid number of keys found, expected one.
+      {"text":{"_0":"a"},"missing":{},"text":{"_0":"a"}} => value: Invalid number of keys found, expected one.
+      {"formula":{"_0":"a"}} => value: Unknown kind of cell value.
+      {"Text":{"_0":"a"}} => value: Unknown kind of cell value.
+      {"text":"a"} => value.text: Expected an object, found a string.
+      {"missing":null} => value.missing: Expected an object, found null.
+      {"text":{}} => value.text: The key "_0" is missing.
+      {"text":{"_0":null}} => value.text._0: Expected a string, found null.
+      {"number":{"_0":12}} => value.number._0: Expected a string, found a number.
+      {"boolean":{"_0":"true"}} => value.boolean._0: Expected a boolean, found a string.
+      {"boolean":{"_0":1}} => value.boolean._0: Expected a boolean, found a number.
+      "text" => value: Expected an object, found a string.)"))
+    EXPECT_EQ(errorOf<SourceCell>(before + value + "}"), expected);
+}
+
+template <typename Record>
+void expectRequired(const std::string& record, const char* fields) {
+  for (const std::string& field : testing::words(fields))
+    EXPECT_NE(errorOf<Record>(without(record, field)), "no error") << field;
 }
 
 TEST(RecordCoding, EveryRequiredKeyIsRequired) {
-  for (const std::string field : {R"("sheetName":"S",)", R"("range":"A1:B2",)", R"("firstRowIsHeader":true,)",
-                                  R"("includeHiddenRows":false,)", R"(,"allowCachedFormulaValues":true)"}) {
-    EXPECT_NE(errorOf<TableSelection>(without(selection, field)), "no error") << field;
-  }
-  for (const std::string field : {R"("address":"A1",)", R"("value":{"text":{"_0":"x"}},)",
-                                  R"("usesCachedFormulaValue":true,)", R"(,"hidden":true)"}) {
-    EXPECT_NE(errorOf<SourceCell>(without(cellA1, field)), "no error") << field;
-  }
-  for (const std::string field :
-       {R"("populatedCellCount":4,)", R"("formulasMissingCache":2,)", R"(,"hasAutoFilter":false)"}) {
-    EXPECT_NE(errorOf<WorksheetInspection>(without(sheet, field)), "no error") << field;
-  }
-  for (const std::string field : {R"("data":"UEs=",)", R"("format":"pptx",)", R"("warnings":[],)"}) {
-    EXPECT_NE(errorOf<GeneratedDocument>(without(document, field)), "no error") << field;
-  }
+  expectRequired<TableSelection>(selection, R"("sheetName":"S", "range":"A1:B2", "firstRowIsHeader":true,
+      "includeHiddenRows":false, ,"allowCachedFormulaValues":true)");
+  expectRequired<SourceCell>(cellA1, R"("address":"A1", "value":{"text":{"_0":"x"}},
+      "usesCachedFormulaValue":true, ,"hidden":true)");
+  expectRequired<WorksheetInspection>(sheet, R"("populatedCellCount":4, "formulasMissingCache":2,
+      ,"hasAutoFilter":false)");
+  expectRequired<GeneratedDocument>(document, R"("data":"UEs=", "format":"pptx", "warnings":[],)");
 }
 
 TEST(RecordCoding, WrongTypes) {
+  const std::string head = R"({"sourceSHA256":"","validation":{},)";
   EXPECT_EQ(errorOf<ChartSelection>(R"({"categoryColumn":1.5,"valueColumn":1,"title":"T"})"),
             "categoryColumn: Expected an integer of at most 64 bits.");
   EXPECT_EQ(errorOf<ChartSelection>(R"({"categoryColumn":"1","valueColumn":1,"title":"T"})"),
             "categoryColumn: Expected a number, found a string.");
-  EXPECT_EQ(
-      errorOf<GeneratedDocument>(R"({"data":"UEs=","format":"PPTX","sourceSHA256":"","validation":{}})"),
-      "format: Unknown value.");
-  EXPECT_EQ(errorOf<GeneratedDocument>(R"({"data":"UEs","format":"pptx","sourceSHA256":"","validation":{}})"),
-            "data: Expected base64.");
-  EXPECT_EQ(errorOf<SourceTable>(R"({"sourceName":"","sourceSHA256":"","sheetName":"","selectedRange":"",)"
-                                 R"("columns":[],"rows":[[],[{"address":3}]]})"),
+  EXPECT_EQ(errorOf<GeneratedDocument>(head + R"("data":"UEs=","format":"PPTX"})"), "format: Unknown value.");
+  EXPECT_EQ(errorOf<GeneratedDocument>(head + R"("data":"UEs","format":"pptx"})"), "data: Expected base64.");
+  EXPECT_EQ(errorOf<SourceTable>(testing::replaced(table, R"("address":"A1")", R"("address":3)")),
             "rows[1][0].address: Expected a string, found a number.");
 }
 
