@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <functional>
 #include <map>
 
@@ -13,35 +14,30 @@ namespace {
 
 using namespace testing;
 
-const std::map<std::string, std::string> messages = {
-    {"outline", "Use a short title, a report and 3–16 slides."},
-    {"counts", "Use at most four unique canonical datasets and four chart references."},
-    {"table", "Supply a report and a bounded table with unique column names."},
-    {"slide", "Each slide needs a short heading and 1–4 concise points."},
-    {"one binding", "Use one explicit chart binding per slide."},
-    {"no scope", "Source IDs require the trusted local/public provenance scope."},
-    {"scope",
-     "Use exact trusted local snapshot IDs or accepted public evidence; local evidence needs no public URL."},
-    {"reference",
-     "A chart slide needs its exact canonical dataset and chart, at most 40 periods and one insight."},
-    {"chart",
-     "A chart slide needs an attached dataset, a valid chart, at most 40 periods and one concise insight."},
-    {"URL", "Slide sources must be returned research URLs."},
-    {"replaced", "The presentation cannot replace the shared source dataset."},
-    {"identities",
-     "A collection presentation needs unique, bounded dataset identities and explicit chart references."},
-    {"outside", "The presentation references a dataset outside its declared result scope."},
-    {"changed", "Model content cannot add or change canonical dataset records."},
-    {"missing", "A canonical dataset is missing."},
-    {"unbound", "The chart's exact dataset binding is missing."},
-};
+using Deck = ResearchPresentation;
+
+const auto messages = cases<2>(R"(
+    outline    | Use a short title, a report and 3–16 slides.
+    counts     | Use at most four unique canonical datasets and four chart references.
+    table      | Supply a report and a bounded table with unique column names.
+    slide      | Each slide needs a short heading and 1–4 concise points.
+    binding    | Use one explicit chart binding per slide.
+    no scope   | Source IDs require the trusted local/public provenance scope.
+    scope      | Use exact trusted local snapshot IDs or accepted public evidence; local evidence needs no public URL.
+    reference  | A chart slide needs its exact canonical dataset and chart, at most 40 periods and one insight.
+    chart      | A chart slide needs an attached dataset, a valid chart, at most 40 periods and one concise insight.
+    URL        | Slide sources must be returned research URLs.
+    replaced   | The presentation cannot replace the shared source dataset.
+    identities | A collection presentation needs unique, bounded dataset identities and explicit chart references.
+    outside    | The presentation references a dataset outside its declared result scope.
+    changed    | Model content cannot add or change canonical dataset records.
+    missing    | A canonical dataset is missing.
+    unbound    | The chart's exact dataset binding is missing.)");
 
 Outcome refusal(const std::string& key) {
-  return "validationFailed: " + messages.at(key);
+  const auto row = std::ranges::find(messages, key, [](const auto& message) { return message[0]; });
+  return "validationFailed: " + row->at(1);
 }
-
-const AllowedSources allSources = {{"http://h/", "https://h/p", "https://example.org/2022",
-                                    "https://example.org/2023", "https://example.org/2024"}};
 
 /// A cover, a chart slide and two points, over one dataset.
 struct Single {
@@ -50,12 +46,10 @@ struct Single {
       R"({"title":"Chart","body":["k1"],"sources":[],"chartIndex":0},)"
       R"({"title":"Points","body":["p1","p2"],"sources":["https://h/p"]}]})";
   ResearchSpreadsheet dataset = yearlyProfit();
-  AllowedSources allowedSources = allSources;
+  AllowedSources allowedSources;
   std::optional<ResearchSourceScope> scope;
 
-  ResearchPresentation decode() const {
-    return ResearchPresentation::decode(deck, allowedSources, dataset, scope);
-  }
+  Deck decode() const { return Deck::decode(deck, allowedSources, dataset, scope); }
 };
 
 /// A cover and three chart slides, over two datasets.
@@ -65,12 +59,10 @@ struct Collection {
       R"({"title":"A","body":["k1"],"sources":[],"chartReference":{"datasetID":"a","chartIndex":0}},)"
       R"({"title":"B","body":["k2"],"sources":[],"chartReference":{"datasetID":"b","chartIndex":0}},)"
       R"({"title":"A again","body":["k3"],"sources":[],"chartReference":{"datasetID":"a","chartIndex":0}}]})";
-  std::vector<ResearchPresentation::Dataset> datasets = {{"a", yearlyProfit()}, {"b", yearlyProfit()}};
+  std::vector<Deck::Dataset> datasets = {{"a", yearlyProfit()}, {"b", yearlyProfit()}};
   std::vector<std::string> allowedIDs = {"a", "b"};
 
-  ResearchPresentation decode() const {
-    return ResearchPresentation::decode(deck, {}, datasets, allowedIDs, {});
-  }
+  Deck decode() const { return Deck::decode(deck, {}, datasets, allowedIDs, {}); }
 };
 
 /// Edits of the deck's text, `from => to | message | place`.
@@ -84,127 +76,207 @@ std::vector<Refusal<Input>> deckEdits(std::string_view table) {
 
 /// A change of the decoded deck.
 template <typename Input>
-void edit(Input& input, const std::function<void(ResearchPresentation&)>& change) {
-  auto deck = fromJson<ResearchPresentation>(input.deck);
+void edit(Input& input, const std::function<void(Deck&)>& change) {
+  auto deck = fromJson<Deck>(input.deck);
   change(deck);
   input.deck = deck.encoded();
 }
 
-template <typename Input>
-Limit<Input> limit(std::string name, std::size_t last, const std::string& key,
-                   std::function<void(ResearchPresentation&, std::size_t)> change) {
-  return {std::move(name), last, refusal(key), [change](Input& input, std::size_t size) {
-            edit(input, [&](ResearchPresentation& deck) { change(deck, size); });
-          }};
+Limit<Single> limit(std::string name, std::size_t last, const std::string& key,
+                    std::function<void(Deck&, std::size_t)> change) {
+  const auto reach = [change](Single& input, std::size_t size) {
+    edit(input, [&](Deck& deck) { change(deck, size); });
+  };
+  return {std::move(name), last, refusal(key), reach};
 }
 
+const auto pad = [](auto& input, std::size_t bytes) { input.deck.resize(bytes, ' '); };
+const auto lengthen = [](ResearchSpreadsheet& dataset, std::size_t rows) {
+  dataset.rows.resize(rows, numberRow({{}, {}, {}, {}, {}}));
+};
 const auto decodes = [](const auto& input) { return input.decode(); };
 
 TEST(ResearchPresentation, RefusesInItsOrder) {
-  const auto before = deckEdits<Single>(R"(
-    "Deck"           => "\u2028 "                       | outline | title
-    "Deck"           => "a\u001fb"                      | outline | title
-    "Deck"           => "a\u0000b"                      | outline | title
-    "Sum"            => " "                             | outline | report
+  const auto rows = deckEdits<Single>(R"(
+    "Deck"           => "\u2028 "                       | outline  | title
+    "Deck"           => "a\u001fb"                      | outline  | title
+    "Sum"            => " "                             | outline  | report
     ,{"title":"Points","body":["p1","p2"],"sources":["https://h/p"]} => | outline | points
-    {"title":"Deck"  => {"datasets":[],"title":"Deck"   | counts  | title)");
-  const std::vector<Refusal<Single>> dataset = {
-      {"the dataset's own rules", [](Single& i) { i.dataset.report = ""; }, refusal("table"), "dataset"}};
-  const auto content = deckEdits<Single>(R"(
-    "Cover"          => ""                              | slide   | cover/title
-    "c1"             => "\u2003"                        | slide   | cover/body
-    "c1"             => "\u0007"                        | slide   | cover/body
-    "c1"             =>                                 | slide   | cover/body
-    "sourceIDs":[]   => "sourceIDs":[""]                | slide   | cover/ids
-    "sourceIDs":[]   => "sourceIDs":["a/b"]             | slide   | cover/ids
-    "sourceIDs":[]   => "chartIndex":0,"chartReference":{"datasetID":"","chartIndex":0} | one binding | cover/ids
-    "sourceIDs":[]   => "sourceIDs":["a"]               | no scope | cover/ids)");
-  // The list allows the URL, but the scope does not.
-  const std::map<std::string, std::string> known = {
-      {"x", "https://example.org/2022"}, {"y", "https://example.org/2023"}, {"z", "https://example.org/2024"}};
-  const std::vector<Refusal<Single>> scope = {
-      {"a scope", [known](Single& i) { i.scope.emplace(std::vector<std::string>{}, known, std::vector<ResearchSourceScope::Record>{}); },
-       refusal("scope"), "cover/ids"}};
-  const auto after = deckEdits<Single>(R"(
-    "sourceIDs":[]   => "chartIndex":0                  | chart   | cover/ids
-    "http://h/"      => "http://h/off-the-list"         | URL     | cover/sources
-    ["k1"]           => ["k1","k2"]                     | chart   | chart/body
-    "chartIndex":0   => "chartIndex":1                  | chart   | cover/ids
-    "sources":[]     => "sources":["ftp://h/"]          | URL     | chart/sources
-    "p1"             => ""                              | slide   | points)");
-  expectRefusals<Single>([] { return Single(); }, joined<Single>({before, dataset, content, scope, after}),
-                         decodes);
+    {"title":"Deck"  => {"datasets":[],"title":"Deck"   | counts   | title
+    "Cover"          => ""                              | slide    | cover/title
+    "c1"             => "\u2003"                        | slide    | cover/body
+    "c1"             => "\u0000"                        | slide    | cover/body
+    "c1"             =>                                 | slide    | cover/body
+    "sourceIDs":[]   => "sourceIDs":[""]                | slide    | cover/ids
+    "sourceIDs":[]   => "sourceIDs":["a/b"]             | slide    | cover/ids
+    "sourceIDs":[]   => "chartIndex":0,"chartReference":{"datasetID":"","chartIndex":0} | binding | cover/ids
+    "sourceIDs":[]   => "sourceIDs":["a"]               | no scope | cover/ids
+    "sourceIDs":[]   => "chartIndex":0                  | chart    | cover/ids
+    "http://h/"      => "http://h/off-the-list"         | URL      | cover/sources
+    ["k1"]           => ["k1","k2"]                     | chart    | chart/body
+    "chartIndex":0   => "chartIndex":1                  | chart    | cover/ids
+    "sources":[]     => "sources":["ftp://h/"]          | URL      | chart/sources
+    "p1"             => ""                              | slide    | points)");
+  const auto good = [] {
+    Single input;
+    input.allowedSources = {{"http://h/", "https://h/p"}};
+    for (const Row& row : input.dataset.rows)
+      input.allowedSources->push_back(row.sources[0]);
+    return input;
+  };
+  expectRefusals<Single>(good, rows, decodes);
+
+  Single input;
+  edit(input, [](Deck& deck) { deck.dataset = numericTable({{}, {}}); });
+  EXPECT_EQ(outcomeOf([&] { input.decode(); }), refusal("replaced"));
 }
 
+/// With a scope and a list, slides must satisfy both, the scope first.
+TEST(ResearchPresentation, ChecksTheScopeBeforeTheList) {
+  std::map<std::string, std::string> known = {{"x", "http://h/"}, {"y", "https://h/p"}};
+  for (const Row& row : yearlyProfit().rows)
+    known.emplace("i" + std::to_string(known.size()), row.sources[0]);
+  Single input;
+  input.allowedSources.emplace();
+  replace(input.deck, R"("sources":["http://h/"],"sourceIDs":[])", R"("sources":[],"sourceIDs":["x"])");
+  for (const char* expected : {"URL", "scope"}) {
+    input.scope.emplace(std::vector<std::string>(), known, std::vector<ResearchSourceScope::Record>());
+    EXPECT_EQ(outcomeOf([&] { input.decode(); }), refusal(expected));
+    known.erase("y");
+  }
+  const Deck::Slide cover = fromJson<Deck>(input.deck).slides[0];
+  EXPECT_EQ(Deck::sourceRecords(cover, input.scope), input.scope->selectedRecords({"x"}, {}));
+  EXPECT_TRUE(Deck::sourceRecords(cover, {}).empty());
+}
+
+/// Without a list and a scope, identifiers and URLs are checked for their form alone.
 TEST(ResearchPresentation, RefusesOnePastEachLimit) {
+  const auto letters = [](std::size_t count) { return std::string(count, 'i'); };
+  const auto label = [](Single& input, std::size_t length) {
+    input.dataset.rows[2].cells[0] = textCell(characters(length));
+  };
   expectLimits<Single>(
-      {limit<Single>("title", 80, "outline", [](auto& deck, auto n) { deck.title = characters(n); }),
-       limit<Single>("report", 30'000, "outline", [](auto& deck, auto n) { deck.report = characters(n); }),
-       limit<Single>("slides", 16, "outline", [](auto& d, auto n) { d.slides.resize(n, d.slides.back()); }),
-       limit<Single>("heading", 80, "slide", [](auto& d, auto n) { d.slides[2].title = characters(n); }),
-       limit<Single>("points", 4, "slide", [](auto& d, auto n) { d.slides[2].body.resize(n, "p"); }),
-       limit<Single>("point", 160, "slide", [](auto& d, auto n) { d.slides[2].body[1] = characters(n); }),
-       limit<Single>("URLs", 3, "slide",
-                     [](auto& d, auto n) { d.slides[2].sources.resize(n, "http://h/"); }),
-       {"periods", 40, refusal("chart"),
-        [](Single& i, std::size_t n) {
-          i.dataset.calculations.reset();
-          i.dataset.charts[0].valueColumns = {2};
-          for (std::size_t row = i.dataset.rows.size(); row < n; ++row)
-            i.dataset.rows.push_back(i.dataset.rows[0]), i.dataset.rows[row].cells[2] = blankCell();
-        }},
-       {"label", 60, refusal("chart"),
-        [](Single& i, std::size_t n) { i.dataset.rows[2].cells[0] = textCell(characters(n)); }},
-       {"bytes", 340'000, DocumentError::resourceLimit("presentation content"),
-        [](Single& i, std::size_t n) { i.deck.resize(n, ' '); }}},
+      {limit("title", 80, "outline", [](Deck& d, auto n) { d.title = characters(n); }),
+       limit("report", 30'000, "outline", [](Deck& d, auto n) { d.report = characters(n); }),
+       limit("slides", 16, "outline", [](Deck& d, auto n) { d.slides.resize(n, d.slides[2]); }),
+       limit("heading", 80, "slide", [](Deck& d, auto n) { d.slides[2].title = characters(n); }),
+       limit("points", 4, "slide", [](Deck& d, auto n) { d.slides[2].body.resize(n, "p"); }),
+       limit("point", 160, "slide", [](Deck& d, auto n) { d.slides[2].body[1] = characters(n); }),
+       limit("URLs", 3, "slide", [](Deck& d, auto n) { d.slides[2].sources.resize(n, "http://h/"); }),
+       limit("IDs", 3, "slide", [](Deck& d, auto n) { d.slides[0].sourceIDs.emplace(n, "i"); }),
+       limit("ID", 160, "slide", [=](Deck& d, auto n) { d.slides[0].sourceIDs = {letters(n)}; }),
+       limit("URL", 2000, "URL", [=](Deck& d, auto n) { d.slides[0].sources[0] += letters(n - 9); }),
+       {"periods", 40, refusal("chart"), [](Single& i, auto n) { lengthen(i.dataset, n); }},
+       {"label", 60, refusal("chart"), label},
+       {"bytes", 340'000, DocumentError::resourceLimit("presentation content"), pad}},
       decodes);
-  const auto identified = [](std::size_t count, std::size_t length) {
-    return std::vector<std::string>(count, std::string(length, 'i'));
-  };
-  // Without a list and a scope identifiers and URLs are checked for their form alone.
-  const auto validates = [](const Single& input) { fromJson<ResearchPresentation>(input.deck).validate({}, {}); };
-  const auto unbound = [](auto change) {
-    return [change](ResearchPresentation& deck, std::size_t n) {
-      deck.slides[1].chartIndex.reset();
-      change(deck.slides[0], n);
-    };
-  };
-  expectLimits<Single>(
-      {limit<Single>("IDs", 3, "slide", unbound([=](auto& s, auto n) { s.sourceIDs = identified(n, 1); })),
-       limit<Single>("ID", 160, "slide", unbound([=](auto& s, auto n) { s.sourceIDs = identified(1, n); })),
-       limit<Single>("URL", 2000, "URL", unbound([](auto& s, auto n) {
-                       s.sources[0] = "http://h/" + std::string(n - 9, 'u');
-                     }))},
-      validates);
-  Single single;
-  edit(single, [](ResearchPresentation& deck) { deck.slides[0].sources[0] = "HTTP://h/"; });
-  EXPECT_EQ(outcomeOf([&] { validates(single); }), refusal("chart")) << "slide 1 has no dataset";
 }
 
-TEST(ResearchPresentation, RefusesWhatIsNoCollectionDeckInItsOrder) {
-  std::vector<Refusal<Collection>> attaching = {
-      {"single dataset", [](auto& i) { edit(i, [](auto& deck) { deck.dataset = yearlyProfit(); }); }, refusal("identities"), "model"},
-      {"index", [](auto& i) { edit(i, [](auto& deck) { deck.slides[0].chartIndex = 0; }); }, refusal("identities"), "cover"},
-      {"repeat", [](auto& i) { i.datasets[1].id = "a"; }, refusal("identities"), "host"},
+TEST(ResearchPresentation, RefusesCollectionsInItsOrder) {
+  const auto onDeck = [](const std::function<void(Deck&)>& change) {
+    return [change](Collection& input) { edit(input, change); };
+  };
+  const auto repeatOne = [onDeck](const char* id, double value) {
+    return onDeck([=](Deck& deck) {
+      deck.datasets = {{{id, yearlyProfit()}}};
+      deck.datasets->front().content.rows[0].cells[2] = numberCell(value);
+    });
+  };
+  const std::vector<Refusal<Collection>> attaching = {
+      {"dataset", onDeck([](auto& d) { d.dataset = yearlyProfit(); }), refusal("identities"), "model"},
+      {"index", onDeck([](auto& d) { d.slides[0].chartIndex = 0; }), refusal("identities"), "cover"},
+      {"same ID", [](auto& i) { i.datasets[1].id = "a"; }, refusal("identities"), "host"},
       {"no ID", [](auto& i) { i.datasets[1].id = ""; }, refusal("identities"), "host"},
       {"allowed twice", [](auto& i) { i.allowedIDs[1] = "a"; }, refusal("identities"), "allowed"},
       {"allowed no ID", [](auto& i) { i.allowedIDs[1] = "b c"; }, refusal("identities"), "allowed"},
       {"outside", [](auto& i) { i.allowedIDs.pop_back(); }, refusal("outside"), "allowed"},
-      {"added", [](auto& i) { edit(i, [](auto& deck) { deck.datasets = {{{"c", yearlyProfit()}}}; }); }, refusal("changed"), "model"},
-      {"changed", [](auto& i) { edit(i, [&](auto& deck) { deck.datasets = i.datasets; deck.datasets->front().content.rows[0].cells[2] = numberCell(11); }); }, refusal("changed"), "model"},
+      {"added", repeatOne("c", 10), refusal("changed"), "model"},
+      {"changed", repeatOne("a", 11), refusal("changed"), "model"},
       {"missing", [](auto& i) { i.datasets.pop_back(); }, refusal("missing"), "host"},
-      {"the dataset's own rules", [](auto& i) { i.datasets[1].content.report = ""; }, refusal("table"), "host"}};
+      {"dataset's rules", [](auto& i) { i.datasets[1].content.report = ""; }, refusal("table"), "host"}};
   const auto rules = deckEdits<Collection>(R"(
     "c1"],"sources":[] => "c1"],"sources":[],"chartReference":{"datasetID":"b","chartIndex":0} | reference | cover
-    ["k1"]             => ["k1","k2"]                    | reference | a/body
-    "a","chartIndex":0 => "a","chartIndex":1             | reference | a/index
-    "a","chartIndex":0 => "a","chartIndex":-1            | reference | a/index)");
-  // JSON text has its keys in another order once it was edited as a deck.
-  for (auto row : rules) {
-    row.place = "cover/" + row.place;
-    attaching.push_back(row);
+    ["k1"]             => ["k1","k2"]                    | reference | body
+    "a","chartIndex":0 => "a","chartIndex":1             | reference | index
+    "a","chartIndex":0 => "a","chartIndex":-1            | reference | index)");
+  expectRefusals<Collection>([] { return Collection(); }, joined<Collection>({attaching, rules}), decodes);
+
+  Collection repeating;
+  repeatOne("a", 10)(repeating);
+  repeating.datasets[1].content.rows[0].cells[0] = textCell(characters(61));
+  EXPECT_EQ(repeating.decode().datasets, repeating.datasets);
+
+  const auto refer = [](Collection& input, std::size_t count) {
+    for (auto& dataset : input.datasets)
+      dataset.content.charts.resize(4, dataset.content.charts[0]);
+    edit(input, [count](Deck& deck) {
+      deck.slides.resize(1 + count, deck.slides[1]);
+      for (std::size_t i = 0; i < count; ++i)
+        deck.slides[1 + i].chartReference = {i < 4 ? "a" : "b", static_cast<std::int64_t>(i % 4)};
+    });
+  };
+  const auto add = [](Collection& input, std::size_t count) {
+    while (input.datasets.size() < count)
+      input.datasets.push_back({"d" + std::to_string(input.datasets.size()), yearlyProfit()});
+  };
+  expectLimits<Collection>(
+      {{"datasets", 4, refusal("identities"), add},
+       {"ID", 160, refusal("identities"), [](auto& i, auto n) { i.allowedIDs.emplace_back(n, 'i'); }},
+       {"references", 4, refusal("counts"), refer},
+       {"periods", 40, refusal("reference"), [](auto& i, auto n) { lengthen(i.datasets[1].content, n); }},
+       {"bytes", 400'000, DocumentError::resourceLimit("presentation collection content"), pad}},
+      decodes);
+}
+
+/// Decks that the host put together by hand meet the same rules.
+TEST(ResearchPresentation, ValidatesWhatWasNeverAttached) {
+  auto deck = fromJson<Deck>(Collection().deck);
+  const auto validates = [&deck] { deck.validate({}, {}); };
+  EXPECT_EQ(outcomeOf(validates), refusal("reference"));
+  EXPECT_EQ(outcomeOf([&deck] { deck.resolvedChartBindings(); }), refusal("unbound"));
+  deck.datasets = std::vector<Deck::Dataset>(2, {"a", yearlyProfit()});
+  EXPECT_EQ(outcomeOf(validates), refusal("counts"));
+  deck = fromJson<Deck>(Single().deck);
+  EXPECT_EQ(outcomeOf(validates), refusal("chart"));
+}
+
+TEST(ResearchPresentation, ResolvesOneBindingAChartSlide) {
+  const Deck deck = Collection().decode();
+  std::string parts;
+  for (const auto& binding : deck.resolvedChartBindings()) {
+    parts += binding.reference.datasetID + std::to_string(binding.partNumber) + " ";
+    EXPECT_EQ(binding.dataset, yearlyProfit());
+    EXPECT_EQ(binding.cells[2][4], numberCell(8));
   }
-  expectRefusals<Collection>([] { return Collection(); }, attaching, decodes);
+  EXPECT_EQ(parts, "a1 b2 a1 ");
+  EXPECT_EQ(deck.referencedChartDatasetIDs(), (std::set<std::string>{"a", "b"}));
+
+  const auto single = Single().decode().resolvedChartBindings();
+  ASSERT_EQ(single.size(), 1);
+  EXPECT_EQ(single[0].reference, (Deck::ChartReference{"", 0}));
+}
+
+TEST(ResearchPresentation, TheCanonicalEncodingIsAFixedPoint) {
+  const std::string canonical =
+      R"({"datasets":[{"content":{"charts":[],"columns":[],"report":"","rows":[]},"id":"a"}],"report":"R","slides":[)"
+      R"({"body":["p"],"chartIndex":0,"chartReference":{"chartIndex":-1,"datasetID":"a"},"sourceIDs":[],"sources":["u"],)"
+      R"("title":"S"},{"body":[],"sources":[],"title":""}],"title":"T"})";
+  EXPECT_EQ(fromJson<Deck>(canonical).encoded(), canonical);
+}
+
+TEST(PresentationRendererVersion, DrawsWhatItCan) {
+  const std::map<std::string, Deck> decks = {
+      {"points", {}}, {"single", Single().decode()}, {"collection", Collection().decode()}};
+  for (const auto& row : cases<3>(R"(
+    points     | 0 => unsupported: presentation renderer version
+    points     | 1 =>                                                    ; points | 4 =>
+    collection | 5 => unsupported: presentation renderer version
+    single     | 2 => unsupported: chart datasets require presentation renderer 3 ; single | 3 =>
+    collection | 3 => unsupported: multiple dataset charts require presentation renderer 4
+    collection | 4 => )")) {
+    const auto check = [&] { PresentationRendererVersion::check(std::stoi(row[1]), decks.at(row[0])); };
+    EXPECT_EQ(outcomeOf(check), row[2]) << row[0] << " " << row[1];
+  }
 }
 
 }  // namespace
