@@ -15,12 +15,16 @@
 
 namespace zelvo::testing {
 
+/// Decodes, and fails at once in the dispatcher, with that answer.
+inline const std::string smallRequest = R"({"operation":"extract","data":"","sourceName":"a.xlsx"})";
+inline const std::string smallResponse = R"({"error":"The selected table cannot be used: Choose a table."})";
+
 /// A process as the worker sees it. What the worker does to it is written down, one event a call.
 class FakeProcess : private EntitlementReader, private Limits, private Input, private Output {
  public:
   std::map<std::string, EntitlementValue, std::less<>> entitlements = {
       {std::string(entitlement::appSandbox), EntitlementValue::granted}};
-  std::string input;
+  std::string input = smallRequest;
   std::size_t bytesPerRead = 65'536;
   std::size_t readsUntilFailure = ~std::size_t{0};
   std::string failingEvent;  ///< the call that fails

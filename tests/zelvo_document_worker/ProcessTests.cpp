@@ -1,11 +1,10 @@
-#include <fstream>
-#include <iterator>
 #include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
 
 #include "DocumentWorkerProtocol/DocumentWorkerMessage.hpp"
+#include "Support/Texts.hpp"
 #include "System/ChildProcess.hpp"
 
 // The built worker, confined, over real pipes.
@@ -35,18 +34,16 @@ void expectEnd(const ChildResult& result, int status, const std::string& output)
   EXPECT_EQ(result.errorOutput, "");
 }
 
-ByteBuffer exampleWorkbook() {
-  std::ifstream file(EXAMPLE_WORKBOOK, std::ios::binary);
-  const std::string bytes((std::istreambuf_iterator<char>(file)), {});
-  EXPECT_FALSE(bytes.empty()) << EXAMPLE_WORKBOOK;
-  return ByteBuffer::copyOf(bytes);
-}
-
-DocumentWorkerRequest exampleRequest(Operation operation) {
+/// A request over the example workbook, in which an extraction takes this selection.
+DocumentWorkerRequest exampleRequest(Operation operation, const std::string& sheet = "Quarter",
+                                     const std::string& range = "A1:F6") {
   DocumentWorkerRequest request;
   request.operation = operation;
-  request.data = exampleWorkbook();
+  request.data = ByteBuffer::copyOf(testing::contentOf(EXAMPLE_WORKBOOK));
   request.sourceName = "quarterly-sales.xlsx";
+  request.selection = {
+      .sheetName = sheet, .range = range, .firstRowIsHeader = true, .allowCachedFormulaValues = true};
+  request.title = sheet;
   return request;
 }
 
@@ -66,46 +63,36 @@ TEST(WorkerProcess, DoesItsFourOperations) {
   ASSERT_TRUE(inspected.inspection);
   EXPECT_EQ(inspected.inspection->sheets.at(0).name, "Quarter");
 
-  DocumentWorkerRequest request = exampleRequest(Operation::extract);
-  request.selection = {
-      .sheetName = "Quarter", .range = "A1:F6", .firstRowIsHeader = true, .allowCachedFormulaValues = true};
-  const auto extracted = answerTo(request);
+  const auto extracted = answerTo(exampleRequest(Operation::extract));
   ASSERT_TRUE(extracted.table) << extracted.error.value_or("");
   EXPECT_EQ(extracted.table->rows.size(), 5U);
 
-  request.operation = Operation::create;
-  request.title = "Quarter";
-  request.chart = {.categoryColumn = 0, .valueColumn = 1, .title = "Sales"};
   for (const auto format : {DocumentFormat::docx, DocumentFormat::pptx}) {
+    DocumentWorkerRequest request = exampleRequest(Operation::create);
     request.format = format;
+    request.chart = {.categoryColumn = 0, .valueColumn = 1, .title = "Sales"};
     auto created = answerTo(request);
     ASSERT_TRUE(created.document) << created.error.value_or("");
     EXPECT_EQ(created.table, extracted.table);
 
-    DocumentWorkerRequest validation = exampleRequest(Operation::validate);
-    validation.data = std::move(created.document->data);
-    validation.format = format;
-    validation.expectedTable = std::move(created.table);
-    validation.chart = request.chart;
-    const auto validated = answerTo(validation);
+    request.operation = Operation::validate;
+    request.data = std::move(created.document->data);
+    request.expectedTable = std::move(created.table);
+    const auto validated = answerTo(request);
     EXPECT_EQ(validated.validation, created.document->validation) << validated.error.value_or("");
   }
 }
 
 TEST(WorkerProcess, UnusableInputGetsNoResponse) {
-  for (const std::string input : {
-           "",
-           "{",
-           "\xFF\xFE",
-           R"({"operation":"delete","data":"","sourceName":"a"})",
-           R"({"operation":"inspect","data":""})",
-           R"({"operation":"inspect","data":"=","sourceName":"a"})",
-           R"({"operation":"inspect","data":"","sourceName":["a"]})",
-       }) {
-    SCOPED_TRACE(input);
+  for (const std::string& input : {std::string(), std::string("{"), std::string("\xFF\xFE"),
+                                   std::string(R"({"operation":"delete","data":"","sourceName":"a"})"),
+                                   std::string(R"({"operation":"inspect","data":""})"),
+                                   std::string(R"({"operation":"inspect","data":"=","sourceName":"a"})"),
+                                   std::string(R"({"operation":"inspect","data":"","sourceName":["a"]})"),
+                                   std::string(2'000'000, '[')}) {
+    SCOPED_TRACE(input.substr(0, 80));
     expectEnd(runWorkerProcess(input), 65, "");
   }
-  expectEnd(runWorkerProcess(std::string(2'000'000, '[')), 65, "");
 }
 
 TEST(WorkerProcess, AFailedOperationIsAnswered) {
@@ -148,11 +135,8 @@ TEST(WorkerProcess, AStandardOutputThatCannotBeWrittenIsAStatus) {
 }
 
 TEST(WorkerProcess, AResponseLargerThanThePipeWaitsForItsReader) {
-  DocumentWorkerRequest request = exampleRequest(Operation::create);
-  request.selection = {
-      .sheetName = "Orders", .range = "A1:H25", .firstRowIsHeader = true, .allowCachedFormulaValues = true};
+  DocumentWorkerRequest request = exampleRequest(Operation::create, "Orders", "A1:H25");
   request.format = DocumentFormat::pptx;
-  request.title = "Orders";
   const std::string input = toJson(request);
   const std::string whole = runWorkerProcess(input).output;
   constexpr std::size_t pipeBytes = 65'536;
