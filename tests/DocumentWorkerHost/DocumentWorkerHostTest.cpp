@@ -1,14 +1,17 @@
+#include <cerrno>
 #include <chrono>
+#include <csignal>
 #include <string>
-#include <utility>
-#include <vector>
 
 #include <gtest/gtest.h>
 
 #include "DocumentRuntime/Coding/JsonCoding.hpp"
 #include "DocumentWorkerHost/DocumentWorkerHost.hpp"
+#include "DocumentWorkerHost/WorkerFailure.hpp"
 #include "Support/FakeWorker.hpp"
 #include "Support/TemporaryFolder.hpp"
+#include "Support/Texts.hpp"
+#include "System/ChildProcess.hpp"
 
 namespace zelvo {
 namespace {
@@ -17,12 +20,19 @@ using namespace std::chrono_literals;
 using Kind = WorkerFailure::Kind;
 using Operation = DocumentWorkerRequest::Operation;
 
-DocumentWorkerRequest requestOf(std::string_view document) {
+DocumentWorkerRequest requestOf(std::string_view document, Operation operation = Operation::inspect) {
   DocumentWorkerRequest request;
-  request.operation = Operation::inspect;
+  request.operation = operation;
   request.data = ByteBuffer::copyOf(document);
   request.sourceName = "book.xlsx";
   return request;
+}
+
+/// What the host makes of a worker that breaks like this.
+WorkerReply replyOf(const std::string& act, const DocumentWorkerRequest& request,
+                    std::chrono::milliseconds timeout = 60s) {
+  const testing::TemporaryFolder folder;
+  return DocumentWorkerHost(testing::placeFakeWorker(folder, act), timeout).send(request);
 }
 
 const WorkerFailure& failureIn(const WorkerReply& reply) {
@@ -31,48 +41,56 @@ const WorkerFailure& failureIn(const WorkerReply& reply) {
   return failure != nullptr ? *failure : none;
 }
 
-struct Breakage {
-  std::string act;
-  Kind expected;
-  std::string message;
-};
-
 TEST(DocumentWorkerHost, NamesEveryWayInWhichAWorkerBreaks) {
-  const std::vector<Breakage> rows = {
+  const struct {
+    std::string act;
+    Kind expected;
+    std::string message;
+  } rows[] = {
       {"exit 65", Kind::gaveNoResponse,
-       "The worker gave no response (status 65): it could not use the request, the response was too large, "
-       "or "
-       "memory ran out."},
+       "The worker gave no response (status 65): it could not use the request, "
+       "the response was too large, or memory ran out."},
       {"exit 78", Kind::notConfined,
        "The worker refused to work because it could not confine itself (status 78)."},
       {"exit 3", Kind::unknownStatus, "The worker ended with the unknown status 3. (fake worker: exit)"},
       {"signal 24", Kind::cpuTimeUsedUp, "The worker used up its processor time."},
       {"signal 9", Kind::killed, "The worker was killed (SIGKILL). Memory may have run out."},
       {"signal 31", Kind::brokenInvariant,
-       "The worker was stopped at a system call that it never makes (SIGSYS). This is a defect or an attack; "
-       "the confinement held."},
+       "The worker was stopped at a system call that it never makes (SIGSYS). "
+       "This is a defect or an attack; the confinement held."},
       {"signal 11", Kind::crashed, "The worker crashed (signal 11)."},
       {"hang", Kind::timedOut, "The worker did not end in time and was stopped."},
       {"flood", Kind::responseTooLarge, "The worker wrote more than the largest response and was stopped."},
-      {"say ", Kind::unreadableResponse, ""},
-      {"say {\"inspection\":", Kind::unreadableResponse, ""},
-      {"say {\"error\":1}", Kind::unreadableResponse, ""},
-      {"say {\"error\":\"\xff\"}", Kind::unreadableResponse, ""},
       {"say {}", Kind::unreadableResponse,
        "The worker's response cannot be read. (It does not answer the request.)"},
   };
   // Larger than any pipe, and no fake reads it: neither side may wait for the other.
   const DocumentWorkerRequest request = requestOf(std::string(5'000'000, 'x'));
-  for (const Breakage& row : rows) {
-    const testing::TemporaryFolder folder;
-    const auto timeout = row.act == "hang" ? 200ms : 60s;
-    const DocumentWorkerHost host(testing::placeFakeWorker(folder, row.act), timeout);
-    const WorkerReply reply = host.send(request);
-    EXPECT_EQ(failureIn(reply).kind, row.expected) << row.act << ": " << failureIn(reply).message();
-    if (!row.message.empty()) {
-      EXPECT_EQ(failureIn(reply).message(), row.message);
-    }
+  for (const auto& row : rows) {
+    const WorkerReply reply = replyOf(row.act, request, row.act == "hang" ? 200ms : 60s);
+    EXPECT_EQ(failureIn(reply).kind, row.expected) << row.act;
+    EXPECT_EQ(failureIn(reply).message(), row.message);
   }
+  for (const std::string response : {"", "{\"inspection\":", "{\"error\":1}", "{\"error\":\"\xff\"}"})
+    EXPECT_EQ(failureIn(replyOf("say " + response, request)).kind, Kind::unreadableResponse) << response;
+}
+
+// What cannot be staged cheaply with a real process.
+TEST(WorkerFailure, TellsTheLimitOfProcessorTimeFromOtherKills) {
+  using enum ChildOutcome;
+  const std::pair<ChildResult, Kind> rows[] = {
+      {{.outcome = killed, .code = SIGKILL, .cpuTime = 1s}, Kind::killed},
+      {{.outcome = killed, .code = SIGKILL, .cpuTime = 42s}, Kind::killed},
+      {{.outcome = killed, .code = SIGKILL, .cpuTime = 44'900ms}, Kind::cpuTimeUsedUp},
+      {{.outcome = killed, .code = SIGSEGV, .cpuTime = 45s}, Kind::crashed},
+      {{.outcome = failed, .code = EMFILE}, Kind::notRun},
+  };
+  for (const auto& [result, expected] : rows) {
+    const auto failure = WorkerFailure::of(result, "/worker");
+    ASSERT_TRUE(failure);
+    EXPECT_EQ(failure->kind, expected) << failure->message();
+  }
+  EXPECT_FALSE(WorkerFailure::of({.outcome = exited, .code = 0}, "/worker"));
 }
 
 TEST(DocumentWorkerHost, SaysThatThereIsNoWorker) {
@@ -109,25 +127,20 @@ TEST(DocumentWorkerHost, AcceptsOnlyWhatTheOperationPromises) {
       R"("validation":{"structurallyValid":true,"sourceValuesVerified":true,"visuallyVerified":false,)"
       R"("validatorVersion":"1","warnings":[],"outputSHA256":""})";
   const std::string error = R"("error":"no")";
-  struct Row {
+  const struct {
     Operation operation;
     std::string members;
     bool isAccepted;
-  };
-  const std::vector<Row> rows = {
+  } rows[] = {
       {Operation::validate, validation, true},
       {Operation::validate, error, true},
       {Operation::validate, validation + "," + error, false},
       {Operation::inspect, validation, false},
       {Operation::create, error, true},
   };
-  for (const Row& row : rows) {
-    const testing::TemporaryFolder folder;
-    const DocumentWorkerHost host(testing::placeFakeWorker(folder, "say {" + row.members + "}"));
-    DocumentWorkerRequest request = requestOf("x");
-    request.operation = row.operation;
-    EXPECT_EQ(std::holds_alternative<DocumentWorkerResponse>(host.send(request)), row.isAccepted)
-        << row.members;
+  for (const auto& row : rows) {
+    const WorkerReply reply = replyOf("say {" + row.members + "}", requestOf("x", row.operation));
+    EXPECT_EQ(std::holds_alternative<DocumentWorkerResponse>(reply), row.isAccepted) << row.members;
   }
 }
 
@@ -138,21 +151,13 @@ TEST(DocumentWorkerHost, SpeaksToTheRealWorker) {
   ASSERT_NE(response, nullptr) << failureIn(refused).message();
   EXPECT_EQ(response->error, "The document archive is invalid: missing ZIP directory");
 
-  std::ifstream file(EXAMPLE_WORKBOOK, std::ios::binary);
-  const std::string book{std::istreambuf_iterator<char>(file), {}};
-  const WorkerReply inspected = host.send(requestOf(book));
+  const WorkerReply inspected = host.send(requestOf(testing::contentOf(EXAMPLE_WORKBOOK)));
   response = std::get_if<DocumentWorkerResponse>(&inspected);
   ASSERT_NE(response, nullptr) << failureIn(inspected).message();
   ASSERT_TRUE(response->inspection) << response->error.value_or("");
   ASSERT_EQ(response->inspection->sheets.size(), 5U);
-  EXPECT_EQ(response->inspection->sheets[1], (WorksheetInspection{.name = "Orders",
-                                                                  .hidden = false,
-                                                                  .populatedRange = "A1:H25",
-                                                                  .populatedCellCount = 200,
-                                                                  .formulaCellCount = 48,
-                                                                  .formulasMissingCache = 0,
-                                                                  .hasHiddenRowsOrColumns = true,
-                                                                  .hasAutoFilter = true}));
+  EXPECT_EQ(response->inspection->sheets[1],
+            (WorksheetInspection{"Orders", false, "A1:H25", 200, 48, 0, true, true}));
 }
 
 }  // namespace
