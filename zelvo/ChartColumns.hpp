@@ -6,7 +6,7 @@
 
 #include "DocumentRuntime/Records/DocumentModels.hpp"
 #include "zelvo/CommandLine.hpp"
-#include "zelvo/WorkerExchange.hpp"
+#include "zelvo/Complaint.hpp"
 
 namespace zelvo {
 

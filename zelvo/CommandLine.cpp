@@ -7,55 +7,17 @@
 
 #include <CLI/CLI.hpp>
 
-#include "Text/Unicode.hpp"
+#include "zelvo/CommandLineValues.hpp"
 
 namespace zelvo {
 namespace {
 
 constexpr const char* footer =
-    R"("-" as a file is standard input, and for -o standard output, which must not be a terminal. It has no
-ending to tell the format: it is a presentation with --chart, and a Word document without.
+    R"("-" as a file is standard input, and for -o standard output, which must not be a terminal. For create it
+has no ending to tell the format: it is a presentation with --chart, and a Word document without.
 
 Exit status: 0 success, 1 a document was refused or a file could not be read or written, 2 wrong usage,
 3 the worker could not be run or broke; with several files the highest.)";
-
-/// CLI11 takes a list's value that looks like "[a,b]" apart. A NUL, which no argument can hold, hides the
-/// bracket.
-constexpr char guard = '\0';
-
-std::string guarded(std::string_view value) {
-  std::string text(value);
-  if (text.starts_with('[') && text.ends_with(']')) text += guard;
-  return text;
-}
-
-std::string withoutGuards(std::string text) {
-  std::erase(text, guard);
-  return text;
-}
-
-/// A list's values, unguarded and past CLI11's conversions.
-std::vector<std::string> values(const CLI::Option& option) {
-  std::vector<std::string> list = option.results();
-  std::transform(list.begin(), list.end(), list.begin(), withoutGuards);
-  return list;
-}
-
-std::string value(const CLI::Option& option) {
-  return option.empty() ? std::string() : withoutGuards(option.results().back());
-}
-
-/// A text that goes to the worker. File names may be any bytes.
-CLI::Option* addText(CLI::App& command, const std::string& name, const std::string& description) {
-  const auto check = [](const std::string& text) {
-    return Unicode::isValid(text) ? std::string() : std::string("The text is not UTF-8");
-  };
-  return command.add_option(name, description)->type_name("TEXT")->check(check);
-}
-
-CLI::Option* addFlag(CLI::App& command, const std::string& name, const std::string& description) {
-  return command.add_flag(name, description);
-}
 
 /// The format that a file's ending names.
 std::optional<DocumentFormat> formatOf(std::string_view path) {
@@ -226,59 +188,6 @@ class ValidateParser {
   CLI::Option* json_;
 };
 
-/// The options by which every research command is told what may be cited.
-class SourceOptions {
- public:
-  explicit SourceOptions(CLI::App& command) {
-    // One value each: what follows may be a file.
-    sources_ = command.add_option("--source", given_.sources, "A URL that may be cited; repeat for more")
-                   ->type_name("URL")
-                   ->allow_extra_args(false);
-    command.add_flag("--no-sources", given_.noSources, "No URL may be cited")->excludes(sources_);
-    command.add_option("--scope", given_.scopeFile, "The trusted evidence")->type_name("SCOPE.json");
-  }
-  SourceOptions(const SourceOptions&) = delete;
-  SourceOptions& operator=(const SourceOptions&) = delete;
-  ~SourceOptions() = default;
-
-  SourceArguments arguments() const {
-    return {.sources = values(*sources_),
-            .noSources = given_.noSources,
-            .scopeFile = withoutGuards(given_.scopeFile)};
-  }
-
- private:
-  SourceArguments given_;
-  CLI::Option* sources_ = nullptr;
-};
-
-class ResearchCheckParser {
- public:
-  explicit ResearchCheckParser(CLI::App& research)
-      : command_(research.add_subcommand("check", "Validate a dataset and compute its formulas")),
-        sources_(*command_) {
-    command_->add_option("DATASET.json", given_.dataset, "Dataset")->required()->type_name("");
-    command_->add_flag("--require-chart", given_.requireChart, "Refuse a dataset without charts");
-    command_->add_flag("--json", given_.json, "Print JSON, which is also the default here");
-  }
-  ResearchCheckParser(const ResearchCheckParser&) = delete;
-  ResearchCheckParser& operator=(const ResearchCheckParser&) = delete;
-  ~ResearchCheckParser() = default;
-
-  bool isGiven() const { return command_->parsed(); }
-  ResearchCheckArguments arguments() const {
-    return {.dataset = withoutGuards(given_.dataset),
-            .requireChart = given_.requireChart,
-            .json = given_.json,
-            .sources = sources_.arguments()};
-  }
-
- private:
-  ResearchCheckArguments given_;
-  CLI::App* command_;
-  SourceOptions sources_;
-};
-
 Ending endingOf(const CLI::App& tool, const CLI::ParseError& end) {
   std::ostringstream output;
   std::ostringstream errors;
@@ -298,9 +207,7 @@ std::variant<Command, Ending> parseCommandLine(int count, const char* const* arg
   const ExtractParser extract(tool);
   const CreateParser create(tool);
   const ValidateParser validate(tool);
-  CLI::App* research = tool.add_subcommand("research", "Check datasets of research results");
-  research->require_subcommand(1);
-  const ResearchCheckParser researchCheck(*research);
+  const ResearchParser research(tool);
 
   std::vector<std::string> reversed;  // as CLI11 wants it
   for (int i = count - 1; i > 0; --i)
@@ -313,7 +220,7 @@ std::variant<Command, Ending> parseCommandLine(int count, const char* const* arg
   if (extract.isGiven()) return extract.arguments();
   if (create.isGiven()) return create.arguments();
   if (validate.isGiven()) return validate.arguments();
-  if (researchCheck.isGiven()) return researchCheck.arguments();
+  if (auto command = research.command()) return *std::move(command);
   return inspect.arguments();
 }
 

@@ -7,6 +7,7 @@
 
 #include "DocumentRuntime/Records/DocumentModels.hpp"
 #include "zelvo/ExitStatus.hpp"
+#include "zelvo/ResearchCommandLine.hpp"
 
 namespace zelvo {
 
@@ -47,23 +48,9 @@ struct ValidateArguments {
   bool json = false;
 };
 
-/// What rows and slides may cite.
-struct SourceArguments {
-  std::vector<std::string> sources;  ///< URLs
-  bool noSources = false;            ///< no URL at all; otherwise an empty list is no rule
-  std::string scopeFile;             ///< empty for none
-};
-
-struct ResearchCheckArguments {
-  std::string dataset;  ///< a file
-  bool requireChart = false;
-  bool json = false;  ///< changes nothing: there is no output for people
-  SourceArguments sources;
-};
-
 /// What to do: one alternative a subcommand.
-using Command = std::variant<InspectArguments, ExtractArguments, CreateArguments, ValidateArguments,
-                             ResearchCheckArguments>;
+using Command =
+    std::variant<InspectArguments, ExtractArguments, CreateArguments, ValidateArguments, ResearchCommand>;
 
 /// Nothing to do but to say this: help, the version, or what is wrong with the command line.
 struct Ending {

@@ -4,7 +4,7 @@
 #include <string>
 #include <variant>
 
-#include "zelvo/WorkerExchange.hpp"
+#include "zelvo/Complaint.hpp"
 
 namespace zelvo {
 

@@ -10,10 +10,8 @@
 #include "DocumentRuntime/PackageIO/BoundedZIP.hpp"
 #include "zelvo/ChartColumns.hpp"
 #include "zelvo/ConfinedWork.hpp"
-#include "zelvo/Console.hpp"
+#include "zelvo/DocumentOutput.hpp"
 #include "zelvo/DocumentText.hpp"
-#include "zelvo/OutputFile.hpp"
-#include "zelvo/TerminalText.hpp"
 #include "zelvo/WorkerExchange.hpp"
 
 namespace zelvo {
@@ -28,18 +26,17 @@ using Failure = std::optional<Complaint>;
 class Creation {
  public:
   Creation(const DocumentWorkerHost& host, const CreateArguments& arguments)
-      : host_(host), arguments_(arguments), isForStandardOutput_(arguments.output == "-") {}
+      : host_(host), arguments_(arguments) {}
 
   Failure run() {
-    if (isForStandardOutput_ && Console::isTerminal())
-      return Complaint{ExitStatus::usage, "A document is not written to a terminal."};
+    if (Failure failure = DocumentOutput::check(arguments_.output)) return failure;
     auto request = requestAbout(arguments_.workbook);
     if (auto* complaint = std::get_if<Complaint>(&request)) return *complaint;
     request_ = std::move(*std::get_if<DocumentWorkerRequest>(&request));
     request_.selection = arguments_.selection;
     if (Failure failure = chooseChart()) return failure;
     if (Failure failure = create()) return failure;
-    return isForStandardOutput_ ? print() : write();
+    return deliver();
   }
 
  private:
@@ -65,23 +62,16 @@ class Creation {
     return {};
   }
 
-  Failure print() const {
-    Console::print(response_.document->data.text());
-    return {};
-  }
-
-  Failure write() const {
+  Failure deliver() const {
     const GeneratedDocument& document = *response_.document;
     std::optional<std::size_t> slides;
-    if (document.format == DocumentFormat::pptx) {
+    if (document.format == DocumentFormat::pptx && !DocumentOutput::isStandardOutput(arguments_.output)) {
       const auto count = slideCount(document.data);
       if (const auto* complaint = std::get_if<Complaint>(&count)) return *complaint;
       slides = *std::get_if<std::size_t>(&count);
     }
-    if (const auto failure = writeFile(arguments_.output, document.data.view()))
-      return Complaint{ExitStatus::refused, *failure};
-    Console::print(printable(arguments_.output) + "\n" + describe(document, *response_.table, slides));
-    return {};
+    return DocumentOutput::deliver(arguments_.output, document.data.view(),
+                                   describe(document, *response_.table, slides));
   }
 
   /// Counted in the package itself, which only a confined process may open.
@@ -100,7 +90,6 @@ class Creation {
 
   const DocumentWorkerHost& host_;
   const CreateArguments& arguments_;
-  bool isForStandardOutput_;
   DocumentWorkerRequest request_;
   DocumentWorkerResponse response_;
 };
@@ -109,9 +98,7 @@ class Creation {
 
 ExitStatus create(const DocumentWorkerHost& host, const CreateArguments& arguments) {
   const Failure failure = Creation(host, arguments).run();
-  if (!failure) return ExitStatus::success;
-  Console::complain(failure->message);
-  return failure->status;
+  return failure ? complain(*failure) : ExitStatus::success;
 }
 
 }  // namespace zelvo

@@ -2,6 +2,7 @@
 
 #include <vector>
 
+#include "Text/Digest.hpp"
 #include "zelvo/TerminalText.hpp"
 #include "zelvo/TextTable.hpp"
 
@@ -14,6 +15,10 @@ constexpr std::size_t indent = 2;
 
 std::string nameOf(DocumentFormat format) {
   return format == DocumentFormat::docx ? "Word document" : "PowerPoint presentation";
+}
+
+std::string sizeOf(ByteView document) {
+  return std::to_string(document.size()) + " bytes";
 }
 
 std::string warningLines(const std::vector<std::string>& warnings) {
@@ -40,12 +45,20 @@ std::string describe(const GeneratedDocument& document, const SourceTable& table
                      std::optional<std::size_t> slideCount) {
   TextTable facts({left, left});
   facts.addRow({"Format", nameOf(document.format)});
-  facts.addRow({"Size", std::to_string(document.data.size()) + " bytes"});
+  facts.addRow({"Size", sizeOf(document.data.view())});
   if (slideCount) facts.addRow({"Slides", std::to_string(*slideCount)});
   facts.addRow({"Table", std::to_string(table.rows.size()) + " rows, " +
                              std::to_string(table.columns.size()) + " columns"});
   facts.addRow({"SHA-256", document.validation.outputSHA256});
   return facts.text(indent) + warningLines(document.validation.warnings);
+}
+
+std::string describe(const std::string& format, ByteView document) {
+  TextTable facts({left, left});
+  facts.addRow({"Format", format});
+  facts.addRow({"Size", sizeOf(document)});
+  facts.addRow({"SHA-256", Digest::sha256(document)});
+  return facts.text(indent);
 }
 
 std::string describe(const DocumentValidation& validation, const ValidationScope& scope) {

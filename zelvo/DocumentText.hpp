@@ -12,6 +12,9 @@ namespace zelvo {
 std::string describe(const GeneratedDocument& document, const SourceTable& table,
                      std::optional<std::size_t> slideCount);
 
+/// A document that was authored of research results, for people.
+std::string describe(const std::string& format, ByteView document);
+
 /// What a validation was asked to prove.
 struct ValidationScope {
   DocumentFormat format = DocumentFormat::docx;

@@ -15,11 +15,6 @@ namespace {
 
 using Operation = DocumentWorkerRequest::Operation;
 
-ExitStatus complain(const Complaint& complaint) {
-  Console::complain(complaint.message);
-  return complaint.status;
-}
-
 /// Whether the refusal is of the sheet or the range, and not of the workbook.
 bool isAboutSelection(const Complaint& complaint) {
   static const std::string aboutUse = DocumentError::invalidSelection("").errorDescription();

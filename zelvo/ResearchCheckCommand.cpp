@@ -28,9 +28,10 @@ void encode(JsonWriter& writer, const CheckedDataset& checked) {
   writer.endObject();
 }
 
-std::string checked(const std::string& text, bool requiresChart, const SourceInput& sources) {
+std::string checked(const ResearchInput& input, bool requiresChart) {
   CheckedDataset result;
-  result.dataset = ResearchSpreadsheet::decode(text, requiresChart, sources.allowedSources, sources.scope());
+  result.dataset =
+      ResearchSpreadsheet::decode(input.text, requiresChart, input.allowedSources, input.sourceScope());
   result.cells = result.dataset.resolvedCells();
   result.calculations = ResearchFormulaEvaluator::resolve(result.dataset);
   JsonWriter writer;
@@ -38,23 +39,14 @@ std::string checked(const std::string& text, bool requiresChart, const SourceInp
   return writer.take() + "\n";
 }
 
-ExitStatus complain(const Complaint& complaint) {
-  Console::complain(complaint.message);
-  return complaint.status;
-}
-
 }  // namespace
 
 ExitStatus researchCheck(const ResearchCheckArguments& arguments) {
-  const auto text = readText(arguments.dataset);
-  if (const auto* complaint = std::get_if<Complaint>(&text)) return complain(*complaint);
-  const auto sources = readSources(arguments.sources);
-  if (const auto* complaint = std::get_if<Complaint>(&sources)) return complain(*complaint);
+  const auto input = readResearchInput(arguments.dataset, arguments.sources);
+  if (const auto* complaint = std::get_if<Complaint>(&input)) return complain(*complaint);
 
-  const auto answer = runConfined([&] {
-    return checked(*std::get_if<std::string>(&text), arguments.requireChart,
-                   *std::get_if<SourceInput>(&sources));
-  });
+  const auto answer =
+      runConfined([&] { return checked(*std::get_if<ResearchInput>(&input), arguments.requireChart); });
   if (const auto* complaint = std::get_if<Complaint>(&answer)) return complain(*complaint);
   Console::print(*std::get_if<std::string>(&answer));
   return ExitStatus::success;

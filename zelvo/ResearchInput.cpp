@@ -24,18 +24,23 @@ std::variant<std::string, Complaint> readText(const std::string& path) {
   return std::string(document.data.text());
 }
 
-std::optional<ResearchSourceScope> SourceInput::scope() const {
+std::optional<ResearchSourceScope> ResearchInput::sourceScope() const {
   if (!scopeText) return std::nullopt;
   return researchSourceScopeFromJson(*scopeText);
 }
 
-std::variant<SourceInput, Complaint> readSources(const SourceArguments& arguments) {
-  SourceInput input;
-  if (arguments.noSources || !arguments.sources.empty()) input.allowedSources = arguments.sources;
-  if (arguments.scopeFile.empty()) return input;
-  auto text = readText(arguments.scopeFile);
+std::variant<ResearchInput, Complaint> readResearchInput(const std::string& path,
+                                                         const SourceArguments& sources) {
+  ResearchInput input;
+  auto text = readText(path);
   if (auto* complaint = std::get_if<Complaint>(&text)) return std::move(*complaint);
-  input.scopeText = std::move(*std::get_if<std::string>(&text));
+  input.text = std::move(*std::get_if<std::string>(&text));
+
+  if (sources.noSources || !sources.sources.empty()) input.allowedSources = sources.sources;
+  if (sources.scopeFile.empty()) return input;
+  auto scope = readText(sources.scopeFile);
+  if (auto* complaint = std::get_if<Complaint>(&scope)) return std::move(*complaint);
+  input.scopeText = std::move(*std::get_if<std::string>(&scope));
   return input;
 }
 

@@ -5,23 +5,25 @@
 #include <variant>
 
 #include "DocumentRuntime/Research/ResearchSpreadsheet.hpp"
-#include "zelvo/CommandLine.hpp"
-#include "zelvo/WorkerExchange.hpp"
+#include "zelvo/Complaint.hpp"
+#include "zelvo/ResearchCommandLine.hpp"
 
 namespace zelvo {
 
 /// A file's text, as it is, or why it cannot be had.
 std::variant<std::string, Complaint> readText(const std::string& path);
 
-/// What rows may cite, with the scope as its file's text: who confines itself decodes it later.
-struct SourceInput {
+/// What a model has written and what it may cite, as the files' texts: only who is confined decodes them.
+struct ResearchInput {
+  std::string text;
   AllowedSources allowedSources;
   std::optional<std::string> scopeText;
 
   /// Throws `DecodingError`.
-  std::optional<ResearchSourceScope> scope() const;
+  std::optional<ResearchSourceScope> sourceScope() const;
 };
 
-std::variant<SourceInput, Complaint> readSources(const SourceArguments& arguments);
+std::variant<ResearchInput, Complaint> readResearchInput(const std::string& path,
+                                                         const SourceArguments& sources);
 
 }  // namespace zelvo

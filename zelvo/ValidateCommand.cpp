@@ -22,11 +22,6 @@ using Operation = DocumentWorkerRequest::Operation;
 /// As much as `extract` can have written.
 constexpr std::size_t maximumTableBytes = DocumentWorkerWire::maximumMessageBytes;
 
-ExitStatus complain(const Complaint& complaint) {
-  Console::complain(complaint.message);
-  return complaint.status;
-}
-
 std::variant<SourceTable, Complaint> readTable(const std::string& path) {
   auto file = readDocument(path, maximumTableBytes + 1);
   if (auto* failure = std::get_if<std::string>(&file))

@@ -4,15 +4,9 @@
 #include <variant>
 
 #include "DocumentWorkerHost/DocumentWorkerHost.hpp"
-#include "zelvo/ExitStatus.hpp"
+#include "zelvo/Complaint.hpp"
 
 namespace zelvo {
-
-/// Why a file has no result: what to say, and with which status to end.
-struct Complaint {
-  ExitStatus status;
-  std::string message;
-};
 
 /// Reads the file at `path` into a request, whose operation is still to be chosen. A document that is too
 /// large is cut: the host refuses it.

@@ -13,6 +13,7 @@
 #include "zelvo/ExtractCommand.hpp"
 #include "zelvo/InspectCommand.hpp"
 #include "zelvo/ResearchCheckCommand.hpp"
+#include "zelvo/ResearchWorkbookCommand.hpp"
 #include "zelvo/ValidateCommand.hpp"
 #include "zelvo/WorkerPath.hpp"
 
@@ -26,7 +27,12 @@ struct RunCommand {
   ExitStatus operator()(const ExtractArguments& arguments) const { return extract(host, arguments); }
   ExitStatus operator()(const CreateArguments& arguments) const { return create(host, arguments); }
   ExitStatus operator()(const ValidateArguments& arguments) const { return validate(host, arguments); }
+  ExitStatus operator()(const ResearchCommand& command) const { return std::visit(*this, command); }
   ExitStatus operator()(const ResearchCheckArguments& arguments) const { return researchCheck(arguments); }
+  ExitStatus operator()(const ResearchWorkbookArguments& arguments) const {
+    return researchWorkbook(arguments);
+  }
+  ExitStatus operator()(const ResearchReportArguments& arguments) const { return researchReport(arguments); }
 };
 
 ExitStatus end(const Ending& ending) {

@@ -1,5 +1,3 @@
-#include <cstdlib>
-#include <fcntl.h>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -7,7 +5,6 @@
 #include <gtest/gtest.h>
 
 #include "DocumentRuntime/Records/ByteBuffer.hpp"
-#include "System/Descriptor.hpp"
 #include "Text/Digest.hpp"
 #include "ToolRunner.hpp"
 
@@ -77,11 +74,7 @@ TEST(CreateCommand, WritesTheSameToStandardOutput) {
 }
 
 TEST(CreateCommand, WritesNoDocumentToATerminal) {
-  const Descriptor terminal(posix_openpt(O_RDWR | O_NOCTTY));
-  ASSERT_EQ(grantpt(terminal.number()) | unlockpt(terminal.number()), 0);
-  const std::string script = R"("$0" create "$1" --sheet Quarter --range A1 --no-header --title t -o - >")" +
-                             std::string(ptsname(terminal.number())) + "\"";
-  EXPECT_EQ(run("/bin/sh", {"-c", script, TOOL, book}),
+  EXPECT_EQ(onTerminal("create - --sheet Quarter --range A1 --no-header --title t -o -"),
             (ToolRun{2, "", "zelvo: A document is not written to a terminal.\n"}));
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdlib>
+#include <fcntl.h>
 #include <filesystem>
 #include <string>
 #include <string_view>
@@ -11,6 +13,7 @@
 #include "Support/TemporaryFolder.hpp"
 #include "Support/Texts.hpp"
 #include "System/ChildProcess.hpp"
+#include "System/Descriptor.hpp"
 
 namespace zelvo::testing {
 
@@ -42,6 +45,13 @@ inline ToolRun run(const std::string& program, const std::vector<std::string>& a
 /// Runs the tool beside the real worker.
 inline ToolRun zelvo(const std::vector<std::string>& arguments, std::string_view input = {}) {
   return run(TOOL, arguments, input);
+}
+
+/// Runs the tool, its arguments as a shell takes them, with a terminal as standard output.
+inline ToolRun onTerminal(const std::string& arguments) {
+  const Descriptor terminal(posix_openpt(O_RDWR | O_NOCTTY));
+  EXPECT_EQ(grantpt(terminal.number()) | unlockpt(terminal.number()), 0);
+  return run("/bin/sh", {"-c", "\"$0\" " + arguments + " >" + ptsname(terminal.number()), TOOL});
 }
 
 /// The tool in a folder of its own, where a test puts the worker of its choice, or none.

@@ -1,0 +1,151 @@
+#include "zelvo/ResearchCommandLine.hpp"
+
+#include <CLI/CLI.hpp>
+
+#include "zelvo/CommandLineValues.hpp"
+
+namespace zelvo {
+namespace {
+
+CLI::Option* addFile(CLI::App& command, const std::string& name, const std::string& description) {
+  return command.add_option(name, description)->required()->type_name("");
+}
+
+CLI::Option* addTitle(CLI::App& command) {
+  return addText(command, "--title", "The document's title")->required();
+}
+
+/// One value each time: what follows may be a file.
+CLI::Option* addSources(CLI::App& command, const std::string& description) {
+  return addText(command, "--source", description)->type_name("URL")->take_all();
+}
+
+CLI::Option* addOutput(CLI::App& command, const std::string& ending) {
+  const auto check = [ending](const std::string& path) {
+    const bool isGood = path == "-" || CLI::detail::to_lower(path).ends_with(ending);
+    return isGood ? std::string() : "The file's name must end in " + ending;
+  };
+  return command.add_option("-o", "What to write")->type_name("OUT" + ending)->check(check);
+}
+
+/// What may be cited.
+class SourceOptions {
+ public:
+  explicit SourceOptions(CLI::App& command)
+      : sources_(addSources(command, "A URL that may be cited; repeat for more")),
+        noSources_(addFlag(command, "--no-sources", "No URL may be cited")->excludes(sources_)),
+        scope_(command.add_option("--scope", "The trusted evidence")->type_name("SCOPE.json")) {}
+
+  SourceArguments arguments() const {
+    return {.sources = values(*sources_), .noSources = !noSources_->empty(), .scopeFile = value(*scope_)};
+  }
+
+ private:
+  CLI::Option* sources_;
+  CLI::Option* noSources_;
+  CLI::Option* scope_;
+};
+
+class CheckParser {
+ public:
+  explicit CheckParser(CLI::App& research)
+      : command_(research.add_subcommand("check", "Validate a dataset and compute its formulas")),
+        dataset_(addFile(*command_, "DATASET.json", "Dataset")),
+        requireChart_(addFlag(*command_, "--require-chart", "Refuse a dataset without charts")),
+        sources_(*command_) {
+    addFlag(*command_, "--json", "Print JSON, which is also the default here");
+  }
+
+  bool isGiven() const { return command_->parsed(); }
+  ResearchCheckArguments arguments() const {
+    return {.dataset = value(*dataset_),
+            .requireChart = !requireChart_->empty(),
+            .sources = sources_.arguments()};
+  }
+
+ private:
+  CLI::App* command_;
+  CLI::Option* dataset_;
+  CLI::Option* requireChart_;
+  SourceOptions sources_;
+};
+
+class WorkbookParser {
+ public:
+  explicit WorkbookParser(CLI::App& research)
+      : command_(research.add_subcommand("workbook", "Write a dataset as an XLSX workbook")),
+        dataset_(addFile(*command_, "DATASET.json", "Dataset")),
+        title_(addTitle(*command_)),
+        sources_(*command_),
+        output_(addOutput(*command_, ".xlsx")->required()) {}
+
+  bool isGiven() const { return command_->parsed(); }
+  ResearchWorkbookArguments arguments() const {
+    return {.dataset = value(*dataset_),
+            .title = value(*title_),
+            .sources = sources_.arguments(),
+            .output = value(*output_)};
+  }
+
+ private:
+  CLI::App* command_;
+  CLI::Option* dataset_;
+  CLI::Option* title_;
+  SourceOptions sources_;
+  CLI::Option* output_;
+};
+
+class ReportParser {
+ public:
+  explicit ReportParser(CLI::App& research)
+      : command_(research.add_subcommand("report", "Write a report's first table as an XLSX workbook")),
+        report_(addFile(*command_, "REPORT.md", "Report in Markdown")),
+        title_(addTitle(*command_)),
+        sources_(addSources(*command_, "A URL to list as a source; repeat for more")),
+        output_(addOutput(*command_, ".xlsx")->required()) {}
+
+  bool isGiven() const { return command_->parsed(); }
+  ResearchReportArguments arguments() const {
+    return {.report = value(*report_),
+            .title = value(*title_),
+            .sources = values(*sources_),
+            .output = value(*output_)};
+  }
+
+ private:
+  CLI::App* command_;
+  CLI::Option* report_;
+  CLI::Option* title_;
+  CLI::Option* sources_;
+  CLI::Option* output_;
+};
+
+CLI::App& addResearch(CLI::App& tool) {
+  CLI::App* research = tool.add_subcommand("research", "Check research results and write them as documents");
+  research->require_subcommand(1);
+  return *research;
+}
+
+}  // namespace
+
+struct ResearchParser::Subcommands {
+  explicit Subcommands(CLI::App& research) : check(research), workbook(research), report(research) {}
+
+  CheckParser check;
+  WorkbookParser workbook;
+  ReportParser report;
+};
+
+ResearchParser::ResearchParser(CLI::App& tool)
+    : subcommands_(std::make_unique<const Subcommands>(addResearch(tool))) {}
+
+ResearchParser::~ResearchParser() = default;
+
+std::optional<ResearchCommand> ResearchParser::command() const {
+  if (subcommands_->check.isGiven()) return subcommands_->check.arguments();
+  if (subcommands_->workbook.isGiven()) return subcommands_->workbook.arguments();
+  if (subcommands_->report.isGiven()) return subcommands_->report.arguments();
+  return std::nullopt;
+}
+
+}  // namespace zelvo

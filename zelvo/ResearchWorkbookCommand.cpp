@@ -1,0 +1,48 @@
+#include "zelvo/ResearchWorkbookCommand.hpp"
+
+#include <string>
+#include <variant>
+
+#include "DocumentRuntime/Errors/DocumentError.hpp"
+#include "DocumentRuntime/Research/ResearchWorkbook.hpp"
+#include "Text/Unicode.hpp"
+#include "zelvo/DocumentOutput.hpp"
+#include "zelvo/ResearchInput.hpp"
+
+namespace zelvo {
+namespace {
+
+const std::string format = "Excel workbook";
+
+ByteBuffer workbookOf(const ResearchInput& input, const std::string& title) {
+  const auto sourceScope = input.sourceScope();
+  const auto dataset = ResearchSpreadsheet::decode(input.text, false, input.allowedSources, sourceScope);
+  return ResearchWorkbook::make(title, dataset, input.allowedSources, sourceScope);
+}
+
+/// A file may hold anything.
+ByteBuffer workbookOf(const std::string& report, const ResearchReportArguments& arguments) {
+  if (!Unicode::isValid(report)) throw DocumentError::unsupported("report is not UTF-8");
+  return ResearchWorkbook::make(arguments.title, report, arguments.sources);
+}
+
+}  // namespace
+
+ExitStatus researchWorkbook(const ResearchWorkbookArguments& arguments) {
+  if (const auto complaint = DocumentOutput::check(arguments.output)) return complain(*complaint);
+  const auto input = readResearchInput(arguments.dataset, arguments.sources);
+  if (const auto* complaint = std::get_if<Complaint>(&input)) return complain(*complaint);
+  return DocumentOutput::deliverAuthored(arguments.output, format, [&] {
+    return workbookOf(*std::get_if<ResearchInput>(&input), arguments.title);
+  });
+}
+
+ExitStatus researchReport(const ResearchReportArguments& arguments) {
+  if (const auto complaint = DocumentOutput::check(arguments.output)) return complain(*complaint);
+  const auto report = readText(arguments.report);
+  if (const auto* complaint = std::get_if<Complaint>(&report)) return complain(*complaint);
+  return DocumentOutput::deliverAuthored(
+      arguments.output, format, [&] { return workbookOf(*std::get_if<std::string>(&report), arguments); });
+}
+
+}  // namespace zelvo
