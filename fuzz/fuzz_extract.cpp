@@ -10,7 +10,7 @@
 #include "DocumentRuntime/PackageIO/BoundedZIP.hpp"
 #include "DocumentRuntime/Workbook/TableExtraction.hpp"
 #include "DocumentRuntime/Workbook/WorkbookReader.hpp"
-#include "fuzz/PackageMutator.hpp"
+#include "fuzz/MutatesPackages.hpp"
 #include "fuzz/Require.hpp"
 
 namespace {
@@ -121,9 +121,4 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     ZELVO_REQUIRE(!error.detail().empty());
   }
   return 0;
-}
-
-extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t size, std::size_t maximumSize,
-                                               unsigned seed) {
-  return zelvo::fuzzing::mutatePackage(data, size, maximumSize, seed);
 }

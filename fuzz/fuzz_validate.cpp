@@ -10,7 +10,7 @@
 #include "DocumentRuntime/Validation/EditedDocument.hpp"
 #include "Support/GeneratedVocabulary.hpp"
 #include "fuzz/DocumentOracle.hpp"
-#include "fuzz/PackageMutator.hpp"
+#include "fuzz/MutatesPackages.hpp"
 #include "fuzz/Require.hpp"
 
 namespace {
@@ -108,9 +108,4 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   examine({data, size}, DocumentFormat::pptx, nullptr);
   examine({data, size}, DocumentFormat::pptx, &expectedChart());
   return 0;
-}
-
-extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t size, std::size_t maximumSize,
-                                               unsigned seed) {
-  return zelvo::fuzzing::mutatePackage(data, size, maximumSize, seed);
 }
