@@ -85,6 +85,18 @@ void addDatasets(Seeds& seeds) {
   seeds.add(std::string("\0{}", 3));
 }
 
+void addReports(Seeds& seeds) {
+  seeds.add("# Title\n\n|City|Sold|\n|:---|---:|\n| Bonn | 1,5 |\n|Graz|-0.25|\n\nText\n|a|b|\n");
+  seeds.add(
+      "```csv\r\nName;Value\r\n\"a;b\";\"c\"\"d\"\r\n01;99999999999999.123456\r\n```\r\n|a|b|\r\n|c|d|");
+  seeds.add("```\na\tb\n\tc\td\n```\n```\na;b\nc;d;e\n```\n|\u00e9\u0301\x01|\uffff|\u2028|<&>|'\"|");
+  // Wider than the reader's blocks, and higher.
+  std::string wide = "```\n";
+  for (int row = 0; row < 210; ++row)
+    wide += "1;2;3;4;5;6;7;8;9\n";
+  seeds.add(wide + "```\n");
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -96,6 +108,7 @@ int main(int argc, char** argv) {
   Seeds seeds(argv[2]);
   if (target == "fuzz_package" || target == "fuzz_extract") addWorkbooks(seeds);
   if (target == "fuzz_dataset") addDatasets(seeds);
+  if (target == "fuzz_report") addReports(seeds);
   if (target == "fuzz_request") addRequests(seeds);
   if (target == "fuzz_validate") addDocuments(seeds);
   if (target == "fuzz_xml") addXML(seeds);
