@@ -8,25 +8,15 @@
 namespace zelvo::testing {
 namespace {
 
-void put(std::string& out, std::uint16_t value) {
-  out += static_cast<char>(value & 0xFF);
-  out += static_cast<char>(value >> 8);
-}
-
-void put(std::string& out, std::uint32_t value) {
-  put(out, static_cast<std::uint16_t>(value & 0xFFFF));
-  put(out, static_cast<std::uint16_t>(value >> 16));
-}
-
-std::uint16_t size16(std::size_t size) {
-  return static_cast<std::uint16_t>(size);
-}
-std::uint32_t size32(std::size_t size) {
-  return static_cast<std::uint32_t>(size);
+/// Appends a number of that many bytes, the lowest first.
+void put(std::string& out, std::size_t value, int bytes) {
+  for (int i = 0; i < bytes; ++i)
+    out += static_cast<char>(value >> 8 * i & 0xFF);
 }
 
 std::uint32_t crcOf(std::string_view content) {
-  return size32(crc32(0, reinterpret_cast<const Bytef*>(content.data()), static_cast<uInt>(content.size())));
+  const auto* bytes = reinterpret_cast<const Bytef*>(content.data());
+  return static_cast<std::uint32_t>(crc32(0, bytes, static_cast<uInt>(content.size())));
 }
 
 std::string rawDeflated(std::string_view content) {
@@ -50,51 +40,50 @@ std::string rawDeflated(std::string_view content) {
 void describe(ArchiveEntry& entry, std::string_view content) {
   entry.both([&](EntryHeader& header) {
     header.crc = crcOf(content);
-    header.compressedSize = size32(entry.data.size());
-    header.uncompressedSize = size32(content.size());
+    header.compressedSize = static_cast<std::uint32_t>(entry.data.size());
+    header.uncompressedSize = static_cast<std::uint32_t>(content.size());
   });
 }
 
 void putSharedFields(std::string& out, const EntryHeader& header) {
-  for (const auto value : {header.versionNeeded, header.flags, header.method, header.time, header.date}) {
-    put(out, value);
-  }
+  for (const auto value : {header.versionNeeded, header.flags, header.method, header.time, header.date})
+    put(out, value, 2);
   for (const auto value : {header.crc, header.compressedSize, header.uncompressedSize})
-    put(out, value);
-  put(out, header.nameLength.value_or(size16(header.name.size())));
-  put(out, header.extraLength.value_or(size16(header.extra.size())));
+    put(out, value, 4);
+  put(out, header.nameLength.value_or(header.name.size()), 2);
+  put(out, header.extraLength.value_or(header.extra.size()), 2);
 }
 
 std::string localRecord(const ArchiveEntry& entry) {
   std::string out;
-  put(out, entry.local.signature);
+  put(out, entry.local.signature, 4);
   putSharedFields(out, entry.local);
   return out + entry.local.name + entry.local.extra + entry.data + entry.descriptor;
 }
 
 std::string centralRecord(const CentralHeader& header, std::size_t localOffset) {
   std::string out;
-  put(out, header.signature);
-  put(out, header.versionMadeBy);
+  put(out, header.signature, 4);
+  put(out, header.versionMadeBy, 2);
   putSharedFields(out, header);
-  put(out, header.commentLength.value_or(size16(header.comment.size())));
-  put(out, header.diskStart);
-  put(out, header.internalAttributes);
-  put(out, header.externalAttributes);
-  put(out, header.localOffset.value_or(size32(localOffset)));
+  put(out, header.commentLength.value_or(header.comment.size()), 2);
+  put(out, header.diskStart, 2);
+  put(out, header.internalAttributes, 2);
+  put(out, header.externalAttributes, 4);
+  put(out, header.localOffset.value_or(localOffset), 4);
   return out + header.name + header.extra + header.comment;
 }
 
 std::string endRecord(const EndRecord& end, std::size_t entries, std::size_t offset, std::size_t size) {
   std::string out;
-  put(out, end.signature);
-  put(out, end.disk);
-  put(out, end.directoryDisk);
-  put(out, end.entriesOnDisk.value_or(size16(entries)));
-  put(out, end.entries.value_or(size16(entries)));
-  put(out, end.directorySize.value_or(size32(size)));
-  put(out, end.directoryOffset.value_or(size32(offset)));
-  put(out, end.commentLength.value_or(size16(end.comment.size())));
+  put(out, end.signature, 4);
+  put(out, end.disk, 2);
+  put(out, end.directoryDisk, 2);
+  put(out, end.entriesOnDisk.value_or(entries), 2);
+  put(out, end.entries.value_or(entries), 2);
+  put(out, end.directorySize.value_or(size), 4);
+  put(out, end.directoryOffset.value_or(offset), 4);
+  put(out, end.commentLength.value_or(end.comment.size()), 2);
   return out + end.comment;
 }
 
@@ -107,10 +96,9 @@ void ArchiveEntry::both(const std::function<void(EntryHeader&)>& change) {
 
 void ArchiveEntry::useDescriptor() {
   both([](EntryHeader& header) { header.flags |= 0x08; });
-  put(descriptor, std::uint32_t{0x08074b50});
-  for (std::uint32_t* field : {&local.crc, &local.compressedSize, &local.uncompressedSize}) {
-    put(descriptor, std::exchange(*field, 0));
-  }
+  put(descriptor, 0x08074b50, 4);
+  for (std::uint32_t* field : {&local.crc, &local.compressedSize, &local.uncompressedSize})
+    put(descriptor, std::exchange(*field, 0), 4);
 }
 
 ArchiveEntry& ArchiveBuilder::stored(std::string name, std::string content) {

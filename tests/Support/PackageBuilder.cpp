@@ -34,43 +34,14 @@ std::string root(const std::string& name, const std::string& content) {
          "</" + name + ">";
 }
 
+std::string typeOverride(const std::string& name, const std::string& type) {
+  return R"(<Override PartName="/)" + name + R"(" ContentType=")" + officeTypes + type + R"(+xml"/>)";
+}
+
 std::string sheetElement(const WorksheetText& sheet, const std::string& number) {
   return R"(<sheet name=")" + OOXML::escaped(sheet.name) + R"(" sheetId=")" + number + R"(" r:id="rId)" +
          number + '"' + sheet.attributes + "/>";
 }
-
-/// Collects the parts of a workbook with what must be said of each elsewhere.
-class WorkbookParts {
- public:
-  /// `path` is relative to "xl/".
-  void add(const std::string& identifier, const std::string& type, const std::string& path,
-           std::string_view xml) {
-    parts_.push_back({"xl/" + path, partText(xml)});
-    relationships_.push_back({identifier, type, path});
-    addOverride("xl/" + path, type);
-  }
-
-  PackageBuilder package(std::string_view workbookXML) {
-    addOverride("xl/workbook.xml", "sheet.main");
-    PackageBuilder package{
-        {{"[Content_Types].xml", contentTypes(overrides_)},
-         {"_rels/.rels", relationshipsText({{"rId1", "officeDocument", "xl/workbook.xml"}})},
-         {"xl/workbook.xml", partText(workbookXML)},
-         {"xl/_rels/workbook.xml.rels", relationshipsText(relationships_)}}};
-    std::move(parts_.begin(), parts_.end(), std::back_inserter(package.parts));
-    return package;
-  }
-
- private:
-  void addOverride(const std::string& name, const std::string& type) {
-    overrides_ +=
-        R"(<Override PartName="/)" + name + R"(" ContentType=")" + officeTypes + type + R"(+xml"/>)";
-  }
-
-  std::vector<TextPart> parts_;
-  std::vector<OOXML::Relationship> relationships_;
-  std::string overrides_;
-};
 
 }  // namespace
 
@@ -109,25 +80,34 @@ PackageBuilder minimalPackage() {
 }
 
 PackageBuilder workbookPackage(const WorkbookText& workbook) {
-  WorkbookParts parts;
+  std::vector<TextPart> parts;
+  std::vector<OOXML::Relationship> relationships;
+  std::string overrides;
+  const auto add = [&](const std::string& identifier, const std::string& type, const std::string& path,
+                       std::string_view xml) {
+    parts.push_back({"xl/" + path, partText(xml)});
+    relationships.push_back({identifier, type, path});
+    overrides += typeOverride("xl/" + path, type);
+  };
   std::string sheets;
-  std::size_t count = 0;
   for (const WorksheetText& sheet : workbook.sheets) {
-    const std::string number = std::to_string(++count);
+    const std::string number = std::to_string(parts.size() + 1);
     sheets += sheetElement(sheet, number);
-    parts.add("rId" + number, "worksheet", "worksheets/sheet" + number + ".xml",
-              root("worksheet", sheet.content));
+    add("rId" + number, "worksheet", "worksheets/sheet" + number + ".xml", root("worksheet", sheet.content));
   }
-  if (!workbook.sharedStrings.empty()) {
-    std::string items;
-    for (const std::string& item : workbook.sharedStrings)
-      items.append("<si>").append(item).append("</si>");
-    parts.add("rIdStrings", "sharedStrings", "sharedStrings.xml", root("sst", items));
-  }
-  if (!workbook.styles.empty())
-    parts.add("rIdStyles", "styles", "styles.xml", root("styleSheet", workbook.styles));
-  return parts.package(
-      root("workbook", workbook.properties + "<sheets>" + sheets + "</sheets>" + workbook.calculation));
+  std::string items;
+  for (const std::string& item : workbook.sharedStrings)
+    items.append("<si>").append(item).append("</si>");
+  if (!items.empty()) add("rIdStrings", "sharedStrings", "sharedStrings.xml", root("sst", items));
+  if (!workbook.styles.empty()) add("rIdStyles", "styles", "styles.xml", root("styleSheet", workbook.styles));
+  const std::string book = workbook.properties + "<sheets>" + sheets + "</sheets>" + workbook.calculation;
+  overrides += typeOverride("xl/workbook.xml", "sheet.main");
+  PackageBuilder package{{{"[Content_Types].xml", contentTypes(overrides)},
+                          {"_rels/.rels", relationshipsText({{"rId1", "officeDocument", "xl/workbook.xml"}})},
+                          {"xl/workbook.xml", partText(root("workbook", book))},
+                          {"xl/_rels/workbook.xml.rels", relationshipsText(relationships)}}};
+  std::move(parts.begin(), parts.end(), std::back_inserter(package.parts));
+  return package;
 }
 
 WorkbookText plainWorkbook(std::string_view rows) {
