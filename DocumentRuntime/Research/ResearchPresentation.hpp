@@ -5,14 +5,24 @@
 #include <cstdint>
 #include <optional>
 #include <set>
+#include <stop_token>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "DocumentRuntime/Records/ByteBuffer.hpp"
 #include "DocumentRuntime/Research/ResearchSourceScope.hpp"
 #include "DocumentRuntime/Research/ResearchSpreadsheet.hpp"
 
 namespace zelvo {
+
+/// A chart of a dataset, as slides name it.
+struct ResearchChartReference {
+  std::string datasetID;        ///< empty for a deck's shared dataset; no identifier in a collection is
+  std::int64_t chartIndex = 0;  ///< zero-based
+
+  auto operator<=>(const ResearchChartReference&) const = default;
+};
 
 /// A short research deck, as a language model describes it: slides of a few points that cite their evidence,
 /// some with a chart. Nothing in it is trusted before `validate`.
@@ -26,13 +36,7 @@ struct ResearchPresentation {
   /// Of a collection.
   static constexpr std::size_t maximumDatasets = 4;
 
-  /// A chart of a dataset.
-  struct ChartReference {
-    std::string datasetID;        ///< empty for the shared dataset; no identifier in a collection is
-    std::int64_t chartIndex = 0;  ///< zero-based
-
-    auto operator<=>(const ChartReference&) const = default;
-  };
+  using ChartReference = ResearchChartReference;
 
   struct Slide {
     std::string title;
@@ -66,6 +70,10 @@ struct ResearchPresentation {
     ResearchSpreadsheet dataset;
     /// The dataset's rows with their calculated values, one cell a column of the dataset.
     std::vector<std::vector<ResearchSpreadsheet::Cell>> cells;
+
+    const ResearchSpreadsheet::Chart& chart() const {
+      return dataset.charts[static_cast<std::size_t>(reference.chartIndex)];
+    }
 
     bool operator==(const ResolvedChartBinding&) const = default;
   };
@@ -120,6 +128,16 @@ struct ResearchPresentation {
   /// The provenance records that a slide's references stand for; none without a scope.
   static std::vector<ResearchSourceScope::Record> sourceRecords(
       const Slide& slide, const std::optional<ResearchSourceScope>& scope);
+
+  /// Draws a deck as a 16:9 presentation with native, editable charts, and proves by reading it back that it
+  /// says what the deck says; what fails is not given out. The same deck always gives the same bytes.
+  ///
+  /// Throws `DocumentError`: what `validate` throws with this scope and no list; what
+  /// `PresentationRendererVersion::check` throws; unsupported "slide text needs too much space"; what the ZIP
+  /// writer throws; and what `verifyDelivery` throws. Throws `Cancelled`.
+  static ByteBuffer make(const ResearchPresentation& presentation, std::int64_t rendererVersion,
+                         const std::optional<ResearchSourceScope>& sourceScope,
+                         const std::stop_token& stop = {});
 
   /// The canonical JSON: compact, keys sorted, absent fields left out. Equal decks give equal bytes.
   std::string encoded() const;
