@@ -18,6 +18,7 @@ namespace zelvo::testing {
 struct Outcome {
   std::string text;
 
+  // NOLINTBEGIN(google-explicit-constructor): tables hold errors and lines alike.
   Outcome(std::string line) : text(std::move(line)) {}
   Outcome(const char* line) : text(line) {}
   Outcome(const DocumentError& error) {
@@ -26,6 +27,7 @@ struct Outcome {
                                      "validationFailed"};
     text = std::string(cases[static_cast<int>(error.errorCase())]) + ": " + error.detail();
   }
+  // NOLINTEND(google-explicit-constructor)
   bool operator==(const Outcome&) const = default;
   friend std::ostream& operator<<(std::ostream& stream, const Outcome& outcome) {
     return stream << (outcome.text.empty() ? "nothing was refused" : outcome.text);
