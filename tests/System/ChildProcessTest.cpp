@@ -8,6 +8,8 @@
 #include <gtest/gtest.h>
 
 #include "System/ChildProcess.hpp"
+#include "System/ForkedChild.hpp"
+#include "System/StandardStreams.hpp"
 
 namespace zelvo {
 namespace {
@@ -22,29 +24,29 @@ ChildResult runShell(const std::string& script, std::string_view input = "",
 }
 
 TEST(ChildProcess, saysHowTheChildEnded) {
-  struct Row {
+  using enum ChildOutcome;
+  const ChildBounds brief = {.outputBytes = 1 << 20, .wallClock = milliseconds(300)};
+  const ChildBounds eightBytes = {.outputBytes = 8, .wallClock = std::chrono::seconds(60)};
+  const struct {
     std::string script;
     ChildBounds bounds;
     ChildOutcome outcome;
     int code;
     std::string output;
+  } rows[] = {
+      {"exit 0", ample, exited, 0, ""},
+      {"echo said; exit 78", ample, exited, 78, "said\n"},
+      {"echo said; kill -SYS $$", ample, killed, SIGSYS, "said\n"},
+      {"kill -KILL $$", ample, killed, SIGKILL, ""},
+      {"printf 12345678", eightBytes, exited, 0, "12345678"},
+      {"printf 123456789", eightBytes, outputTooLarge, 0, "12345678"},
+      {"while :; do echo more; done", eightBytes, outputTooLarge, 0, "more\nmor"},
+      {"exec sleep 60", brief, timedOut, 0, ""},
+      {"while :; do echo more >&2; done", brief, timedOut, 0, ""},
+      {"echo said; exec sleep 60 >&- 2>&-", brief, timedOut, 0, "said\n"},
+      {"trap '' TERM PIPE; exec sleep 60", brief, timedOut, 0, ""},
   };
-  const ChildBounds brief = {.outputBytes = 1 << 20, .wallClock = milliseconds(300)};
-  const ChildBounds eightBytes = {.outputBytes = 8, .wallClock = std::chrono::seconds(60)};
-  const Row rows[] = {
-      {"exit 0", ample, ChildOutcome::exited, 0, ""},
-      {"echo said; exit 78", ample, ChildOutcome::exited, 78, "said\n"},
-      {"echo said; kill -SYS $$", ample, ChildOutcome::killed, SIGSYS, "said\n"},
-      {"kill -KILL $$", ample, ChildOutcome::killed, SIGKILL, ""},
-      {"printf 12345678", eightBytes, ChildOutcome::exited, 0, "12345678"},
-      {"printf 123456789", eightBytes, ChildOutcome::outputTooLarge, 0, "12345678"},
-      {"while :; do echo more; done", eightBytes, ChildOutcome::outputTooLarge, 0, "more\nmor"},
-      {"exec sleep 60", brief, ChildOutcome::timedOut, 0, ""},
-      {"while :; do echo more >&2; done", brief, ChildOutcome::timedOut, 0, ""},
-      {"echo said; exec sleep 60 >&- 2>&-", brief, ChildOutcome::timedOut, 0, "said\n"},
-      {"trap '' TERM PIPE; exec sleep 60", brief, ChildOutcome::timedOut, 0, ""},
-  };
-  for (const Row& row : rows) {
+  for (const auto& row : rows) {
     SCOPED_TRACE(row.script);
     const ChildResult result = runShell(row.script, "", row.bounds);
     EXPECT_EQ(result.outcome, row.outcome);
@@ -64,9 +66,8 @@ TEST(ChildProcess, saysWhyNothingWasStarted) {
 
 TEST(ChildProcess, writesAndReadsAtOnce) {
   std::string input;
-  for (int i = 0; input.size() < 5'000'000; ++i) {
+  for (int i = 0; input.size() < 5'000'000; ++i)
     input += std::to_string(i) + '\n';
-  }
   const ChildResult copied = runShell("cat", input);
   EXPECT_EQ(copied.outcome, ChildOutcome::exited);
   EXPECT_TRUE(copied.output == input) << copied.output.size() << " of " << input.size() << " bytes came back";
@@ -108,9 +109,8 @@ TEST(ChildProcess, handsNothingDown) {
 TEST(ChildProcess, worksInAHostWithoutStandardStreams) {
   const pid_t host = fork();
   if (host == 0) {
-    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
       close(stream);
-    }
     const ChildResult result = runShell("cat; echo errors >&2", "input");
     _exit(result.output == "input" && result.errorOutput == "errors\n" ? 0 : 1);
   }
@@ -128,6 +128,40 @@ TEST(ChildProcess, measuresWhatTheChildUsed) {
   const ChildResult large = runShell("head -c 50000000 /dev/zero | tail -c 40000000 >/dev/null");
   EXPECT_GT(large.peakMemoryBytes, kept);
   EXPECT_LT(large.peakMemoryBytes, 100 * kept);
+}
+
+int say(std::size_t bytes, int status) {
+  StandardOutput output;
+  return output.write(std::string(bytes, 'x')) ? status : 99;
+}
+
+TEST(ForkedChild, OutputAndEnd) {
+  using enum ChildOutcome;
+  constexpr std::size_t bound = 200'000;  // more than a pipe holds
+  const auto expectEnd = [](const std::function<int()>& work, ChildOutcome outcome, int code,
+                            std::size_t bytes) {
+    const ChildResult result = runForkedChild(work, bound);
+    EXPECT_EQ(result.outcome, outcome);
+    EXPECT_EQ(result.code, code);
+    EXPECT_EQ(result.output, std::string(bytes, 'x'));
+  };
+  expectEnd([] { return 0; }, exited, 0, 0);
+  expectEnd([] { return say(3, 7); }, exited, 7, 3);
+  expectEnd([] { return say(bound, 0); }, exited, 0, bound);
+  expectEnd([] { return say(3, 0) == 0 ? raise(SIGKILL) : 99; }, killed, SIGKILL, 3);
+  // Also one that would write for ever is ended.
+  const auto flood = [] {
+    while (say(1, 0) == 0) {
+    }
+    return 0;
+  };
+  EXPECT_EQ(runForkedChild(flood, bound).outcome, outputTooLarge);
+}
+
+TEST(ForkedChild, SharesNothingThatItChanges) {
+  int value = 1;
+  EXPECT_EQ(runForkedChild([&value] { return ++value; }, 0).code, 2);
+  EXPECT_EQ(value, 1);
 }
 
 }  // namespace
