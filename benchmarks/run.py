@@ -113,6 +113,17 @@ def create_rows(bench):
         yield [label, f"{base['cpu'] * 1000:.2f}", f"{ours['cpu'] * 1000:.2f}", f"{ours['cpu'] / base['cpu']:.2f}"]
 
 
+def research_workbook_rows(bench):
+    line = [*bench.program("research_workbook"), str(bench.runs), str(bench.folder)]
+    runs = {}
+    for text in subprocess.run(line, capture_output=True, text=True, check=True).stdout.splitlines():
+        name, seconds, size = text.split()
+        runs.setdefault(name, []).append((float(seconds), int(size)))
+    for name, row in runs.items():
+        ratio = statistics.median(a[0] / b[0] for a, b in zip(row, runs["libxlsxwriter"]))
+        yield [name, milliseconds(statistics.median(r[0] for r in row)), f"{ratio:.2f}", f"{row[0][1] / 1024:.0f}"]
+
+
 def growth_rows(bench):
     worker = bench.program("zelvo_document_worker")
     for name in GROWING:
@@ -149,6 +160,8 @@ def main():
                                     "worker peak MiB"], extract_rows(bench))
     table("Create, validation included, against extract of the same range",
           ["document", "extract CPU ms", "create CPU ms", "ratio"], create_rows(bench))
+    table("The workbook of the largest dataset, not read back, against libxlsxwriter",
+          ["writer", "CPU ms", "ratio", "package KiB"], research_workbook_rows(bench))
     table("Growth: CPU ms at an eighth, a quarter, a half and the whole",
           ["workload", "1/8", "1/4", "1/2", "1", "1/4 : 1/8", "1/2 : 1/4", "1 : 1/2"], growth_rows(bench))
     table("Inspect beside openpyxl (read-only mode)", ["workload", "worker CPU ms", "openpyxl CPU ms", "times",

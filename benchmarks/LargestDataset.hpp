@@ -1,0 +1,11 @@
+#pragma once
+
+#include "DocumentRuntime/Research/ResearchSpreadsheet.hpp"
+
+namespace zelvo::benchmarks {
+
+/// As much as a dataset may hold: every row, column, calculation, chart and series, eight sources of 300
+/// characters a row, and a report of full length.
+ResearchSpreadsheet largestDataset();
+
+}  // namespace zelvo::benchmarks
