@@ -11,9 +11,9 @@ import dataclasses
 import datetime
 import decimal
 import io
-import os
 import pathlib
 import random
+import re
 import subprocess
 import sys
 import tempfile
@@ -21,6 +21,8 @@ import unittest
 import zipfile
 from decimal import Decimal
 from xml.sax.saxutils import quoteattr
+
+import office
 
 ZELVO = sys.argv.pop()
 
@@ -52,46 +54,46 @@ def chunks(items, size):
     return [items[start:start + size] for start in range(0, len(items), size)]
 
 
+def relationships(*entries):
+    return f'<Relationships xmlns="{RELATIONSHIPS}">' + "".join(
+        f'<Relationship Id="{name}" Type="{OFFICE}/{kind}" Target="{target}"/>' for name, kind, target in entries
+    ) + "</Relationships>"
+
+
+def override(path, kind):
+    return f'<Override PartName="/xl/{path}" ContentType="{SPREADSHEET}{kind}+xml"/>'
+
+
 def write_workbook(path, sheets, uses_1904_dates=False):
     """Writes each sheet as (codes, number texts): every number in every row under each column's format code. The
     texts are stored as they are given."""
     codes = [code for codes, _ in sheets for code in codes]
-    numbers = range(1, len(sheets) + 1)
+    paths = [f"worksheets/sheet{n}.xml" for n in range(1, len(sheets) + 1)]
+    names = "".join(f'<sheet name="S{n}" sheetId="{n}" r:id="rId{n}"/>' for n in range(1, len(sheets) + 1))
+    formats = "".join(f'<numFmt numFmtId="{164 + i}" formatCode={quoteattr(code)}/>' for i, code in enumerate(codes))
+    styles = "".join(f'<xf numFmtId="{164 + i}" applyNumberFormat="1"/>' for i in range(len(codes)))
     parts = {
         "[Content_Types].xml":
             f'<Types xmlns="{CONTENT_TYPES}"><Default Extension="rels" '
             'ContentType="application/vnd.openxmlformats-package.relationships+xml"/>'
-            f'<Override PartName="/xl/workbook.xml" ContentType="{SPREADSHEET}sheet.main+xml"/>'
-            f'<Override PartName="/xl/styles.xml" ContentType="{SPREADSHEET}styles+xml"/>'
-            + "".join(f'<Override PartName="/xl/worksheets/sheet{n}.xml" ContentType="{SPREADSHEET}worksheet+xml"/>'
-                      for n in numbers) + "</Types>",
-        "_rels/.rels":
-            f'<Relationships xmlns="{RELATIONSHIPS}"><Relationship Id="rId1" Type="{OFFICE}/officeDocument" '
-            'Target="xl/workbook.xml"/></Relationships>',
+            + override("workbook.xml", "sheet.main") + override("styles.xml", "styles")
+            + "".join(override(name, "worksheet") for name in paths) + "</Types>",
+        "_rels/.rels": relationships(("rId1", "officeDocument", "xl/workbook.xml")),
         "xl/workbook.xml":
             f'<workbook xmlns="{MAIN}" xmlns:r="{OFFICE}"><workbookPr date1904="{int(uses_1904_dates)}"/><sheets>'
-            + "".join(f'<sheet name="S{n}" sheetId="{n}" r:id="rId{n}"/>' for n in numbers) + "</sheets></workbook>",
-        "xl/_rels/workbook.xml.rels":
-            f'<Relationships xmlns="{RELATIONSHIPS}">'
-            + "".join(f'<Relationship Id="rId{n}" Type="{OFFICE}/worksheet" Target="worksheets/sheet{n}.xml"/>'
-                      for n in numbers)
-            + f'<Relationship Id="styles" Type="{OFFICE}/styles" Target="styles.xml"/></Relationships>',
+            f"{names}</sheets></workbook>",
+        "xl/_rels/workbook.xml.rels": relationships(
+            *((f"rId{n}", "worksheet", name) for n, name in enumerate(paths, 1)), ("styles", "styles", "styles.xml")),
         "xl/styles.xml":
-            f'<styleSheet xmlns="{MAIN}"><numFmts count="{len(codes)}">'
-            + "".join(f'<numFmt numFmtId="{164 + i}" formatCode={quoteattr(code)}/>' for i, code in enumerate(codes))
-            + '</numFmts><fonts count="1"><font/></fonts><fills count="1"><fill/></fills><borders count="1"><border/>'
-            f'</borders><cellStyleXfs count="1"><xf/></cellStyleXfs><cellXfs count="{len(codes)}">'
-            + "".join(f'<xf numFmtId="{164 + i}" applyNumberFormat="1"/>' for i in range(len(codes)))
-            + "</cellXfs></styleSheet>",
+            f'<styleSheet xmlns="{MAIN}"><numFmts>{formats}</numFmts><fonts><font/></fonts><fills><fill/></fills>'
+            f"<borders><border/></borders><cellStyleXfs><xf/></cellStyleXfs><cellXfs>{styles}</cellXfs></styleSheet>",
     }
     style = 0
-    for n, (codes, texts) in zip(numbers, sheets):
-        rows = "".join(
-            f'<row r="{row}">' + "".join(
-                f'<c r="{chr(ord("A") + i)}{row}" s="{style + i}"><v>{text}</v></c>' for i in range(len(codes)))
-            + "</row>" for row, text in enumerate(texts, 1))
-        parts[f"xl/worksheets/sheet{n}.xml"] = (
-            f'<worksheet xmlns="{MAIN}"><sheetData>{rows}</sheetData></worksheet>')
+    for name, (codes, texts) in zip(paths, sheets):
+        rows = "".join(f'<row r="{row}">' + "".join(
+            f'<c r="{chr(ord("A") + i)}{row}" s="{style + i}"><v>{text}</v></c>' for i in range(len(codes))) + "</row>"
+            for row, text in enumerate(texts, 1))
+        parts[f"xl/{name}"] = f'<worksheet xmlns="{MAIN}"><sheetData>{rows}</sheetData></worksheet>'
         style += len(codes)
     with zipfile.ZipFile(path, "w", zipfile.ZIP_DEFLATED) as archive:
         for name, text in parts.items():
@@ -153,21 +155,14 @@ class Format:
         return (self.before + self.behind).strip() in WORDS_LEFT_UNREAD
 
 
-FORMATS = [
-    *(Format(body) for body in (
-        "0", "0.0", "0.00", "0.000", "0.000000000000", "0.#", "0.##", "0.0#", "0.###", "0.00##", "0.############",
-        "#,##0", "#,##0.0", "#,##0.00", "#,##0.000", "#,##0.0#", "#,##0.##", "0%", "0.0%", "0.00%", "0.#%", "0.0##%",
-        "#,##0%", "#,##0.00%")),
-    *(Format(body, before) for body, before in (
-        ("0", "$"), ("0.00", "$"), ("#,##0.00", "$"), ("0.00", '"$"'), ("#,##0", '"$" '), ("0.0#", "€"),
-        ("#,##0.00", '"€" '), ("0", "£"), ("0.00", '"£"'), ("0.00", '"kr" '), ("0", "NOK "), ("#,##0.00", '"NOK" '),
-        ("0.00", '"USD"'), ("0.###", '"EUR" '), ("0", '"GBP" '), ("0.00", "kr "), ("0", "USD "), ("0.0", "EUR"),
-        ("0.00", "GBP "))),
-    *(Format(body, "", behind) for body, behind in (
-        ("0", "$"), ("0.00", " €"), ("#,##0.00", ' "€"'), ("0.0", "£"), ("0.00", ' "kr"'), ("#,##0", '"kr"'),
-        ("0.00", " NOK"), ("0", ' "NOK"'), ("#,##0.##", ' "USD"'), ("0.00", '"EUR"'), ("0.00", ' "GBP"'),
-        ("0.00", " kr"), ("0", " USD"))),
-]
+# The codes, parted by bars.
+FORMATS = [Format(*re.fullmatch(r"([^0#]*)([0#][0#,.]*%?)(.*)", code).group(2, 1, 3)) for code in (
+    "0|0.0|0.00|0.000|0.000000000000|0.#|0.##|0.0#|0.###|0.00##|0.############|#,##0|#,##0.0|#,##0.00|#,##0.000|"
+    "#,##0.0#|#,##0.##|0%|0.0%|0.00%|0.#%|0.0##%|#,##0%|#,##0.00%|"
+    '$0|$0.00|$#,##0.00|"$"0.00|"$" #,##0|€0.0#|"€" #,##0.00|£0|"£"0.00|"kr" 0.00|NOK 0|"NOK" #,##0.00|"USD"0.00|'
+    '"EUR" 0.###|"GBP" 0|kr 0.00|USD 0|EUR0.0|GBP 0.00|'
+    '0$|0.00 €|#,##0.00 "€"|0.0£|0.00 "kr"|#,##0"kr"|0.00 NOK|0 "NOK"|#,##0.## "USD"|0.00"EUR"|0.00 "GBP"|0.00 kr|'
+    "0 USD").split("|")]
 
 
 def number_texts():
@@ -287,10 +282,7 @@ class DisplayTexts(unittest.TestCase):
             write_workbook(cls.folder / f"dates{system}.xlsx",
                            [sheet for codes, texts in sheets for sheet in ((codes, texts), ([FULL_DATE], texts))],
                            system == 1904)
-        subprocess.run(
-            ["soffice", "-env:UserInstallation=" + (cls.folder / "profile").as_uri(), "--headless", "--convert-to",
-             CSV_FILTER, "--outdir", cls.folder, *sorted(cls.folder.glob("*.xlsx"))],
-            check=True, stdout=subprocess.DEVNULL, env={**os.environ, "LC_ALL": "C.UTF-8"})
+        office.convert(sorted(cls.folder.glob("*.xlsx")), CSV_FILTER, cls.folder)
 
     def shown_by_office(self, book, sheet):
         with open(self.folder / f"{book}-S{sheet}.csv", encoding="utf-8", newline="") as file:

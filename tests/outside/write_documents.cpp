@@ -11,6 +11,7 @@
 
 #include "DocumentRuntime/Coding/JsonWriter.hpp"
 #include "DocumentRuntime/Engine/DocumentEngine.hpp"
+#include "Support/Cases.hpp"
 #include "Support/SampleTable.hpp"
 
 namespace {
@@ -24,34 +25,37 @@ using zelvo::testing::tableOf;
 
 constexpr const char* title = "Quarterly <figures> & more";
 
+using Texts = std::vector<std::string>;
+
+void put(JsonWriter& json, const Texts& texts) {
+  json.beginArray();
+  for (const std::string& text : texts)
+    json.string(text);
+  json.endArray();
+}
+
 std::string expectations(const SourceTable& table, const std::optional<ChartSelection>& chart) {
   JsonWriter json;
-  const auto column = [&](const char* key, std::int64_t index, bool displayed) {
-    json.key(key);
-    json.beginArray();
-    for (const auto& row : table.rows) {
-      if (!chart) break;
-      const auto& cell = row[static_cast<std::size_t>(index)];
-      json.string(displayed ? cell.displayText() : cell.value.payload());
-    }
-    json.endArray();
-  };
+  Texts categories;
+  Texts values;
   json.beginObject();
   json.key("rows");
   json.beginArray();
-  json.beginArray();
-  for (const std::string& text : table.columns)
-    json.string(text);
-  json.endArray();
+  put(json, table.columns);
   for (const auto& row : table.rows) {
-    json.beginArray();
+    Texts texts;
     for (const auto& cell : row)
-      json.string(cell.displayText());
-    json.endArray();
+      texts.push_back(cell.displayText());
+    put(json, texts);
+    if (!chart) continue;
+    categories.push_back(texts[static_cast<std::size_t>(chart->categoryColumn)]);
+    values.push_back(row[static_cast<std::size_t>(chart->valueColumn)].value.payload());
   }
   json.endArray();
-  column("categories", chart ? chart->categoryColumn : 0, true);
-  column("values", chart ? chart->valueColumn : 0, false);
+  json.key("categories");
+  put(json, categories);
+  json.key("values");
+  put(json, values);
   json.endObject();
   return json.take();
 }
@@ -79,20 +83,11 @@ class Documents {
 
 /// What markup, right-to-left scripts, scalars above the first plane and spaces make of a text.
 SourceTable specialTable() {
-  const std::vector<std::string> texts = {
-      "<a href=\"x\">&amp;</a>",
-      "'quoted' \"twice\"",
-      " space at both ends ",
-      "two  spaces   and three",
-      "Straße, Ærø, e\u0301",
-      "東京 トウキョウ",
-      "\u05E9\u05DC\u05D5\u05DD 12 \u05E9",
-      "👩‍👩‍👧 🇫🇷 𝔘",
-      "_x0041_ %41 &#65;",
-      "=1+1",
-      "]]>",
-      "- – — − \u00AD",
-  };
+  Texts texts = {"Straße, Ærø, e\u0301", "\u05E9\u05DC\u05D5\u05DD 12 \u05E9", "- – — − \u00AD"};
+  for (const auto& [text] : zelvo::testing::cases<1>(R"(
+      <a href="x">&amp;</a> ; 'quoted' "twice" ; ␠space at both ends␠ ; two  spaces   and three ; 東京 トウキョウ
+      👩‍👩‍👧 🇫🇷 𝔘 ; _x0041_ %41 &#65; ; =1+1 ; ]]>)"))
+    texts.push_back(text);
   SourceTable table = tableOf(3, 4);
   for (std::size_t i = 0; i < texts.size(); ++i)
     table.rows[i / 3][i % 3].value = SourceCellValue::text(texts[i]);
@@ -117,11 +112,9 @@ void writeAll(const Documents& documents) {
   documents.word("small", zelvo::testing::sampleTable());
   documents.word("large", tableOf(8, 200));
   documents.word("special", specialTable());
-  documents.word("lines", [] {
-    SourceTable table = tableOf(1, 1);
-    table.rows[0][0].value = SourceCellValue::text("one\ntwo\tthree");
-    return table;
-  }());
+  SourceTable lines = tableOf(1, 1);
+  lines.rows[0][0].value = SourceCellValue::text("one\ntwo\tthree");
+  documents.word("lines", lines);
   documents.word("figures", figures(60));
   documents.deck("small", zelvo::testing::sampleTable());
   documents.deck("large", tableOf(8, 110));

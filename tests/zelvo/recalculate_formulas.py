@@ -19,6 +19,9 @@ from pathlib import Path
 
 import openpyxl
 
+sys.path.append(str(Path(__file__).parents[1] / "outside"))
+import office
+
 DATASETS = 30
 INPUTS, OUTPUTS, ROWS = 5, 5, 24  # columns of either kind; outputs stand behind the inputs
 DIFFERENCE = 20  # how far to the right of a formula
@@ -47,16 +50,19 @@ class Generator:
         }
 
     def input(self):
+        """Blanks, zeros, whole numbers, numbers of many magnitudes, and for the most part everyday ones."""
         kind = self.random.randrange(10)
-        if kind < 2:
-            return None
-        if kind == 2:
-            return 0
-        if kind == 3:
-            return float(self.random.randrange(1, 1000))
         if kind == 4:
             return float(f"{self.random.uniform(1, 9.9):.3f}e{self.random.randrange(-9, 9)}")
-        return round(self.random.uniform(1, 100), 4)
+        everyday = round(self.random.uniform(1, 100), 4)
+        return {0: None, 1: None, 2: 0, 3: float(self.random.randrange(1, 1000))}.get(kind, everyday)
+
+    def number(self, value):
+        return {"op": "number", "value": value}
+
+    def constant(self):
+        everyday = round(self.random.uniform(1, 100), 4)
+        return self.number(self.random.choice([1, 2.5, 1e-5, 0.1, 123456789012.25, everyday]))
 
     def cell(self):
         if self.resolvable and self.random.random() < 0.4:
@@ -73,27 +79,23 @@ class Generator:
     def formula(self, depth):
         kind = self.random.random()
         if depth == 0 or kind < 0.1:
-            return self.cell() if self.random.random() < 0.7 else {"op": "number", "value": self.constant()}
-        if kind < 0.55:
-            operation = self.random.choice(ARITHMETIC)
-            if operation == "subtract":  # a small part of something from all of it
-                whole = self.formula(depth - 1)
-                part = {"op": "multiply", "arguments": [whole, {"op": "number", "value": round(self.random.uniform(1e-3, 0.1), 4)}]}
-                return {"op": operation, "arguments": [whole, part]}
-            return {"op": operation, "arguments": [self.formula(depth - 1), self.formula(depth - 1)]}
-        return {"op": self.random.choice(AGGREGATES), "arguments": [self.aggregated(depth) for _ in range(self.random.randrange(1, 4))]}
+            return self.cell() if self.random.random() < 0.7 else self.constant()
+        if kind >= 0.55:
+            arguments = [self.aggregated(depth) for _ in range(self.random.randrange(1, 4))]
+            return {"op": self.random.choice(AGGREGATES), "arguments": arguments}
+        operation = self.random.choice(ARITHMETIC)
+        first = self.formula(depth - 1)
+        if operation == "subtract":  # a small part of something from all of it
+            part = self.number(round(self.random.uniform(1e-3, 0.1), 4))
+            return {"op": operation, "arguments": [first, {"op": "multiply", "arguments": [first, part]}]}
+        return {"op": operation, "arguments": [first, self.formula(depth - 1)]}
 
     def aggregated(self, depth):
         """An argument that is never a blank scalar: a range, a constant, or a count."""
         kind = self.random.random()
         if kind < 0.6:
             return self.range()
-        if kind < 0.8:
-            return {"op": "number", "value": self.constant()}
-        return {"op": "count", "arguments": [self.formula(depth - 1), self.range()]}
-
-    def constant(self):
-        return self.random.choice([1, 2.5, 1e-5, 0.1, 123456789012.25, round(self.random.uniform(1, 100), 4)])
+        return self.constant() if kind < 0.8 else {"op": "count", "arguments": [self.formula(depth - 1), self.range()]}
 
 
 def checked(tool, dataset):
@@ -128,12 +130,6 @@ def write_workbook(results, path):
     book.save(path)
 
 
-def recalculated(path, folder):
-    subprocess.run(["soffice", f"-env:UserInstallation=file://{folder}/profile", "--headless", "--convert-to", "xlsx:Calc MS Excel 2007 XML",
-                    "--outdir", str(folder / "out"), str(path)], check=True, stdout=subprocess.DEVNULL, timeout=300)
-    return openpyxl.load_workbook(folder / "out" / path.name, data_only=True)
-
-
 def agrees(sheet, calculation):
     row, column = calculation["row"] + 2, calculation["column"] + 1
     found = sheet.cell(row, column).value
@@ -150,7 +146,9 @@ def main():
     with tempfile.TemporaryDirectory() as name:
         folder = Path(name)
         write_workbook(results, folder / "formulas.xlsx")
-        book = recalculated(folder / "formulas.xlsx", folder)
+        (folder / "out").mkdir()
+        office.convert([folder / "formulas.xlsx"], "xlsx:Calc MS Excel 2007 XML", folder / "out")
+        book = openpyxl.load_workbook(folder / "out" / "formulas.xlsx", data_only=True)
     faults, compared, blanks = [], 0, 0
     for number, result in enumerate(results):
         for calculation in result["calculations"]:
