@@ -85,6 +85,24 @@ void addDatasets(Seeds& seeds) {
   seeds.add(std::string("\0{}", 3));
 }
 
+/// The first byte says what the host gives.
+void addPresentations(Seeds& seeds) {
+  const auto deck = [](const std::string& cover, const std::string& chart, const std::string& more) {
+    return R"({"title":"Deck","report":"Sum","slides":[{"title":"Cover","body":["c"],)" + cover +
+           R"(},{"title":"Chart","body":["k"],"sources":[],)" + chart +
+           R"(},{"title":"Points","body":["p","q"],"sources":["http://h/"]}])" + more + "}";
+  };
+  const std::string sources = R"("sources":["http://h/"])";
+  seeds.add("\2" + deck(sources, R"("chartIndex":0)", ""));
+  seeds.add("\6" + deck(sources, R"("chartIndex":0)", ""));
+  seeds.add("\12" + deck(sources + R"(,"sourceIDs":["a","b"])", R"("chartIndex":0)", ""));
+  seeds.add(std::string(1, '\0') +
+            deck(sources, R"("chartIndex":0)", R"(,"dataset":)" + zelvo::testing::yearlyProfit().encoded()));
+  const std::string reference = R"("chartReference":{"datasetID":"b","chartIndex":0})";
+  seeds.add("\1" + deck(sources, reference, R"(,"datasets":[])"));
+  seeds.add("\11" + deck(sources + R"(,"sourceIDs":["b"])", reference, ""));
+}
+
 void addReports(Seeds& seeds) {
   seeds.add("# Title\n\n|City|Sold|\n|:---|---:|\n| Bonn | 1,5 |\n|Graz|-0.25|\n\nText\n|a|b|\n");
   seeds.add(
@@ -108,6 +126,7 @@ int main(int argc, char** argv) {
   Seeds seeds(argv[2]);
   if (target == "fuzz_package" || target == "fuzz_extract") addWorkbooks(seeds);
   if (target == "fuzz_dataset") addDatasets(seeds);
+  if (target == "fuzz_presentation") addPresentations(seeds);
   if (target == "fuzz_report") addReports(seeds);
   if (target == "fuzz_request") addRequests(seeds);
   if (target == "fuzz_validate") addDocuments(seeds);
