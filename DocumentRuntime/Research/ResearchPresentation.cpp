@@ -34,9 +34,8 @@ ResearchPresentation ResearchPresentation::decode(std::string_view text, const A
                                                   const std::vector<Dataset>& datasets,
                                                   const std::vector<std::string>& allowedDatasetIDs,
                                                   const std::optional<ResearchSourceScope>& sourceScope) {
-  const ResearchPresentation deck =
-      decodedWithin(maximumCollectionBytes, text, "presentation collection content")
-          .attachingDatasets(datasets, allowedDatasetIDs);
+  ResearchPresentation deck = decodedWithin(maximumCollectionBytes, text, "presentation collection content")
+                                  .attachingDatasets(datasets, allowedDatasetIDs);
   deck.validate(allowedSources, sourceScope);
   return deck;
 }

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <compare>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -21,7 +20,7 @@ struct ResearchChartReference {
   std::string datasetID;        ///< empty for a deck's shared dataset; no identifier in a collection is
   std::int64_t chartIndex = 0;  ///< zero-based
 
-  auto operator<=>(const ResearchChartReference&) const = default;
+  bool operator==(const ResearchChartReference&) const = default;
 };
 
 /// A short research deck, as a language model describes it: slides of a few points that cite their evidence,

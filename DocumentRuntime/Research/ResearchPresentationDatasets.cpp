@@ -31,6 +31,7 @@ bool areBoundedIdentities(const std::vector<std::string>& ids) {
 
 std::vector<std::string> identitiesOf(const std::vector<Dataset>& datasets) {
   std::vector<std::string> ids;
+  ids.reserve(datasets.size());
   for (const Dataset& dataset : datasets)
     ids.push_back(dataset.id);
   return ids;

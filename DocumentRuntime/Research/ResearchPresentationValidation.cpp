@@ -5,6 +5,7 @@
 #include <set>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "DocumentRuntime/Errors/DocumentError.hpp"
@@ -15,7 +16,6 @@
 namespace zelvo {
 namespace {
 
-using ChartReference = ResearchPresentation::ChartReference;
 using Dataset = ResearchPresentation::Dataset;
 using Row = ResearchSpreadsheet::Row;
 using Scope = ResearchSourceScope;
@@ -62,9 +62,10 @@ void checkOutline(const ResearchPresentation& deck) {
 void checkDatasetCounts(const ResearchPresentation& deck) {
   const bool hasBothForms = deck.dataset && deck.datasets;
   const bool hasGoodIdentities = !deck.datasets || ResearchPresentation::hasBoundedIdentities(*deck.datasets);
-  std::set<ChartReference> references;
+  std::set<std::pair<std::string_view, std::int64_t>> references;
   for (const Slide& slide : deck.slides) {
-    if (slide.chartReference) references.insert(*slide.chartReference);
+    if (slide.chartReference)
+      references.emplace(slide.chartReference->datasetID, slide.chartReference->chartIndex);
   }
   require(!hasBothForms && hasGoodIdentities && references.size() <= maximumChartReferences,
           "Use at most four unique canonical datasets and four chart references.");
