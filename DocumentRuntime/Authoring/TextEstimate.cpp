@@ -27,12 +27,16 @@ bool isWide(char32_t scalar) {
 double estimatedWidth(std::string_view line, double fontSize) {
   double width = 0;
   for (std::size_t at = 0; at < line.size();) {
-    width += fontSize * (isWide(Unicode::nextScalar(line, at)) ? wideCharacter : otherCharacter);
+    width += fontSize * DocumentAuthor::characterWidth(Unicode::nextScalar(line, at));
   }
   return width;
 }
 
 }  // namespace
+
+double DocumentAuthor::characterWidth(char32_t scalar) {
+  return isWide(scalar) ? wideCharacter : otherCharacter;
+}
 
 std::int64_t DocumentAuthor::estimatedLines(std::string_view text, double widthPoints, double fontSize) {
   std::int64_t lines = 0;

@@ -16,6 +16,9 @@ inline constexpr std::int64_t contentWidth = 10'972'800;
 inline constexpr double contentWidthPoints = 864;
 inline constexpr std::int64_t emuPerPoint = 12'700;
 
+/// The width that a character is taken to have, in ems.
+double characterWidth(char32_t scalar);
+
 /// The lines that `text` takes in a box of that width, in points, at that font size, in points. Every line
 /// break starts a line; an empty text takes one.
 std::int64_t estimatedLines(std::string_view text, double widthPoints, double fontSize);

@@ -1,0 +1,62 @@
+#include "DocumentRuntime/Research/SlideChart.hpp"
+
+#include <algorithm>
+#include <cstddef>
+#include <string_view>
+
+#include "DocumentRuntime/Research/ResearchChartAuthor.hpp"
+#include "DocumentRuntime/Research/ResearchChartWorkbook.hpp"
+#include "DocumentRuntime/Research/SlideText.hpp"
+
+namespace zelvo {
+namespace {
+
+using Binding = ResearchPresentation::ResolvedChartBinding;
+
+/// The room for all category labels, and the size that office programs give them, in points.
+constexpr double axisWidth = 780;
+constexpr double labelSize = 10;
+
+constexpr std::string_view labelsAtAxis = R"(<c:tickLblPos val="nextTo"/><c:crossAx val="200"/>)";
+constexpr std::string_view labelsBelow = R"(<c:tickLblPos val="low"/>)";
+constexpr std::string_view smallLabels =
+    R"(<c:txPr><a:bodyPr rot="0" vert="horz"/><a:lstStyle/><a:p><a:pPr><a:defRPr sz="700"/></a:pPr>)"
+    R"(<a:endParaRPr lang="en-US"/></a:p></c:txPr>)";
+
+bool showsNegativeValues(const Binding& binding) {
+  return std::ranges::any_of(binding.chart().valueColumns, [&](std::int64_t column) {
+    return std::ranges::any_of(binding.cells, [&](const auto& row) {
+      const double* number = row[static_cast<std::size_t>(column)].number();
+      return number != nullptr && *number < 0;
+    });
+  });
+}
+
+bool hasCrowdedLabels(const Binding& binding) {
+  const double roomEach = axisWidth / static_cast<double>(binding.cells.size());
+  return std::ranges::any_of(binding.cells, [&](const auto& row) {
+    const std::string label = row[static_cast<std::size_t>(binding.chart().categoryColumn)].displayText();
+    return SlideText::width(ResearchChartAuthor::cleaned(label)) * labelSize > roomEach;
+  });
+}
+
+}  // namespace
+
+std::string slideChartXML(const Binding& binding) {
+  std::string xml =
+      ResearchChartAuthor::xml(binding.dataset, binding.cells, binding.chart(), /*embedded=*/true,
+                               ResearchChartWorkbook::columnMap(binding.chart()), /*zeroBaseline=*/true);
+  // Texts are escaped, so that this is found in the category axis alone.
+  std::size_t axis = xml.find(labelsAtAxis);
+  if (showsNegativeValues(binding)) {
+    constexpr std::size_t replaced = labelsAtAxis.find("<c:crossAx");
+    xml.replace(axis, replaced, labelsBelow);
+  }
+  if (hasCrowdedLabels(binding)) {
+    axis = xml.find("<c:crossAx", axis);
+    xml.insert(axis, smallLabels);
+  }
+  return xml;
+}
+
+}  // namespace zelvo

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <string>
+
+#include "DocumentRuntime/Research/ResearchPresentation.hpp"
+
+namespace zelvo {
+
+/// The chart part of a slide, over the workbook of `ResearchChartWorkbook`. Where a chart has values below
+/// zero its category labels stand below all bars, and where its labels have no room side by side they are
+/// small and wrapped; otherwise office programs would draw them across bars and legend.
+std::string slideChartXML(const ResearchPresentation::ResolvedChartBinding& binding);
+
+}  // namespace zelvo

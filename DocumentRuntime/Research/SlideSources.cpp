@@ -1,0 +1,29 @@
+#include "DocumentRuntime/Research/SlideSources.hpp"
+
+#include "DocumentRuntime/Research/SlideText.hpp"
+
+namespace zelvo {
+namespace {
+
+SlideSource sourceOf(const ResearchSourceScope::Record& record) {
+  return {.name = SlideText::flattened(std::string(record.kindLabel()) + ": " + record.label),
+          .observation = " · " + record.observedUTC(),
+          .identity = SlideText::flattened(record.metadata())};
+}
+
+}  // namespace
+
+std::vector<SlideSource> slideSources(const ResearchPresentation::Slide& slide,
+                                      const std::optional<ResearchSourceScope>& scope) {
+  std::vector<SlideSource> sources;
+  for (const auto& record : ResearchPresentation::sourceRecords(slide, scope))
+    sources.push_back(sourceOf(record));
+  if (scope) return sources;
+  for (const std::string& url : slide.sources)
+    sources.push_back({.name = url, .observation = {}, .identity = url});
+  for (const std::string& id : slide.sourceIDs.value_or(std::vector<std::string>()))
+    sources.push_back({.name = "Source ID: " + id, .observation = {}, .identity = id});
+  return sources;
+}
+
+}  // namespace zelvo

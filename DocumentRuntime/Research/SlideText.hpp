@@ -1,0 +1,38 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// How texts are made to fit on the slides of a research deck, without measuring fonts: every character is
+/// taken for at least as wide as it is drawn in the deck's typeface, bold or not. Widths and sizes are in
+/// points.
+namespace zelvo::SlideText {
+
+/// The height of a line, of a font's size.
+inline constexpr double lineSpacing = 1.2;
+/// The space between paragraphs, of a font's size.
+inline constexpr double paragraphSpacing = 0.4;
+
+/// A text as a slide shows it, on lines of the slide's own making: with a space for each line break and tab.
+std::string flattened(std::string_view text);
+
+/// The room for paragraphs, and the font sizes to choose from.
+struct Room {
+  double width;
+  double height;
+  int largestSize;
+};
+
+/// The width of a text on one line, in ems.
+double width(std::string_view text);
+
+/// The largest font size, in whole points, at which the paragraphs, wrapped at words, fit into the room.
+/// Throws `DocumentError` unsupported "slide text needs too much space" where even the smallest legible size
+/// is too large: for characters that are drawn from many others, never for plain ones.
+int fittedSize(const std::vector<std::string>& paragraphs, const Room& room);
+
+/// A text on one line: whole, or as much of its beginning as leaves room for "…", and then the ending.
+std::string abbreviated(std::string_view text, std::string_view ending, double lineWidth, double fontSize);
+
+}  // namespace zelvo::SlideText

@@ -1,0 +1,148 @@
+#include <chrono>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "Datasets.hpp"
+#include "DocumentRuntime/Errors/DocumentError.hpp"
+#include "DocumentRuntime/PackageIO/BoundedZIP.hpp"
+#include "DocumentRuntime/Research/DeliveryVerification.hpp"
+#include "DocumentRuntime/Research/ResearchPresentation.hpp"
+#include "DocumentRuntime/Research/SlideText.hpp"
+#include "Support/ExpectedPackage.hpp"
+
+namespace zelvo {
+namespace {
+
+const std::filesystem::path expected = EXPECTED_FOLDER;
+
+ResearchSourceScope scope() {
+  using Record = ResearchSourceScope::Record;
+  const std::chrono::sys_days day = std::chrono::year(2024) / 2 / 29;
+  return {{"local-1"},
+          {{"web-1", "https://example.org/2022"},
+           {"web-2", "https://example.org/2023"},
+           {"web-3", "https://example.org/2024"}},
+          {{.id = "local-1",
+            .kind = Record::Kind::localSnapshot,
+            .label = "Notes\n& more",
+            .observedAt = day,
+            .coverage = "page 1",
+            .provenanceURL = {}}}};
+}
+
+/// A cover, points, and the same chart twice; the chart has a gap, a value below zero and crowded labels.
+ResearchPresentation deck() {
+  ResearchSpreadsheet dataset = testing::yearlyProfit();
+  dataset.rows[1].cells[2] = testing::blankCell();
+  dataset.rows[2].cells[2] = testing::numberCell(-4.5);
+  dataset.rows[2].cells[0] = testing::textCell(std::string(60, 'l'));
+  dataset.rows[0].cells[2] = testing::numberCell(0.1);
+  dataset.charts[0].kind = testing::Chart::Kind::bar;
+  dataset.charts[0].valueColumns = {2};
+  ResearchPresentation deck{
+      .title = "Deck", .report = "Report", .slides = {}, .dataset = dataset, .datasets = {}};
+  deck.slides = {
+      {.title = "Cover\r\nof <two> lines", .body = {"First"}, .sources = {}, .sourceIDs = {{"local-1"}}},
+      {.title = "Points", .body = {"One", "Two\tparts", "Three"}, .sources = {"https://example.org/2022"}},
+      {.title = "Chart", .body = {"Insight"}, .sources = {}, .chartIndex = 0},
+      {.title = "Again", .body = {"Insight"}, .sources = {}, .chartIndex = 0}};
+  return deck;
+}
+
+TEST(ResearchPresentationRenderer, IsExactlyTheExpectedBytes) {
+  EXPECT_EQ(testing::differences(ResearchPresentation::make(deck(), 4, scope()), expected / "deck"), "");
+}
+
+TEST(ResearchPresentationRenderer, FitsTextsOfAnyLength) {
+  // Headings have 864 × 78 points.
+  const auto size = [](const std::string& text) {
+    return SlideText::fittedSize({text}, {.width = 864, .height = 78, .largestSize = 30});
+  };
+  EXPECT_EQ(size("Short"), 30);
+  EXPECT_EQ(size(std::string(80, 'i')), 30);  // 52 ems on two lines of 28.8
+  EXPECT_EQ(size(std::string(80, 'W')), 21);  // 80 ems on two lines of 41.1
+  EXPECT_EQ(size("aaaaaaaaaaaaaaaaaaaaaaaaa aaaaaaaaaaaaaaaaaaaaaaaaa b"), 30);  // words stay whole
+  EXPECT_EQ(size(std::string(25, 'W') + " " + std::string(25, 'W') + " " + std::string(25, 'W')), 21);
+  std::string stacked = "a";
+  for (int i = 0; i < 2000; ++i)
+    stacked += "\u0301";
+  EXPECT_THROW(size(stacked), DocumentError);
+
+  // 20 characters of 0.65 ems, an "m" of 0.9; what may be half a character goes, too.
+  EXPECT_EQ(SlideText::abbreviated("https://example.org/", "", 133, 10), "https://example.org/");
+  EXPECT_EQ(SlideText::abbreviated("https://example.org/", "", 132, 10), "https://example.o…");
+  EXPECT_EQ(SlideText::abbreviated("https://example.org/", " · now", 132, 10), "https://ex… · now");
+  EXPECT_EQ(SlideText::abbreviated("xa\u0301\u0301b", "", 35, 10), "x…");
+}
+
+struct Break {
+  std::string part;
+  std::string from;
+  std::string to;
+  std::string message;
+};
+
+TEST(DeliveryVerification, NamesWhatDidNotSurvive) {
+  const std::string content = "Slide content did not survive delivery.";
+  const std::string identity = "Slide source identities did not survive delivery.";
+  const std::string observation =
+      "Trusted source coverage and observation time did not survive presentation delivery.";
+  const std::string chart = "Slide chart data did not survive delivery.";
+  const Break breaks[] = {
+      {"ppt/presentation.xml", R"(<p:sldId id="257" r:id="rId3"/>)", "", "A slide is missing."},
+      {"ppt/presentation.xml", R"(r:id="rId5")", R"(r:id="rId55")", "A slide is missing."},
+      {"ppt/presentation.xml", R"(r:id="rId4")", R"(r:id="rId3")", content},
+      {"ppt/slides/slide1.xml", "Cover of", "Cover off", content},
+      {"ppt/slides/slide2.xml", "<a:t>Two parts</a:t>", "<a:t>Two</a:t></a:r><a:r><a:t> parts</a:t>",
+       content},
+      {"ppt/slides/slide2.xml", "<a:t>Three</a:t>", "<a:t>Trhee</a:t>", content},
+      {"ppt/slides/slide2.xml", R"(type="slidenum"><a:rPr)", R"(><a:t>2</a:t><a:rPr)", content},
+      {"ppt/slides/slide1.xml", R"(descr="local-1 |)", R"(descr="local-2 |)", identity},
+      {"ppt/slides/slide2.xml", "name=\"Source 1\"", "name=\"Sauce 1\"", identity},
+      {"ppt/slides/slide3.xml", "name=\"Footer rule\"", "name=\"Source 1\"", identity},
+      {"ppt/slides/slide1.xml", "| page 1 |", "| page 2 |", observation},
+      {"ppt/slides/slide1.xml", "2024-02-29T00:00:00Z |", "2024-03-01T00:00:00Z |", observation},
+      {"ppt/slides/slide1.xml", " · 2024-02-29T00:00:00Z</a:t>", " · 2024-02-28T00:00:00Z</a:t>",
+       observation},
+      {"ppt/slides/_rels/slide4.xml.rels", "charts/chart1.xml", "slides/slide2.xml", chart},
+      {"ppt/slides/slide2.xml", "</p:spTree>", "<c:chart/></p:spTree>", chart},
+      {"ppt/charts/chart1.xml", "<c:v>0.1</c:v>", "<c:v>0.10</c:v>", chart},
+      {"ppt/charts/chart1.xml", R"(<c:pt idx="2"><c:v>-4.5)", R"(<c:pt idx="1"><c:v>-4.5)", chart},
+      {"ppt/charts/chart1.xml", "<c:v>2023</c:v>", "<c:v>2022</c:v>", chart},
+      {"ppt/charts/chart1.xml", "<c:v>A (USD)</c:v>", "<c:v>A</c:v>", chart},
+      {"ppt/charts/chart1.xml", "$B$2:$B$4", "$B$2:$B$5", chart},
+      {"ppt/charts/chart1.xml", "<a:t>Profit</a:t>", "<a:t>Loss</a:t>", chart},
+      {"ppt/charts/chart1.xml", "<c:externalData", "<c:ser/><c:externalData", chart},
+      {"data", "<v>-4.5</v>", "<v>4.5</v>", chart},
+      {"data", "A (USD)", "B (USD)", chart},
+      {"data", R"(<c r="B2"><v>0.1</v></c>)", R"(<c r="B2"><v>0.1</v></c><c r="C2"><v>7</v></c>)", chart},
+      {"data", R"(<row r="3">)", R"(<row r="3"><c r="B3"><v>0</v></c>)", chart},
+  };
+  const ByteBuffer written = ResearchPresentation::make(deck(), 4, scope());
+  EXPECT_NO_THROW(verifyDelivery(written.view(), deck(), scope()));
+  for (const auto& [name, from, to, message] : breaks) {
+    PartMap parts = BoundedZIP::read(written.view());
+    const char* embedded = "ppt/embeddings/chart-data1.xlsx";
+    const bool inside = name == "data";
+    PartMap workbook = BoundedZIP::read(parts.find(embedded)->view());
+    PartMap& target = inside ? workbook : parts;
+    const std::string part = inside ? "xl/worksheets/sheet1.xml" : name;
+    std::string xml(target.find(part)->text());
+    const std::size_t position = xml.find(from);
+    ASSERT_NE(position, std::string::npos) << from;
+    target.set(part, ByteBuffer::copyOf(xml.replace(position, from.size(), to)));
+    if (inside) parts.set(embedded, BoundedZIP::write(workbook));
+    try {
+      verifyDelivery(BoundedZIP::write(parts).view(), deck(), scope());
+      ADD_FAILURE() << "delivered: " << to;
+    } catch (const DocumentError& error) {
+      EXPECT_EQ(error, DocumentError::validationFailed(message)) << to;
+    }
+  }
+}
+
+}  // namespace
+}  // namespace zelvo
