@@ -9,31 +9,21 @@ namespace zelvo::testing {
 namespace {
 
 TEST(CommandLine, RefusesWhatMakesNoSense) {
-  struct Row {
-    std::vector<std::string> arguments;
-    std::string message;
-  };
-  const std::vector<Row> rows = {
-      {{}, "A subcommand is required"},
-      {{"inspect"}, "BOOK.xlsx is required"},
-      {{"inspect", "--jsno", "a.xlsx"}, "The following argument was not expected: --jsno"},
-      {{"inspect", "-x"}, "BOOK.xlsx is required"},
-      {{"--json", "inspect", "a.xlsx"}, "The following argument was not expected: --json"},
-      {{"extract", "a.xlsx", "--sheet", "S"}, "--range is required"},
-      {{"extract", "a.xlsx", "--sheet", "\xff", "--range", "A1"}, "--sheet: The text is not UTF-8"},
-      {{"extract", "-", "--sheet", "S", "--sheet", "T", "--range", "A1"},
-       "--sheet: At Most 1 required but received 2"},
-      {{"extract", "-", "--sheet", "S", "--range", "A1", "--json", "--csv"}, "--json excludes --csv"},
-      {{"create", "-", "--sheet", "S", "--range", "A1", "--title", "t"}, "-o is required"},
-      {{"create", "-", "--sheet", "S", "--range", "A1", "--title", "t", "-o", "docx"},
-       "-o: The file's name must end in .docx or .pptx"},
-      {{"validate", "a.xlsx"}, "DOC.docx|DOC.pptx: The file's name must end in .docx or .pptx"},
-      {{"validate", "a.pptx", "--chart", "0"}, "--chart: The columns must be given as CATEGORY:VALUE"},
-      {{"validate", "a.pptx", "--chart-title", "t"}, "--chart-title requires --chart"},
-  };
-  for (const Row& row : rows) {
-    EXPECT_EQ(zelvo(row.arguments), (ToolRun{2, "", "zelvo: " + row.message + " (see zelvo --help)\n"}));
-  }
+  for (const auto& [arguments, message] : cases<2>(R"(
+      => A subcommand is required ; inspect => BOOK.xlsx is required ; inspect -x => BOOK.xlsx is required
+      inspect --jsno a.xlsx => The following argument was not expected: --jsno
+      --json inspect a.xlsx => The following argument was not expected: --json
+      extract a.xlsx --sheet S => --range is required
+      extract - --sheet S --sheet T --range A1 => --sheet: At Most 1 required but received 2
+      extract - --sheet S --range A1 --json --csv => --json excludes --csv
+      create - --sheet S --range A1 --title t => -o is required
+      create - --sheet S --range A1 --title t -o docx => -o: The file's name must end in .docx or .pptx
+      validate a.xlsx => DOC.docx|DOC.pptx: The file's name must end in .docx or .pptx
+      validate a.pptx --chart 0 => --chart: The columns must be given as CATEGORY:VALUE
+      validate a.pptx --chart-title t => --chart-title requires --chart)"))
+    EXPECT_EQ(zelvo(words(arguments)), failure(2, message + " (see zelvo --help)"));
+  EXPECT_EQ(zelvo({"extract", "a.xlsx", "--sheet", "\xff", "--range", "A1"}),
+            failure(2, "--sheet: The text is not UTF-8 (see zelvo --help)"));
 }
 
 TEST(CommandLine, HelpsOnStandardOutput) {

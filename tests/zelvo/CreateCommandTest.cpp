@@ -36,21 +36,14 @@ TEST(CreateCommand, WritesADocumentAndSaysWhatItIs) {
   const std::string word = folder.write("a.DOCX", "to be replaced");
   const std::string slides = folder.path("a.pptx");
   const std::string chart = folder.path("chart.pptx");
-  struct Row {
-    std::string path;
-    std::vector<std::string> options;
-    std::string format;
-    std::string slides;
+  const auto expectCreated = [](const std::string& path, const std::vector<std::string>& options,
+                                const std::string& format, const std::string& count) {
+    const ToolRun run = create(path, options);
+    EXPECT_EQ(run, (ToolRun{0, summary(path, format, count), ""}));
   };
-  const std::vector<Row> rows = {
-      {word, {}, "Word document", ""},
-      {slides, {}, "PowerPoint presentation", "  Slides   1\n"},
-      {chart, {"--chart", "Region:3"}, "PowerPoint presentation", "  Slides   2\n"},
-  };
-  for (const Row& row : rows) {
-    const ToolRun run = create(row.path, row.options);
-    EXPECT_EQ(run, (ToolRun{0, summary(row.path, row.format, row.slides), ""}));
-  }
+  expectCreated(word, {}, "Word document", "");
+  expectCreated(slides, {}, "PowerPoint presentation", "  Slides   1\n");
+  expectCreated(chart, {"--chart", "Region:3"}, "PowerPoint presentation", "  Slides   2\n");
   // Only what was asked for is left in the folder.
   EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.path("")), {}), 3);
 
@@ -79,46 +72,35 @@ TEST(CreateCommand, WritesNoDocumentToATerminal) {
 }
 
 TEST(CreateCommand, LeavesNothingBehindWhenItFails) {
-  struct Row {
-    std::vector<std::string> options;
-    std::string range;
-    std::string message;
-  };
   const std::string columns =
       " (the columns are 0 Region, 1 Orders, 2 Bags, 3 Revenue, 4 Share of revenue, 5 Average order)";
-  const std::string unusable = "The selected table cannot be used: ";
-  const std::vector<Row> rows = {
-      {{},
-       "A1:Z9",
-       "The document exceeds a safe processing limit: select at most eight columns and 200 data rows"},
-      {{"--chart", "Region:revenue"},
-       "A1:F5",
-       "The chart does not name two columns: Region:revenue" + columns},
-      {{"--chart", "0:-1"}, "A1:F5", "The chart does not name two columns: 0:-1" + columns},
-      {{"--chart", "0:6"}, "A1:F5", unusable + "chart needs two different columns and at most 30 rows"},
-      {{"--chart", "1:0"},
-       "A1:F5",
-       unusable + "chart categories and numeric values must be present; missing values are not zero"},
-  };
+  const std::string unusable = "The selected table cannot be used: chart ";
+  const std::string values = "categories and numeric values must be present; missing values are not zero";
   const TemporaryFolder folder;
   const std::string old = folder.write("old.pptx", "old");
-  for (const Row& row : rows)
-    EXPECT_EQ(create(old, row.options, row.range), (ToolRun{1, "", "zelvo: " + row.message + "\n"}));
+  const auto chart = [&](const char* selection) { return create(old, {"--chart", selection}); };
+  EXPECT_EQ(create(old, {}, "A1:Z9"),
+            failure(1,
+                    "The document exceeds a safe processing limit: select at most eight columns and 200 data "
+                    "rows"));
+  for (const char* selection : {"Region:revenue", "0:-1"})
+    EXPECT_EQ(chart(selection),
+              failure(1, std::string("The chart does not name two columns: ") + selection + columns));
+  EXPECT_EQ(chart("0:6"), failure(1, unusable + "needs two different columns and at most 30 rows"));
+  EXPECT_EQ(chart("1:0"), failure(1, unusable + values));
   EXPECT_EQ(contentOf(old), "old");
 
+  const auto unwritable = [&](const char* name, const char* reason) {
+    return failure(1, "The file cannot be written: " + folder.path(name) + ": " + reason);
+  };
   std::filesystem::create_directory(folder.path("folder.docx"));
-  const std::string unwritable = "zelvo: The file cannot be written: ";
-  EXPECT_EQ(create(folder.path("folder.docx")),
-            (ToolRun{1, "", unwritable + folder.path("folder.docx") + ": Is a directory\n"}));
-  EXPECT_EQ(create(folder.path("absent/a.docx")),
-            (ToolRun{1, "", unwritable + folder.path("absent/a.docx") + ": No such file or directory\n"}));
+  EXPECT_EQ(create(folder.path("folder.docx")), unwritable("folder.docx", "Is a directory"));
+  EXPECT_EQ(create(folder.path("absent/a.docx")), unwritable("absent/a.docx", "No such file or directory"));
   // A full disk, or near enough: the file may not grow to its size.
-  EXPECT_EQ(
-      run("/bin/sh",
-          {"-c",
-           R"(trap '' XFSZ; ulimit -f 8; "$0" create "$1" --sheet Orders --range A1:F8 --title t -o "$2")",
-           TOOL, book, folder.path("full.docx")}),
-      (ToolRun{1, "", unwritable + folder.path("full.docx") + ": File too large\n"}));
+  const std::string script =
+      R"(trap '' XFSZ; ulimit -f 8; "$0" create "$1" --sheet Orders --range A1:F8 --title t -o "$2")";
+  EXPECT_EQ(run("/bin/sh", {"-c", script, TOOL, book, folder.path("full.docx")}),
+            unwritable("full.docx", "File too large"));
   EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.path("")), {}), 2);
 }
 

@@ -53,8 +53,7 @@ TEST(ExtractCommand, ShowsATableForPeople) {
 
 TEST(ExtractCommand, MarksWhatPeopleMustKnow) {
   const DisplacedTool tool("say " + oddTable);
-  const std::vector<std::string> arguments = {"extract", "-", "--sheet", "S", "--range", "B3:E6"};
-  EXPECT_EQ(tool.run(arguments), (ToolRun{0, R"(-
+  EXPECT_EQ(tool.run(words("extract - --sheet S --range B3:E6")), (ToolRun{0, R"(-
   Row  Text          Odd, "title"   Count  Note
     4  a\u{D}\u{A}b         12.50*      7        hidden
     6  価\u{9B}                 1          TRUE
@@ -68,18 +67,17 @@ TEST(ExtractCommand, MarksWhatPeopleMustKnow) {
 
   Warning: w\u{7}
 )",
-                                          ""}));
+                                                                           ""}));
 }
 
 TEST(ExtractCommand, PrintsCsv) {
   const DisplacedTool tool("say " + oddTable);
-  const std::vector<std::string> arguments = {"extract", "-", "--sheet", "S", "--range", "B3:E6", "--csv"};
-  EXPECT_EQ(tool.run(arguments), (ToolRun{0,
-                                          "Text,\"Odd, \"\"title\"\"\",Count,Note\r\n\"a\r\nb\",12.50,7,\r\n"
-                                          "価\u009B,1,,TRUE\r\n",
-                                          ""}));
+  const ToolRun odd = tool.run(words("extract - --sheet S --range B3:E6 --csv"));
+  EXPECT_EQ(odd.output,
+            unpictured(R"(Text,"Odd, ""title""",Count,Note␍␊"a␍␊b",12.50,7,␍␊価)") + "\u009B,1,,TRUE\r\n");
+  EXPECT_EQ(odd.status, 0);
   EXPECT_EQ(extract("Notes ☕", "A5:A6", {"--csv", "--no-header"}),
-            (ToolRun{0, "Column A\r\n\"\"\r\n\"\"\r\n", ""}));
+            (ToolRun{0, unpictured(R"(Column A␍␊""␍␊""␍␊)"), ""}));
 }
 
 TEST(ExtractCommand, PrintsTheRecord) {
@@ -93,33 +91,21 @@ TEST(ExtractCommand, PrintsTheRecord) {
 }
 
 TEST(ExtractCommand, NamesWhatCanBeSelected) {
-  struct Row {
-    std::string sheet;
-    std::string range;
-    std::string message;
-    bool hasHint = true;
-  };
-  const std::string unusable = "The selected table cannot be used: ";
-  const std::vector<Row> rows = {
-      {"quarter", "A1:B2", unusable + "unknown or hidden worksheet"},
-      {"Assumptions", "A1:B2", unusable + "unknown or hidden worksheet"},
-      {"Quarter", "A1-B2", unusable + "cell address"},
-      {"Quarter", "B2:A1", unusable + "reversed range"},
-      {"Quarter", "A1:I2",
-       "The document exceeds a safe processing limit: select at most eight columns and 200 data rows"},
-      {"Quarter", "A1:B2",
-       "Cell B2 needs a verified formula result. This reader does not recalculate formulas.", false},
-  };
-  for (const Row& row : rows) {
-    EXPECT_EQ(extract(row.sheet, row.range),
-              (ToolRun{1, "", "zelvo: " + row.message + "\n" + (row.hasHint ? sheets : "")}));
-  }
+  for (const auto& [sheet, range, message] : cases<3>(R"(
+      quarter | A1:B2 => The selected table cannot be used: unknown or hidden worksheet
+      Assumptions | A1:B2 => The selected table cannot be used: unknown or hidden worksheet
+      Quarter | A1-B2 => The selected table cannot be used: cell address
+      Quarter | B2:A1 => The selected table cannot be used: reversed range
+      Quarter | A1:I2 => The document exceeds a safe processing limit: select at most eight columns and 200 data rows)"))
+    EXPECT_EQ(extract(sheet, range), (ToolRun{1, "", "zelvo: " + message + "\n" + sheets}));
+  EXPECT_EQ(
+      extract("Quarter", "A1:B2"),
+      failure(1, "Cell B2 needs a verified formula result. This reader does not recalculate formulas."));
   // The workbook is at hand for the hint even where it can be read only once.
-  EXPECT_EQ(zelvo({"extract", "-", "--sheet", "x", "--range", "A1"}, contentOf(book)).errors,
-            "zelvo: " + unusable + "unknown or hidden worksheet\n" + sheets);
+  EXPECT_EQ(zelvo(words("extract - --sheet x --range A1"), contentOf(book)).errors,
+            "zelvo: The selected table cannot be used: unknown or hidden worksheet\n" + sheets);
   // A workbook that is none has no sheets to name.
-  EXPECT_EQ(zelvo({"extract", "-", "--sheet", "x", "--range", "A1"}, "no").errors.find("Visible"),
-            std::string::npos);
+  EXPECT_EQ(zelvo(words("extract - --sheet x --range A1"), "no").errors.find("Visible"), std::string::npos);
 }
 
 }  // namespace

@@ -27,7 +27,7 @@ ToolRun check(std::vector<std::string> arguments, std::string_view input = datas
 }
 
 ToolRun refused(const std::string& message) {
-  return {1, "", "zelvo: The generated document did not pass validation: " + message + "\n"};
+  return failure(1, "The generated document did not pass validation: " + message);
 }
 
 TEST(ResearchCheckCommand, PrintsTheCheckedDataset) {
@@ -67,8 +67,8 @@ TEST(ResearchCheckCommand, RefusesWithTheMessageAlone) {
   const std::string broken = folder.write("broken.json", "{}");
   EXPECT_EQ(check({"--scope", broken, "-"}).status, 1);
   EXPECT_EQ(check({"absent.json"}),
-            (ToolRun{1, "", "zelvo: The file cannot be read: absent.json: No such file or directory\n"}));
-  EXPECT_EQ(check({"/dev/zero"}), (ToolRun{1, "", "zelvo: The file is larger than 16 MiB: /dev/zero\n"}));
+            failure(1, "The file cannot be read: absent.json: No such file or directory"));
+  EXPECT_EQ(check({"/dev/zero"}), failure(1, "The file is larger than 16 MiB: /dev/zero"));
 }
 
 TEST(ResearchCheckCommand, RefusesACommandLineThatMakesNoSense) {

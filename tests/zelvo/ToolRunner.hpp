@@ -9,6 +9,7 @@
 
 #include <gtest/gtest.h>
 
+#include "Support/Cases.hpp"
 #include "Support/FakeWorker.hpp"
 #include "Support/TemporaryFolder.hpp"
 #include "Support/Texts.hpp"
@@ -25,6 +26,11 @@ struct ToolRun {
 
   bool operator==(const ToolRun&) const = default;
 };
+
+/// A run that says nothing but why it failed.
+inline ToolRun failure(int status, const std::string& message) {
+  return {status, "", "zelvo: " + message + "\n"};
+}
 
 inline std::ostream& operator<<(std::ostream& stream, const ToolRun& run) {
   return stream << "status " << run.status << "\n--- output\n"

@@ -10,12 +10,13 @@
 namespace zelvo::testing {
 namespace {
 
-const std::vector<std::string> table = {EXAMPLE_WORKBOOK, "--sheet", "Prices 価格",
-                                        "--range",        "A1:D6",   "--cached-formulas"};
+using Words = std::vector<std::string>;
 
-std::vector<std::string> joined(std::vector<std::string> words, const std::vector<std::string>& more) {
-  words.insert(words.end(), more.begin(), more.end());
-  return words;
+const Words table = {EXAMPLE_WORKBOOK, "--sheet", "Prices 価格", "--range", "A1:D6", "--cached-formulas"};
+
+Words joined(Words arguments, const Words& more) {
+  arguments.insert(arguments.end(), more.begin(), more.end());
+  return arguments;
 }
 
 /// Documents of one table, and the table.
@@ -28,7 +29,7 @@ class ValidateCommand : public ::testing::Test {
     create(chart, {"--chart", "0:" + std::to_string(valueColumn)});
   }
 
-  void create(const std::string& path, const std::vector<std::string>& options = {}) {
+  void create(const std::string& path, const Words& options = {}) {
     const ToolRun run = zelvo(joined(joined({"create", "--title", "t", "-o", path}, table), options));
     ASSERT_EQ(run.status, 0) << run;
   }
@@ -42,44 +43,31 @@ class ValidateCommand : public ::testing::Test {
 };
 
 TEST_F(ValidateCommand, SaysWhatIsProvedAndWhatIsNot) {
-  struct Row {
-    std::string path;
-    std::vector<std::string> options;
-    std::string format;
-    std::string values;
-    std::string chart;
-  };
-  const std::string unexpected = "not proved: no table was expected (--expect)";
-  const std::string isNone = "not looked for: a Word document has none";
-  const std::string presentation = "PowerPoint presentation";
-  const std::vector<Row> rows = {
-      {word, {}, "Word document", unexpected, isNone},
-      {word, {"--expect", expected, "--chart", "x:y"}, "Word document", "proved", isNone},
-      {slides, {"--expect", expected}, presentation, "proved", "proved: there is none"},
-      {chart,
-       {"--chart", "0:2", "--chart-title", "t"},
-       presentation,
-       unexpected,
-       "proved to agree with its own workbook; not with a table (--expect)"},
-      {chart,
-       {"--chart", "0:2", "--expect", expected},
-       presentation,
-       "proved",
-       "proved: it shows the columns of the expected table"},
-  };
-  for (const Row& row : rows) {
-    const ToolRun run = zelvo(joined({"validate", row.path}, row.options));
+  const auto expectFindings = [](const std::string& path, const Words& options, const std::string& format,
+                                 const std::string& values, const std::string& shown) {
+    const ToolRun run = zelvo(joined({"validate", path}, options));
     const std::string findings =
-        row.path + "\n  Format         " + row.format + "\n  Structure      proved\n  Source values  " +
-        row.values + "\n  Chart          " + row.chart +
-        "\n  Appearance     not proved\n  Profile        zelvo-ooxml-profile-1\n  SHA-256        " +
-        Digest::sha256(bytesOf(contentOf(row.path))) +
+        path + "\n  Format         " + format + "\n  Structure      proved\n  Source values  " + values +
+        "\n  Chart          " + shown +
+        "\n  Appearance     not proved\n  Profile        zelvo-ooxml-profile-1" + "\n  SHA-256        " +
+        Digest::sha256(bytesOf(contentOf(path))) +
         "\n\n  Warning: Layout has not been rendered or checked in Word/PowerPoint.\n";
     EXPECT_EQ(run.status, 0) << run;
     EXPECT_TRUE(run.output.starts_with(findings)) << run;
     // The expected table brings its own warnings.
-    EXPECT_EQ(run.output.size() > findings.size(), row.values == "proved") << run;
-  }
+    EXPECT_EQ(run.output.size() > findings.size(), values == "proved") << run;
+  };
+  const std::string unexpected = "not proved: no table was expected (--expect)";
+  const std::string isNone = "not looked for: a Word document has none";
+  const std::string deck = "PowerPoint presentation";
+  const Words expect = {"--expect", expected};
+  expectFindings(word, {}, "Word document", unexpected, isNone);
+  expectFindings(word, joined(expect, {"--chart", "x:y"}), "Word document", "proved", isNone);
+  expectFindings(slides, expect, deck, "proved", "proved: there is none");
+  expectFindings(chart, {"--chart", "0:2", "--chart-title", "t"}, deck, unexpected,
+                 "proved to agree with its own workbook; not with a table (--expect)");
+  expectFindings(chart, joined(expect, {"--chart", "0:2"}), deck, "proved",
+                 "proved: it shows the columns of the expected table");
 }
 
 TEST_F(ValidateCommand, PrintsTheRecordOfStandardInput) {
@@ -99,31 +87,24 @@ TEST_F(ValidateCommand, RefusesWithTheMessageAlone) {
   lastValue = lastValue == '1' ? '2' : '1';
   const std::string other = folder.write("other.json", otherValue);
   const std::string broken = folder.write("broken.json", "{}");
-  const std::string invalid = "The generated document did not pass validation: ";
-  struct Row {
-    std::vector<std::string> arguments;
-    int status;
-    std::string message;
+  const auto validated = [](const Words& arguments) { return zelvo(joined({"validate"}, arguments)); };
+  const auto invalidity = [](const std::string& detail) {
+    return failure(1, "The generated document did not pass validation: " + detail);
   };
-  const std::vector<Row> rows = {
-      {{chart}, 1, invalid + "unexpected chart"},
-      {{slides, "--chart", "0:2"}, 1, invalid + "missing chart or orphaned chart workbook"},
-      {{chart, "--chart", "0:3", "--expect", expected},
-       1,
-       invalid + "chart data differs from the approved columns"},
-      {{word, "--expect", other}, 1, invalid + "table cells differ from frozen source values"},
-      {{word, "--expect", broken}, 1, R"(The key "sourceName" is missing.)"},
-      {{word, "--expect", "absent"}, 1, "The file cannot be read: absent: No such file or directory"},
-      {{word, "--expect", "/dev/zero"}, 1, "The file is larger than 40 MiB: /dev/zero"},
-      {{chart, "--chart", "0:Bags"}, 2, "Without --expect, --chart takes indexes of columns only: 0:Bags"},
-      {{folder.write("none.docx", "no document, but longer than 22 bytes")},
-       1,
-       "The document archive is invalid: missing ZIP directory"},
-  };
-  for (const Row& row : rows) {
-    const ToolRun run = zelvo(joined({"validate"}, row.arguments));
-    EXPECT_EQ(run, (ToolRun{row.status, "", "zelvo: " + row.message + "\n"}));
-  }
+  EXPECT_EQ(validated({chart}), invalidity("unexpected chart"));
+  EXPECT_EQ(validated({slides, "--chart", "0:2"}), invalidity("missing chart or orphaned chart workbook"));
+  EXPECT_EQ(validated({chart, "--chart", "0:3", "--expect", expected}),
+            invalidity("chart data differs from the approved columns"));
+  EXPECT_EQ(validated({word, "--expect", other}), invalidity("table cells differ from frozen source values"));
+  EXPECT_EQ(validated({word, "--expect", broken}), failure(1, R"(The key "sourceName" is missing.)"));
+  EXPECT_EQ(validated({word, "--expect", "absent"}),
+            failure(1, "The file cannot be read: absent: No such file or directory"));
+  EXPECT_EQ(validated({word, "--expect", "/dev/zero"}),
+            failure(1, "The file is larger than 40 MiB: /dev/zero"));
+  EXPECT_EQ(validated({chart, "--chart", "0:Bags"}),
+            failure(2, "Without --expect, --chart takes indexes of columns only: 0:Bags"));
+  EXPECT_EQ(validated({folder.write("none.docx", "no document, but longer than 22 bytes")}),
+            failure(1, "The document archive is invalid: missing ZIP directory"));
 }
 
 }  // namespace
