@@ -57,11 +57,12 @@ DATASETS = {
         [("line", [1, 2]), ("bar", [3])],
         [(0, 3, "multiply", (0, 1), (3, 3)), (1, 3, "multiply", (1, 1), 2), (2, 3, "divide", (2, 2), (2, 1)),
          (3, 3, "divide", 1, 3), (4, 3, "sum", (1, 1), 2)]),
-    # As many rows, columns, charts and series as there may be, and as many calculations as fit into a response with them.
+    # As many rows, columns, calculations, charts and series as there may be.
     "largest": dataset(
         [("Key", "text"), ("Day", "date"), *((f"N{i}", "number") for i in range(10))],
-        [[f"Key {i}", f"20{i % 30:02}-01-{i % 28 + 1:02}", *(round(i / (n + 3), 3) for n in range(9)), None] for i in range(500)],
-        [(kind, [2, 3, 4, 11]) for kind in ("line", "bar") * 2], [(i, 11, "add", (i, 2), (i, 3)) for i in range(500)])}
+        [[f"Key {i}", f"20{i % 30:02}-01-{i % 28 + 1:02}", *(round(i / (n + 3), 3) for n in range(8)), None, None] for i in range(500)],
+        [(kind, [2, 3, 10, 11]) for kind in ("line", "bar") * 2],
+        [(i, column, "add", (i, 2), (i, column - 7)) for column in (10, 11) for i in range(500)])}
 DATASETS["scoped"]["rows"][0]["sourceIDs"] = ["local"]
 # An aggregate over a blank cell passes it over here; in spreadsheets the cell's text is "", which is no number.
 BLANK_AGGREGATES = {("calculated-bare", "D6"): "#VALUE!"}
