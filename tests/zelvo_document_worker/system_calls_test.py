@@ -80,22 +80,21 @@ def main():
     chart = {"categoryColumn": 0, "valueColumn": 1, "title": "Sales"}
     base = {"data": data, "sourceName": "book.xlsx", "selection": selection, "title": "Quarter", "chart": chart}
 
-    check("inspect", worker, {**base, "operation": "inspect"}, 0, ["inspection"])
-    check("extract", worker, {**base, "operation": "extract"}, 0, ["table"])
+    def run(name, keys, **fields):
+        return check(name, worker, {**base, **fields}, 0, keys)
+
+    run("inspect", ["inspection"], operation="inspect")
+    run("extract", ["table"], operation="extract")
     for form in ("docx", "pptx"):
-        created = check(f"create {form}", worker, {**base, "operation": "create", "format": form}, 0,
-                        ["table", "document"])
-        check(f"validate {form}", worker,
-              {**base, "operation": "validate", "format": form, "data": created["document"]["data"],
-               "expectedTable": created["table"]}, 0, ["validation"])
-    check("a refused workbook", worker, {**base, "operation": "inspect", "data": data[:4000]}, 0, ["error"])
-    check("a selection outside ASCII", worker,
-          {**base, "operation": "extract", "selection": {**selection, "sheetName": "Prices 価格", "range": "A1:E6"}}, 0,
-          ["table"])
-    check("a sheet that is not there", worker,
-          {**base, "operation": "extract", "selection": {**selection, "sheetName": "İ価́"}}, 0, ["error"])
+        created = run(f"create {form}", ["table", "document"], operation="create", format=form)
+        run(f"validate {form}", ["validation"], operation="validate", format=form, data=created["document"]["data"],
+            expectedTable=created["table"])
+    run("a refused workbook", ["error"], operation="inspect", data=data[:4000])
+    prices = {**selection, "sheetName": "Prices 価格", "range": "A1:E6"}
+    run("a selection outside ASCII", ["table"], operation="extract", selection=prices)
+    run("a sheet that is not there", ["error"], operation="extract", selection={**selection, "sheetName": "İ価́"})
+    run("a request of 20 MB", ["error"], operation="inspect", data="A" * 20_000_000)
     check("malformed JSON", worker, b"{", 65, [])
-    check("a request of 20 MB", worker, {**base, "operation": "inspect", "data": "A" * 20_000_000}, 0, ["error"])
     return 0
 
 
