@@ -1,5 +1,5 @@
-// Decks of every kind: one that is accepted survives its canonical encoding, meets its rules again, and every
-// chart that it names has its data and one of the four chart parts.
+// Decks of every kind: one that is accepted survives its canonical encoding, meets its rules again, every
+// chart that it names has its data and one of the four chart parts, and its slides deliver what it says.
 
 #include <cstdint>
 #include <string_view>
@@ -52,6 +52,16 @@ void checkBindings(const ResearchPresentation& deck) {
   }
 }
 
+/// Drawing proves by itself that everything arrived; only text that no slide can hold is refused.
+void checkDelivery(const ResearchPresentation& deck, const std::optional<zelvo::ResearchSourceScope>& scope) {
+  try {
+    const auto written = ResearchPresentation::make(deck, 4, scope);
+    ZELVO_REQUIRE(written == ResearchPresentation::make(deck, 4, scope));
+  } catch (const zelvo::DocumentError& error) {
+    ZELVO_REQUIRE(error == zelvo::DocumentError::unsupported("slide text needs too much space"));
+  }
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -75,6 +85,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   ZELVO_REQUIRE(again.encoded() == encoded);
   again.validate(allowedSources, scope);
   checkBindings(again);
+  checkDelivery(again, scope);
   for (const auto& slide : again.slides) {
     // Every identifier and URL that a scope lets pass has its record.
     const bool citesEvidence = !slide.sources.empty() || (slide.sourceIDs && !slide.sourceIDs->empty());
