@@ -34,94 +34,84 @@ bool isDelivered(std::string_view found, std::string_view wanted) {
   return OOXML::escaped(found) == OOXML::escaped(SlideText::flattened(wanted));
 }
 
-/// The shapes of one slide that carry text, by their names.
-class SlideShapeTexts {
- public:
-  explicit SlideShapeTexts(XMLNode slide) : slide_(slide) {}
+/// What a shape says of itself.
+std::string_view attributeOf(XMLNode shape, std::string_view attribute) {
+  const XMLElements properties = shape.descendants("cNvPr");
+  if (properties.empty()) return {};
+  return (*properties.begin()).attribute(attribute).value_or("");
+}
 
-  /// The properties of the only shape of that name; none where there is not exactly one.
-  std::optional<XMLNode> properties(std::string_view name) const {
-    std::optional<XMLNode> found;
-    for (const XMLNode shape : slide_.descendants("sp")) {
-      for (const XMLNode candidate : shape.descendants("cNvPr")) {
-        if (candidate.attribute("name") != name) continue;
-        if (found) return std::nullopt;
-        found = candidate;
-      }
-    }
-    return found;
+/// The only shape of that name; none where there are more or fewer.
+std::optional<XMLNode> shapeNamed(XMLNode slide, std::string_view name) {
+  std::optional<XMLNode> found;
+  for (const XMLNode shape : slide.descendants("sp")) {
+    if (attributeOf(shape, "name") != name) continue;
+    if (found) return std::nullopt;
+    found = shape;
   }
+  return found;
+}
 
-  /// The paragraphs of the shapes of that name; none where a paragraph is not exactly one run or field.
-  std::optional<std::vector<std::string>> paragraphs(std::string_view name) const {
-    std::vector<std::string> texts;
-    for (const XMLNode shape : slide_.descendants("sp")) {
-      if (!isNamed(shape, name)) continue;
-      for (const XMLNode paragraph : shape.descendants("p")) {
-        const XMLElements runs = paragraph.descendants("t");
-        if (runs.size() != 1) return std::nullopt;
-        texts.push_back((*runs.begin()).content());
-      }
-    }
-    return texts;
+/// The texts of a shape's paragraphs; none where one is not a single run or field.
+std::optional<std::vector<std::string>> paragraphsOf(XMLNode shape) {
+  std::vector<std::string> texts;
+  for (const XMLNode paragraph : shape.descendants("p")) {
+    const XMLElements runs = paragraph.descendants("t");
+    if (runs.size() != 1) return std::nullopt;
+    texts.push_back((*runs.begin()).content());
   }
+  return texts;
+}
 
-  std::size_t countBeginning(std::string_view name) const {
-    std::size_t count = 0;
-    for (const XMLNode properties : slide_.descendants("cNvPr"))
-      count += properties.attribute("name").value_or("").starts_with(name) ? 1 : 0;
-    return count;
-  }
-
- private:
-  static bool isNamed(XMLNode shape, std::string_view name) {
-    const XMLElements properties = shape.descendants("cNvPr");
-    return !properties.empty() && (*properties.begin()).attribute("name") == name;
-  }
-
-  XMLNode slide_;
-};
-
-void verifyContent(const SlideShapeTexts& shapes, const Slide& slide, std::size_t number) {
+void verifyContent(XMLNode slide, const Slide& wanted, std::size_t number) {
   const auto shows = [&](std::string_view name, const std::vector<std::string>& texts) {
-    const auto paragraphs = shapes.paragraphs(name);
+    const auto shape = shapeNamed(slide, name);
+    const auto paragraphs = shape ? paragraphsOf(*shape) : std::nullopt;
     return paragraphs && std::ranges::equal(*paragraphs, texts, isDelivered);
   };
-  require(shows("Title", {slide.title}) && shows("Points", slide.body) &&
+  require(shows("Title", {wanted.title}) && shows("Points", wanted.body) &&
               shows("Slide number", {std::to_string(number)}),
           contentMessage);
 }
 
-/// What is known of the slide's n-th source; none where it has no line, or none of its own.
-std::optional<std::string> deliveredIdentity(const SlideShapeTexts& shapes, std::size_t index) {
-  const std::string name = "Source " + std::to_string(index + 1);
-  const auto properties = shapes.properties(name);
-  const auto shown = shapes.paragraphs(name);
-  if (!properties || !shown || shown->size() != 1 || shown->front().empty()) return std::nullopt;
-  return std::string(properties->attribute("descr").value_or(""));
+/// A source as the footer has it.
+struct DeliveredSource {
+  std::string shown;
+  std::string identity;
+};
+
+/// The sources of a slide in their order. Throws where there are not so many, or one has no line to itself.
+std::vector<DeliveredSource> deliveredSources(XMLNode slide, std::size_t count) {
+  const auto isSource = [](XMLNode shape) { return attributeOf(shape, "name").starts_with("Source "); };
+  const XMLElements shapes = slide.descendants("sp");
+  require(std::cmp_equal(std::count_if(shapes.begin(), shapes.end(), isSource), count), identityMessage);
+  std::vector<DeliveredSource> sources;
+  for (std::size_t i = 0; i < count; ++i) {
+    const auto shape = shapeNamed(slide, "Source " + std::to_string(i + 1));
+    const auto shown = shape ? paragraphsOf(*shape) : std::nullopt;
+    require(shown && shown->size() == 1 && !shown->front().empty(), identityMessage);
+    sources.push_back({.shown = shown->front(), .identity = std::string(attributeOf(*shape, "descr"))});
+  }
+  return sources;
 }
 
-void verifyRecords(const SlideShapeTexts& shapes, const std::vector<Record>& records) {
-  require(shapes.countBeginning("Source ") == records.size(), identityMessage);
+void verifyRecords(XMLNode slide, const std::vector<Record>& records) {
+  const auto sources = deliveredSources(slide, records.size());
   for (std::size_t i = 0; i < records.size(); ++i) {
-    const auto identity = deliveredIdentity(shapes, i);
-    require(identity && identity->starts_with(records[i].id + " | "), identityMessage);
-    const auto shown = shapes.paragraphs("Source " + std::to_string(i + 1));
-    require(isDelivered(*identity, records[i].metadata()) &&
-                shown->front().ends_with(" · " + records[i].observedUTC()),
+    require(sources[i].identity.starts_with(records[i].id + " | "), identityMessage);
+    require(isDelivered(sources[i].identity, records[i].metadata()) &&
+                sources[i].shown.ends_with(" · " + records[i].observedUTC()),
             observationMessage);
   }
 }
 
 /// Without a scope nothing is known of a source but how the slide names it.
-void verifyNames(const SlideShapeTexts& shapes, const Slide& slide) {
-  std::vector<std::string> names = slide.sources;
-  if (slide.sourceIDs) names.insert(names.end(), slide.sourceIDs->begin(), slide.sourceIDs->end());
-  require(shapes.countBeginning("Source ") == names.size(), identityMessage);
-  for (std::size_t i = 0; i < names.size(); ++i) {
-    const auto identity = deliveredIdentity(shapes, i);
-    require(identity && isDelivered(*identity, names[i]), identityMessage);
-  }
+void verifyNames(XMLNode slide, const Slide& wanted) {
+  std::vector<std::string> names = wanted.sources;
+  if (wanted.sourceIDs) names.insert(names.end(), wanted.sourceIDs->begin(), wanted.sourceIDs->end());
+  const auto sources = deliveredSources(slide, names.size());
+  for (std::size_t i = 0; i < names.size(); ++i)
+    require(isDelivered(sources[i].identity, names[i]), identityMessage);
 }
 
 void verifyCharts(const DeliveredPackage& package, const ResearchPresentation& presentation,
@@ -145,13 +135,13 @@ void verifyDelivery(ByteView deck, const ResearchPresentation& presentation,
   const DeliveredPackage package(deck, stop);
   require(package.slides().size() == presentation.slides.size(), "A slide is missing.");
   for (std::size_t i = 0; i < presentation.slides.size(); ++i) {
-    const Slide& slide = presentation.slides[i];
-    const SlideShapeTexts shapes(package.slides()[i]);
-    verifyContent(shapes, slide, i + 1);
+    const XMLNode slide = package.slides()[i];
+    const Slide& wanted = presentation.slides[i];
+    verifyContent(slide, wanted, i + 1);
     if (scope) {
-      verifyRecords(shapes, ResearchPresentation::sourceRecords(slide, scope));
+      verifyRecords(slide, ResearchPresentation::sourceRecords(wanted, scope));
     } else {
-      verifyNames(shapes, slide);
+      verifyNames(slide, wanted);
     }
   }
   verifyCharts(package, presentation, stop);
