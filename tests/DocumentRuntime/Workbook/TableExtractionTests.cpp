@@ -185,7 +185,8 @@ TEST(TableExtraction, TypesCells) {
       <c r='A1'><f t='array'>1+1</f><v>2</v></c> => unsupported: shared or array formula at A1
       <c r='A1' t='str'><f>1</f><v/></c> => formulaValueUnavailable: A1)")) {
     std::string shown;
-    const auto refusal = outcomeOf([&] { shown = dump(extract(cellsOf(cell)).rows[0][0]); });
+    const Extraction extraction = cellsOf(cell);
+    const auto refusal = outcomeOf([&] { shown = dump(extract(extraction).rows[0][0]); });
     EXPECT_EQ(refusal.text + shown, expected) << cell;
   }
 }
