@@ -61,6 +61,21 @@ void takeCurrency(std::string_view& rest, std::string_view spelling, std::string
   }
 }
 
+/// Whether a code begins and ends as only one without currency does: most of a table's cells have such.
+bool isPlain(std::string_view code) {
+  constexpr std::string_view firsts = "0#";
+  constexpr std::string_view lasts = "0#%";
+  return !code.empty() && firsts.find(code.front()) != std::string_view::npos &&
+         lasts.find(code.back()) != std::string_view::npos;
+}
+
+void takeCurrencies(std::string_view& rest, Numeric& format) {
+  for (const std::string_view currency : currencies) {
+    takeCurrency(rest, '"' + std::string(currency) + '"', currency, format);
+    takeCurrency(rest, currency, currency, format);
+  }
+}
+
 /// Drops the last `count` digits, fewer than there are, and rounds half to even.
 void roundHalfEven(std::string& digits, std::size_t count) {
   const std::string dropped = digits.substr(digits.size() - count);
@@ -126,10 +141,7 @@ std::string Numeric::render(std::string_view text) const {
 
 std::optional<Numeric> numeric(std::string_view code) {
   Numeric format;
-  for (const std::string_view currency : currencies) {
-    takeCurrency(code, '"' + std::string(currency) + '"', currency, format);
-    takeCurrency(code, currency, currency, format);
-  }
+  if (!isPlain(code)) takeCurrencies(code, format);
 
   format.grouped = takePrefix(code, "#,##0");
   if (!format.grouped && !takePrefix(code, "0")) return std::nullopt;
