@@ -3,8 +3,7 @@
 //
 //   zelvo          checks the dataset, computes, lays out and writes; what is written is not read back
 //   deflated       the same, and then compresses the package, which zelvo itself only stores
-//   libxlsxwriter  another writer of spreadsheets: the same cells, formulas with their results, formats,
-//   sizes,
+//   libxlsxwriter  another writer of spreadsheets: the same cells, formulas with results, formats, sizes,
 //                  table and charts; it is handed results and layout, and always compresses
 
 #include <charconv>
