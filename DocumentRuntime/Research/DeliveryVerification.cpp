@@ -6,15 +6,16 @@
 #include <utility>
 #include <vector>
 
-#include "DocumentRuntime/Errors/DocumentError.hpp"
 #include "DocumentRuntime/PackageIO/OOXMLSupport.hpp"
 #include "DocumentRuntime/Research/DeliveredChart.hpp"
 #include "DocumentRuntime/Research/DeliveredPackage.hpp"
+#include "DocumentRuntime/Research/ResearchRule.hpp"
 #include "DocumentRuntime/Research/SlideText.hpp"
 
 namespace zelvo {
 namespace {
 
+using ResearchRule::require;
 using Slide = ResearchPresentation::Slide;
 using Record = ResearchSourceScope::Record;
 
@@ -24,10 +25,6 @@ constexpr const char* observationMessage =
     "Trusted source coverage and observation time did not survive presentation delivery.";
 
 constexpr const char* chartMessage = "Slide chart data did not survive delivery.";
-
-void require(bool holds, const char* message) {
-  if (!holds) throw DocumentError::validationFailed(message);
-}
 
 /// Whether a text is there as slides show it, without the characters that XML cannot carry.
 bool isDelivered(std::string_view found, std::string_view wanted) {

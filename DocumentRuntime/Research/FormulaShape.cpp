@@ -3,11 +3,13 @@
 #include <cmath>
 #include <cstddef>
 
-#include "DocumentRuntime/Errors/DocumentError.hpp"
+#include "DocumentRuntime/Research/ResearchRule.hpp"
 #include "DocumentRuntime/Research/ResearchSpreadsheet.hpp"
 
 namespace zelvo {
 namespace {
+
+using ResearchRule::require;
 
 /// More operands are a range, or a sum of sums.
 constexpr std::size_t maximumArguments = 32;
@@ -36,10 +38,6 @@ bool isRange(const Formula& node, std::int64_t rows, std::int64_t columns) {
 bool isOperation(const Formula& node) {
   const std::size_t count = node.argumentList().size();
   return !node.value && !hasCoordinates(node) && count >= 1 && count <= maximumArguments;
-}
-
-void require(bool holds, const char* message) {
-  if (!holds) throw DocumentError::validationFailed(message);
 }
 
 }  // namespace

@@ -5,12 +5,13 @@
 #include <string>
 #include <string_view>
 
-#include "DocumentRuntime/Errors/DocumentError.hpp"
+#include "DocumentRuntime/Research/ResearchRule.hpp"
 #include "Text/Unicode.hpp"
 
 namespace zelvo::ResearchChartRules {
 namespace {
 
+using ResearchRule::require;
 using Cell = ResearchSpreadsheet::Cell;
 using Chart = ResearchSpreadsheet::Chart;
 using Column = ResearchSpreadsheet::Column;
@@ -66,10 +67,6 @@ bool hasEnoughObservations(const Chart& chart, const std::vector<CellRow>& cells
     });
     return count >= needed;
   });
-}
-
-void require(bool holds, const char* message) {
-  if (!holds) throw DocumentError::validationFailed(message);
 }
 
 }  // namespace

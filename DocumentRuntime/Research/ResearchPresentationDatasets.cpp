@@ -5,19 +5,16 @@
 #include <string>
 #include <vector>
 
-#include "DocumentRuntime/Errors/DocumentError.hpp"
 #include "DocumentRuntime/Research/ResearchPresentation.hpp"
+#include "DocumentRuntime/Research/ResearchRule.hpp"
 #include "DocumentRuntime/Research/SourceReferences.hpp"
 
 namespace zelvo {
 namespace {
 
+using ResearchRule::require;
 using Dataset = ResearchPresentation::Dataset;
 using Slide = ResearchPresentation::Slide;
-
-void require(bool holds, const char* message) {
-  if (!holds) throw DocumentError::validationFailed(message);
-}
 
 bool hasOnlyReferences(const ResearchPresentation& deck) {
   return !deck.dataset &&

@@ -8,14 +8,15 @@
 #include <utility>
 #include <vector>
 
-#include "DocumentRuntime/Errors/DocumentError.hpp"
 #include "DocumentRuntime/Research/ResearchPresentation.hpp"
+#include "DocumentRuntime/Research/ResearchRule.hpp"
 #include "DocumentRuntime/Research/SourceReferences.hpp"
 #include "Text/Unicode.hpp"
 
 namespace zelvo {
 namespace {
 
+using ResearchRule::require;
 using Dataset = ResearchPresentation::Dataset;
 using Row = ResearchSpreadsheet::Row;
 using Scope = ResearchSourceScope;
@@ -38,10 +39,6 @@ constexpr std::size_t maximumURLBytes = 2000;
 
 /// One chart part each.
 constexpr std::size_t maximumChartReferences = 4;
-
-void require(bool holds, const char* message) {
-  if (!holds) throw DocumentError::validationFailed(message);
-}
 
 /// A control character that no slide can show. Bytes below 0x20 are scalars of their own in UTF-8.
 bool isForbiddenControl(char c) {

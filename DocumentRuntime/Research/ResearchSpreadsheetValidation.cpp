@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "DocumentRuntime/Errors/DocumentError.hpp"
 #include "DocumentRuntime/Research/ResearchChartRules.hpp"
+#include "DocumentRuntime/Research/ResearchRule.hpp"
 #include "DocumentRuntime/Research/ResearchSpreadsheet.hpp"
 #include "DocumentRuntime/Research/SourceReferences.hpp"
 #include "Text/Unicode.hpp"
@@ -15,6 +15,7 @@
 namespace zelvo {
 namespace {
 
+using ResearchRule::require;
 using Column = ResearchSpreadsheet::Column;
 using Cell = ResearchSpreadsheet::Cell;
 using Row = ResearchSpreadsheet::Row;
@@ -30,10 +31,6 @@ constexpr std::size_t maximumTextLength = 2000;
 
 /// The heading that every authored workbook adds.
 constexpr std::string_view sourcesHeading = "sources";
-
-void require(bool holds, const char* message) {
-  if (!holds) throw DocumentError::validationFailed(message);
-}
 
 bool hasGoodHeadings(const std::vector<Column>& columns) {
   std::vector<std::string> folded;
