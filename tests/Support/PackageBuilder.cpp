@@ -118,7 +118,7 @@ WorkbookText sharedStringColumn(std::size_t rows) {
   std::string xml;
   for (std::size_t i = 1; i <= rows; ++i) {
     const std::string row = std::to_string(i);
-    xml += "<row r='" + row + "'><c r='A" + row + "' t='s'><v>0</v></c></row>";
+    xml.append("<row r='").append(row).append("'><c r='A").append(row).append("' t='s'><v>0</v></c></row>");
   }
   return plainWorkbook(xml);
 }

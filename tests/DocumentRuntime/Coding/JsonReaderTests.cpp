@@ -65,8 +65,8 @@ TEST(JsonReader, TextsStayApartWhenEscapesShrinkThem) {
     const std::string plain(i * 97, static_cast<char>('a' + i % 26));
     const std::string escaped = plain + (i % 3 == 0 ? R"(\u00e9\n\/)" : "");
     const std::string decoded = plain + (i % 3 == 0 ? "é\n/" : "");
-    json += (i > 0 ? ",\"" : "\"") + escaped + escaped + '"';
-    expected += " |" + decoded + decoded + '|';
+    json.append(i > 0 ? ",\"" : "\"").append(escaped).append(escaped).append("\"");
+    expected.append(" |").append(decoded).append(decoded).append("|");
   }
   EXPECT_EQ(dumpOf("[" + json + "]"), expected + "]");
 }

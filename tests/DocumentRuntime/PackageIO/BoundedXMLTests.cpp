@@ -12,7 +12,7 @@
 namespace zelvo {
 namespace {
 
-using std::string_literals::operator""s;
+using namespace std::string_literals;
 using testing::disagreement;
 using testing::dump;
 using testing::outcomeOf;

@@ -40,12 +40,12 @@ auto tableOf(std::size_t rows, std::size_t columns) {
   return table("<w:tbl>" + rowsXML(rows, columns) + "</w:tbl>");
 }
 
-auto renamed(std::string from, std::string to) {
+auto renamed(const std::string& from, const std::string& to) {
   return [=](E edited) { testing::replaceAll(document(edited), from, to); };
 }
 
 /// A part before all others, so that the document stays the last.
-auto part(std::string name, std::string text) {
+auto part(const std::string& name, const std::string& text) {
   return [=](E edited) { edited.package.parts.insert(edited.package.parts.begin(), {name, text}); };
 }
 

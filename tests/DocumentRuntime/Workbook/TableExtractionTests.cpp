@@ -213,7 +213,8 @@ TEST(TableExtraction, CountsCharactersAsPeopleDo) {
 TEST(TableExtraction, BoundsWhatSharedTextsGrowTo) {
   // One character of 2 MiB, small in the file and shared by 21 cells.
   Extraction extraction{.workbook = testing::sharedStringColumn(21)};
-  extraction.workbook.sharedStrings = {"<t>e" + testing::repeated("\u0301", 1024 * 1024) + "</t>"};
+  extraction.workbook.sharedStrings = {"<t>e" + testing::repeated("\u0301", std::size_t{1024} * 1024) +
+                                       "</t>"};
   extraction.selection = {.sheetName = "Data", .range = "A1:A19"};
   EXPECT_EQ(extract(extraction).rows.size(), 19U);
   extraction.selection.range = "A1:A21";
