@@ -28,13 +28,21 @@ CLI::Option* addOutput(CLI::App& command, const std::string& ending) {
   return command.add_option("-o", "What to write")->type_name("OUT" + ending)->check(check);
 }
 
+/// A file of the host's that says what is trusted. An empty name, as an unset variable of a script gives it,
+/// would pass for no such file, and so for less to check.
+CLI::Option* addHostFile(CLI::App& command, const std::string& name, const std::string& description) {
+  return command.add_option(name, description)->check([](const std::string& path) {
+    return path.empty() ? "The file's name is empty" : "";
+  });
+}
+
 /// What may be cited.
 class SourceOptions {
  public:
   explicit SourceOptions(CLI::App& command)
       : sources_(addSources(command, "A URL that may be cited; repeat for more")),
         noSources_(addFlag(command, "--no-sources", "No URL may be cited")->excludes(sources_)),
-        scope_(command.add_option("--scope", "The trusted evidence")->type_name("SCOPE.json")) {}
+        scope_(addHostFile(command, "--scope", "The trusted evidence")->type_name("SCOPE.json")) {}
 
   SourceArguments arguments() const {
     return {.sources = values(*sources_), .noSources = !noSources_->empty(), .scopeFile = value(*scope_)};
@@ -120,6 +128,55 @@ class ReportParser {
   CLI::Option* output_;
 };
 
+/// The data behind a deck's charts.
+class DatasetOptions {
+ public:
+  explicit DatasetOptions(CLI::App& command)
+      : dataset_(addHostFile(command, "--dataset", "The dataset that the deck shares")),
+        datasets_(addHostFile(command, "--datasets", "The datasets that the deck may name")),
+        allowed_(addText(command, "--allow-dataset", "One of them that it may show; all without")) {
+    dataset_->type_name("DATASET.json");
+    datasets_->type_name("DATASETS.json")->excludes(dataset_);
+    allowed_->type_name("ID")->take_all()->needs(datasets_);
+  }
+
+  std::string dataset() const { return value(*dataset_); }
+  std::string datasets() const { return value(*datasets_); }
+  std::vector<std::string> allowed() const { return values(*allowed_); }
+
+ private:
+  CLI::Option* dataset_;
+  CLI::Option* datasets_;
+  CLI::Option* allowed_;
+};
+
+class PresentationParser {
+ public:
+  explicit PresentationParser(CLI::App& research)
+      : command_(research.add_subcommand("presentation", "Validate a deck and draw it as a presentation")),
+        deck_(addFile(*command_, "DECK.json", "Deck")),
+        data_(*command_),
+        sources_(*command_),
+        output_(addOutput(*command_, ".pptx")) {}
+
+  bool isGiven() const { return command_->parsed(); }
+  ResearchPresentationArguments arguments() const {
+    return {.deck = value(*deck_),
+            .dataset = data_.dataset(),
+            .datasets = data_.datasets(),
+            .allowedDatasets = data_.allowed(),
+            .sources = sources_.arguments(),
+            .output = value(*output_)};
+  }
+
+ private:
+  CLI::App* command_;
+  CLI::Option* deck_;
+  DatasetOptions data_;
+  SourceOptions sources_;
+  CLI::Option* output_;
+};
+
 CLI::App& addResearch(CLI::App& tool) {
   CLI::App* research = tool.add_subcommand("research", "Check research results and write them as documents");
   research->require_subcommand(1);
@@ -129,11 +186,13 @@ CLI::App& addResearch(CLI::App& tool) {
 }  // namespace
 
 struct ResearchParser::Subcommands {
-  explicit Subcommands(CLI::App& research) : check(research), workbook(research), report(research) {}
+  explicit Subcommands(CLI::App& research)
+      : check(research), workbook(research), report(research), presentation(research) {}
 
   CheckParser check;
   WorkbookParser workbook;
   ReportParser report;
+  PresentationParser presentation;
 };
 
 ResearchParser::ResearchParser(CLI::App& tool)
@@ -145,6 +204,7 @@ std::optional<ResearchCommand> ResearchParser::command() const {
   if (subcommands_->check.isGiven()) return subcommands_->check.arguments();
   if (subcommands_->workbook.isGiven()) return subcommands_->workbook.arguments();
   if (subcommands_->report.isGiven()) return subcommands_->report.arguments();
+  if (subcommands_->presentation.isGiven()) return subcommands_->presentation.arguments();
   return std::nullopt;
 }
 

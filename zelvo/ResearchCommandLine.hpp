@@ -39,9 +39,18 @@ struct ResearchReportArguments {
   std::string output;                ///< a file, or "-" for standard output
 };
 
+struct ResearchPresentationArguments {
+  std::string deck;      ///< a file
+  std::string dataset;   ///< a file of one dataset; empty for none
+  std::string datasets;  ///< a file of several; empty for none, and always where there is `dataset`
+  std::vector<std::string> allowedDatasets;  ///< identifiers among `datasets`; empty for all
+  SourceArguments sources;
+  std::string output;  ///< a file, or "-" for standard output; empty for the deck itself as JSON
+};
+
 /// What to do: one alternative a subcommand of `zelvo research`.
-using ResearchCommand =
-    std::variant<ResearchCheckArguments, ResearchWorkbookArguments, ResearchReportArguments>;
+using ResearchCommand = std::variant<ResearchCheckArguments, ResearchWorkbookArguments,
+                                     ResearchReportArguments, ResearchPresentationArguments>;
 
 /// Adds `research` to a tool's command line, and knows afterwards what was asked of it.
 class ResearchParser {

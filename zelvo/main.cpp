@@ -13,6 +13,7 @@
 #include "zelvo/ExtractCommand.hpp"
 #include "zelvo/InspectCommand.hpp"
 #include "zelvo/ResearchCheckCommand.hpp"
+#include "zelvo/ResearchPresentationCommand.hpp"
 #include "zelvo/ResearchWorkbookCommand.hpp"
 #include "zelvo/ValidateCommand.hpp"
 #include "zelvo/WorkerPath.hpp"
@@ -33,6 +34,9 @@ struct RunCommand {
     return researchWorkbook(arguments);
   }
   ExitStatus operator()(const ResearchReportArguments& arguments) const { return researchReport(arguments); }
+  ExitStatus operator()(const ResearchPresentationArguments& arguments) const {
+    return researchPresentation(arguments);
+  }
 };
 
 ExitStatus end(const Ending& ending) {
