@@ -45,6 +45,7 @@ std::string sheetXML(const Binding& binding) {
   std::string xml;
   OOXML::append(xml, R"(<worksheet xmlns=")", DocumentAuthor::spreadsheetNamespace, R"("><sheetData>)");
   std::vector<Cell> cells;
+  cells.reserve(columns.size());
   for (const std::size_t column : columns)
     cells.emplace_back(ResearchChartAuthor::seriesName(binding.dataset.columns[column]));
   appendRow(xml, 1, cells);

@@ -57,6 +57,7 @@ double inPoints(std::int64_t emu) {
 
 std::vector<std::string> flattened(const std::vector<std::string>& texts) {
   std::vector<std::string> flat;
+  flat.reserve(texts.size());
   for (const std::string& text : texts)
     flat.push_back(SlideText::flattened(text));
   return flat;

@@ -81,6 +81,7 @@ double SlideText::width(std::string_view text) {
 
 int SlideText::fittedSize(const std::vector<std::string>& paragraphs, const Room& room) {
   std::vector<std::vector<double>> widths;
+  widths.reserve(paragraphs.size());
   for (const std::string& paragraph : paragraphs)
     widths.push_back(wordWidths(paragraph));
   const auto gaps = static_cast<double>(paragraphs.size() - 1) * paragraphSpacing;
