@@ -17,6 +17,9 @@ using Binding = ResearchPresentation::ResolvedChartBinding;
 constexpr double axisWidth = 780;
 constexpr double labelSize = 10;
 
+/// Without a word of it office programs bend lines, past values that nobody found.
+constexpr std::string_view straightLine = R"(<c:smooth val="0"/>)";
+constexpr std::string_view noTickMarks = R"(<c:majorTickMark val="none"/><c:minorTickMark val="none"/>)";
 constexpr std::string_view labelsAtAxis = R"(<c:tickLblPos val="nextTo"/><c:crossAx val="200"/>)";
 constexpr std::string_view labelsBelow = R"(<c:tickLblPos val="low"/>)";
 constexpr std::string_view smallLabels =
@@ -40,13 +43,23 @@ bool hasCrowdedLabels(const Binding& binding) {
   });
 }
 
+/// Texts are escaped, so that an element is found nowhere else.
+void insertBeforeEach(std::string& xml, std::string_view element, std::string_view text) {
+  for (std::size_t at = 0; (at = xml.find(element, at)) != std::string::npos;
+       at += text.size() + element.size())
+    xml.insert(at, text);
+}
+
 }  // namespace
 
 std::string slideChartXML(const Binding& binding) {
   std::string xml =
       ResearchChartAuthor::xml(binding.dataset, binding.cells, binding.chart(), /*embedded=*/true,
                                ResearchChartWorkbook::columnMap(binding.chart()), /*zeroBaseline=*/true);
-  // Texts are escaped, so that this is found in the category axis alone.
+  insertBeforeEach(xml, "<c:tickLblPos", noTickMarks);
+  if (binding.chart().kind == ResearchSpreadsheet::Chart::Kind::line)
+    insertBeforeEach(xml, "</c:ser>", straightLine);
+  // Found in the category axis alone.
   std::size_t axis = xml.find(labelsAtAxis);
   if (showsNegativeValues(binding)) {
     constexpr std::size_t replaced = labelsAtAxis.find("<c:crossAx");
