@@ -5,8 +5,16 @@
 namespace zelvo {
 namespace {
 
+/// What readers can tell a source by. The label of a public source may be made up, the same for all; the page
+/// of a local excerpt is not for them to fetch.
+std::string nameOf(const ResearchSourceScope::Record& record) {
+  const bool isLocal = record.kind == ResearchSourceScope::Record::Kind::localSnapshot;
+  const std::string name = std::string(record.kindLabel()) + ": " + record.label;
+  return isLocal || !record.provenanceURL ? name : name + ", " + *record.provenanceURL;
+}
+
 SlideSource sourceOf(const ResearchSourceScope::Record& record) {
-  return {.name = SlideText::flattened(std::string(record.kindLabel()) + ": " + record.label),
+  return {.name = SlideText::flattened(nameOf(record)),
           .observation = " · " + record.observedUTC(),
           .identity = SlideText::flattened(record.metadata())};
 }
