@@ -13,18 +13,17 @@ namespace {
 
 using Binding = ResearchPresentation::ResolvedChartBinding;
 
-/// The room for all category labels, and the size that office programs give them, in points.
+/// The room for all category labels, the size that office programs give them, and the one for labels of many
+/// lines, in points.
 constexpr double axisWidth = 780;
-constexpr double labelSize = 10;
+constexpr int labelSize = 10;
+constexpr int smallLabelSize = 7;
 
 /// Without a word of it office programs bend lines, past values that nobody found.
 constexpr std::string_view straightLine = R"(<c:smooth val="0"/>)";
 constexpr std::string_view noTickMarks = R"(<c:majorTickMark val="none"/><c:minorTickMark val="none"/>)";
 constexpr std::string_view labelsAtAxis = R"(<c:tickLblPos val="nextTo"/><c:crossAx val="200"/>)";
 constexpr std::string_view labelsBelow = R"(<c:tickLblPos val="low"/>)";
-constexpr std::string_view smallLabels =
-    R"(<c:txPr><a:bodyPr rot="0" vert="horz"/><a:lstStyle/><a:p><a:pPr><a:defRPr sz="700"/></a:pPr>)"
-    R"(<a:endParaRPr lang="en-US"/></a:p></c:txPr>)";
 
 bool showsNegativeValues(const Binding& binding) {
   return std::ranges::any_of(binding.chart().valueColumns, [&](std::int64_t column) {
@@ -35,12 +34,21 @@ bool showsNegativeValues(const Binding& binding) {
   });
 }
 
-bool hasCrowdedLabels(const Binding& binding) {
+/// The lines that the longest label takes at the usual size.
+double labelLines(const Binding& binding) {
   const double roomEach = axisWidth / static_cast<double>(binding.cells.size());
-  return std::ranges::any_of(binding.cells, [&](const auto& row) {
+  double most = 0;
+  for (const auto& row : binding.cells) {
     const std::string label = row[static_cast<std::size_t>(binding.chart().categoryColumn)].displayText();
-    return SlideText::width(ResearchChartAuthor::cleaned(label)) * labelSize > roomEach;
-  });
+    most = std::max(most, SlideText::lines(ResearchChartAuthor::cleaned(label), roomEach / labelSize));
+  }
+  return most;
+}
+
+/// Has labels wrapped, not turned.
+std::string wrappedLabels(int size) {
+  return R"(<c:txPr><a:bodyPr rot="0" vert="horz"/><a:lstStyle/><a:p><a:pPr><a:defRPr sz=")" +
+         std::to_string(size * 100) + R"("/></a:pPr><a:endParaRPr lang="en-US"/></a:p></c:txPr>)";
 }
 
 /// Texts are escaped, so that an element is found nowhere else.
@@ -60,14 +68,15 @@ std::string slideChartXML(const Binding& binding) {
   if (binding.chart().kind == ResearchSpreadsheet::Chart::Kind::line)
     insertBeforeEach(xml, "</c:ser>", straightLine);
   // Found in the category axis alone.
-  std::size_t axis = xml.find(labelsAtAxis);
+  const std::size_t axis = xml.find(labelsAtAxis);
   if (showsNegativeValues(binding)) {
     constexpr std::size_t replaced = labelsAtAxis.find("<c:crossAx");
     xml.replace(axis, replaced, labelsBelow);
   }
-  if (hasCrowdedLabels(binding)) {
-    axis = xml.find("<c:crossAx", axis);
-    xml.insert(axis, smallLabels);
+  const double lines = labelLines(binding);
+  if (lines > 1) {
+    const int size = lines > 2 ? smallLabelSize : labelSize;
+    xml.insert(xml.find("<c:crossAx", axis), wrappedLabels(size));
   }
   return xml;
 }

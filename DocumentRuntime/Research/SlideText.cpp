@@ -79,6 +79,10 @@ double SlideText::width(std::string_view text) {
   return sum;
 }
 
+double SlideText::lines(std::string_view paragraph, double lineWidth) {
+  return wrappedLines(wordWidths(paragraph), lineWidth);
+}
+
 int SlideText::fittedSize(const std::vector<std::string>& paragraphs, const Room& room) {
   std::vector<std::vector<double>> widths;
   widths.reserve(paragraphs.size());

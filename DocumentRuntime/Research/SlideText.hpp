@@ -27,6 +27,9 @@ struct Room {
 /// The width of a text on one line, in ems.
 double width(std::string_view text);
 
+/// The lines that a paragraph takes, wrapped at words, where a line is so many ems wide.
+double lines(std::string_view paragraph, double lineWidth);
+
 /// The largest font size, in whole points, at which the paragraphs, wrapped at words, fit into the room.
 /// Throws `DocumentError` unsupported "slide text needs too much space" where even the smallest legible size
 /// is too large: for characters that are drawn from many others, never for plain ones.
