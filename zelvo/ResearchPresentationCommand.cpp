@@ -1,5 +1,6 @@
 #include "zelvo/ResearchPresentationCommand.hpp"
 
+#include <optional>
 #include <string>
 #include <utility>
 #include <variant>
