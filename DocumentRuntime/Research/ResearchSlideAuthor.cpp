@@ -72,14 +72,12 @@ class SlideDrawing {
     SlideShapes::appendRectangle(xml_, {.id = nextID_++, .name = name}, area, colour);
   }
 
-  /// A text at the largest size up to that of `style` that fits.
-  void text(const char* name, const Area& area, const std::vector<std::string>& texts, TextStyle style) {
-    const std::vector<std::string> paragraphs = flattened(texts);
-    const std::int64_t indent = style.bulleted ? SlideShapes::bulletIndent : 0;
-    style.size = SlideText::fittedSize(
-        paragraphs,
-        {.width = inPoints(area.width - indent), .height = inPoints(area.height), .largestSize = style.size});
-    SlideShapes::appendText(xml_, {.id = nextID_++, .name = name}, area, paragraphs, style);
+  void title(const Area& area, const std::string& text, const TextStyle& style) {
+    fittedText({.id = nextID_++, .name = "Title", .isTitle = true}, area, {text}, style);
+  }
+
+  void points(const Area& area, const std::vector<std::string>& texts, const TextStyle& style) {
+    fittedText({.id = nextID_++, .name = "Points"}, area, texts, style);
   }
 
   void chart(const Area& area, const std::string& title) {
@@ -101,6 +99,17 @@ class SlideDrawing {
   }
 
  private:
+  /// A text at the largest size up to that of `style` that fits.
+  void fittedText(const SlideShapes::Identity& identity, const Area& area,
+                  const std::vector<std::string>& texts, TextStyle style) {
+    const std::vector<std::string> paragraphs = flattened(texts);
+    const std::int64_t indent = style.bulleted ? SlideShapes::bulletIndent : 0;
+    style.size = SlideText::fittedSize(
+        paragraphs,
+        {.width = inPoints(area.width - indent), .height = inPoints(area.height), .largestSize = style.size});
+    SlideShapes::appendText(xml_, identity, area, paragraphs, style);
+  }
+
   /// Each source has a line to itself, which is only as high as leaves room for the others.
   void source(const SlideSource& source, std::size_t index, std::size_t count) {
     const auto comfortable = static_cast<std::int64_t>(footerSize * SlideText::lineSpacing) * emuPerPoint;
@@ -122,27 +131,27 @@ class SlideDrawing {
 
 void drawCover(SlideDrawing& drawing, const ResearchSlide& slide) {
   drawing.rectangle("Cover band", coverBand, accentColour);
-  drawing.text("Title", coverTitle, {slide.title},
-               {.size = coverTitleSize, .colour = paperColour, .bold = true, .anchor = "b"});
-  drawing.text("Points", coverPoints, slide.body, {.size = coverPointSize, .colour = textColour});
+  drawing.title(coverTitle, slide.title,
+                {.size = coverTitleSize, .colour = paperColour, .bold = true, .anchor = "b"});
+  drawing.points(coverPoints, slide.body, {.size = coverPointSize, .colour = textColour});
 }
 
 void drawHeading(SlideDrawing& drawing, const ResearchSlide& slide) {
-  drawing.text("Title", heading, {slide.title},
-               {.size = headingSize, .colour = accentColour, .bold = true, .anchor = "b"});
+  drawing.title(heading, slide.title,
+                {.size = headingSize, .colour = accentColour, .bold = true, .anchor = "b"});
   drawing.rectangle("Heading rule", headingRule, footerColour);
 }
 
 void drawPoints(SlideDrawing& drawing, const ResearchSlide& slide) {
   drawHeading(drawing, slide);
-  drawing.text("Points", points, slide.body, {.size = pointSize, .colour = textColour, .bulleted = true});
+  drawing.points(points, slide.body, {.size = pointSize, .colour = textColour, .bulleted = true});
 }
 
 void drawChart(SlideDrawing& drawing, const ResearchSlide& slide, const std::string& chartTitle) {
   drawHeading(drawing, slide);
   drawing.chart(chart, chartTitle);
   drawing.rectangle("Insight panel", insightPanel, panelColour);
-  drawing.text("Points", insight, slide.body, {.size = insightSize, .colour = textColour, .anchor = "ctr"});
+  drawing.points(insight, slide.body, {.size = insightSize, .colour = textColour, .anchor = "ctr"});
 }
 
 }  // namespace

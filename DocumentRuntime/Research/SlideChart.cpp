@@ -18,10 +18,10 @@ using Binding = ResearchPresentation::ResolvedChartBinding;
 constexpr double axisWidth = 780;
 constexpr int labelSize = 10;
 constexpr int smallLabelSize = 7;
+constexpr int hundredthsPerPoint = 100;
 
 /// Without a word of it office programs bend lines, past values that nobody found.
 constexpr std::string_view straightLine = R"(<c:smooth val="0"/>)";
-constexpr std::string_view noTickMarks = R"(<c:majorTickMark val="none"/><c:minorTickMark val="none"/>)";
 constexpr std::string_view labelsAtAxis = R"(<c:tickLblPos val="nextTo"/><c:crossAx val="200"/>)";
 constexpr std::string_view labelsBelow = R"(<c:tickLblPos val="low"/>)";
 
@@ -48,7 +48,8 @@ double labelLines(const Binding& binding) {
 /// Has labels wrapped, not turned.
 std::string wrappedLabels(int size) {
   return R"(<c:txPr><a:bodyPr rot="0" vert="horz"/><a:lstStyle/><a:p><a:pPr><a:defRPr sz=")" +
-         std::to_string(size * 100) + R"("/></a:pPr><a:endParaRPr lang="en-US"/></a:p></c:txPr>)";
+         std::to_string(size * hundredthsPerPoint) +
+         R"("/></a:pPr><a:endParaRPr lang="en-US"/></a:p></c:txPr>)";
 }
 
 /// Texts are escaped, so that an element is found nowhere else.
@@ -64,7 +65,6 @@ std::string slideChartXML(const Binding& binding) {
   std::string xml =
       ResearchChartAuthor::xml(binding.dataset, binding.cells, binding.chart(), /*embedded=*/true,
                                ResearchChartWorkbook::columnMap(binding.chart()), /*zeroBaseline=*/true);
-  insertBeforeEach(xml, "<c:tickLblPos", noTickMarks);
   if (binding.chart().kind == ResearchSpreadsheet::Chart::Kind::line)
     insertBeforeEach(xml, "</c:ser>", straightLine);
   // Found in the category axis alone.

@@ -6,10 +6,10 @@
 
 namespace zelvo {
 
-/// The chart part of a slide, over the workbook of `ResearchChartWorkbook`. Where a chart has values below
-/// zero its category labels stand below all bars, and where its labels have no room side by side they are
-/// wrapped, and small where they take many lines; otherwise office programs would draw them across bars and
-/// legend. Lines run straight from point to point, and axes have no tick marks.
+/// The chart part of a slide, over the workbook of `ResearchChartWorkbook`: what `ResearchChartAuthor`
+/// writes, but for what office programs would then draw badly. Lines run straight from point to point. Where
+/// a chart has values below zero its category labels stand below all bars, and where its labels have no room
+/// side by side they are wrapped, and small where they take many lines.
 std::string slideChartXML(const ResearchPresentation::ResolvedChartBinding& binding);
 
 }  // namespace zelvo

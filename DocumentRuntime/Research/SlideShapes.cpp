@@ -38,7 +38,8 @@ void appendFill(std::string& xml, std::string_view colour) {
 void appendTextStart(std::string& xml, const Identity& identity, const Area& area, const TextStyle& style) {
   xml += "<p:sp><p:nvSpPr>";
   appendIdentity(xml, identity);
-  xml += R"(<p:cNvSpPr txBox="1"/><p:nvPr/></p:nvSpPr><p:spPr><a:xfrm>)";
+  xml += identity.isTitle ? R"(<p:cNvSpPr/><p:nvPr><p:ph type="title"/></p:nvPr></p:nvSpPr><p:spPr><a:xfrm>)"
+                          : R"(<p:cNvSpPr txBox="1"/><p:nvPr/></p:nvSpPr><p:spPr><a:xfrm>)";
   appendArea(xml, area);
   OOXML::append(xml,
                 R"(</a:xfrm><a:prstGeom prst="rect"><a:avLst/></a:prstGeom><a:noFill/></p:spPr><p:txBody>)",

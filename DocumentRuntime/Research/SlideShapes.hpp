@@ -22,6 +22,7 @@ struct Identity {
   int id;  ///< unique on the slide, above 1
   std::string name;
   std::string description = {};
+  bool isTitle = false;  ///< what outlines list and screen readers announce of the slide
 };
 
 /// How a text stands in its area, which has no inner margins.
