@@ -29,9 +29,10 @@ if(ZELVO_SANITIZE)
   target_compile_options(zelvo_flags INTERFACE
     -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
   target_link_options(zelvo_flags INTERFACE -fsanitize=address,undefined)
-endif()
-if(ZELVO_FUZZ)
-  target_compile_options(zelvo_flags INTERFACE -fsanitize=fuzzer-no-link)
+  if(CMAKE_CXX_COMPILER_ID STREQUAL Clang)
+    # Coverage for libFuzzer, in the tests' build too: the fuzz targets share it, and nothing is compiled twice.
+    target_compile_options(zelvo_flags INTERFACE -fsanitize=fuzzer-no-link)
+  endif()
 endif()
 
 if(NOT APPLE)
