@@ -146,7 +146,8 @@ TEST(ResearchWorkbook, GivesRowsTheHeightOfTheirText) {
   }
 }
 
-/// The most that a dataset may hold: 12 columns, 500 rows, and 8 sources of 300 characters in every row.
+/// The most that a dataset may hold: 12 columns, 500 rows, 8 sources of 300 characters in every row, 4
+/// charts.
 ResearchSpreadsheet largestTable() {
   ResearchSpreadsheet dataset = testing::numericTable(std::vector<std::optional<std::string>>(12));
   dataset.calculations.reset();
@@ -157,13 +158,20 @@ ResearchSpreadsheet largestTable() {
       dataset.rows.back().sources.push_back(url.append(300 - url.size(), 'u'));
     }
   }
+  for (std::int64_t column = 1; column <= 4; ++column) {
+    dataset.charts.push_back(
+        {.title = "C", .kind = testing::Chart::Kind::bar, .categoryColumn = 0, .valueColumns = {column}});
+  }
   return dataset;
 }
 
 TEST(ResearchWorkbook, TakesTheLargestDatasetAndAnyNumberOfSources) {
   ResearchSpreadsheet dataset = largestTable();
-  const std::string full = partOf(ResearchWorkbook::make("T", dataset, {}, {}), "xl/worksheets/sheet3.xml");
-  EXPECT_NE(full.find("<c r=\"A4001\""), std::string::npos);
+  const ByteBuffer full = ResearchWorkbook::make("T", dataset, {}, {});
+  EXPECT_NE(partOf(full, "xl/worksheets/sheet4.xml").find("<c r=\"A4001\""), std::string::npos);
+  EXPECT_NE(partOf(full, "xl/tables/table1.xml").find("<autoFilter ref=\"A1:M501\"/>"), std::string::npos);
+  for (const char* row : {"<xdr:row>3<", "<xdr:row>25<", "<xdr:row>47<", "<xdr:row>69<"})
+    EXPECT_NE(partOf(full, "xl/drawings/drawing1.xml").find(row), std::string::npos) << row;
 
   for (auto& row : dataset.rows)
     row.sources.clear();
@@ -174,7 +182,7 @@ TEST(ResearchWorkbook, TakesTheLargestDatasetAndAnyNumberOfSources) {
     for (auto& row : dataset.rows)
       row.sources = {sources.begin(), sources.begin() + std::min<std::ptrdiff_t>(1, std::ssize(sources))};
     const auto workbook = ResearchWorkbook::make("T", dataset, sources, {});
-    const std::string sheet = partOf(workbook, "xl/worksheets/sheet3.xml");
+    const std::string sheet = partOf(workbook, "xl/worksheets/sheet4.xml");
     EXPECT_NE(sheet.find("<row r=\"" + std::to_string(count + 1) + "\""), std::string::npos);
     EXPECT_EQ(sheet.find("<row r=\"" + std::to_string(count + 2) + "\""), std::string::npos);
   }
