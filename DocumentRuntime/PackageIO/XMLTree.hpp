@@ -25,6 +25,9 @@ class XMLNode {
   /// The name as written, prefix included.
   std::string_view qualifiedName() const { return storage_->qualifiedName(index_); }
 
+  /// A number below the count of the tree's distinct qualified names, the same for all elements of one name.
+  std::size_t nameIndex() const { return element().name; }
+
   std::size_t attributeCount() const { return element().attributeCount; }
   /// The i-th attribute in document order, named as written.
   std::string_view attributeName(std::size_t index) const;

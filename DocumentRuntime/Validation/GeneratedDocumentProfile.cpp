@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <vector>
 
 #include "DocumentRuntime/Errors/DocumentError.hpp"
 
@@ -251,13 +252,7 @@ bool isAllowedDeclaration(std::string_view declaration, std::string_view uri) {
   });
 }
 
-}  // namespace
-
-// Recursion is bounded by the depth that the XML reader allows.
-void GeneratedDocumentProfile::check(XMLNode element) {
-  if (!std::ranges::binary_search(allowedElements, element.qualifiedName())) {
-    throw DocumentError::validationFailed("unexpected executable or unsupported document element");
-  }
+void checkNamespaces(XMLNode element) {
   for (std::size_t i = 0; i < element.attributeCount(); ++i) {
     const std::string_view name = element.attributeName(i);
     if (name.starts_with("xmlns:") && !isAllowedDeclaration(name, element.attributeValue(i))) {
@@ -269,8 +264,37 @@ void GeneratedDocumentProfile::check(XMLNode element) {
       std::ranges::find(defaultNamespaces, *defaultNamespace) == defaultNamespaces.end()) {
     throw DocumentError::validationFailed("unexpected default namespace");
   }
-  for (const XMLNode child : element.children())
-    check(child);
+}
+
+/// Walks one tree; a name is looked up once, however many elements have it.
+class ElementCheck {
+ public:
+  // Recursion is bounded by the depth that the XML reader allows.
+  void check(XMLNode element) {
+    checkName(element);
+    checkNamespaces(element);
+    for (const XMLNode child : element.children())
+      check(child);
+  }
+
+ private:
+  void checkName(XMLNode element) {
+    const std::size_t name = element.nameIndex();
+    if (name >= isAllowed_.size()) isAllowed_.resize(name + 1);
+    if (isAllowed_[name]) return;
+    if (!std::ranges::binary_search(allowedElements, element.qualifiedName())) {
+      throw DocumentError::validationFailed("unexpected executable or unsupported document element");
+    }
+    isAllowed_[name] = true;
+  }
+
+  std::vector<bool> isAllowed_;  ///< by the index of the name
+};
+
+}  // namespace
+
+void GeneratedDocumentProfile::check(XMLNode root) {
+  ElementCheck().check(root);
 }
 
 }  // namespace zelvo
