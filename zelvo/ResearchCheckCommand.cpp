@@ -32,8 +32,8 @@ std::string checked(const ResearchInput& input, bool requiresChart) {
   CheckedDataset result;
   result.dataset =
       ResearchSpreadsheet::decode(input.text, requiresChart, input.allowedSources, input.sourceScope());
-  result.cells = result.dataset.resolvedCells();
   result.calculations = ResearchFormulaEvaluator::resolve(result.dataset);
+  result.cells = result.dataset.cellsWith(result.calculations);
   JsonWriter writer;
   encode(writer, result);
   return writer.take() + "\n";

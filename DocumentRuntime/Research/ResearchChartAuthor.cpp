@@ -13,6 +13,7 @@ using Cells = std::vector<std::vector<Cell>>;
 using Kind = ResearchSpreadsheet::Chart::Kind;
 
 constexpr unsigned char firstPrintable = 0x20;
+constexpr int hundredthsPerPoint = 100;
 
 constexpr std::string_view gridAndLegend =
     R"(<c:axPos val="l"/><c:majorGridlines/><c:numFmt formatCode="#,##0.##" sourceLinked="0"/>)"
@@ -72,6 +73,17 @@ void appendValues(std::string& xml, const Cells& cells, std::size_t column,
   xml += "</c:numCache></c:numRef></c:val>";
 }
 
+void appendCategoryAxis(std::string& xml, const ResearchChartAuthor::Looks& looks) {
+  OOXML::append(xml, R"(<c:catAx><c:axId val="100"/><c:scaling><c:orientation val="minMax"/></c:scaling>)",
+                R"(<c:axPos val="b"/><c:tickLblPos val=")", looks.labelsBelow ? "low" : "nextTo", R"("/>)");
+  if (looks.labelSize > 0) {
+    OOXML::append(xml, R"(<c:txPr><a:bodyPr rot="0" vert="horz"/><a:lstStyle/><a:p><a:pPr><a:defRPr sz=")",
+                  looks.labelSize * hundredthsPerPoint,
+                  R"("/></a:pPr><a:endParaRPr lang="en-US"/></a:p></c:txPr>)");
+  }
+  xml += R"(<c:crossAx val="200"/><c:crosses val="autoZero"/></c:catAx>)";
+}
+
 /// Pins the end of the axis that lies at zero; nothing where values stand on both sides of it, or nowhere.
 std::string_view baseline(const Cells& cells, const std::vector<std::int64_t>& columns) {
   bool any = false;
@@ -111,8 +123,8 @@ std::string ResearchChartAuthor::cleaned(std::string_view text) {
 
 std::string ResearchChartAuthor::xml(const ResearchSpreadsheet& content, const Cells& cells,
                                      const ResearchSpreadsheet::Chart& chart, bool embedded,
-                                     const std::map<std::int64_t, std::int64_t>& columnMap,
-                                     bool zeroBaseline) {
+                                     const std::map<std::int64_t, std::int64_t>& columnMap, bool zeroBaseline,
+                                     const Looks& looks) {
   const bool bar = chart.kind == Kind::bar;
   const std::string_view element = bar ? "barChart" : "lineChart";
   const ColumnReference categoryReference(columnMap, chart.categoryColumn, cells.size());
@@ -133,15 +145,13 @@ std::string ResearchChartAuthor::xml(const ResearchSpreadsheet& content, const C
     OOXML::append(xml, R"(<c:ser><c:idx val=")", k, R"("/><c:order val=")", k, R"("/><c:tx><c:v>)",
                   shown(seriesName(content.columns[column])), "</c:v></c:tx>", category);
     appendValues(xml, cells, column, ColumnReference(columnMap, chart.valueColumns[k], cells.size()));
-    xml += "</c:ser>";
+    xml += looks.straightLines ? R"(<c:smooth val="0"/></c:ser>)" : "</c:ser>";
   }
-  OOXML::append(
-      xml, R"(<c:axId val="100"/><c:axId val="200"/></c:)", element,
-      R"(><c:catAx><c:axId val="100"/><c:scaling><c:orientation val="minMax"/></c:scaling>)"
-      R"(<c:axPos val="b"/><c:tickLblPos val="nextTo"/><c:crossAx val="200"/><c:crosses val="autoZero"/></c:catAx>)"
-      R"(<c:valAx><c:axId val="200"/><c:scaling><c:orientation val="minMax"/>)",
-      bar && zeroBaseline ? baseline(cells, chart.valueColumns) : std::string_view(), "</c:scaling>",
-      gridAndLegend);
+  OOXML::append(xml, R"(<c:axId val="100"/><c:axId val="200"/></c:)", element, ">");
+  appendCategoryAxis(xml, looks);
+  OOXML::append(xml, R"(<c:valAx><c:axId val="200"/><c:scaling><c:orientation val="minMax"/>)",
+                bar && zeroBaseline ? baseline(cells, chart.valueColumns) : std::string_view(),
+                "</c:scaling>", gridAndLegend);
   if (embedded) xml += R"(<c:externalData r:id="rId1"><c:autoUpdate val="0"/></c:externalData>)";
   xml += "</c:chartSpace>";
   return xml;

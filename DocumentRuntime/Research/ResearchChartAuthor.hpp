@@ -11,6 +11,14 @@
 /// The native chart of a dataset, over a sheet named "Data" whose first row holds the headings.
 namespace zelvo::ResearchChartAuthor {
 
+/// What a chart says of its looks. Without a word of it, office programs turn crowded labels, draw them
+/// across bars below zero, and bend lines.
+struct Looks {
+  bool labelsBelow = false;    ///< category labels stand below all bars, not along the axis
+  bool straightLines = false;  ///< lines run straight from point to point
+  int labelSize = 0;  ///< points of category labels that are wrapped, not turned; 0 for no word of it
+};
+
 /// The chart part, without the XML declaration. The dataset and the chart must have passed validation:
 /// `cells` are the resolved ones, one a column.
 ///
@@ -20,7 +28,8 @@ namespace zelvo::ResearchChartAuthor {
 std::string xml(const ResearchSpreadsheet& content,
                 const std::vector<std::vector<ResearchSpreadsheet::Cell>>& cells,
                 const ResearchSpreadsheet::Chart& chart, bool embedded,
-                const std::map<std::int64_t, std::int64_t>& columnMap, bool zeroBaseline);
+                const std::map<std::int64_t, std::int64_t>& columnMap, bool zeroBaseline,
+                const Looks& looks = {});
 
 /// The letter of a zero-based column. One letter is enough: a dataset has at most twelve columns.
 char letter(std::int64_t index);

@@ -255,15 +255,7 @@ std::vector<ResolvedCalculation> ResearchFormulaEvaluator::resolve(const Researc
 }
 
 std::vector<std::vector<ResearchSpreadsheet::Cell>> ResearchSpreadsheet::resolvedCells() const {
-  std::vector<std::vector<Cell>> cells;
-  cells.reserve(rows.size());
-  for (const Row& row : rows)
-    cells.push_back(row.cells);
-  for (const ResolvedCalculation& calculation : ResearchFormulaEvaluator::resolve(*this)) {
-    cells[static_cast<std::size_t>(calculation.row)][static_cast<std::size_t>(calculation.column)] =
-        calculation.value ? Cell(*calculation.value) : Cell();
-  }
-  return cells;
+  return cellsWith(ResearchFormulaEvaluator::resolve(*this));
 }
 
 }  // namespace zelvo

@@ -1,5 +1,7 @@
 #include "DocumentRuntime/Research/ResearchSpreadsheet.hpp"
 
+#include <cstddef>
+
 #include "DocumentRuntime/Cells/DoubleText.hpp"
 #include "DocumentRuntime/Cells/SerialDate.hpp"
 
@@ -25,6 +27,19 @@ std::string ResearchSpreadsheet::Row::provenanceText() const {
     text.append(source).append("\n");
   if (!text.empty()) text.pop_back();
   return text;
+}
+
+std::vector<std::vector<ResearchSpreadsheet::Cell>> ResearchSpreadsheet::cellsWith(
+    const std::vector<ResolvedCalculation>& resolved) const {
+  std::vector<std::vector<Cell>> cells;
+  cells.reserve(rows.size());
+  for (const Row& row : rows)
+    cells.push_back(row.cells);
+  for (const ResolvedCalculation& calculation : resolved) {
+    cells[static_cast<std::size_t>(calculation.row)][static_cast<std::size_t>(calculation.column)] =
+        calculation.value ? Cell(*calculation.value) : Cell();
+  }
+  return cells;
 }
 
 bool ResearchSpreadsheet::validDate(std::string_view text) {

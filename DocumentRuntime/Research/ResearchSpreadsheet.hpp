@@ -103,6 +103,9 @@ struct ResearchSpreadsheet {
   /// value. Throws what `ResearchFormulaEvaluator::resolve` throws.
   std::vector<std::vector<Cell>> resolvedCells() const;
 
+  /// The same, for who has what `ResearchFormulaEvaluator::resolve` gives of this dataset already.
+  std::vector<std::vector<Cell>> cellsWith(const std::vector<ResolvedCalculation>& resolved) const;
+
   /// The canonical JSON: compact, keys sorted, absent fields left out. Equal datasets give equal bytes.
   std::string encoded() const;
 

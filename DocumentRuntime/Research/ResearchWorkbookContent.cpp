@@ -117,9 +117,10 @@ ResearchWorkbookContent ResearchWorkbookContent::of(std::string_view title,
                                                     const ResearchSpreadsheet& dataset,
                                                     const AllowedSources& sources,
                                                     const std::optional<ResearchSourceScope>& sourceScope) {
+  std::vector<ResolvedCalculation> resolved = ResearchFormulaEvaluator::resolve(dataset);
   ResearchWorkbookContent content{.dataset = &dataset,
-                                  .cells = dataset.resolvedCells(),
-                                  .calculations = byAddress(ResearchFormulaEvaluator::resolve(dataset)),
+                                  .cells = dataset.cellsWith(resolved),
+                                  .calculations = byAddress(std::move(resolved)),
                                   .sheets = {},
                                   .hasScope = sourceScope.has_value()};
   if (!dataset.charts.empty()) content.sheets.push_back(overviewSheet(title));
