@@ -11,12 +11,10 @@ import dataclasses
 import datetime
 import decimal
 import io
-import pathlib
 import random
 import re
 import subprocess
 import sys
-import tempfile
 import unittest
 import zipfile
 from decimal import Decimal
@@ -264,12 +262,9 @@ def office_instant(our, their, serial, system, kinds):
     return str(instant)
 
 
-class DisplayTexts(unittest.TestCase):
+class DisplayTexts(office.Case):
     @classmethod
-    def setUpClass(cls):
-        temporary = tempfile.TemporaryDirectory()
-        cls.addClassCleanup(temporary.cleanup)
-        cls.folder = pathlib.Path(temporary.name)
+    def prepare(cls):
         cls.numbers = number_texts()
         cls.number_sheets = [([form.code for form in forms], cls.numbers) for forms in chunks(FORMATS, COLUMNS)]
         write_workbook(cls.folder / "numbers.xlsx", [*cls.number_sheets, ([GENERAL], cls.numbers)])

@@ -2,10 +2,8 @@
 cell with the source values."""
 
 import json
-import pathlib
 import subprocess
 import sys
-import tempfile
 import unittest
 import xml.etree.ElementTree as ET
 import zipfile
@@ -53,12 +51,9 @@ def contents_of(path, *folders):
         return [ET.fromstring(archive.read(folder + "content.xml")) for folder in folders or [""]]
 
 
-class Documents(unittest.TestCase):
+class Documents(office.Case):
     @classmethod
-    def setUpClass(cls):
-        temporary = tempfile.TemporaryDirectory()
-        cls.addClassCleanup(temporary.cleanup)
-        cls.folder = pathlib.Path(temporary.name)
+    def prepare(cls):
         subprocess.run([WRITER, cls.folder], check=True)
         for target, pattern in (("odt", "*.docx"), ("odp", "*.pptx")):
             office.convert(sorted(cls.folder.glob(pattern)), target, cls.folder)

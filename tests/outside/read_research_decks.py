@@ -5,11 +5,9 @@ import collections
 import io
 import itertools
 import json
-import pathlib
 import re
 import subprocess
 import sys
-import tempfile
 import unicodedata
 import unittest
 import xml.etree.ElementTree as ET
@@ -74,12 +72,10 @@ def bare(texts):
     return re.sub(r"\s|•", "", unicodedata.normalize("NFKC", "".join(texts)))
 
 
-class ResearchDecks(unittest.TestCase):
+class ResearchDecks(office.Case):
     @classmethod
-    def setUpClass(cls):
-        temporary = tempfile.TemporaryDirectory()
-        cls.addClassCleanup(temporary.cleanup)
-        cls.folder = folder = pathlib.Path(temporary.name)
+    def prepare(cls):
+        folder = cls.folder
         (folder / "scope.json").write_text(json.dumps(SCOPE))
         (folder / "data.json").write_text(json.dumps([{"id": str(i), "content": content} for i, content in enumerate(DATASETS)]))
         cls.paths = [folder / f"{name}.pptx" for name in DECKS]

@@ -5,11 +5,9 @@ import datetime
 import json
 import math
 import operator
-import pathlib
 import re
 import subprocess
 import sys
-import tempfile
 import unittest
 import zipfile
 
@@ -76,12 +74,10 @@ def rows_of(sheet):
     return [tuple(None if value == "" else value for value in row) for row in sheet.iter_rows(values_only=True)]
 
 
-class ResearchWorkbooks(unittest.TestCase):
+class ResearchWorkbooks(office.Case):
     @classmethod
-    def setUpClass(cls):
-        temporary = tempfile.TemporaryDirectory()
-        cls.addClassCleanup(temporary.cleanup)
-        cls.folder = folder = pathlib.Path(temporary.name)
+    def prepare(cls):
+        folder = cls.folder
         (folder / "scope.json").write_text(json.dumps(SCOPE))
         cls.checked = {}
         for name, content in DATASETS.items():
