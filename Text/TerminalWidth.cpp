@@ -12,11 +12,11 @@ constexpr UChar32 zeroWidthJoiner = 0x200D;
 constexpr UChar32 emojiVariationSelector = 0xFE0F;
 
 bool isInvisible(UChar32 scalar) {
-  // A format character by category, which terminals show all the same.
+  // Category Cf (format character), but terminals show it.
   if (scalar == softHyphen) return false;
   constexpr auto categories = U_GC_MN_MASK | U_GC_ME_MASK | U_GC_CF_MASK;
   if ((U_GET_GC_MASK(scalar) & categories) != 0) return true;
-  // Hangul vowels and final consonants, which join the syllable before them, and fillers.
+  // Hangul vowels and final consonants combine with the preceding syllable. Fillers are invisible.
   const int syllable = u_getIntPropertyValue(scalar, UCHAR_HANGUL_SYLLABLE_TYPE);
   return syllable == U_HST_VOWEL_JAMO || syllable == U_HST_TRAILING_JAMO ||
          u_hasBinaryProperty(scalar, UCHAR_DEFAULT_IGNORABLE_CODE_POINT);
@@ -27,7 +27,7 @@ bool isWide(UChar32 scalar) {
   return width == U_EA_WIDE || width == U_EA_FULLWIDTH;
 }
 
-/// Sums up the columns scalar by scalar; what a scalar adds may depend on the one before it.
+/// Adds up the columns scalar by scalar. The width of a scalar can depend on the previous one.
 class ColumnCounter {
  public:
   void add(UChar32 scalar) {
@@ -55,7 +55,8 @@ class ColumnCounter {
 
   std::size_t columns_ = 0;
   UChar32 previous_ = 0;
-  /// The last scalar that stands for itself: whether it is a picture, and what it takes with its selector.
+  /// The last scalar that starts an element: whether it is an emoji, and its columns with a variation
+  /// selector.
   bool baseIsPicture_ = false;
   std::size_t baseColumns_ = 0;
 };

@@ -5,9 +5,9 @@
 
 namespace zelvo {
 
-/// How many columns a terminal takes to show a text of one line: wide East Asian characters and emoji take
-/// two; combining marks and invisible format characters none. What joins into one picture (an emoji with a
-/// skin tone, a family, a flag) counts as that picture. Characters of ambiguous width count as one.
+/// The number of terminal columns of a one-line text. Wide East Asian characters and emoji have two columns,
+/// combining marks and invisible format characters none. An emoji sequence (skin tone, family, flag) has the
+/// width of one emoji. Characters of ambiguous width have one column.
 ///
 /// `text` is valid UTF-8 without control characters.
 std::size_t terminalColumns(std::string_view text);

@@ -27,7 +27,7 @@ constexpr std::size_t maximumBytes = std::numeric_limits<std::int32_t>::max() / 
 void check(UErrorCode status) {
   if (U_SUCCESS(status)) return;
   if (status == U_MEMORY_ALLOCATION_ERROR) throw std::bad_alloc();
-  // The texts are valid and the data is linked in, so the program itself is broken: no result would be true.
+  // The texts are valid and the data is linked in, so only a defect of the program can lead here.
   std::abort();
 }
 
@@ -40,8 +40,8 @@ icu::StringPiece piece(std::string_view text) {
   return {text.data(), librarySize(text)};
 }
 
-/// Finds the boundaries of characters. Opening the rules costs far more than a text does, so each thread
-/// keeps one.
+/// Finds character boundaries. Opening the rules costs far more than one text, so each thread keeps one
+/// iterator.
 class CharacterBreaks {
  public:
   static CharacterBreaks& ofThisThread() {
@@ -60,7 +60,7 @@ class CharacterBreaks {
 
  private:
   CharacterBreaks() {
-    // The rules are linked in. Without this the library looks for files that could replace them.
+    // The rules are linked in. Without this call the library looks for files that could replace them.
     static const UErrorCode filesRefused = [] {
       UErrorCode status = U_ZERO_ERROR;
       udata_setFileAccess(UDATA_NO_FILES, &status);
@@ -77,13 +77,13 @@ class CharacterBreaks {
   std::unique_ptr<icu::BreakIterator> iterator_;
 };
 
-/// The byte behind the first `count` characters; the end of the text when it has no more than those.
+/// The byte offset after the first `count` characters, or the text's size if it has fewer.
 std::size_t offsetBehind(std::string_view text, std::size_t count) {
   if (text.size() <= count) return text.size();  // a character has at least one byte
   if (count == 0) return 0;
 
-  // No ASCII character is longer than two bytes, and to the one that is, CR LF, nothing joins: where these
-  // bytes are ASCII, nothing behind them matters. `count` is below the size of a text, so twice it cannot
+  // An ASCII character has at most two bytes (CR LF, which no following scalar extends). So if these bytes
+  // are ASCII, the following ones do not matter. `count` is below the size of a text, so twice it cannot
   // overflow.
   const std::string_view head = text.substr(0, 2 * count);
   if (isASCII(head)) {
@@ -101,7 +101,7 @@ std::size_t offsetBehind(std::string_view text, std::size_t count) {
   return static_cast<std::size_t>(at);
 }
 
-/// What `transform` writes into the sink, in a buffer that grows at most once.
+/// The output of `transform`, in a buffer that grows at most once.
 template <typename Transform>
 std::string collected(std::string_view text, const Transform& transform) {
   std::string result(text.size(), '\0');
@@ -116,9 +116,8 @@ std::string collected(std::string_view text, const Transform& transform) {
   }
 }
 
-/// The canonical decomposition. The library, when it composes or only checks, puts each mark in its place by
-/// insertion, in time quadratic in the length of a run of marks; a text in this form leaves it nothing to
-/// move.
+/// The canonical decomposition. When the library composes or checks, it sorts combining marks by insertion,
+/// in time quadratic in the length of a run of marks. Decomposed text is already sorted.
 std::string decomposed(std::string_view text) {
   UErrorCode status = U_ZERO_ERROR;
   const icu::Normalizer2* const decomposition = icu::Normalizer2::getNFDInstance(status);

@@ -5,19 +5,16 @@
 #include <string_view>
 #include <vector>
 
-/// Text as people see it. Every argument is UTF-8, and, but for `isValid` and `isASCII`, must be valid: the
-/// readers check a text once, where it comes in. Pure-ASCII text takes a path that never touches the Unicode
-/// library.
+/// Unicode text operations on UTF-8. Every argument must be valid UTF-8, except for `isValid` and `isASCII`:
+/// the readers check a text once, when they decode it. Pure-ASCII text never reaches the Unicode library.
 ///
-/// A "character" is a user-perceived one: an extended grapheme cluster, CR LF being one.
+/// A "character" is an extended grapheme cluster. CR LF is one.
 ///
-/// No function asks anything of the operating system but memory, at its first use as at every other, so that
-/// a confined process may call them: the library's data is linked in, and files that could replace it are
-/// refused.
+/// The functions make no system call except for memory, so that a confined process can call them: the
+/// library's data is linked in, and data files that could replace it are not looked for.
 ///
-/// Every function may run on several threads at once. Memory that runs out is std::bad_alloc, and so is a
-/// text that the Unicode library cannot address (hundreds of MiB, far above what any reader lets in); nothing
-/// else comes out.
+/// All functions are thread-safe. They throw only `std::bad_alloc`: when memory runs out, and for a text that
+/// the Unicode library cannot address (hundreds of MiB, far above every reader's limit).
 namespace zelvo::Unicode {
 
 /// Whether the bytes are well-formed UTF-8: no overlong form, no surrogate, nothing above U+10FFFF.

@@ -1,4 +1,4 @@
-// The part of Unicode text that needs no more than bytes and scalars.
+// The functions of Unicode.hpp that work on bytes and scalars, without the Unicode library.
 
 #include <cstdint>
 #include <cstring>
@@ -24,7 +24,7 @@ std::uint64_t wordAt(const char* at) {
   return word;
 }
 
-/// The first byte of 0x80 or above, or `end`. Most of every document is ASCII, hence the big steps.
+/// The first byte of 0x80 or above, or `end`. Most text of documents is ASCII, so it tests whole words.
 const char* skipASCII(const char* at, const char* end) {
   while (end - at >= 32) {
     if (((wordAt(at) | wordAt(at + 8) | wordAt(at + 16) | wordAt(at + 24)) & highBits) != 0) break;
@@ -37,7 +37,7 @@ const char* skipASCII(const char* at, const char* end) {
   return at;
 }
 
-/// The length of the well-formed sequence of two to four bytes at `at`; 0 when there is none.
+/// The length of the well-formed sequence of two to four bytes at `at`, or 0.
 std::ptrdiff_t sequenceLength(const char* at, const char* end) {
   const std::uint8_t lead = byteAt(at);
   if (lead < 0xC2 || lead > 0xF4) return 0;
@@ -59,7 +59,7 @@ bool isWhiteSpace(char32_t scalar) {
          scalar == 0x202F || scalar == 0x205F || scalar == 0x3000;
 }
 
-/// Where the last scalar of a text that is not empty starts.
+/// The offset of the last scalar of a non-empty text.
 std::size_t lastScalarStart(std::string_view text) {
   std::size_t start = text.size() - 1;
   while (isContinuation(static_cast<std::uint8_t>(text[start])))
@@ -67,7 +67,7 @@ std::size_t lastScalarStart(std::string_view text) {
   return start;
 }
 
-/// The length in bytes of the line break with which `rest` begins; 0 when it begins with none.
+/// The length in bytes of the line break at the start of `rest`, or 0.
 std::size_t lineBreakLength(std::string_view rest) {
   switch (rest.front()) {
     case '\r':

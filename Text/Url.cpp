@@ -6,7 +6,7 @@
 namespace zelvo {
 namespace {
 
-/// A piece that the parser found, as a view into the text that it was given.
+/// A parsed component as a view into the input text.
 std::string_view standard(boost::urls::string_view piece) {
   return {piece.data(), piece.size()};
 }
@@ -16,7 +16,7 @@ std::string_view standard(boost::urls::string_view piece) {
 std::optional<UrlComponents> urlComponents(std::string_view text) {
   const auto url = boost::urls::parse_uri({text.data(), text.size()});
   if (!url) return std::nullopt;
-  // The parser lets a path begin right behind the host, and reads "http://h:port" as one.
+  // The parser accepts a path without a leading slash after the host, and reads "http://h:port" as one.
   const std::string_view path = standard(url->encoded_path());
   if (url->has_authority() && !path.empty() && !path.starts_with('/')) return std::nullopt;
   return UrlComponents{

@@ -9,13 +9,13 @@ namespace zelvo {
 struct UrlComponents {
   std::string_view scheme;
   std::string_view host;  ///< empty also when there is no authority
-  bool hasUserInfo;       ///< something may stand before an "@" in the authority: "http://@h" has user info
+  bool hasUserInfo;       ///< the authority has an "@", also after an empty user ("http://@h")
 
   bool operator==(const UrlComponents&) const = default;
 };
 
-/// The components of an absolute URL in strict RFC 3986; none for any other text, relative references and
-/// characters outside ASCII included.
+/// The components of an absolute URL by strict RFC 3986. Returns nullopt for any other text, also for
+/// relative references and characters outside ASCII.
 std::optional<UrlComponents> urlComponents(std::string_view text);
 
 }  // namespace zelvo

@@ -17,7 +17,7 @@ constexpr std::size_t noteLength = 80;
 constexpr std::size_t reportLength = 60'000;
 constexpr std::int64_t firstCalculated = 10;  ///< columns from here on are calculated
 
-/// `start`, and then one sentence again and again.
+/// `start`, followed by one repeated sentence.
 std::string filled(std::string start, std::size_t length) {
   constexpr std::string_view sentence = " Prices & volumes as the registers of <2024> have them.";
   while (start.size() < length)

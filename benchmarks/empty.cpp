@@ -1,4 +1,4 @@
-// A program that does nothing: what starting a process costs.
+// An empty program: the cost of starting a process.
 int main() {
   return 0;
 }

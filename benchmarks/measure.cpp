@@ -1,9 +1,9 @@
-// Runs commands in turn, A B A B …, each with a file as standard input and its output thrown away, and prints
+// Runs commands alternately, A B A B …, each with a file as standard input, discards their output, and prints
 // one line a run: which command, status, user and system CPU seconds, wall seconds, peak memory in KiB.
 //
 //   measure RUNS INPUT -- COMMAND [ARG...] [-- COMMAND [ARG...]]...
 //
-// Small and static on purpose: a child's peak memory is counted from its parent's when it is started.
+// Small and static on purpose: a child's peak memory starts at its parent's.
 
 #include <chrono>
 #include <cstdio>

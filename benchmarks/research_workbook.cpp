@@ -1,5 +1,5 @@
-// research_workbook RUNS FOLDER: writes the workbook of the largest dataset RUNS times each by three ways in
-// turn, within one process, and prints a line for each: name, CPU seconds, bytes of the package.
+// research_workbook RUNS FOLDER: writes the workbook of the largest dataset RUNS times in each of three ways,
+// alternately, within one process, and prints a line for each: name, CPU seconds, bytes of the package.
 //
 //   zelvo          checks the dataset, computes, lays out and writes; what is written is not read back
 //   deflated       the same, and then compresses the package, which zelvo itself only stores

@@ -77,7 +77,7 @@ def inspect_rows(bench):
         stdin = bench.request(name, operation="inspect")
         base, ours = bench.measure(stdin, floor, worker)
         expanded = expanded_bytes(bench.folder / f"{name}.xlsx")
-        # What cannot pass is refused from its directory on: only what was expanded before counts.
+        # Refused while reading the directory: only entries that were expanded before count.
         allowed = stdin.stat().st_size * 3 + min(expanded, 64 * MIB) * 3 + 32 * MIB
         yield [name, f"{expanded / MIB:.1f}", milliseconds(base["cpu"]), milliseconds(ours["cpu"]),
                f"{ours['cpu ratio']:.2f}", f"{ours['peak'] / MIB:.0f}", f"{allowed / MIB:.0f}", f"{ours['wall']:.2f}"]

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Writes the workbooks that the benchmarks measure: the same bytes every time.
+"""Writes the workbooks that the benchmarks measure. The bytes are the same on every run.
 
     workloads.py FOLDER     writes NAME.xlsx for each workload, and NAME.half.xlsx, .quarter, .eighth where it is scaled
 """
@@ -26,7 +26,7 @@ def letters(column):
 
 
 def noise(state):
-    """A small generator of our own: the standard library's may change between versions."""
+    """An own generator: the standard library's may change between versions."""
     while True:
         state = (state * 6364136223846793005 + 1442695040888963407) % 2**64
         yield state >> 33
@@ -156,7 +156,7 @@ WORKLOADS = {
     "empty-elements": lambda: scaled(lambda share: workbook(
         [worksheet(mixed_rows(2, 2, 2))], ["a", "b"],
         {f"xl/e{i:03}.xml": "<a>" + "<b/>" * 54_000 + "</a>" for i in range(int(300 * share))})),
-    # Past what a package may expand to: has to be refused, and soon.
+    # Beyond the limit on expanded bytes: must be refused quickly.
     "empty-elements-refused": lambda: {"": workbook(
         [worksheet(mixed_rows(2, 2, 2))], ["a", "b"],
         {f"xl/e{i:03}.xml": "<a>" + "<b/>" * 199_999 + "</a>" for i in range(300)})},

@@ -1,5 +1,5 @@
-# The libraries that the project stands on, all as static archives, each behind one imported target. Only the
-# folder that wraps a library links it, and no public header of the project includes one.
+# Third-party libraries, all as static archives, one imported target each. Only the folder that wraps a library links it,
+# and no public header of the project includes one.
 
 function(zelvo_import NAME HEADER)
   find_path(ZELVO_${NAME}_INCLUDE ${HEADER} REQUIRED)

@@ -8,15 +8,14 @@
 namespace zelvo {
 namespace {
 
-/// Digits of the largest row; longer row texts are refused, leading zeros or not.
+/// Digits of the largest row. Longer row texts are refused, also with leading zeros.
 constexpr int maximumRowDigits = 7;
 
 DocumentError outOfBounds() {
   return DocumentError::invalidSelection("cell address bounds");
 }
 
-/// Parses a text in upper case. Works byte by byte: no byte of a scalar outside ASCII is a letter or digit
-/// here.
+/// Parses an upper-case text byte by byte: no byte of a scalar outside ASCII is an ASCII letter or digit.
 CellAddress parseUppercased(std::string_view text) {
   std::int64_t column = 0;
   std::int64_t row = 0;
@@ -41,7 +40,7 @@ CellAddress parseUppercased(std::string_view text) {
 }  // namespace
 
 CellAddress CellAddress::parse(std::string_view text) {
-  // Full upper case: a few letters outside ASCII, such as a dotless i, have one of A to Z as theirs.
+  // Full Unicode upper case: a few letters outside ASCII, such as the dotless i, map to A to Z.
   return parseUppercased(Unicode::uppercased(text));
 }
 

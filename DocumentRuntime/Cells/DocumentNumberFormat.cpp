@@ -11,11 +11,11 @@
 namespace zelvo::DocumentNumberFormat {
 namespace {
 
-/// Most placeholders after the point of a numeric format.
+/// Maximum number of placeholders after the point.
 constexpr std::size_t maximumPlaceholders = 12;
 
-/// Largest power of ten, either way, of the last digit of a number that is rendered. It keeps "1e999999" from
-/// becoming a megabyte of zeros.
+/// Largest magnitude of the power of ten of the last digit of a rendered number. Stops "1e999999" from
+/// expanding to a megabyte of zeros.
 constexpr std::int64_t maximumPower = 127;
 
 constexpr std::array<std::string_view, 8> currencies = {"$", "€", "£", "kr", "NOK", "USD", "EUR", "GBP"};
@@ -48,8 +48,7 @@ bool takeSuffix(std::string_view& rest, std::string_view token) {
   return true;
 }
 
-/// Takes one spelling of a currency once, from the front or else from the back, and one space that sets it
-/// apart.
+/// Removes one currency spelling, as a prefix or else as a suffix, with one separating space.
 void takeCurrency(std::string_view& rest, std::string_view spelling, std::string_view currency,
                   Numeric& format) {
   if (takePrefix(rest, spelling)) {
@@ -61,7 +60,7 @@ void takeCurrency(std::string_view& rest, std::string_view spelling, std::string
   }
 }
 
-/// Whether a code begins and ends as only one without currency does: most of a table's cells have such.
+/// Fast path: true if the code cannot contain a currency symbol.
 bool isPlain(std::string_view code) {
   constexpr std::string_view firsts = "0#";
   constexpr std::string_view lasts = "0#%";
@@ -76,7 +75,7 @@ void takeCurrencies(std::string_view& rest, Numeric& format) {
   }
 }
 
-/// Drops the last `count` digits, fewer than there are, and rounds half to even.
+/// Drops the last `count` digits and rounds half to even. There must be more digits than `count`.
 void roundHalfEven(std::string& digits, std::size_t count) {
   const std::string dropped = digits.substr(digits.size() - count);
   digits.resize(digits.size() - count);

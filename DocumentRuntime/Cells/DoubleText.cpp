@@ -8,7 +8,7 @@ namespace zelvo::DoubleText {
 
 std::string shortest(double value) {
   constexpr double smallestFixed = 1e-4;
-  constexpr double largestFixed = 0x1p54;  // above, neighbours are more than 2 apart: digits would mislead
+  constexpr double largestFixed = 0x1p54;  // beyond, adjacent doubles differ by more than 2
   const double magnitude = std::fabs(value);
   const bool isFixed = magnitude == 0 || (magnitude >= smallestFixed && magnitude <= largestFixed);
   // 17 significant digits, sign, point, and either "0.000" before them or an exponent of five characters

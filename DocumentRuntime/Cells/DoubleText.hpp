@@ -2,7 +2,7 @@
 
 #include <string>
 
-/// The decimal texts of the machine's own numbers.
+/// Decimal texts of doubles.
 namespace zelvo::DoubleText {
 
 /// The shortest text that reads back as the same double, whole values with ".0": in fixed notation from 1e-4

@@ -23,14 +23,14 @@ using namespace std::chrono_literals;
 /// 9999-12-31 in the 1900 system.
 constexpr double maximumSerial = 2'958'465;
 
-/// 1900-02-29 in the 1900 system, a day that never was.
+/// 1900-02-29 in the 1900 system, a date that does not exist (the historic spreadsheet leap-year bug).
 constexpr double falseLeapDay = 60;
 
 constexpr sys_days base1900 = 1899y / 12 / 31;
 constexpr sys_days base1904 = 1904y / 1 / 1;
 
-/// The second in which a serial lies. Texts of 17 digits fall short of the moment that was meant by far less
-/// than a millisecond, so rounding to it first keeps 1/24 from becoming 00:59:59.
+/// The second of a serial. A text of 17 digits can be below the intended time by far less than a millisecond,
+/// so the value is rounded to the millisecond first: 1/24 is 01:00:00, not 00:59:59.
 sys_seconds instantOf(double serial, bool uses1904Dates) {
   const double wholeDays = std::floor(serial);
   const double fraction = serial - wholeDays;  // exact
@@ -61,8 +61,7 @@ bool isDigit(char character) {
   return character >= '0' && character <= '9';
 }
 
-/// Whether the text has the shape's length, digits where the shape has 0, and the shape's characters
-/// elsewhere.
+/// Whether the text matches the pattern: a digit where it has 0, the same character elsewhere.
 bool hasShape(std::string_view text, std::string_view shape) {
   return std::equal(text.begin(), text.end(), shape.begin(), shape.end(), [](char character, char expected) {
     return expected == '0' ? isDigit(character) : character == expected;

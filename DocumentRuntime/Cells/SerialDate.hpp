@@ -18,8 +18,8 @@ std::string excelDate(std::string_view raw, std::string_view cellName, std::stri
 /// Whether the text is a calendar date from 0001-01-01 to 9999-12-31 written exactly YYYY-MM-DD.
 bool isoDateOnly(std::string_view text);
 
-/// Whether the text is such a date and a time of day with a zone: YYYY-MM-DDThh:mm:ss, a fraction or none,
-/// then "Z" or ±hh:mm. Neither hour 24 nor second 60 is a time of day.
+/// Whether the text is such a date with a time of day and a zone: YYYY-MM-DDThh:mm:ss, an optional fraction,
+/// then "Z" or ±hh:mm. Hour 24 and second 60 are not accepted.
 bool isoDateTime(std::string_view text);
 
 }  // namespace zelvo::SerialDate

@@ -5,13 +5,15 @@
 
 namespace zelvo {
 
-/// The caller asked for the operation to stop. Never a `DocumentError`: nothing is wrong with the document.
+/// Thrown when the caller's stop token requests cancellation. Not a `DocumentError`: the document is not at
+/// fault.
 class Cancelled : public std::exception {
  public:
   const char* what() const noexcept override { return "The operation was cancelled."; }
 };
 
-/// Long loops call this once per entry, part or row. A default-made token is never cancelled.
+/// Throws `Cancelled` if stop was requested. Long loops call it once per entry, part or row. A
+/// default-constructed token is never cancelled.
 inline void throwIfCancelled(const std::stop_token& stop) {
   if (stop.stop_requested()) throw Cancelled();
 }

@@ -5,7 +5,7 @@
 
 namespace zelvo {
 
-/// The engine's one error: why a document, a selection or a request was refused.
+/// The engine's only error type: why a document, a selection or a request was refused (rejected).
 ///
 /// Every case carries one detail: a short phrase that names the rule that failed, or, for
 /// `formulaValueUnavailable`, the address of the cell. Two errors are equal when case and detail are.
@@ -32,7 +32,7 @@ class DocumentError : public std::exception {
   Case errorCase() const { return errorCase_; }
   const std::string& detail() const { return detail_; }
 
-  /// The sentence for the user: the case's fixed words and the detail, UTF-8.
+  /// The message for the user, UTF-8: the case's fixed text and the detail.
   const std::string& errorDescription() const { return description_; }
   const char* what() const noexcept override { return description_.c_str(); }
 

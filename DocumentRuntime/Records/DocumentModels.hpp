@@ -8,8 +8,8 @@
 #include "DocumentRuntime/Records/ByteBuffer.hpp"
 #include "DocumentRuntime/Records/SourceCell.hpp"
 
-/// The records that the engine's operations take and give. Plain values, compared field by field; the fields
-/// stand in the order of their JSON keys. Texts are UTF-8.
+/// Inputs and results of the engine's operations. Plain values, compared field by field, fields in the order
+/// of their JSON keys. Texts are UTF-8.
 namespace zelvo {
 
 enum class DocumentFormat { docx, pptx };

@@ -5,8 +5,7 @@
 
 namespace zelvo {
 
-/// One cell's value. Texts keep the workbook's own characters: a number stays the decimal text that was
-/// stored.
+/// One cell's value. Texts are kept as stored: a number stays the stored decimal text.
 class SourceCellValue {
  public:
   enum class Kind { text, number, boolean, date, missing, error };
@@ -21,7 +20,7 @@ class SourceCellValue {
   Kind kind() const { return kind_; }
   /// The text of `text`, `number`, `date` and `error`; empty for the other kinds.
   const std::string& payload() const { return payload_; }
-  /// The truth of `boolean`; false for the other kinds.
+  /// The value of `boolean`; false for the other kinds.
   bool isTrue() const { return isTrue_; }
 
   /// The payload unchanged, "TRUE" or "FALSE", or the empty text for `missing`. No number format is applied.
@@ -44,7 +43,7 @@ struct SourceCell {
   std::optional<std::string> formula;   ///< the formula's text, without "="
   bool usesCachedFormulaValue = false;  ///< `value` is the result that the workbook stored for a formula
   std::optional<std::string> numberFormat;
-  bool hidden = false;  ///< the cell stands in a hidden row
+  bool hidden = false;  ///< the cell is in a hidden row
 
   /// As `SourceCellValue::displayText`, with a number rendered by its numeric format where it has one. Dates
   /// are display texts already.
