@@ -1,17 +1,21 @@
 // A process that a signal ends leaves no child and no temporary file behind.
 
 #include <csignal>
+#include <filesystem>
 #include <functional>
 #include <string>
 #include <sys/prctl.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <gtest/gtest.h>
 
 #include "Support/SystemCallFailure.hpp"
+#include "Support/TemporaryFolder.hpp"
 #include "System/ChildProcess.hpp"
 #include "System/ForkedChild.hpp"
+#include "System/OutputFile.hpp"
 #include "System/SignalCleanup.hpp"
 
 namespace zelvo {
@@ -45,6 +49,23 @@ TEST(SignalCleanup, leavesNoChildBehind) {
       EXPECT_EQ(endOf(act), signal);
       EXPECT_FALSE(testing::leavesChild());
     }
+  }
+}
+
+TEST(SignalCleanup, leavesNoFileBehind) {
+  for (const int signal : {SIGHUP, SIGINT, SIGTERM, SIGPIPE}) {
+    const testing::TemporaryFolder folder;
+    const int end = endOf([&] {
+      // The limit is met in the middle of writing.
+      static volatile std::sig_atomic_t raised = 0;
+      raised = signal;
+      static_cast<void>(std::signal(SIGXFSZ, [](int) { static_cast<void>(raise(raised)); }));
+      const rlimit limit = {100, 100};
+      setrlimit(RLIMIT_FSIZE, &limit);
+      writeOutputFile(folder.path("file"), std::string(200, 'x'));
+    });
+    EXPECT_EQ(end, signal);
+    EXPECT_TRUE(std::filesystem::is_empty(folder.path("")));
   }
 }
 
