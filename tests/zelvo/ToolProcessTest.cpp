@@ -56,7 +56,7 @@ TEST(ToolProcess, NamesTheProcessThatFailed) {
 TEST(ToolProcess, WorksWithWhatItsParentLeavesIt) {
   const std::string inspect = "inspect " + book;
   const ToolRun inspected = zelvo({"inspect", book});
-  EXPECT_EQ(runAfter("trap '' CHLD HUP", inspect), inspected);
+  EXPECT_EQ(run("/usr/bin/env", {"--ignore-signal=CHLD", TOOL, "inspect", book}), inspected);
   EXPECT_EQ(runAfter("exec 2>&-", inspect), inspected);
   EXPECT_EQ(runAfter("exec <&-", inspect), inspected);
   EXPECT_EQ(runAfter("exec <&-", "inspect -"), failure(1, "The file cannot be read: -: Bad file descriptor"));
