@@ -17,14 +17,12 @@ using Operation = DocumentWorkerRequest::Operation;
 
 constexpr std::size_t maximumMessageBytes = DocumentWorkerWire::maximumMessageBytes;
 
-/// None when the request is larger than a message may be.
+/// None when the document alone makes the request larger than a message may be.
 std::optional<std::string> encoded(const DocumentWorkerRequest& request) {
   const std::size_t documentBytes = request.data.size();
   if (documentBytes >= DocumentWorkerHost::unsendableBytes) return std::nullopt;
   constexpr std::size_t roomForTheRest = 4096;
-  std::string text = toJson(request, Base64::encodedSize(documentBytes) + roomForTheRest);
-  if (text.size() > maximumMessageBytes) return std::nullopt;
-  return text;
+  return toJson(request, Base64::encodedSize(documentBytes) + roomForTheRest);
 }
 
 /// Whether the response is a refusal and nothing else, or exactly what the operation gives.
@@ -57,11 +55,15 @@ DocumentWorkerHost::DocumentWorkerHost(std::string workerPath, std::chrono::mill
 WorkerReply DocumentWorkerHost::send(const DocumentWorkerRequest& request) const {
   const std::optional<std::string> input = encoded(request);
   if (!input) return WorkerFailure{Kind::requestTooLarge};
+  return sendEncoded(*input, request.operation);
+}
 
-  ChildResult result = runChildProcess({.program = workerPath_, .arguments = {}}, *input,
+WorkerReply DocumentWorkerHost::sendEncoded(std::string_view request, Operation operation) const {
+  if (request.size() > maximumMessageBytes) return WorkerFailure{Kind::requestTooLarge};
+  ChildResult result = runChildProcess({.program = workerPath_, .arguments = {}}, request,
                                        {.outputBytes = maximumMessageBytes, .wallClock = timeout_});
   if (auto failure = WorkerFailure::of(result, workerPath_)) return *std::move(failure);
-  return decoded(std::move(result.output), request.operation);
+  return decoded(std::move(result.output), operation);
 }
 
 }  // namespace zelvo

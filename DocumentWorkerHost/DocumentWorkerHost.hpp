@@ -3,6 +3,7 @@
 #include <chrono>
 #include <cstddef>
 #include <string>
+#include <string_view>
 #include <variant>
 
 #include "DocumentWorkerHost/WorkerFailure.hpp"
@@ -37,6 +38,9 @@ class DocumentWorkerHost {
   /// operation promises, or `error` alone; its texts come from the document and are as trustworthy as that.
   /// `std::bad_alloc` comes out, no other error.
   WorkerReply send(const DocumentWorkerRequest& request) const;
+
+  /// The same for a request that is encoded already and asks for `operation`.
+  WorkerReply sendEncoded(std::string_view request, DocumentWorkerRequest::Operation operation) const;
 
  private:
   std::string workerPath_;

@@ -18,39 +18,41 @@ using Kind = WorkerFailure::Kind;
 /// differs a little.
 constexpr std::chrono::seconds cpuTimeOfLimitKill{43};
 
-std::string sentence(Kind kind, int code) {
+std::string sentence(Kind kind, int code, const std::string& subject) {
   switch (kind) {
     using enum WorkerFailure::Kind;
     case requestTooLarge:
       return "The document is too large: a request to the worker carries less than 30 MiB.";
     case notFound:
-      return "The worker was not found.";
+      return subject + " was not found.";
     case notRun:
-      return "The worker could not be run: " + std::generic_category().message(code) + ".";
+      return subject + " could not be run: " + std::generic_category().message(code) + ".";
     case timedOut:
-      return "The worker did not end in time and was stopped.";
+      return subject + " did not end in time and was stopped.";
     case responseTooLarge:
-      return "The worker wrote more than the largest response and was stopped.";
+      return subject + " wrote more than the largest response and was stopped.";
     case gaveNoResponse:
-      return "The worker gave no response (status 65): it could not use the request, the response was too "
+      return subject +
+             " gave no response (status 65): it could not use the request, the response was too "
              "large, or memory ran out.";
     case notConfined:
-      return "The worker refused to work because it could not confine itself (status 78).";
+      return subject + " refused to work because it could not confine itself (status 78).";
     case unknownStatus:
-      return "The worker ended with the unknown status " + std::to_string(code) + ".";
+      return subject + " ended with the unknown status " + std::to_string(code) + ".";
     case cpuTimeUsedUp:
-      return "The worker used up its processor time.";
+      return subject + " used up its processor time.";
     case brokenInvariant:
-      return "The worker was stopped at a system call that it never makes (SIGSYS). This is a defect or an "
+      return subject +
+             " was stopped at a system call that it never makes (SIGSYS). This is a defect or an "
              "attack; the confinement held.";
     case killed:
-      return "The worker was killed (SIGKILL). Memory may have run out.";
+      return subject + " was killed (SIGKILL). Memory may have run out.";
     case crashed:
-      return "The worker crashed (signal " + std::to_string(code) + ").";
+      return subject + " crashed (signal " + std::to_string(code) + ").";
     case unreadableResponse:
-      return "The worker's response cannot be read.";
+      return subject + "'s response cannot be read.";
   }
-  return "The worker failed.";
+  return subject + " failed.";
 }
 
 /// The first line of a program's complaint: what a loader or a sanitizer says. The worker itself writes none.
@@ -85,8 +87,8 @@ WorkerFailure failureOfSignal(const ChildResult& result) {
 
 }  // namespace
 
-std::string WorkerFailure::message() const {
-  const std::string text = sentence(kind, code);
+std::string WorkerFailure::message(const std::string& subject) const {
+  const std::string text = sentence(kind, code, subject);
   return detail.empty() ? text : text + " (" + detail + ")";
 }
 

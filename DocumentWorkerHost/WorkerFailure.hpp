@@ -35,8 +35,8 @@ struct WorkerFailure {
   /// What the end of a worker's process says; none when its output is worth decoding.
   static std::optional<WorkerFailure> of(const ChildResult& result, const std::string& workerPath);
 
-  /// A sentence for people, UTF-8 if the detail is.
-  std::string message() const;
+  /// A sentence for people about the process, which it calls `subject`; UTF-8 if the detail is.
+  std::string message(const std::string& subject = "The worker") const;
 };
 
 }  // namespace zelvo

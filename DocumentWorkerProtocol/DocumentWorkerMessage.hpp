@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -21,6 +22,9 @@ inline constexpr std::string_view signingIdentifier = "com.korrinet.document-wor
 
 /// The largest request and the largest response: 40 MiB of JSON.
 inline constexpr std::int64_t maximumMessageBytes = 41'943'040;
+
+/// Of an error that is reported, in user-perceived characters: details can quote texts of the document.
+inline constexpr std::size_t maximumErrorCharacters = 500;
 
 }  // namespace DocumentWorkerWire
 

@@ -12,7 +12,9 @@
 #include <thread>
 #include <unistd.h>
 
+#include "System/ChildExchange.hpp"
 #include "System/Descriptor.hpp"
+#include "System/SignalCleanup.hpp"
 #include "System/SpawnPlan.hpp"
 
 namespace zelvo {
@@ -65,7 +67,7 @@ class SigpipeHeldBack {
 /// A started child. One that has not ended with its owner's interest in it is killed.
 class Child {
  public:
-  explicit Child(pid_t id) : id_(id) {}
+  explicit Child(pid_t id) : id_(id), cleanup_(id) {}
   Child(const Child&) = delete;
   Child& operator=(const Child&) = delete;
   ~Child() { killAndWait(); }
@@ -74,12 +76,14 @@ class Child {
 
   /// Looks whether the child has ended, or waits until it has.
   void look(int options) {
+    const SignalCleanup::Hold hold;  // once waited for, the number may be another process's
     pid_t found = 0;
     do {
       found = wait4(id_, &status_, options, &usage_);
     } while (found < 0 && errno == EINTR);
     if (found < 0) error_ = errno;
     isGone_ = found != 0;
+    if (isGone_) cleanup_.clear();
   }
 
   /// False when the child is still there at the deadline.
@@ -123,17 +127,11 @@ class Child {
 
  private:
   pid_t id_;
+  SignalCleanup::Record cleanup_;
   bool isGone_ = false;
   int error_ = 0;
   int status_ = 0;
   rusage usage_ = {};
-};
-
-/// The host's ends of a child's three pipes.
-struct Streams {
-  Descriptor input;
-  Descriptor output;
-  Descriptor errors;
 };
 
 /// Writes what the pipe takes; closes it after the last byte, and when the child no longer reads.
@@ -167,7 +165,7 @@ int millisecondsUntil(Clock::time_point deadline) {
 }
 
 /// Writes and reads until the child has closed both outputs. Says why the child has to be ended, if it has.
-std::optional<ChildOutcome> exchange(Streams& streams, std::string_view input, const ChildBounds& bounds,
+std::optional<ChildOutcome> exchange(ChildStreams& streams, std::string_view input, const ChildBounds& bounds,
                                      Clock::time_point deadline, ChildResult& result) {
   if (input.empty()) streams.input.close();
   while (streams.output || streams.errors) {
@@ -193,23 +191,19 @@ std::optional<ChildOutcome> exchange(Streams& streams, std::string_view input, c
 
 }  // namespace
 
-ChildResult runChildProcess(const ChildCommand& command, std::string_view input, const ChildBounds& bounds) {
+ChildResult runChild(const ChildStart& start, std::string_view input, const ChildBounds& bounds) {
   ChildResult result = {};
   result.outcome = ChildOutcome::failed;
   const Clock::time_point deadline = Clock::now() + std::min(bounds.wallClock, longestWallClock);
   const SigpipeHeldBack held;
 
-  Streams streams;
+  ChildStreams streams;
   pid_t id = 0;
-  {
-    SpawnPlan plan;
-    streams.input = plan.pipeTo(STDIN_FILENO);
-    streams.output = plan.pipeFrom(STDOUT_FILENO);
-    streams.errors = plan.pipeFrom(STDERR_FILENO);
-    result.code = plan.start(command, id);
-    if (result.code != 0) return result;
-  }
+  SignalCleanup::Hold untilRecorded;
+  result.code = start(streams, id);
+  if (result.code != 0) return result;
   Child child(id);
+  untilRecorded.release();
 
   std::optional<ChildOutcome> endedFor = exchange(streams, input, bounds, deadline, result);
   if (!endedFor && !child.endsBefore(deadline)) endedFor = ChildOutcome::timedOut;
@@ -221,6 +215,17 @@ ChildResult runChildProcess(const ChildCommand& command, std::string_view input,
     result.code = code;
   }
   return result;
+}
+
+ChildResult runChildProcess(const ChildCommand& command, std::string_view input, const ChildBounds& bounds) {
+  const auto start = [&command](ChildStreams& streams, pid_t& id) {
+    SpawnPlan plan;
+    streams.input = plan.pipeTo(STDIN_FILENO);
+    streams.output = plan.pipeFrom(STDOUT_FILENO);
+    streams.errors = plan.pipeFrom(STDERR_FILENO);
+    return plan.start(command, id);
+  };
+  return runChild(start, input, bounds);
 }
 
 }  // namespace zelvo

@@ -2,106 +2,48 @@
 
 #include <array>
 #include <cerrno>
-#include <csignal>
-#include <sys/wait.h>
+#include <fcntl.h>
 #include <unistd.h>
 #include <utility>
 
-#include "System/Descriptor.hpp"
+#include "System/ChildExchange.hpp"
+#include "System/SignalCleanup.hpp"
 
 namespace zelvo {
 namespace {
 
-constexpr std::size_t readBytes = 65536;  // what a pipe holds by default
-
-/// The copy, which is killed if nobody has waited for it.
-class Copy {
- public:
-  explicit Copy(pid_t id) : id_(id) {}
-  Copy(const Copy&) = delete;
-  Copy& operator=(const Copy&) = delete;
-  ~Copy() {
-    if (id_ <= 0) return;
-    kill();
-    wait();
-  }
-
-  void kill() const { ::kill(id_, SIGKILL); }
-
-  /// How it ended; -1 when the system does not tell, with the error number in errno.
-  int wait() {
-    const pid_t id = std::exchange(id_, 0);
-    int status = 0;
-    pid_t found = 0;
-    do {
-      found = waitpid(id, &status, 0);
-    } while (found < 0 && errno == EINTR);
-    return found < 0 ? -1 : status;
-  }
-
- private:
-  pid_t id_;
-};
-
-[[noreturn]] void becomeChild(const std::function<int()>& work, const Descriptor& writeEnd) {
-  constexpr int noOutput = 71;
-  if (dup2(writeEnd.number(), STDOUT_FILENO) < 0) _exit(noOutput);
-  // Ends at once: what stands in this process's buffers is the parent's to write.
+[[noreturn]] void becomeChild(const std::function<int()>& work, const Descriptor& input,
+                              const Descriptor& output) {
+  constexpr int noStreams = 71;
+  SignalCleanup::leaveToParent();
+  if (dup2(input.number(), STDIN_FILENO) < 0 || dup2(output.number(), STDOUT_FILENO) < 0) _exit(noStreams);
+  // Ends at once: what this process's buffers hold is the parent's to write.
   _exit(work());
 }
 
-enum class Reading { ended, tooLarge, failed };
+/// See `ChildStart`.
+int startCopy(const std::function<int()>& work, ChildStreams& streams, pid_t& id) {
+  const Descriptor input(open("/dev/null", O_RDONLY | O_CLOEXEC));
+  if (!input) return errno;
+  std::array<int, 2> ends = {};
+  if (pipe(ends.data()) != 0) return errno;
+  Descriptor readEnd(ends[0]);
+  const Descriptor writeEnd(ends[1]);
+  if (fcntl(readEnd.number(), F_SETFL, O_NONBLOCK) != 0) return errno;
 
-Reading readAll(const Descriptor& stream, std::string& output, std::size_t bound) {
-  std::array<char, readBytes> buffer;
-  while (true) {
-    const ssize_t count = ::read(stream.number(), buffer.data(), buffer.size());
-    if (count == 0) return Reading::ended;
-    if (count < 0) {
-      if (errno == EINTR) continue;
-      return Reading::failed;
-    }
-    if (static_cast<std::size_t>(count) > bound - output.size()) return Reading::tooLarge;
-    output.append(buffer.data(), static_cast<std::size_t>(count));
-  }
-}
-
-ChildResult failure(int error) {
-  ChildResult result = {};
-  result.outcome = ChildOutcome::failed;
-  result.code = error;
-  return result;
+  id = fork();
+  if (id < 0) return errno;
+  if (id == 0) becomeChild(work, input, writeEnd);
+  streams.output = std::move(readEnd);
+  return 0;
 }
 
 }  // namespace
 
-ChildResult runForkedChild(const std::function<int()>& work, std::size_t outputBytes) {
-  std::array<int, 2> ends = {};
-  if (pipe(ends.data()) != 0) return failure(errno);
-  const Descriptor readEnd(ends[0]);
-  Descriptor writeEnd(ends[1]);
-
-  const pid_t id = fork();
-  if (id < 0) return failure(errno);
-  if (id == 0) becomeChild(work, writeEnd);
-  Copy copy(id);
-  writeEnd.close();
-
-  ChildResult result = {};
-  const Reading reading = readAll(readEnd, result.output, outputBytes);
-  const int readingError = errno;
-  if (reading != Reading::ended) copy.kill();
-  const int status = copy.wait();
-  if (status < 0) return failure(errno);
-  if (reading == Reading::failed) return failure(readingError);
-  if (reading == Reading::tooLarge) {
-    result.outcome = ChildOutcome::outputTooLarge;
-    return result;
-  }
-  const bool isKilled = WIFSIGNALED(status);
-  result.outcome = isKilled ? ChildOutcome::killed : ChildOutcome::exited;
-  result.code = isKilled ? WTERMSIG(status) : WEXITSTATUS(status);
-  return result;
+ChildResult runForkedChild(const std::function<int()>& work, std::size_t outputBytes,
+                           std::chrono::milliseconds wallClock) {
+  return runChild([&work](ChildStreams& streams, pid_t& id) { return startCopy(work, streams, id); }, {},
+                  {.outputBytes = outputBytes, .wallClock = wallClock});
 }
 
 }  // namespace zelvo

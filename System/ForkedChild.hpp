@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstddef>
 #include <functional>
 
@@ -7,13 +8,15 @@
 
 namespace zelvo {
 
-/// Runs `work` in a forked copy of this process, whose standard output comes back as the result's output, and
-/// ends the copy at once with the status that `work` gives. `work` must not throw. More than `outputBytes`
-/// end it. What it reads in memory is what stood there at the fork; what it writes stays its own.
+/// Runs `work` in a forked copy of this process and ends the copy at once with the status that `work`
+/// returns. The copy's standard input is /dev/null; its standard output is the result's output; its standard
+/// error is this process's. `work` must not throw. The copy is killed when it writes more than `outputBytes`,
+/// and when it has not ended after `wallClock`. It reads what was in memory at the fork; what it changes
+/// there stays its own.
 ///
-/// The calling process must have one thread only, and leave its children to be waited for. There is no time
-/// limit: the work must see to its own. `std::bad_alloc` comes out, no other error, and leaves no child
-/// behind.
-ChildResult runForkedChild(const std::function<int()>& work, std::size_t outputBytes);
+/// The calling process must have one thread only, its three standard streams open, and leave its children to
+/// be waited for. Throws only `std::bad_alloc`, and leaves no child behind.
+ChildResult runForkedChild(const std::function<int()>& work, std::size_t outputBytes,
+                           std::chrono::milliseconds wallClock = std::chrono::seconds(180));
 
 }  // namespace zelvo

@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "DocumentWorkerHost/WorkerFailure.hpp"
 #include "zelvo/ExitStatus.hpp"
 
 namespace zelvo {
@@ -11,6 +12,10 @@ struct Complaint {
   ExitStatus status;
   std::string message;
 };
+
+/// Why a worker, or another confined process that is called `subject`, gave no result. The processes that
+/// fail in confining themselves do not say why: it is found out and added.
+Complaint complaintOf(const WorkerFailure& failure, const std::string& subject = "The worker");
 
 /// Says it on standard error, and gives the status.
 ExitStatus complain(const Complaint& complaint);

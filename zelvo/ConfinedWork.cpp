@@ -1,48 +1,53 @@
 #include "zelvo/ConfinedWork.hpp"
 
-#include <cstddef>
 #include <exception>
 #include <new>
 #include <utility>
 
-#include "DocumentWorkerHost/WorkerFailure.hpp"
+#include "DocumentWorkerHost/DocumentWorkerHost.hpp"
 #include "DocumentWorkerProtocol/WorkerExitStatus.hpp"
 #include "System/Confinement.hpp"
 #include "System/ForkedChild.hpp"
 #include "System/StandardStreams.hpp"
+#include "Text/Unicode.hpp"
+#include "zelvo/TerminalText.hpp"
 #include "zelvo_document_worker/WorkerConfinement.hpp"
 
 namespace zelvo {
 namespace {
 
-/// As much as a worker may answer.
-constexpr std::size_t maximumOutputBytes = 40U << 20;
+using Work = std::function<std::variant<std::string, Complaint>()>;
 
-/// The child's own status for "what I wrote is why the input is refused"; the others are a worker's.
-constexpr int refusedStatus = 1;
+constexpr const char* childName = "The tool's confined child process";
 
 bool confineThisProcess() {
   const Confinement confinement = enterConfinement();
   return confineForWork(*confinement.entitlements, *confinement.limits);
 }
 
-/// Writes the result, or the refusal, and gives the status to end with.
-int answer(const std::function<std::string()>& work) {
-  StandardOutput output;
-  std::string bytes;
-  int status = exitStatus::answered;
+std::variant<std::string, Complaint> resultOf(const Work& work) {
   try {
-    bytes = work();
+    return work();
   } catch (const std::bad_alloc&) {
-    return exitStatus::noResponse;
+    throw;
   } catch (const std::exception& refusal) {
-    bytes = refusal.what();
-    status = refusedStatus;
+    return Complaint{ExitStatus::refused, refusal.what()};
   }
-  return output.write(bytes) ? status : exitStatus::noResponse;
 }
 
-int confineAndAnswer(const std::function<std::string()>& work) noexcept {
+/// Writes the result and returns a worker's status, or writes the complaint and returns the tool's.
+int answer(const Work& work) {
+  StandardOutput output;
+  const auto result = resultOf(work);
+  if (const auto* complaint = std::get_if<Complaint>(&result)) {
+    const std::string message = wellFormed(complaint->message);
+    const bool isWritten = output.write(Unicode::prefix(message, DocumentWorkerWire::maximumErrorCharacters));
+    return isWritten ? static_cast<int>(complaint->status) : exitStatus::noResponse;
+  }
+  return output.write(*std::get_if<std::string>(&result)) ? exitStatus::answered : exitStatus::noResponse;
+}
+
+int confineAndAnswer(const Work& work) noexcept {
   try {
     warmUpUnwinder();
     if (!confineThisProcess()) return exitStatus::notConfined;
@@ -52,14 +57,21 @@ int confineAndAnswer(const std::function<std::string()>& work) noexcept {
   }
 }
 
+/// A sanitizer ends the child with such a status, too, but writes nothing there.
+bool isComplaint(const ChildResult& result) {
+  const bool isStatus = result.code == static_cast<int>(ExitStatus::refused) ||
+                        result.code == static_cast<int>(ExitStatus::usage);
+  return result.outcome == ChildOutcome::exited && isStatus && !result.output.empty();
+}
+
 }  // namespace
 
-std::variant<std::string, Complaint> runConfined(const std::function<std::string()>& work) {
-  ChildResult result = runForkedChild([&work] { return confineAndAnswer(work); }, maximumOutputBytes);
-  if (result.outcome == ChildOutcome::exited && result.code == refusedStatus)
-    return Complaint{ExitStatus::refused, std::move(result.output)};
-  if (const auto failure = WorkerFailure::of(result, "zelvo"))
-    return Complaint{ExitStatus::workerFailed, failure->message()};
+std::variant<std::string, Complaint> runConfined(const Work& work) {
+  ChildResult result =
+      runForkedChild([&work] { return confineAndAnswer(work); }, DocumentWorkerWire::maximumMessageBytes,
+                     DocumentWorkerHost::defaultTimeout);
+  if (isComplaint(result)) return Complaint{static_cast<ExitStatus>(result.code), std::move(result.output)};
+  if (const auto failure = WorkerFailure::of(result, {})) return complaintOf(*failure, childName);
   return std::move(result.output);
 }
 

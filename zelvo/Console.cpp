@@ -20,6 +20,10 @@ void print(std::string_view text) {
   write(stdout, text);
 }
 
+void printJson(std::string_view json) {
+  print(isTerminal() ? jsonForTerminal(json) : json);
+}
+
 void complain(std::string_view message) {
   static_cast<void>(std::fflush(stdout));
   write(stderr, "zelvo: " + printable(message) + "\n");

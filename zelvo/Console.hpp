@@ -7,6 +7,9 @@ namespace zelvo::Console {
 
 void print(std::string_view text);
 
+/// Prints a JSON text: exactly these bytes, or on a terminal `jsonForTerminal` of them.
+void printJson(std::string_view json);
+
 /// Writes "zelvo: ", the message and a line feed on standard error, after all that was printed before.
 /// Characters that would move the cursor or reorder text are written as escapes.
 void complain(std::string_view message);

@@ -1,15 +1,11 @@
 #include "zelvo/CreateCommand.hpp"
 
-#include <algorithm>
-#include <charconv>
 #include <optional>
 #include <string>
 #include <utility>
 #include <variant>
 
-#include "DocumentRuntime/PackageIO/BoundedZIP.hpp"
 #include "zelvo/ChartColumns.hpp"
-#include "zelvo/ConfinedWork.hpp"
 #include "zelvo/DocumentOutput.hpp"
 #include "zelvo/DocumentText.hpp"
 #include "zelvo/WorkerExchange.hpp"
@@ -64,28 +60,8 @@ class Creation {
 
   Failure deliver() const {
     const GeneratedDocument& document = *response_.document;
-    std::optional<std::size_t> slides;
-    if (document.format == DocumentFormat::pptx && !DocumentOutput::isStandardOutput(arguments_.output)) {
-      const auto count = slideCount(document.data);
-      if (const auto* complaint = std::get_if<Complaint>(&count)) return *complaint;
-      slides = *std::get_if<std::size_t>(&count);
-    }
     return DocumentOutput::deliver(arguments_.output, document.data.view(),
-                                   describe(document, *response_.table, slides));
-  }
-
-  /// Counted in the package itself, which only a confined process may open.
-  static std::variant<std::size_t, Complaint> slideCount(const ByteBuffer& package) {
-    const auto counted = runConfined([&] {
-      const PartMap parts = BoundedZIP::read(package.view());
-      return std::to_string(std::ranges::count_if(
-          parts, [](const Part& part) { return part.name.starts_with("ppt/slides/slide"); }));
-    });
-    if (const auto* complaint = std::get_if<Complaint>(&counted)) return *complaint;
-    const std::string& text = *std::get_if<std::string>(&counted);
-    std::size_t count = 0;
-    std::from_chars(text.data(), text.data() + text.size(), count);
-    return count;
+                                   describe(document, *response_.table));
   }
 
   const DocumentWorkerHost& host_;

@@ -1,11 +1,12 @@
 #include "zelvo/DocumentOutput.hpp"
 
+#include <system_error>
 #include <variant>
 
+#include "System/OutputFile.hpp"
 #include "zelvo/ConfinedWork.hpp"
 #include "zelvo/Console.hpp"
 #include "zelvo/DocumentText.hpp"
-#include "zelvo/OutputFile.hpp"
 #include "zelvo/TerminalText.hpp"
 
 namespace zelvo {
@@ -25,7 +26,10 @@ std::optional<Complaint> DocumentOutput::deliver(const std::string& path, ByteVi
     Console::print(textOf(document));
     return std::nullopt;
   }
-  if (const auto failure = writeFile(path, document)) return Complaint{ExitStatus::refused, *failure};
+  if (const int error = writeOutputFile(path, textOf(document)); error != 0) {
+    return Complaint{ExitStatus::refused,
+                     "The file cannot be written: " + path + ": " + std::generic_category().message(error)};
+  }
   Console::print(printable(path) + "\n");
   Console::print(description);
   return std::nullopt;

@@ -41,12 +41,10 @@ std::string chartFinding(const ValidationScope& scope) {
 
 }  // namespace
 
-std::string describe(const GeneratedDocument& document, const SourceTable& table,
-                     std::optional<std::size_t> slideCount) {
+std::string describe(const GeneratedDocument& document, const SourceTable& table) {
   TextTable facts({left, left});
   facts.addRow({"Format", nameOf(document.format)});
   facts.addRow({"Size", sizeOf(document.data.view())});
-  if (slideCount) facts.addRow({"Slides", std::to_string(*slideCount)});
   facts.addRow({"Table", std::to_string(table.rows.size()) + " rows, " +
                              std::to_string(table.columns.size()) + " columns"});
   facts.addRow({"SHA-256", document.validation.outputSHA256});

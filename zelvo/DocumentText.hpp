@@ -1,16 +1,13 @@
 #pragma once
 
-#include <cstddef>
-#include <optional>
 #include <string>
 
 #include "DocumentRuntime/Records/DocumentModels.hpp"
 
 namespace zelvo {
 
-/// A document that was made of a table, for people. A Word document has no slides.
-std::string describe(const GeneratedDocument& document, const SourceTable& table,
-                     std::optional<std::size_t> slideCount);
+/// A document that was made of a table, for people.
+std::string describe(const GeneratedDocument& document, const SourceTable& table);
 
 /// A document that was authored of research results, for people.
 std::string describe(const std::string& format, ByteView document);

@@ -5,6 +5,7 @@
 
 #include "DocumentRuntime/Coding/RecordCoding.hpp"
 #include "DocumentRuntime/Errors/DocumentError.hpp"
+#include "DocumentRuntime/Workbook/TableExtraction.hpp"
 #include "zelvo/Console.hpp"
 #include "zelvo/TableText.hpp"
 #include "zelvo/TerminalText.hpp"
@@ -19,7 +20,7 @@ using Operation = DocumentWorkerRequest::Operation;
 bool isAboutSelection(const Complaint& complaint) {
   static const std::string aboutUse = DocumentError::invalidSelection("").errorDescription();
   static const std::string aboutSize =
-      DocumentError::resourceLimit("select at most eight columns and 200 data rows").errorDescription();
+      DocumentError::resourceLimit(TableExtraction::selectionTooLarge).errorDescription();
   return complaint.status == ExitStatus::refused &&
          (complaint.message.starts_with(aboutUse) || complaint.message == aboutSize);
 }
@@ -43,16 +44,15 @@ void hintAtSelectable(const DocumentWorkerHost& host, DocumentWorkerRequest& req
     Console::hint(selectable(*response->inspection));
 }
 
-std::string shown(const SourceTable& table, const ExtractArguments& arguments) {
+void print(const SourceTable& table, const ExtractArguments& arguments) {
   switch (arguments.form) {
     case ExtractArguments::Form::json:
-      return toJson(table) + "\n";
+      return Console::printJson(toJson(table) + "\n");
     case ExtractArguments::Form::csv:
-      return csv(table, Console::isTerminal());
+      return Console::print(csv(table, Console::isTerminal()));
     case ExtractArguments::Form::people:
-      break;
+      return Console::print(printable(arguments.workbook) + "\n" + describe(table));
   }
-  return printable(arguments.workbook) + "\n" + describe(table);
 }
 
 }  // namespace
@@ -70,7 +70,7 @@ ExitStatus extract(const DocumentWorkerHost& host, const ExtractArguments& argum
     if (isAboutSelection(*complaint)) hintAtSelectable(host, request);
     return complaint->status;
   }
-  Console::print(shown(*std::get_if<DocumentWorkerResponse>(&answer)->table, arguments));
+  print(*std::get_if<DocumentWorkerResponse>(&answer)->table, arguments);
   return ExitStatus::success;
 }
 

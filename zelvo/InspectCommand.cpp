@@ -26,7 +26,7 @@ class Inspector {
     if (const auto* complaint = std::get_if<Complaint>(&answer)) return complain(path, *complaint);
     const WorkbookInspection& inspection = *std::get_if<DocumentWorkerResponse>(&answer)->inspection;
     if (json_) {
-      Console::print(toJson(inspection) + "\n");
+      Console::printJson(toJson(inspection) + "\n");
     } else {
       printSection(path, describe(inspection));
     }

@@ -48,7 +48,7 @@ ExitStatus researchCheck(const ResearchCheckArguments& arguments) {
   const auto answer =
       runConfined([&] { return checked(*std::get_if<ResearchInput>(&input), arguments.requireChart); });
   if (const auto* complaint = std::get_if<Complaint>(&answer)) return complain(*complaint);
-  Console::print(*std::get_if<std::string>(&answer));
+  Console::printJson(*std::get_if<std::string>(&answer));
   return ExitStatus::success;
 }
 

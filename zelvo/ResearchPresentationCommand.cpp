@@ -70,7 +70,7 @@ Deck decoded(const DeckInput& input, const ResearchPresentationArguments& argume
 ExitStatus printEncoding(const DeckInput& input, const ResearchPresentationArguments& arguments) {
   const auto answer = runConfined([&] { return decoded(input, arguments).presentation.encoded() + "\n"; });
   if (const auto* complaint = std::get_if<Complaint>(&answer)) return complain(*complaint);
-  Console::print(*std::get_if<std::string>(&answer));
+  Console::printJson(*std::get_if<std::string>(&answer));
   return ExitStatus::success;
 }
 

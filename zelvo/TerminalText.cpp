@@ -2,8 +2,9 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
+#include <concepts>
 #include <cstddef>
+#include <cstdio>
 
 #include "Text/Unicode.hpp"
 
@@ -30,14 +31,24 @@ bool isDangerous(char32_t scalar) {
                      [&](ScalarSpan span) { return span.first <= scalar && scalar <= span.last; });
 }
 
-void appendEscape(std::string& text, char32_t scalar) {
-  std::array<char, 8> digits = {};
-  const auto [end, error] =
-      std::to_chars(digits.begin(), digits.end(), static_cast<std::uint32_t>(scalar), 16);
-  text += "\\u{";
-  std::for_each(digits.begin(), end,
-                [&](char digit) { text += digit >= 'a' ? static_cast<char>(digit - 'a' + 'A') : digit; });
-  text += "}";
+/// `escape` is a format for the scalar's number. All dangerous ones have at most four digits.
+template <std::predicate<char32_t> IsEscaped>
+std::string withEscapes(std::string_view bytes, const char* escape, IsEscaped isEscaped) {
+  const std::string text = wellFormed(bytes);
+  std::string shown;
+  shown.reserve(text.size());
+  for (std::size_t position = 0; position < text.size();) {
+    const std::size_t start = position;
+    const char32_t scalar = Unicode::nextScalar(text, position);
+    if (isEscaped(scalar)) {
+      std::array<char, 16> written = {};
+      static_cast<void>(std::snprintf(written.data(), written.size(), escape, static_cast<unsigned>(scalar)));
+      shown += written.data();
+    } else {
+      shown.append(text, start, position - start);
+    }
+  }
+  return shown;
 }
 
 /// The bytes of the well-formed character at the start; 0 when there is none.
@@ -63,19 +74,11 @@ std::string wellFormed(std::string_view bytes) {
 }
 
 std::string printable(std::string_view bytes) {
-  const std::string text = wellFormed(bytes);
-  std::string shown;
-  shown.reserve(text.size());
-  for (std::size_t position = 0; position < text.size();) {
-    const std::size_t start = position;
-    const char32_t scalar = Unicode::nextScalar(text, position);
-    if (isDangerous(scalar)) {
-      appendEscape(shown, scalar);
-    } else {
-      shown.append(text, start, position - start);
-    }
-  }
-  return shown;
+  return withEscapes(bytes, "\\u{%X}", isDangerous);
+}
+
+std::string jsonForTerminal(std::string_view json) {
+  return withEscapes(json, "\\u%04x", [](char32_t scalar) { return scalar != '\n' && isDangerous(scalar); });
 }
 
 }  // namespace zelvo

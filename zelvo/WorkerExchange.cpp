@@ -7,9 +7,11 @@
 namespace zelvo {
 namespace {
 
-Complaint complaintOf(const WorkerFailure& failure) {
-  const bool isRefusal = failure.kind == WorkerFailure::Kind::requestTooLarge;
-  return {isRefusal ? ExitStatus::refused : ExitStatus::workerFailed, failure.message()};
+std::variant<DocumentWorkerResponse, Complaint> resultOf(WorkerReply reply) {
+  if (const auto* failure = std::get_if<WorkerFailure>(&reply)) return complaintOf(*failure);
+  auto& response = *std::get_if<DocumentWorkerResponse>(&reply);
+  if (response.error) return Complaint{ExitStatus::refused, *std::move(response.error)};
+  return std::move(response);
 }
 
 }  // namespace
@@ -25,11 +27,17 @@ std::variant<DocumentWorkerRequest, Complaint> requestAbout(const std::string& p
 
 std::variant<DocumentWorkerResponse, Complaint> ask(const DocumentWorkerHost& host,
                                                     const DocumentWorkerRequest& request) {
-  WorkerReply reply = host.send(request);
-  if (const auto* failure = std::get_if<WorkerFailure>(&reply)) return complaintOf(*failure);
-  auto& response = *std::get_if<DocumentWorkerResponse>(&reply);
-  if (response.error) return Complaint{ExitStatus::refused, *std::move(response.error)};
-  return std::move(response);
+  return resultOf(host.send(request));
+}
+
+std::variant<DocumentWorkerResponse, Complaint> ask(const DocumentWorkerHost& host,
+                                                    const DocumentWorkerRequest& request,
+                                                    std::string members) {
+  // The request's members come last, and of a key that stands twice the last one counts: nothing in
+  // `members` takes the place of the document or the operation.
+  members += ',';
+  members += std::string_view(toJson(request)).substr(1);
+  return resultOf(host.sendEncoded(members, request.operation));
 }
 
 }  // namespace zelvo

@@ -16,4 +16,9 @@ std::variant<DocumentWorkerRequest, Complaint> requestAbout(const std::string& p
 std::variant<DocumentWorkerResponse, Complaint> ask(const DocumentWorkerHost& host,
                                                     const DocumentWorkerRequest& request);
 
+/// The same with further members, which a confined child has encoded: an object without its closing brace.
+std::variant<DocumentWorkerResponse, Complaint> ask(const DocumentWorkerHost& host,
+                                                    const DocumentWorkerRequest& request,
+                                                    std::string members);
+
 }  // namespace zelvo

@@ -12,6 +12,7 @@
 #include "zelvo/ExitStatus.hpp"
 #include "zelvo/ExtractCommand.hpp"
 #include "zelvo/InspectCommand.hpp"
+#include "zelvo/ProcessSetup.hpp"
 #include "zelvo/ResearchCheckCommand.hpp"
 #include "zelvo/ResearchPresentationCommand.hpp"
 #include "zelvo/ResearchWorkbookCommand.hpp"
@@ -64,6 +65,7 @@ ExitStatus runAndFinish(int count, const char* const* arguments) {
 
 int main(int count, char** arguments) {
   using zelvo::ExitStatus;
+  zelvo::setUpProcess();
   try {
     return static_cast<int>(zelvo::runAndFinish(count, arguments));
   } catch (const std::bad_alloc&) {

@@ -20,9 +20,6 @@ namespace {
 constexpr std::size_t maximumMessageBytes = DocumentWorkerWire::maximumMessageBytes;
 constexpr std::size_t readChunkBytes = 65'536;
 
-/// Of an error that is reported, in user-perceived characters: details can quote texts of the document.
-constexpr std::size_t maximumErrorCharacters = 500;
-
 /// The whole input; none when reading fails or a chunk would pass the bound.
 std::optional<std::string> readRequest(Input& input) {
   std::string request;
@@ -45,7 +42,7 @@ DocumentWorkerResponse answer(DocumentWorkerRequest request) {
     return run(std::move(request));
   } catch (const DocumentError& error) {
     DocumentWorkerResponse response;
-    response.error = Unicode::prefix(error.errorDescription(), maximumErrorCharacters);
+    response.error = Unicode::prefix(error.errorDescription(), DocumentWorkerWire::maximumErrorCharacters);
     return response;
   }
 }

@@ -136,7 +136,7 @@ CellRange TableExtraction::selectedRange(const TableSelection& selection) {
   const CellRange range = CellRange::parse(selection.range);
   const std::int64_t minimumRows = selection.firstRowIsHeader ? 2 : 1;
   if (widthOf(range) > maximumColumns || heightOf(range) > maximumRows || heightOf(range) < minimumRows) {
-    throw DocumentError::resourceLimit("select at most eight columns and 200 data rows");
+    throw DocumentError::resourceLimit(selectionTooLarge);
   }
   return range;
 }

@@ -21,9 +21,11 @@ class TableExtraction {
   /// rows.
   static constexpr std::int64_t maximumRows = 201;
   static constexpr std::size_t maximumHeaderCharacters = 120;
+  /// The detail of the error about a range beyond these. Hosts recognise it.
+  static constexpr const char* selectionTooLarge = "select at most eight columns and 200 data rows";
 
   /// Parses and bounds the selection's range. Throws the errors of `CellRange::parse`, and `DocumentError`
-  /// resourceLimit "select at most eight columns and 200 data rows".
+  /// resourceLimit `selectionTooLarge`.
   static CellRange selectedRange(const TableSelection& selection);
 
   /// Reads columns, rows and warnings of `range` into a table; source, sheet and range are the caller's to

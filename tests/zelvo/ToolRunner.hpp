@@ -1,10 +1,13 @@
 #pragma once
 
+#include <array>
 #include <cstdlib>
 #include <fcntl.h>
 #include <filesystem>
 #include <string>
 #include <string_view>
+#include <termios.h>
+#include <unistd.h>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -53,11 +56,21 @@ inline ToolRun zelvo(const std::vector<std::string>& arguments, std::string_view
   return run(TOOL, arguments, input);
 }
 
-/// Runs the tool, its arguments as a shell takes them, with a terminal as standard output.
-inline ToolRun onTerminal(const std::string& arguments) {
+/// Runs the tool, its arguments as a shell takes them, with a terminal as standard output, which receives
+/// less than a terminal holds.
+inline ToolRun onTerminal(const std::string& arguments, std::string_view input = {},
+                          const std::string& tool = TOOL) {
   const Descriptor terminal(posix_openpt(O_RDWR | O_NOCTTY));
   EXPECT_EQ(grantpt(terminal.number()) | unlockpt(terminal.number()), 0);
-  return run("/bin/sh", {"-c", "\"$0\" " + arguments + " >" + ptsname(terminal.number()), TOOL});
+  termios raw = {};  // the bytes stay as they are
+  EXPECT_EQ(tcsetattr(terminal.number(), TCSANOW, &raw), 0);
+  ToolRun result =
+      run("/bin/sh", {"-c", "\"$0\" " + arguments + " >" + ptsname(terminal.number()), tool}, input);
+  std::array<char, 4096> received;
+  ssize_t count = 0;
+  while ((count = read(terminal.number(), received.data(), received.size())) > 0)
+    result.output.append(received.data(), static_cast<std::size_t>(count));
+  return result;
 }
 
 /// The tool in a folder of its own, where a test puts the worker of its choice, or none.

@@ -101,6 +101,9 @@ TEST_F(ValidateCommand, RefusesWithTheMessageAlone) {
             failure(1, "The file cannot be read: absent: No such file or directory"));
   EXPECT_EQ(validated({word, "--expect", "/dev/zero"}),
             failure(1, "The file is larger than 40 MiB: /dev/zero"));
+  const std::string noColumns = "The chart does not name two columns: ";
+  EXPECT_EQ(validated({chart, "--chart", characters(500) + ":x", "--expect", expected}),
+            failure(1, noColumns + characters(500 - noColumns.size())));
   EXPECT_EQ(validated({chart, "--chart", "0:Bags"}),
             failure(2, "Without --expect, --chart takes indexes of columns only: 0:Bags"));
   EXPECT_EQ(validated({folder.write("none.docx", "no document, but longer than 22 bytes")}),

@@ -1,0 +1,160 @@
+#include "System/OutputFile.hpp"
+
+#include <array>
+#include <cerrno>
+#include <climits>
+#include <cstdio>
+#include <cstdlib>
+#include <fcntl.h>
+#include <optional>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <utility>
+
+#include "System/Descriptor.hpp"
+#include "System/SignalCleanup.hpp"
+
+namespace zelvo {
+namespace {
+
+/// As many as the kernel follows.
+constexpr int maximumLinks = 40;
+constexpr mode_t allPermissions = S_IRWXU | S_IRWXG | S_IRWXO;
+constexpr mode_t permissionsOfNewFile = 0666;  // before the umask
+
+/// The path up to and with the last slash; empty for a name alone.
+std::string folderOf(const std::string& path) {
+  return path.substr(0, path.find_last_of('/') + 1);
+}
+
+/// Puts in the place of a symbolic link what it leads to, whether that exists or not.
+int followLinks(std::string& path) {
+  std::array<char, PATH_MAX> content;
+  for (int links = 0; links <= maximumLinks; ++links) {
+    const ssize_t length = readlink(path.c_str(), content.data(), content.size());
+    if (length < 0) return errno == EINVAL || errno == ENOENT ? 0 : errno;  // no link, or nothing at all
+    const std::string target(content.data(), static_cast<std::size_t>(length));
+    path = target.starts_with('/') ? target : folderOf(path) + target;
+  }
+  return ELOOP;
+}
+
+int writeAll(const Descriptor& file, std::string_view bytes) {
+  while (!bytes.empty()) {
+    const ssize_t count = write(file.number(), bytes.data(), bytes.size());
+    if (count < 0 && errno == EINTR) continue;
+    if (count < 0) return errno;
+    if (count == 0) return EIO;  // would be tried for ever
+    bytes.remove_prefix(static_cast<std::size_t>(count));
+  }
+  return 0;
+}
+
+mode_t permissionsByUmask() {
+  // There is no call that only asks. The value in between gives nothing to others.
+  const mode_t mask = umask(S_IRWXG | S_IRWXO);
+  umask(mask);
+  return permissionsOfNewFile & ~mask;
+}
+
+/// A file beside another. It is removed unless it takes the other's name.
+class FileBeside {
+ public:
+  explicit FileBeside(const std::string& target)
+      : target_(target), path_(folderOf(target) + ".zelvo-XXXXXX") {}
+  FileBeside(const FileBeside&) = delete;
+  FileBeside& operator=(const FileBeside&) = delete;
+  ~FileBeside() {
+    if (cleanup_) unlink(path_.c_str());
+  }
+
+  /// Each step returns 0 or the error number.
+  int create() {
+    const SignalCleanup::Hold untilRecorded;
+    file_ = Descriptor(mkostemp(path_.data(), O_CLOEXEC));
+    if (!file_) return errno;
+    cleanup_.emplace(path_.c_str());
+    return 0;
+  }
+
+  int write(std::string_view bytes) { return writeAll(file_, bytes); }
+
+  int givePermissionsOf(const std::optional<struct stat>& replaced) {
+    mode_t wanted = permissionsByUmask();
+    if (replaced) {
+      wanted = replaced->st_mode & allPermissions;
+      if (!giveOwnersOf(*replaced)) wanted &= ~static_cast<mode_t>(S_IRWXG);
+    }
+    struct stat own = {};
+    if (fstat(file_.number(), &own) != 0) return errno;
+    if ((own.st_mode & allPermissions) == wanted || fchmod(file_.number(), wanted) == 0) return 0;
+    // Of one's own file: a file system that keeps no permissions, where all files have the same.
+    return errno == EPERM ? 0 : errno;
+  }
+
+  int takeName() {
+    if (fsync(file_.number()) != 0) return errno;
+    const SignalCleanup::Hold whileRenamed;
+    if (std::rename(path_.c_str(), target_.c_str()) != 0) return errno;
+    cleanup_.reset();
+    return 0;
+  }
+
+ private:
+  /// False if the group cannot be given. The owner can be given by a privileged process only; for others the
+  /// new file is theirs.
+  bool giveOwnersOf(const struct stat& replaced) {
+    constexpr auto asItIs = static_cast<uid_t>(-1);
+    return fchown(file_.number(), replaced.st_uid, replaced.st_gid) == 0 ||
+           fchown(file_.number(), asItIs, replaced.st_gid) == 0;
+  }
+
+  const std::string& target_;
+  std::string path_;
+  Descriptor file_;
+  std::optional<SignalCleanup::Record> cleanup_;
+};
+
+/// So that the new name outlives a power failure. It is no failure of writing: whichever name is found after
+/// one, the file is whole.
+void syncFolder(const std::string& folder) {
+  const Descriptor opened(open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  if (opened) static_cast<void>(fsync(opened.number()));
+}
+
+int replaceFile(const std::string& path, const std::optional<struct stat>& replaced, std::string_view bytes) {
+  FileBeside file(path);
+  int error = file.create();
+  if (error == 0) error = file.write(bytes);
+  if (error == 0) error = file.givePermissionsOf(replaced);
+  if (error == 0) error = file.takeName();
+  if (error == 0) syncFolder(folderOf(path));
+  return error;
+}
+
+int writeInPlace(const std::string& path, std::string_view bytes) {
+  const Descriptor file(open(path.c_str(), O_WRONLY | O_NOCTTY | O_CLOEXEC));
+  if (!file) return errno;
+  struct stat opened = {};
+  if (fstat(file.number(), &opened) != 0) return errno;
+  // One that has come since: it is never written in place.
+  if (S_ISREG(opened.st_mode)) return EEXIST;
+  return writeAll(file, bytes);
+}
+
+}  // namespace
+
+int writeOutputFile(const std::string& path, std::string_view bytes) {
+  // The kernel follows the links first: it refuses those that another user laid in a shared folder.
+  struct stat found = {};
+  const bool exists = stat(path.c_str(), &found) == 0;
+  if (!exists && errno != ENOENT) return errno;
+  if (exists && S_ISDIR(found.st_mode)) return EISDIR;
+  if (exists && !S_ISREG(found.st_mode)) return writeInPlace(path, bytes);
+
+  std::string target = path;
+  if (const int error = followLinks(target); error != 0) return error;
+  return replaceFile(target, exists ? std::optional(found) : std::nullopt, bytes);
+}
+
+}  // namespace zelvo
