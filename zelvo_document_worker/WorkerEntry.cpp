@@ -36,10 +36,12 @@ std::optional<std::string> readRequest(Input& input) {
   }
 }
 
-/// An operation that fails is answered too: with the error alone.
+/// An operation that fails is answered too: with the error alone. Throws `ResponseTooLarge`.
 DocumentWorkerResponse answer(DocumentWorkerRequest request) {
   try {
     return run(std::move(request));
+  } catch (const ResponseTooLarge&) {
+    throw;
   } catch (const DocumentError& error) {
     DocumentWorkerResponse response;
     response.error = Unicode::prefix(error.errorDescription(), DocumentWorkerWire::maximumErrorCharacters);
@@ -68,8 +70,8 @@ int runWorker(EntitlementReader& entitlements, Limits& limits, Input& input, Out
     if (!confineForWork(entitlements, limits)) return exitStatus::notConfined;
     return serve(input, output) ? exitStatus::answered : exitStatus::noResponse;
   } catch (const std::exception&) {
-    // The request cannot be decoded, or memory ran out. Writing comes last and throws nothing, so nothing was
-    // written.
+    // The request cannot be decoded, the response would be too large, or memory ran out. Writing comes last
+    // and throws nothing, so nothing was written.
     return exitStatus::noResponse;
   }
 }

@@ -29,6 +29,9 @@ constexpr std::int64_t footerY = 6'200'000;
 constexpr std::int64_t footerHeight = 540'000;
 constexpr int footerFontSize = 1000;
 
+/// More than what a slide's XML holds besides its texts and its content.
+constexpr std::size_t frameBytes = 4096;
+
 constexpr std::string_view chartFrame =
     R"(<p:graphicFrame><p:nvGraphicFramePr><p:cNvPr id="3" name="Editable column chart"/><p:cNvGraphicFramePr/><p:nvPr/>)"
     R"(</p:nvGraphicFramePr><p:xfrm><a:off x="609600" y="1371600"/><a:ext cx="10972800" cy="4572000"/></p:xfrm>)"
@@ -92,6 +95,7 @@ void appendTable(std::string& xml, const TablePage& rows) {
 /// A slide around content that is XML already.
 std::string slideXML(std::string_view title, std::string_view content, std::string_view footer) {
   std::string xml;
+  xml.reserve(title.size() + content.size() + footer.size() + frameBytes);
   DocumentAuthor::appendSlideStart(xml);
   DocumentAuthor::appendTextBox(xml, titleID, titleY, titleHeight, titleFontSize, title);
   xml += content;
@@ -107,43 +111,65 @@ void requireTwoLines(std::string_view title, const char* detail) {
   }
 }
 
-std::vector<std::string> tableSlides(const SourceTable& table, std::string_view title,
-                                     std::string_view footer) {
-  const std::vector<TablePage> pages = DocumentAuthor::tablePages(table);
-  std::vector<std::string> slides;
-  for (std::size_t i = 0; i < pages.size(); ++i) {
-    std::string slideTitle(title);
-    if (pages.size() > 1) OOXML::append(slideTitle, " · ", i + 1, "/", pages.size());
+/// The titles of the table's slides.
+std::vector<std::string> tableTitles(std::string_view title, std::size_t pageCount) {
+  std::vector<std::string> titles;
+  for (std::size_t i = 0; i < pageCount; ++i) {
+    std::string& slideTitle = titles.emplace_back(title);
+    if (pageCount > 1) OOXML::append(slideTitle, " · ", i + 1, "/", pageCount);
     requireTwoLines(slideTitle, "presentation title is too long for two lines");
-    std::string content;
-    appendTable(content, pages[i]);
-    slides.push_back(slideXML(slideTitle, content, footer));
   }
-  return slides;
+  return titles;
 }
 
-std::string chartSlide(const ChartSelection& chart, std::string_view documentTitle, std::string_view footer) {
+std::string_view chartTitle(const ChartSelection& chart, std::string_view documentTitle) {
   const std::string_view title = chart.title.empty() ? documentTitle : std::string_view(chart.title);
   requireTwoLines(title, "chart title is too long for two lines");
-  return slideXML(title, chartFrame, footer);
+  return title;
 }
+
+/// The slides of a deck as they are made. Every slide repeats the footer, whose sheet name has 64 characters
+/// but may have millions of bytes.
+class SlideList {
+ public:
+  explicit SlideList(std::string footer) : footer_(std::move(footer)) {}
+
+  /// Throws `DocumentError` resourceLimit "output part" or "output archive".
+  void add(std::string_view title, std::string_view content, std::optional<std::size_t> chart = {}) {
+    slides_.push_back({.xml = slideXML(title, content, footer_), .chart = chart});
+    size_.add(0, slides_.back().xml.size());
+  }
+
+  std::vector<DocumentAuthor::Slide> take() && { return std::move(slides_); }
+
+ private:
+  std::string footer_;
+  std::vector<DocumentAuthor::Slide> slides_;
+  BoundedZIP::OutputSize size_;
+};
 
 }  // namespace
 
 ByteBuffer DocumentAuthor::pptx(const SourceTable& table, std::string_view title,
                                 const std::optional<ChartSelection>& chart, const std::stop_token& stop) {
-  const std::string footer = footerText(table);
-  std::vector<Slide> slides;
-  for (std::string& xml : tableSlides(table, title, footer))
-    slides.push_back({.xml = std::move(xml), .chart = {}});
+  const std::vector<TablePage> pages = tablePages(table);
+  const std::vector<std::string> titles = tableTitles(title, pages.size());
+  const std::string_view lastTitle = chart ? chartTitle(*chart, title) : std::string_view();
+
+  SlideList slides(footerText(table));
+  for (std::size_t i = 0; i < pages.size(); ++i) {
+    std::string content;
+    appendTable(content, pages[i]);
+    slides.add(titles[i], content);
+  }
   std::vector<SlideChart> charts;
   if (chart) {
-    slides.push_back({.xml = chartSlide(*chart, title, footer), .chart = 0});
+    slides.add(lastTitle, chartFrame, 0);
     charts.push_back({.xml = chartXML(table, *chart),
                       .workbookName = "chart-data.xlsx",
                       .workbook = chartWorkbook(table, *chart, stop)});
   }
-  return BoundedZIP::write(presentationPackage(slides, std::move(charts)), stop);
+  return BoundedZIP::write(presentationPackage(std::move(slides).take(), std::move(charts)), stop);
 }
 
 }  // namespace zelvo

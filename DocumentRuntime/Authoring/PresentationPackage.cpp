@@ -65,7 +65,8 @@ void addMaster(PartMap& parts) {
   parts.set("ppt/theme/theme1.xml", OOXML::data(DocumentAuthor::themeXML()));
 }
 
-void addSlide(PartMap& parts, std::size_t index, const Slide& slide) {
+/// Takes the slide, so that no two copies of all slides exist.
+void addSlide(PartMap& parts, std::size_t index, Slide slide) {
   std::vector<OOXML::Relationship> relationships = {
       {"rId1", "slideLayout", "../slideLayouts/slideLayout1.xml"}};
   if (slide.chart) relationships.push_back({"rId2", "chart", "../charts/" + chartName(*slide.chart)});
@@ -82,14 +83,13 @@ void addChart(PartMap& parts, std::size_t index, SlideChart chart) {
 
 }  // namespace
 
-PartMap DocumentAuthor::presentationPackage(const std::vector<Slide>& slides,
-                                            std::vector<SlideChart> charts) {
+PartMap DocumentAuthor::presentationPackage(std::vector<Slide> slides, std::vector<SlideChart> charts) {
   PartMap parts;
   parts.set("[Content_Types].xml", packageContentTypes(slides.size(), charts.size()));
   addPresentation(parts, slides.size());
   addMaster(parts);
   for (std::size_t i = 0; i < slides.size(); ++i)
-    addSlide(parts, i, slides[i]);
+    addSlide(parts, i, std::exchange(slides[i], {}));
   for (std::size_t i = 0; i < charts.size(); ++i)
     addChart(parts, i, std::move(charts[i]));
   return parts;

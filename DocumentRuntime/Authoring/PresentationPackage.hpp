@@ -22,6 +22,6 @@ struct SlideChart {
 
 /// All parts of a presentation: slides and charts numbered from 1 in order, on the one master, layout and
 /// theme.
-PartMap presentationPackage(const std::vector<Slide>& slides, std::vector<SlideChart> charts);
+PartMap presentationPackage(std::vector<Slide> slides, std::vector<SlideChart> charts);
 
 }  // namespace zelvo::DocumentAuthor

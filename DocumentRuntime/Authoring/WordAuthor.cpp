@@ -17,19 +17,19 @@ std::size_t columnWidth(const SourceTable& table) {
   return textWidth / table.columns.size();
 }
 
+/// Throws `DocumentError` resourceLimit "output part" as soon as the part is too large: cells of few
+/// characters may have many bytes.
 void appendCell(std::string& xml, std::string_view text, std::size_t width, bool header) {
   OOXML::append(xml, R"(<w:tc><w:tcPr><w:tcW w:w=")", width, R"(" w:type="dxa"/>)",
                 header ? R"(<w:shd w:fill="EDEFF2"/>)" : "",
                 R"(</w:tcPr><w:p><w:r><w:rPr><w:sz w:val="22"/>)", header ? "<w:b/>" : "",
                 R"(</w:rPr><w:t xml:space="preserve">)", OOXML::escaped(text), "</w:t></w:r></w:p></w:tc>");
+  BoundedZIP::OutputSize::checkPart(xml.size());
 }
 
 /// A row does not split across pages; the header row is repeated on each.
-void appendRow(std::string& xml, const std::vector<std::string>& cells, std::size_t width, bool header) {
+void appendRowStart(std::string& xml, bool header) {
   OOXML::append(xml, "<w:tr><w:trPr><w:cantSplit/>", header ? "<w:tblHeader/>" : "", "</w:trPr>");
-  for (const std::string& cell : cells)
-    appendCell(xml, cell, width, header);
-  xml += "</w:tr>";
 }
 
 void appendTable(std::string& xml, const SourceTable& table) {
@@ -45,13 +45,15 @@ void appendTable(std::string& xml, const SourceTable& table) {
     OOXML::append(xml, R"(<w:gridCol w:w=")", width, R"("/>)");
   }
   xml += "</w:tblGrid>";
-  appendRow(xml, table.columns, width, true);
-  std::vector<std::string> texts;
+  appendRowStart(xml, true);
+  for (const std::string& title : table.columns)
+    appendCell(xml, title, width, true);
+  xml += "</w:tr>";
   for (const auto& row : table.rows) {
-    texts.clear();
+    appendRowStart(xml, false);
     for (const SourceCell& cell : row)
-      texts.push_back(cell.displayText());
-    appendRow(xml, texts, width, false);
+      appendCell(xml, cell.displayText(), width, false);
+    xml += "</w:tr>";
   }
   xml += "</w:tbl>";
 }

@@ -53,4 +53,6 @@ DocumentError DocumentError::validationFailed(std::string detail) {
   return {Case::validationFailed, std::move(detail)};
 }
 
+ResponseTooLarge::ResponseTooLarge() : DocumentError(Case::resourceLimit, "response size") {}
+
 }  // namespace zelvo

@@ -40,12 +40,20 @@ class DocumentError : public std::exception {
     return a.errorCase_ == b.errorCase_ && a.detail_ == b.detail_;
   }
 
- private:
+ protected:
   DocumentError(Case errorCase, std::string detail);
 
+ private:
   Case errorCase_;
   std::string detail_;
   std::string description_;
+};
+
+/// resourceLimit "response size": the result is larger than any response. A kind of its own, because the
+/// worker then ends without a response, as it does when an encoded response is too large.
+class ResponseTooLarge final : public DocumentError {
+ public:
+  ResponseTooLarge();
 };
 
 }  // namespace zelvo

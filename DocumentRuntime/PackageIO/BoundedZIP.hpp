@@ -26,6 +26,26 @@ inline constexpr std::size_t maximumNameBytes = 256;
 /// `Cancelled` (looked at once per entry). The result owns its bytes.
 PartMap read(ByteView archive, const std::stop_token& stop = {});
 
+/// How large an archive of stored entries becomes. Authors who repeat a text add up the parts while they make
+/// them: so they stop where `write` would, before the parts fill memory.
+class OutputSize {
+ public:
+  /// Throws `DocumentError` resourceLimit "output part".
+  static void checkPart(std::size_t bytes);
+
+  /// Adds a part. Throws `DocumentError` resourceLimit "output part" or "output archive".
+  void add(std::size_t nameBytes, std::size_t partBytes);
+
+  std::size_t localBytes() const { return localBytes_; }      ///< the local headers, names and data
+  std::size_t centralBytes() const { return centralBytes_; }  ///< the central directory
+  std::size_t archiveBytes() const;
+
+ private:
+  // The sums cannot wrap: they grow by less than 17 MiB a part and are compared with the limit after each.
+  std::size_t localBytes_ = 0;
+  std::size_t centralBytes_ = 0;
+};
+
 /// Writes stored entries in name order, all dated 1 January 1980: the same parts always give the same bytes.
 /// The names must be valid UTF-8. Throws `DocumentError` resourceLimit "part count", "output part" or "output
 /// archive", or `Cancelled` (looked at once per entry).

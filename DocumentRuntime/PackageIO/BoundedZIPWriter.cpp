@@ -26,14 +26,11 @@ struct Record {
 
 struct Layout {
   std::vector<Record> records;
-  std::size_t localBytes = 0;
-  std::size_t centralBytes = 0;
-  std::size_t archiveBytes() const { return localBytes + centralBytes + endRecordBytes; }
+  OutputSize size;
 };
 
 /// Puts the parts in order and gives each its place. Everything that can be refused is refused here, before
-/// the archive takes any memory. The sums cannot wrap: they grow by less than 17 MiB a part and are compared
-/// with the limit after each.
+/// the archive takes any memory.
 Layout layOut(const PartMap& parts, const std::stop_token& stop) {
   if (parts.size() == 0 || parts.size() > maximumEntries) throw DocumentError::resourceLimit("part count");
 
@@ -48,12 +45,9 @@ Layout layOut(const PartMap& parts, const std::stop_token& stop) {
   for (Record& record : layout.records) {
     throwIfCancelled(stop);
     const auto& [name, bytes] = *record.part;
-    if (!safeName(name) || bytes.size() > maximumEntryBytes)
-      throw DocumentError::resourceLimit("output part");
-    record.localOffset = layout.localBytes;
-    layout.localBytes += localHeaderBytes + name.size() + bytes.size();
-    layout.centralBytes += centralHeaderBytes + name.size();
-    if (layout.archiveBytes() > maximumArchiveBytes) throw DocumentError::resourceLimit("output archive");
+    if (!safeName(name)) throw DocumentError::resourceLimit("output part");
+    record.localOffset = layout.size.localBytes();
+    layout.size.add(name.size(), bytes.size());
   }
   return layout;
 }
@@ -118,16 +112,31 @@ void appendEndRecord(Output& out, const Layout& layout) {
   out.le16(0);        // the directory's disk
   out.le16(entries);  // on this disk
   out.le16(entries);
-  out.le32(layout.centralBytes);
-  out.le32(layout.localBytes);
+  out.le32(layout.size.centralBytes());
+  out.le32(layout.size.localBytes());
   out.le16(0);  // comment length
 }
 
 }  // namespace
 
+void OutputSize::checkPart(std::size_t bytes) {
+  if (bytes > maximumEntryBytes) throw DocumentError::resourceLimit("output part");
+}
+
+void OutputSize::add(std::size_t nameBytes, std::size_t partBytes) {
+  checkPart(partBytes);
+  localBytes_ += localHeaderBytes + nameBytes + partBytes;
+  centralBytes_ += centralHeaderBytes + nameBytes;
+  if (archiveBytes() > maximumArchiveBytes) throw DocumentError::resourceLimit("output archive");
+}
+
+std::size_t OutputSize::archiveBytes() const {
+  return localBytes_ + centralBytes_ + endRecordBytes;
+}
+
 ByteBuffer write(const PartMap& parts, const std::stop_token& stop) {
   Layout layout = layOut(parts, stop);
-  ByteBuffer archive(layout.archiveBytes());
+  ByteBuffer archive(layout.size.archiveBytes());
   Output out(archive);
   for (Record& record : layout.records) {
     throwIfCancelled(stop);

@@ -9,8 +9,8 @@ namespace zelvo::OOXML {
 
 void KeptTrees::keep(std::string_view name, XMLTree& tree) {
   const std::size_t bytes = tree.byteCount();
-  if (bytes > budgetBytes - bytes_) return;
-  bytes_ += bytes;
+  if (bytes > budgetBytes_) return;
+  budgetBytes_ -= bytes;
   trees_.push_back({std::string(name), std::move(tree)});
 }
 

@@ -15,7 +15,9 @@ namespace zelvo::OOXML {
 /// again when it is wanted: memory stays bounded, and only the largest packages pay.
 class KeptTrees {
  public:
-  static constexpr std::size_t budgetBytes = std::size_t{32} * 1024 * 1024;
+  static constexpr std::size_t defaultBudgetBytes = std::size_t{32} * 1024 * 1024;
+
+  explicit KeptTrees(std::size_t budgetBytes = defaultBudgetBytes) : budgetBytes_(budgetBytes) {}
 
   /// Takes the tree over if it fits. To be called in ascending order of the names.
   void keep(std::string_view name, XMLTree& tree);
@@ -30,7 +32,7 @@ class KeptTrees {
     XMLTree tree;
   };
   std::vector<KeptTree> trees_;
-  std::size_t bytes_ = 0;
+  std::size_t budgetBytes_;  ///< for the trees to come
 };
 
 }  // namespace zelvo::OOXML

@@ -41,7 +41,7 @@ std::string resolve(std::string_view target, std::string_view relationshipPart);
 
 /// Which embedded workbooks the gate lets pass; it refuses all others.
 struct PackageAllowance {
-  bool chartWorkbook = false;           ///< ppt/embeddings/chart-data.xlsx
+  bool chartWorkbook = false;           ///< ppt/embeddings/chart-data.xlsx, in any letter case
   bool researchChartWorkbooks = false;  ///< ppt/embeddings/chart-data1.xlsx … chart-data4.xlsx
 };
 

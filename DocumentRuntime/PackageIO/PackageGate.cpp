@@ -35,14 +35,16 @@ bool containsAny(std::string_view text, std::span<const std::string_view> words)
                      [&](std::string_view word) { return text.find(word) != std::string_view::npos; });
 }
 
-bool isAllowedWorkbook(std::string_view name, PackageAllowance allowance) {
+/// The workbook without a number is known in any letter case, those with a number in lower case only.
+bool isAllowedWorkbook(std::string_view name, std::string_view lowerCaseName, PackageAllowance allowance) {
   constexpr std::string_view start = "ppt/embeddings/chart-data";
   constexpr std::string_view end = ".xlsx";
-  if (!name.starts_with(start) || !name.ends_with(end)) return false;
-  const std::string_view number = name.substr(start.size(), name.size() - start.size() - end.size());
-  if (number.empty()) return allowance.chartWorkbook;
-  return allowance.researchChartWorkbooks && number.size() == 1 && number.front() >= '1' &&
-         number.front() <= '4';
+  if (!lowerCaseName.starts_with(start) || !lowerCaseName.ends_with(end)) return false;
+  const std::size_t digits = lowerCaseName.size() - start.size() - end.size();
+  if (digits == 0) return allowance.chartWorkbook;
+  const char number = lowerCaseName[start.size()];
+  return allowance.researchChartWorkbooks && name == lowerCaseName && digits == 1 && number >= '1' &&
+         number <= '4';
 }
 
 /// Whether a part of that name is XML to be vetted; if not, it is an embedded workbook that is passed over.
@@ -50,7 +52,7 @@ bool isVettedPart(std::string_view name, std::string_view lowerCaseName, Package
   if (containsAny(lowerCaseName, refusedNames)) {
     throw DocumentError::unsafeContent("active data connection or unsupported workbook feature");
   }
-  const bool allowedWorkbook = isAllowedWorkbook(name, allowance);
+  const bool allowedWorkbook = isAllowedWorkbook(name, lowerCaseName, allowance);
   if (lowerCaseName.find(embeddingsFolder) != std::string_view::npos && !allowedWorkbook) {
     throw DocumentError::unsafeContent("embedded object");
   }

@@ -25,7 +25,8 @@ class XMLNode {
   /// The name as written, prefix included.
   std::string_view qualifiedName() const { return storage_->qualifiedName(index_); }
 
-  /// A number below the count of the tree's distinct qualified names, the same for all elements of one name.
+  /// A small number that stands for the qualified name: elements of one index have the same name. Not
+  /// conversely: in a part of very many names, elements of one name may have several indexes.
   std::size_t nameIndex() const { return element().name; }
 
   std::size_t attributeCount() const { return element().attributeCount; }
@@ -55,6 +56,8 @@ class XMLNode {
   bool hasContent() const;
 
  private:
+  friend class XMLContents;
+
   const XMLTreeStorage::Element& element() const { return storage_->elements[index_]; }
   void appendText(std::string& out) const;
   void appendContent(std::string& out) const;

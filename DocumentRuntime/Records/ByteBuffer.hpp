@@ -5,6 +5,7 @@
 #include <memory>
 #include <span>
 #include <string_view>
+#include <utility>
 
 namespace zelvo {
 
@@ -26,6 +27,18 @@ class ByteBuffer {
   ByteBuffer() = default;
   explicit ByteBuffer(std::size_t size)
       : bytes_(std::make_unique_for_overwrite<std::uint8_t[]>(size)), size_(size) {}
+  /// A buffer that was moved from is empty.
+  ByteBuffer(ByteBuffer&& other) noexcept
+      : bytes_(std::move(other.bytes_)), size_(std::exchange(other.size_, 0)) {}
+  ByteBuffer& operator=(ByteBuffer&& other) noexcept {
+    bytes_ = std::move(other.bytes_);
+    size_ = std::exchange(other.size_, 0);
+    return *this;
+  }
+  ByteBuffer(const ByteBuffer&) = delete;
+  ByteBuffer& operator=(const ByteBuffer&) = delete;
+  ~ByteBuffer() = default;
+
   static ByteBuffer copyOf(ByteView bytes) {
     ByteBuffer buffer(bytes.size());
     std::copy(bytes.begin(), bytes.end(), buffer.data());

@@ -43,7 +43,7 @@ ByteBuffer write(const ResearchPresentation& presentation, const std::optional<R
     if (presentation.slides[i].namedChart())
       slide.chart = static_cast<std::size_t>(binding++->partNumber) - 1;
   }
-  return BoundedZIP::write(DocumentAuthor::presentationPackage(slides, std::move(charts)), stop);
+  return BoundedZIP::write(DocumentAuthor::presentationPackage(std::move(slides), std::move(charts)), stop);
 }
 
 }  // namespace

@@ -41,10 +41,13 @@ DocumentValidation DocumentEngine::validate(ByteView data, DocumentFormat format
   const std::string_view mainPart = isPresentation ? presentationPartName : wordPartName;
   if (!package.contains(mainPart)) throw DocumentError::validationFailed("main document part");
   checkMainRelationship(package, mainPart);
-  const TableTexts rows =
-      isPresentation ? readPresentation(package, expectedTable, expectedChart, stop) : readWord(package);
-  checkTableDimensions(rows);
-  if (expectedTable != nullptr) compareTable(rows, *expectedTable);
+  TableReadBack table(expectedTable);
+  if (isPresentation) {
+    readPresentation(package, table, expectedTable, expectedChart, stop);
+  } else {
+    readWord(package, table);
+  }
+  table.check();
 
   DocumentValidation result{
       .structurallyValid = true,

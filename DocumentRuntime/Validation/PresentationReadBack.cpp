@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <iterator>
 #include <optional>
 #include <set>
 #include <string>
@@ -71,19 +70,40 @@ std::string slidePart(XMLNode entry, const RelationshipTargets& targets) {
   return OOXML::resolve(*target, presentationRelationships);
 }
 
-/// The rows of one slide; none where it is a chart's slide, which has no table to join.
-std::optional<TableTexts> slideRows(XMLNode slide, bool hasChartPart) {
-  if (slide.name() != "sld") throw DocumentError::validationFailed("slide root");
-  const XMLElements tables = slide.descendants("tbl");
-  if (tables.empty() && hasChartPart && !slide.descendants("chart").empty()) return std::nullopt;
-  TableTexts rows;
-  for (const XMLNode table : tables)
-    appendTableTexts(rows, table);
-  return rows;
-}
+/// A slide's tables, whose rows follow each other. Owns what its rows refer to.
+class Slide {
+ public:
+  Slide(const GeneratedPackage& package, std::string_view name)
+      : part_(package.parsed(name)), contents_(part_.root()) {}
 
-/// The tables of the slides in the order of the show.
-std::vector<TableTexts> readSlides(const GeneratedPackage& package, const std::stop_token& stop) {
+  XMLNode root() const { return part_.root(); }
+  XMLElements tables() const { return root().descendants("tbl"); }
+
+  /// The first row of all; none where there is none.
+  std::optional<TableRow> header() const {
+    for (const XMLNode table : tables()) {
+      if (const auto row = table.child("tr")) return TableRow{*row, contents_};
+    }
+    return std::nullopt;
+  }
+
+  /// Adds all rows, or all but the header.
+  void addRows(TableReadBack& result, bool withHeader) const {
+    for (const XMLNode table : tables()) {
+      for (const XMLNode row : table.all("tr")) {
+        if (withHeader) result.add({row, contents_});
+        withHeader = true;
+      }
+    }
+  }
+
+ private:
+  GeneratedPackage::ParsedPart part_;
+  XMLContents contents_;
+};
+
+/// Joins the tables of the slides, in slide order, into one, whose header each of them repeats.
+void readSlides(const GeneratedPackage& package, TableReadBack& table, const std::stop_token& stop) {
   const auto presentation = package.parsed(presentationPartName);
   const XMLNode root = presentation.root();
   const auto list = root.child("sldIdLst");
@@ -95,36 +115,31 @@ std::vector<TableTexts> readSlides(const GeneratedPackage& package, const std::s
   const auto targets = RelationshipTargets::read(package.parsed(presentationRelationships).root());
 
   const bool hasChartPart = package.contains(chartPartName);
-  std::vector<TableTexts> slides;
+  std::optional<Slide> first;  // kept for its header
   std::set<std::string> seen;
   for (const XMLNode entry : root.descendants("sldId")) {
     throwIfCancelled(stop);
     const std::string name = slidePart(entry, targets);
     if (!seen.insert(name).second) throw DocumentError::validationFailed("duplicate slide");
-    if (auto rows = slideRows(package.parsed(name).root(), hasChartPart)) slides.push_back(std::move(*rows));
-  }
-  return slides;
-}
-
-/// One table of all slides, whose header each of them repeats.
-TableTexts joined(std::vector<TableTexts> slides) {
-  TableTexts table;
-  for (TableTexts& rows : slides) {
-    if (rows.empty() || (!table.empty() && rows.front() != table.front())) {
+    Slide slide(package, name);
+    if (slide.root().name() != "sld") throw DocumentError::validationFailed("slide root");
+    // A chart's slide has no table to join.
+    if (slide.tables().empty() && hasChartPart && !slide.root().descendants("chart").empty()) continue;
+    const auto header = slide.header();
+    if (!header || (first && !showSameTexts(*first->header(), *header))) {
       throw DocumentError::validationFailed("repeated table header");
     }
-    const auto firstNew = rows.begin() + (table.empty() ? 0 : 1);
-    table.insert(table.end(), std::make_move_iterator(firstNew), std::make_move_iterator(rows.end()));
+    slide.addRows(table, !first);
+    if (!first) first = std::move(slide);
   }
-  return table;
 }
 
 }  // namespace
 
-TableTexts readPresentation(const GeneratedPackage& package, const SourceTable* expectedTable,
-                            const ChartSelection* expectedChart, const std::stop_token& stop) {
+void readPresentation(const GeneratedPackage& package, TableReadBack& table, const SourceTable* expectedTable,
+                      const ChartSelection* expectedChart, const std::stop_token& stop) {
   checkParts(package.parts());
-  TableTexts rows = joined(readSlides(package, stop));
+  readSlides(package, table, stop);
 
   const bool hasChart = package.contains(chartPartName);
   const bool hasWorkbook = package.contains(chartWorkbookName);
@@ -133,7 +148,6 @@ TableTexts readPresentation(const GeneratedPackage& package, const SourceTable* 
   }
   if (hasChart && expectedChart == nullptr) throw DocumentError::validationFailed("unexpected chart");
   if (hasChart) validateChartPackage(package, expectedTable, *expectedChart, stop);
-  return rows;
 }
 
 }  // namespace zelvo

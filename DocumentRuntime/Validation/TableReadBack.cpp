@@ -1,8 +1,9 @@
 #include "DocumentRuntime/Validation/TableReadBack.hpp"
 
 #include <algorithm>
+#include <string>
+#include <string_view>
 
-#include "DocumentRuntime/Errors/DocumentError.hpp"
 #include "DocumentRuntime/Validation/DocumentInputRules.hpp"
 
 namespace zelvo {
@@ -11,38 +12,146 @@ namespace {
 constexpr std::size_t maximumRows = 201;  ///< the header included
 constexpr std::size_t maximumColumns = 8;
 
+/// The text of a cell, one `t` element after the other.
+class CellText {
+ public:
+  CellText(XMLNode cell, const XMLContents& contents)
+      : pieces_(cell.descendants("t")), next_(pieces_.begin()), contents_(contents) {}
+  CellText(const CellText&) = delete;
+  CellText& operator=(const CellText&) = delete;
+  ~CellText() = default;
+
+  /// The rest of the current piece; empty only at the end of the text.
+  std::string_view front() {
+    while (piece_.empty() && next_ != pieces_.end()) {
+      piece_ = contents_.of(*next_);
+      ++next_;
+    }
+    return piece_;
+  }
+  void skip(std::size_t bytes) { piece_.remove_prefix(bytes); }
+
+ private:
+  XMLElements pieces_;
+  XMLElements::Iterator next_;
+  const XMLContents& contents_;
+  std::string_view piece_;
+};
+
+bool isText(XMLNode cell, const XMLContents& contents, std::string_view expected) {
+  CellText text(cell, contents);
+  for (std::string_view piece = text.front(); !piece.empty(); piece = text.front()) {
+    if (!expected.starts_with(piece)) return false;
+    expected.remove_prefix(piece.size());
+    text.skip(piece.size());
+  }
+  return expected.empty();
+}
+
+/// Compares stretches of two buffers and remembers the last ones that were equal: cells that nest their texts
+/// alike repeat stretches of these, for every level, and each byte is then compared only once.
+class StretchComparison {
+ public:
+  /// Both as long; all first ones from one buffer, all second ones from another.
+  bool areEqual(std::string_view a, std::string_view b) {
+    if (isKnown(a, b)) return true;
+    if (a != b) return false;
+    if (a.data() == a_ + length_ && b.data() == b_ + length_) {
+      length_ += a.size();
+    } else {
+      a_ = a.data();
+      b_ = b.data();
+      length_ = a.size();
+    }
+    return true;
+  }
+
+ private:
+  bool isKnown(std::string_view a, std::string_view b) const {
+    if (length_ == 0 || a.data() < a_ || b.data() < b_) return false;
+    const auto offset = static_cast<std::size_t>(a.data() - a_);
+    return offset == static_cast<std::size_t>(b.data() - b_) && offset + a.size() <= length_;
+  }
+
+  const char* a_ = nullptr;
+  const char* b_ = nullptr;
+  std::size_t length_ = 0;
+};
+
+bool showSameText(XMLNode a, const XMLContents& aContents, XMLNode b, const XMLContents& bContents,
+                  StretchComparison& comparison) {
+  CellText aText(a, aContents);
+  CellText bText(b, bContents);
+  while (true) {
+    const std::size_t length = std::min(aText.front().size(), bText.front().size());
+    if (length == 0) return aText.front().empty() && bText.front().empty();
+    if (!comparison.areEqual(aText.front().substr(0, length), bText.front().substr(0, length))) return false;
+    aText.skip(length);
+    bText.skip(length);
+  }
+}
+
+XMLElements cellsOf(const TableRow& row) {
+  return row.element.all("tc");
+}
+
 }  // namespace
 
-void appendTableTexts(TableTexts& rows, XMLNode table) {
-  std::string scratch;
-  for (const XMLNode row : table.all("tr")) {
-    auto& cells = rows.emplace_back();
-    for (const XMLNode cell : row.all("tc")) {
-      std::string& text = cells.emplace_back();
-      for (const XMLNode piece : cell.descendants("t"))
-        text += piece.content(scratch);
+bool showSameTexts(const TableRow& a, const TableRow& b) {
+  const XMLElements aCells = cellsOf(a);
+  const XMLElements bCells = cellsOf(b);
+  StretchComparison comparison;
+  return std::equal(aCells.begin(), aCells.end(), bCells.begin(), bCells.end(), [&](XMLNode x, XMLNode y) {
+    return showSameText(x, a.contents, y, b.contents, comparison);
+  });
+}
+
+TableReadBack::TableReadBack(const SourceTable* expected) : expected_(expected) {
+  // What is wrong with the expected table is said after what is wrong with the document's dimensions, but
+  // only a table that passes can be compared with.
+  if (expected != nullptr) {
+    try {
+      DocumentEngine::validateInput(*expected, "Validation");
+    } catch (const DocumentError& error) {
+      refusal_ = error;
     }
   }
+  matches_ = expected != nullptr && !refusal_;
 }
 
-void checkTableDimensions(const TableTexts& rows) {
-  const bool inBounds = !rows.empty() && rows.size() <= maximumRows && !rows.front().empty() &&
-                        rows.front().size() <= maximumColumns;
-  if (!inBounds ||
-      std::ranges::any_of(rows, [&](const auto& row) { return row.size() != rows.front().size(); })) {
+void TableReadBack::add(const TableRow& row) {
+  const std::size_t count = cellsOf(row).size();
+  if (rowCount_ == 0) columnCount_ = count;
+  isRagged_ |= count != columnCount_;
+  matches_ = matches_ && isExpected(row);
+  ++rowCount_;
+}
+
+void TableReadBack::check() const {
+  if (rowCount_ < 1 || rowCount_ > maximumRows || columnCount_ < 1 || columnCount_ > maximumColumns ||
+      isRagged_) {
     throw DocumentError::validationFailed("table dimensions");
   }
+  if (expected_ == nullptr) return;
+  if (refusal_) throw DocumentError(*refusal_);
+  if (!matches_ || rowCount_ != expected_->rows.size() + 1) {
+    throw DocumentError::validationFailed("table cells differ from frozen source values");
+  }
 }
 
-void compareTable(const TableTexts& rows, const SourceTable& expected) {
-  DocumentEngine::validateInput(expected, "Validation");
-  TableTexts approved = {expected.columns};
-  for (const auto& row : expected.rows) {
-    auto& texts = approved.emplace_back();
-    for (const SourceCell& cell : row)
-      texts.push_back(cell.displayText());
+/// The expected table has passed the input rules: all of its rows have as many cells as it has titles.
+bool TableReadBack::isExpected(const TableRow& row) const {
+  if (rowCount_ > expected_->rows.size()) return false;
+  const XMLElements cells = cellsOf(row);
+  if (cells.size() != expected_->columns.size()) return false;
+  std::size_t column = 0;
+  for (const XMLNode cell : cells) {
+    const std::string expected =
+        rowCount_ == 0 ? expected_->columns[column] : expected_->rows[rowCount_ - 1][column].displayText();
+    if (!isText(cell, row.contents, expected)) return false;
+    ++column;
   }
-  if (rows != approved) throw DocumentError::validationFailed("table cells differ from frozen source values");
+  return true;
 }
 
 }  // namespace zelvo

@@ -15,20 +15,22 @@ constexpr std::array<std::string_view, 3> wordParts = {"[Content_Types].xml", "_
 
 }  // namespace
 
-TableTexts readWord(const GeneratedPackage& package) {
+void readWord(const GeneratedPackage& package, TableReadBack& table) {
   if (!std::ranges::equal(package.parts(), wordParts, {}, &Part::name)) {
     throw DocumentError::validationFailed("unexpected Word package part");
   }
   const auto document = package.parsed(wordPartName);
-  const auto body = document.root().child("body");
-  if (document.root().name() != "document" || document.root().attribute("xmlns:w") != wordNamespace ||
-      !body || body->descendants("tbl").size() != 1) {
+  const XMLNode root = document.root();
+  const auto body = root.child("body");
+  if (root.name() != "document" || root.attribute("xmlns:w") != wordNamespace || !body ||
+      body->descendants("tbl").size() != 1) {
     throw DocumentError::validationFailed("Word table");
   }
-  TableTexts rows;
-  for (const XMLNode table : body->descendants("tbl"))
-    appendTableTexts(rows, table);
-  return rows;
+  const XMLContents contents(root);
+  for (const XMLNode only : body->descendants("tbl")) {
+    for (const XMLNode row : only.all("tr"))
+      table.add({row, contents});
+  }
 }
 
 }  // namespace zelvo

@@ -9,8 +9,8 @@ namespace zelvo {
 
 inline constexpr std::string_view wordPartName = "word/document.xml";
 
-/// The one table of a Word document. Throws `DocumentError` validationFailed "unexpected Word package part"
-/// or "Word table".
-TableTexts readWord(const GeneratedPackage& package);
+/// Reads the one table of a Word document into `table`. Throws `DocumentError` validationFailed "unexpected
+/// Word package part" or "Word table".
+void readWord(const GeneratedPackage& package, TableReadBack& table);
 
 }  // namespace zelvo

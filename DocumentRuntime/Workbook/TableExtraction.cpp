@@ -63,7 +63,7 @@ class RangeCollector final : public WorksheetVisitor {
   std::vector<bool> hiddenRows_;
 };
 
-/// What the texts of one table may hold together, in bytes; no response could carry more. Cells share their
+/// What the texts of one table may hold together, in bytes: the size of the largest response. Cells share
 /// strings and formats, so that a small workbook of one enormous character could otherwise grow a
 /// thousandfold.
 constexpr std::size_t maximumTableBytes = std::size_t{40} * 1024 * 1024;
@@ -92,7 +92,7 @@ std::vector<std::vector<SourceCell>> readRows(const RangeCollector& contents, co
                                    .allowCache = selection.allowCachedFormulaValues,
                                    .acceptEmptyFormula = acceptedEmptyFormulaCells.contains(address)}));
       tableBytes += textBytes(cells.back());
-      if (tableBytes > maximumTableBytes) throw DocumentError::resourceLimit("selected cell text");
+      if (tableBytes > maximumTableBytes) throw ResponseTooLarge();
     }
   }
   return rows;

@@ -32,9 +32,9 @@ class TableExtraction {
   /// fill in. An address in `acceptedEmptyFormulaCells` may hold a formula with an empty stored result.
   /// Throws `DocumentError`, in this order of checks: unsupported "merged cells in the selected table";
   /// invalidSelection "the selection includes hidden columns"; the errors of `CellReader::cell` for the first
-  /// cell that fails, row by row, left to right; invalidSelection "no visible rows", "header row is hidden",
-  /// "headers must be nonempty and at most 120 characters" or "no data rows". `Cancelled` is looked at once
-  /// per row.
+  /// cell that fails, row by row, left to right, or `ResponseTooLarge` at the cell with which the texts
+  /// exceed 40 MiB; invalidSelection "no visible rows", "header row is hidden", "headers must be nonempty and
+  /// at most 120 characters" or "no data rows". `Cancelled` is looked at once per row.
   static SourceTable read(XMLNode worksheet, const CellRange& range, const TableSelection& selection,
                           const CellReader& reader, const std::set<CellAddress>& acceptedEmptyFormulaCells,
                           const std::stop_token& stop);

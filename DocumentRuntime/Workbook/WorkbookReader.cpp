@@ -28,9 +28,13 @@ struct WorkbookReader::PassedParts {
   std::vector<WorksheetPart> worksheets;
   OOXML::KeptTrees worksheetTrees;
 
+  explicit PassedParts(std::size_t keptTreeBytes) : worksheetTrees(keptTreeBytes) {}
+
   void visit(std::string_view name, XMLTree& tree) {
     const XMLNode root = tree.root();
-    if (name == WorkbookParts::workbook) read(structure, root);
+    if (name == WorkbookParts::workbook) {
+      structure = Deferred<WorkbookStructure>::of([&] { return WorkbookStructure::read(tree); });
+    }
     if (name == WorkbookParts::relationships) read(relationships, root);
     if (name == WorkbookParts::sharedStrings) read(sharedStrings, root);
     if (name == WorkbookParts::styles) read(styles, root);
@@ -47,12 +51,13 @@ struct WorkbookReader::PassedParts {
   }
 };
 
-WorkbookReader::WorkbookReader(ByteBuffer data, std::string_view sourceName, const std::stop_token& stop) {
+WorkbookReader::WorkbookReader(ByteBuffer data, std::string_view sourceName, const std::stop_token& stop,
+                               std::size_t keptTreeBytes) {
   if (sourceName.size() > maximumSourceNameBytes) throw DocumentError::resourceLimit("source name");
   sourceName_ = lastPathComponent(sourceName);
   sourceSHA256_ = OOXML::hash(data.view());
 
-  PassedParts passed = readParts(std::move(data), stop);
+  PassedParts passed = readParts(std::move(data), stop, keptTreeBytes);
   if (!passed.structure || !passed.relationships) throw DocumentError::unsupported("XLSX workbook structure");
   WorkbookStructure structure = passed.structure->take();
   uses1904Dates_ = structure.uses1904Dates;
@@ -64,10 +69,11 @@ WorkbookReader::WorkbookReader(ByteBuffer data, std::string_view sourceName, con
   worksheetTrees_ = std::move(passed.worksheetTrees);
 }
 
-WorkbookReader::PassedParts WorkbookReader::readParts(ByteBuffer data, const std::stop_token& stop) {
+WorkbookReader::PassedParts WorkbookReader::readParts(ByteBuffer data, const std::stop_token& stop,
+                                                      std::size_t keptTreeBytes) {
   PartMap parts = BoundedZIP::read(data.view(), stop);
   data = {};
-  PassedParts passed;
+  PassedParts passed(keptTreeBytes);
   parts_ = OOXML::vetted(
       std::move(parts), {}, [&](std::string_view name, XMLTree& tree) { passed.visit(name, tree); }, stop);
   return passed;

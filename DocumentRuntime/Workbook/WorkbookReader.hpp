@@ -31,8 +31,10 @@ class WorkbookReader {
   /// Opens and vets the workbook; `data` is freed as soon as its entries are expanded. Throws
   /// `DocumentError`: resourceLimit "source name", "worksheet count" or "shared strings"; unsupported "XLSX
   /// workbook structure" or "only Transitional XLSX is supported"; invalidArchive "worksheet identity" or
-  /// "number format"; what the package gate throws; and `Cancelled`.
-  WorkbookReader(ByteBuffer data, std::string_view sourceName, const std::stop_token& stop = {});
+  /// "number format"; what the package gate throws; and `Cancelled`. Worksheets whose trees exceed
+  /// `keptTreeBytes` together are parsed again when a table of theirs is read.
+  WorkbookReader(ByteBuffer data, std::string_view sourceName, const std::stop_token& stop = {},
+                 std::size_t keptTreeBytes = OOXML::KeptTrees::defaultBudgetBytes);
 
   /// The last path component of the name that the caller gave.
   const std::string& sourceName() const { return sourceName_; }
@@ -61,7 +63,7 @@ class WorkbookReader {
 
   struct PassedParts;
 
-  PassedParts readParts(ByteBuffer data, const std::stop_token& stop);
+  PassedParts readParts(ByteBuffer data, const std::stop_token& stop, std::size_t keptTreeBytes);
   /// Throws "missing worksheet" or "worksheet type".
   const WorksheetPart& partOf(const Sheet& sheet) const;
 

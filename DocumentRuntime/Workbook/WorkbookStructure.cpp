@@ -1,7 +1,9 @@
 #include "DocumentRuntime/Workbook/WorkbookStructure.hpp"
 
 #include <algorithm>
+#include <map>
 #include <set>
+#include <utility>
 
 #include "DocumentRuntime/Errors/DocumentError.hpp"
 #include "DocumentRuntime/PackageIO/OOXMLSupport.hpp"
@@ -15,32 +17,35 @@ namespace {
 constexpr std::string_view transitionalNamespace =
     "http://schemas.openxmlformats.org/spreadsheetml/2006/main";
 
-std::optional<std::string> owned(std::optional<std::string_view> text) {
-  if (!text) return std::nullopt;
-  return std::string(*text);
-}
+/// Resolves each target once. Any number of sheets may share a relationship, whose target may be as long as
+/// its part.
+class SheetPaths {
+ public:
+  const std::string& of(std::string_view target) {
+    const auto [path, isNew] = paths_.try_emplace(target.data());
+    if (isNew) path->second = OOXML::resolve(target, WorkbookParts::relationships);
+    return path->second;
+  }
+
+ private:
+  std::map<const char*, std::string> paths_;  ///< by where the target is stored
+};
 
 }  // namespace
 
-WorkbookStructure WorkbookStructure::read(XMLNode root) {
+WorkbookStructure WorkbookStructure::read(XMLTree& tree) {
+  const XMLNode root = tree.root();
   // The Strict dialect has another namespace and other date texts.
   if (root.name() != "workbook" || root.attribute("xmlns") != transitionalNamespace) {
     throw DocumentError::unsupported("only Transitional XLSX is supported");
   }
-  WorkbookStructure structure;
   const auto properties = root.child("workbookPr");
-  structure.uses1904Dates = properties && xmlFlag(properties->attribute("date1904"));
   const auto calculation = root.child("calcPr");
-  structure.calculationMode =
+  const std::string_view mode =
       calculation ? calculation->attribute("calcMode").value_or("auto") : std::string_view("auto");
-  if (const auto sheets = root.child("sheets")) {
-    for (const XMLNode sheet : sheets->all("sheet")) {
-      structure.sheets.push_back({.name = owned(sheet.attribute("name")),
-                                  .relationshipID = owned(sheet.attribute("r:id")),
-                                  .hidden = sheet.attribute("state").value_or("visible") != "visible"});
-    }
-  }
-  return structure;
+  return {.uses1904Dates = properties && xmlFlag(properties->attribute("date1904")),
+          .calculationMode = std::string(mode),
+          .tree = std::move(tree)};
 }
 
 RelationshipTargets RelationshipTargets::read(XMLNode root) {
@@ -62,17 +67,25 @@ std::optional<std::string_view> RelationshipTargets::find(std::string_view ident
 
 std::vector<Sheet> listSheets(const WorkbookStructure& structure, const RelationshipTargets& targets) {
   std::vector<Sheet> sheets;
+  std::size_t count = 0;
   std::set<std::string> namesInUse;
-  for (const auto& entry : structure.sheets) {
-    const auto target =
-        entry.relationshipID ? targets.find(*entry.relationshipID) : std::optional<std::string_view>();
-    if (!entry.name || Unicode::exceeds(*entry.name, maximumSheetNameCharacters) ||
-        !namesInUse.insert(Unicode::lowercased(*entry.name)).second || !target) {
+  SheetPaths paths;
+  const auto list = structure.tree.root().child("sheets");
+  if (!list) throw DocumentError::resourceLimit("worksheet count");
+  for (const XMLNode sheet : list->all("sheet")) {
+    const auto name = sheet.attribute("name");
+    const auto identifier = sheet.attribute("r:id");
+    const auto target = identifier ? targets.find(*identifier) : std::nullopt;
+    if (!name || Unicode::exceeds(*name, maximumSheetNameCharacters) ||
+        !namesInUse.insert(Unicode::lowercased(*name)).second || !target) {
       throw DocumentError::invalidArchive("worksheet identity");
     }
-    sheets.push_back({*entry.name, entry.hidden, OOXML::resolve(*target, WorkbookParts::relationships)});
+    // Sheets past the limit are still checked, because their refusal comes before that of their number.
+    if (++count > maximumSheets) continue;
+    const bool hidden = sheet.attribute("state").value_or("visible") != "visible";
+    sheets.push_back({std::string(*name), hidden, paths.of(*target)});
   }
-  if (sheets.empty() || sheets.size() > maximumSheets) throw DocumentError::resourceLimit("worksheet count");
+  if (count == 0 || count > maximumSheets) throw DocumentError::resourceLimit("worksheet count");
   return sheets;
 }
 

@@ -11,18 +11,13 @@ namespace zelvo {
 
 /// What the workbook part says, before it is put together with the workbook's relationships.
 struct WorkbookStructure {
-  struct SheetEntry {
-    std::optional<std::string> name;
-    std::optional<std::string> relationshipID;
-    bool hidden = false;
-  };
-
   bool uses1904Dates = false;
   std::string calculationMode;
-  std::vector<SheetEntry> sheets;
+  XMLTree tree;  ///< lists the sheets: up to 200,000, which are not copied before they are counted
 
-  /// Throws `DocumentError` unsupported "only Transitional XLSX is supported".
-  static WorkbookStructure read(XMLNode root);
+  /// Moves the tree out of `tree`, unless it throws `DocumentError` unsupported "only Transitional XLSX is
+  /// supported".
+  static WorkbookStructure read(XMLTree& tree);
 };
 
 /// The targets of a relationships part by identifier.
@@ -52,8 +47,8 @@ struct Sheet {
 inline constexpr std::size_t maximumSheets = 64;
 inline constexpr std::size_t maximumSheetNameCharacters = 64;
 
-/// Puts names, visibility and parts together. Throws `DocumentError` invalidArchive "worksheet identity" or
-/// resourceLimit "worksheet count", and what resolving a target throws.
+/// Puts names, visibility and parts together. The package gate must have resolved the targets. Throws
+/// `DocumentError` invalidArchive "worksheet identity" or resourceLimit "worksheet count".
 std::vector<Sheet> listSheets(const WorkbookStructure& structure, const RelationshipTargets& targets);
 
 }  // namespace zelvo

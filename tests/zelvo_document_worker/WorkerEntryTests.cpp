@@ -166,6 +166,10 @@ TEST(WorkerEntry, AResponseThatIsTooLargeIsNotWritten) {
   FakeProcess tooLarge;
   EXPECT_EQ(respond(tooLarge, marks, nameBytes + 1), 65);
   EXPECT_EQ(tooLarge.count("write"), 0U);
+  // Far larger: extraction stops before the table is whole.
+  FakeProcess farTooLarge;
+  EXPECT_EQ(respond(farTooLarge, 2 * marks, 0), 65);
+  EXPECT_EQ(farTooLarge.count("write"), 0U);
 }
 
 TEST(WorkerEntry, ErrorsAreCutToFiveHundredCharacters) {

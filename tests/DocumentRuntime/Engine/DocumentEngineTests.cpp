@@ -6,6 +6,7 @@
 #include "DocumentRuntime/Engine/DocumentEngine.hpp"
 #include "DocumentRuntime/PackageIO/OOXMLSupport.hpp"
 #include "DocumentRuntime/Validation/GeneratedDocumentValidation.hpp"
+#include "Support/Cost.hpp"
 #include "Support/PackageBuilder.hpp"
 #include "Support/RefusalTable.hpp"
 #include "Support/SampleTable.hpp"
@@ -115,6 +116,27 @@ TEST(DocumentEngine, MakesDocumentsThatShowWhatWasExtracted) {
     row[1].value = Value::number("-1E-3");
   const ChartSelection chart{.categoryColumn = 0, .valueColumn = 1, .title = ""};
   EXPECT_TRUE(DocumentEngine::createPPTX(charted, "Sales", chart).validation.sourceValuesVerified);
+}
+
+TEST(DocumentEngine, StopsWritingWhenTheDocumentIsTooLarge) {
+  constexpr std::size_t mebibyte = std::size_t{1024} * 1024;
+  SourceTable table = testing::tableOf(8, 200);
+  const auto expectRefusal = [&](const auto& create, const char* expected, std::size_t mostBytes) {
+    const auto cost = testing::costOf([&] { EXPECT_EQ(outcomeOf(create), expected); });
+    EXPECT_LT(cost.peakBytes, mostBytes);
+  };
+  // Twenty slides repeat a sheet name of one character.
+  table.sheetName = "e" + testing::repeated("\u0301", 2 * mebibyte);
+  expectRefusal([&] { DocumentEngine::createPPTX(table, "Title", {}); }, "resourceLimit: output archive",
+                60 * mebibyte);
+  table.sheetName = "Data";
+  const std::string mark = testing::repeated("\u0301", 10'000);
+  for (auto& row : table.rows) {
+    for (SourceCell& cell : row)
+      cell.value = Value::text("e" + mark);
+  }
+  expectRefusal([&] { DocumentEngine::createDOCX(table, "Title"); }, "resourceLimit: output part",
+                40 * mebibyte);
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 
 #include "DocumentRuntime/PackageIO/BoundedXML.hpp"
 #include "DocumentRuntime/PackageIO/DeclarationScan.hpp"
+#include "DocumentRuntime/PackageIO/XMLContents.hpp"
 #include "Support/PackageBuilder.hpp"
 #include "Support/ReferenceXML.hpp"
 #include "Support/RefusalTable.hpp"
@@ -139,6 +140,18 @@ TEST(XMLNode, OwnTextComesBeforeThatOfChildren) {
   EXPECT_EQ(root.content(storage), "xzy");
   EXPECT_FALSE(root.child("b")->hasContent());
   EXPECT_TRUE(root.hasContent());
+}
+
+TEST(XMLContents, AreTheContentsOfAllElements) {
+  const XMLTree tree = OOXML::xml(bytesOf("<r>0<a>1<t>2<t>3</t><b/>4</t>5</a><t/>6<a><t>7</t></a></r>"));
+  for (const XMLNode root : {tree.root(), *tree.root().child("a")}) {
+    const XMLContents contents(root);
+    EXPECT_EQ(contents.of(root), root.content());
+    for (const char* name : {"a", "b", "t"}) {
+      for (const XMLNode element : root.descendants(name))
+        EXPECT_EQ(contents.of(element), element.content());
+    }
+  }
 }
 
 TEST(XMLTree, ManyNamesStayApartAndSmall) {

@@ -100,6 +100,7 @@ TEST(PackageGate, LetsOnlyTheAllowedWorkbooksPass) {
       ppt/embeddings/chart-data.xlsx | none => unsafeContent: embedded object
       ppt/embeddings/chart-data.xlsx | research => unsafeContent: embedded object
       ppt/embeddings/chart-data.xlsx | chart =>
+      PPT/Embeddings/Chart-Data.XLSX | chart =>
       ppt/embeddings/chart-data1.xlsx | none => unsafeContent: embedded object
       ppt/embeddings/chart-data1.xlsx | chart => unsafeContent: embedded object
       ppt/embeddings/chart-data0.xlsx | research => unsafeContent: embedded object

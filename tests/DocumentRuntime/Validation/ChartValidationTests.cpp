@@ -25,6 +25,7 @@ const auto unexpected =
     DocumentError::validationFailed("unexpected executable or unsupported document element");
 const auto shape = DocumentError::validationFailed("chart data");
 const auto values = DocumentError::validationFailed("chart values");
+const auto references = DocumentError::validationFailed("chart references or cache indexes");
 const auto disagree = DocumentError::validationFailed("chart cache and embedded data disagree");
 const auto unapproved = DocumentError::validationFailed("chart data differs from the approved columns");
 const auto columns = DocumentError::invalidSelection("chart needs two different columns and at most 30 rows");
@@ -114,14 +115,16 @@ std::vector<testing::Refusal<EditedDocument>> refusals() {
        {"no series", without("c:ser"), shape, "chart/series"},
        {"no categories", without("c:cat"), shape, "chart/series"},
        {"no values", without("c:val"), shape, "chart/series"},
+       {"no cached values", without("c:numCache"), shape, "chart/series"},
        {"numbers as categories", makeCategoriesNumbers, shape, "chart/series"}},
-      inChart(R"(<c:plotArea> => <c:plotArea><c:strCache/> | validationFailed: chart data |
-                 <c:v>0.25</c:v> => | validationFailed: chart data | chart/series/value
+      inChart(R"(<c:plotArea> => <c:plotArea><c:strCache/> | validationFailed: chart data | chart/series/cache
+                 <c:v>0.25</c:v> => | validationFailed: chart values | chart/series/value
                  <c:v>0.25</c:v> => <c:v>0.25 </c:v> | validationFailed: chart values | chart/series/value
                  <c:v>0.25</c:v> => <c:v>1e400</c:v> | validationFailed: chart values | chart/series/value)"),
       {{"no points", points(0, 0), values, "chart/series"},
        {"31 points", points(31, 31), values, "chart/series"},
        {"a category less", points(11, 12), values, "chart/series"}},
+      {{"no series name", without("c:tx"), references, "chart/series"}},
       inChart(R"($A$2:$A$13 => $A$2:$A$14 | validationFailed: chart references or cache indexes |
                  $B$2:$B$13 => $B$2:$B$12 | validationFailed: chart references or cache indexes |
                  ChartData!$B$1 => ChartData!$A$1 | validationFailed: chart references or cache indexes |
@@ -132,6 +135,7 @@ std::vector<testing::Refusal<EditedDocument>> refusals() {
        {"below", inSheet("</sheetData>", R"(<row r="14"/><row r="15"><c r="A15"/></row></sheetData>)"),
         shape},
        {"another sheet name", inBook("xl/workbook.xml", R"("ChartData")", R"("Data")"), shape}},
+      {{"no cached series name", without("c:strCache"), shape, "chart/series"}},
       inChart(R"(<c:v>Column 2</c:v> => <c:v>Column</c:v> | validationFailed: chart data |
                  <c:v>3.25</c:v> => <c:v>3.250</c:v> | validationFailed: chart cache and embedded data disagree |)"),
       {{"value of the workbook alone", inSheet("<v>4.25</v>", "<v>5.25</v>"), disagree},
@@ -143,10 +147,11 @@ std::vector<testing::Refusal<EditedDocument>> refusals() {
        {"other categories", [](E e) { e.chart->categoryColumn = 2; }, unapproved, "expected/category"},
        {"approved value", [](E e) { e.table->rows[6][1].value = Value::number("6.250"); }, unapproved},
        {"approved category", [](E e) { e.table->rows[7][0].value = Value::text("8"); }, unapproved},
-       {"approved title", [](E e) { e.table->columns[1] = "2"; }, unapproved},
        {"a row more approved", approveARowMore, unapproved},
        {"table that breaks a rule", [](E e) { e.table->sheetName = std::string(65, 'x'); },
         "invalidSelection: table, title, or source bounds"},
+       {"approved title", [](E e) { e.table->columns[1] = "2"; },
+        "validationFailed: table cells differ from frozen source values"},
        {"a letter more", [](E e) { replace(e.part("ppt/slides/slide2.xml"), ">12,3<", ">12<"); },
         "validationFailed: table cells differ from frozen source values"}},
   });
@@ -163,6 +168,12 @@ TEST(ChartValidation, NeedsTheWorkbook) {
   const GeneratedPackage package(edited.package.bytes().view(), {}, {});
   EXPECT_EQ(outcomeOf([&] { validateChartPackage(package, nullptr, *edited.chart, {}); }),
             "validationFailed: chart workbook");
+}
+
+TEST(ChartValidation, TakesTheFirstOfSeveralValuesOfAPoint) {
+  EditedDocument edited = testing::chartDeck();
+  replace(chart(edited), "<c:v>0.25</c:v>", "<c:v>0.25</c:v><c:v>7</c:v>");
+  EXPECT_TRUE(edited.validate().sourceValuesVerified);
 }
 
 TEST(ChartValidation, ComparesWithAnyExpectedTableWithoutTrippingOverIt) {

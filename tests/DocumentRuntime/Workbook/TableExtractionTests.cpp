@@ -218,7 +218,8 @@ TEST(TableExtraction, BoundsWhatSharedTextsGrowTo) {
   extraction.selection = {.sheetName = "Data", .range = "A1:A19"};
   EXPECT_EQ(extract(extraction).rows.size(), 19U);
   extraction.selection.range = "A1:A21";
-  EXPECT_EQ(outcome(extraction), "resourceLimit: selected cell text");
+  EXPECT_EQ(outcome(extraction), "resourceLimit: response size");
+  EXPECT_THROW(extract(extraction), ResponseTooLarge);
 }
 
 TEST(TableExtraction, StopsWhenCancelled) {

@@ -5,12 +5,15 @@
 
 #include "DocumentRuntime/Workbook/WorkbookReader.hpp"
 #include "DocumentRuntime/Workbook/WorksheetWalk.hpp"
+#include "Support/Cost.hpp"
 #include "Support/PackageBuilder.hpp"
 #include "Support/RefusalTable.hpp"
+#include "Support/TableDump.hpp"
 
 namespace zelvo {
 namespace {
 
+using testing::outcomeOf;
 using testing::PackageBuilder;
 using testing::repeated;
 using testing::replace;
@@ -210,6 +213,56 @@ TEST(WorkbookReader, SheetsMayShareAPartAndStrayPartsAreNotRead) {
   book.part(sheet2) = "<worksheet><sheetData><row/></sheetData></worksheet>";
   const auto inspection = inspect(book);
   EXPECT_EQ(inspection.sheets[0].populatedRange, inspection.sheets[1].populatedRange);
+}
+
+TEST(WorkbookReader, ParsesAgainWhatItCouldNotKeep) {
+  WorkbookText workbook = testing::richWorkbook();
+  workbook.sheets[1].attributes.clear();
+  const auto tables = [&](std::size_t keptTreeBytes) {
+    const WorkbookReader reader(testing::workbookPackage(workbook).bytes(), "b.xlsx", {}, keptTreeBytes);
+    return testing::dump(reader.table({"Sales", "A1:E4", true, true, true})) +
+           testing::dump(reader.table({"Hidden", "A9:C9", false, false, false})) +
+           testing::dump(reader.table({"Empty & last", "A1:B2", false, false, false}));
+  };
+  const std::string kept = tables(OOXML::KeptTrees::defaultBudgetBytes);
+  EXPECT_NE(kept.find("C9 number 1"), std::string::npos);
+  // Nothing is kept, or the smaller sheets alone.
+  for (const std::size_t bytes : {0U, 1'000U})
+    EXPECT_EQ(tables(bytes), kept) << bytes;
+}
+
+TEST(WorkbookReader, ResolvesATargetOnceForAllSheetsThatShareIt) {
+  const auto secondsFor = [](std::size_t count) {
+    Book book = bookOf({.sheets = {{"S", ""}}});
+    replace(book.part("xl/_rels/workbook.xml.rels"), "worksheets/",
+            repeated("./", 1'000'000) + "worksheets/");
+    const std::string sheet = R"(<sheet name="S" sheetId="1" r:id="rId1"/>)";
+    std::string all;
+    for (std::size_t i = 0; i < count; ++i)
+      all += testing::replaced(sheet, "S", "S" + std::to_string(i));
+    replace(book.part(workbookPart), sheet, all);
+    const ByteBuffer bytes = book.package.bytes();
+    return testing::costOf([&] {
+             EXPECT_EQ(outcomeOf([&] { WorkbookReader(ByteBuffer::copyOf(bytes.view()), "b.xlsx"); }),
+                       count > maximumSheets ? "resourceLimit: worksheet count" : "");
+           })
+        .cpuSeconds;
+  };
+  EXPECT_LT(secondsFor(200), 10 * secondsFor(1));
+}
+
+TEST(WorkbookReader, HoldsNoMoreOfManySheetsThanItsPartDoes) {
+  Book book = bookOf({.sheets = {{"S", ""}}});
+  std::string all;
+  for (std::size_t i = 0; i < 100'000; ++i)
+    all.append(R"(<sheet name=")").append(std::to_string(i)).append(R"(" r:id="rId1"/>)");
+  replace(book.part(workbookPart), "<sheets>", "<sheets>" + all);
+  ByteBuffer bytes = book.package.bytes();
+  const auto cost = testing::costOf([&] {
+    EXPECT_EQ(outcomeOf([&] { WorkbookReader(std::move(bytes), "b.xlsx"); }),
+              "resourceLimit: worksheet count");
+  });
+  EXPECT_LT(cost.peakBytes, 7 * all.size());
 }
 
 }  // namespace
