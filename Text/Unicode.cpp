@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <limits>
 #include <memory>
+#include <mutex>
 #include <new>
 #include <utility>
 #include <vector>
@@ -13,6 +14,7 @@
 #include <unicode/bytestream.h>
 #include <unicode/casemap.h>
 #include <unicode/normalizer2.h>
+#include <unicode/rbbi.h>
 #include <unicode/udata.h>
 #include <unicode/unistr.h>
 #include <unicode/utext.h>
@@ -40,41 +42,68 @@ icu::StringPiece piece(std::string_view text) {
   return {text.data(), librarySize(text)};
 }
 
-/// Finds the boundaries of characters. Opening the rules costs far more than a text does, so each thread
-/// keeps one.
-class CharacterBreaks {
- public:
-  static CharacterBreaks& ofThisThread() {
-    thread_local CharacterBreaks breaks;
-    return breaks;
-  }
+/// The rules of character boundaries, opened, and what leads them through a text.
+struct CharacterRules {
+  icu::LocalUTextPointer text;
+  std::unique_ptr<icu::BreakIterator> iterator;
 
-  /// The iterator at the start of `text`, which must outlive its use. Its positions are bytes.
-  icu::BreakIterator& over(std::string_view text) {
-    UErrorCode status = U_ZERO_ERROR;
-    utext_openUTF8(text_.getAlias(), text.data(), librarySize(text), &status);
-    iterator_->setText(text_.getAlias(), status);
-    check(status);
-    return *iterator_;
-  }
-
- private:
-  CharacterBreaks() {
-    // The rules are linked in. Without this the library looks for files that could replace them.
+  /// The library reports memory that runs out in several ways, or not at all. The data is linked in, so that
+  /// each of them means that.
+  void open() {
+    // Without this the library looks for files that could replace the rules.
     static const UErrorCode filesRefused = [] {
       UErrorCode status = U_ZERO_ERROR;
       udata_setFileAccess(UDATA_NO_FILES, &status);
       return status;
     }();
     check(filesRefused);
+    // Not by a locale: without memory the library uses the one that it failed to make, or waits for itself.
     UErrorCode status = U_ZERO_ERROR;
-    text_.adoptInstead(utext_openUTF8(nullptr, "", 0, &status));
-    iterator_.reset(icu::BreakIterator::createCharacterInstance(icu::Locale::getRoot(), status));
+    icu::LocalUDataMemoryPointer data(
+        udata_open(U_ICUDATA_NAME U_TREE_SEPARATOR_STRING "brkitr", "brk", "char", &status));
+    if (U_FAILURE(status)) throw std::bad_alloc();
+    // The library's classes have an operator new that returns null.
+    auto* const opened = new icu::RuleBasedBreakIterator(data.getAlias(), status);
+    if (opened == nullptr) throw std::bad_alloc();
+    data.orphan();
+    std::unique_ptr<icu::BreakIterator> owner(opened);
+    text.adoptInstead(utext_openUTF8(nullptr, "", 0, &status));
+    check(status);
+    iterator = std::move(owner);
+  }
+};
+
+/// Finds the boundaries of a text's characters. Opening the rules costs far more than a text does, so that
+/// they are kept; a thread that finds them in use opens its own. (With memory of its own a thread would
+/// register a destructor, and when memory runs out in that, the C library ends the program.)
+class CharacterBreaks {
+ public:
+  /// `text` must outlive this.
+  explicit CharacterBreaks(std::string_view text)
+      : lock_(mutex(), std::try_to_lock), rules_(lock_ ? keptRules() : ownRules_) {
+    if (!rules_.iterator) rules_.open();
+    UErrorCode status = U_ZERO_ERROR;
+    utext_openUTF8(rules_.text.getAlias(), text.data(), librarySize(text), &status);
+    rules_.iterator->setText(rules_.text.getAlias(), status);
     check(status);
   }
 
-  icu::LocalUTextPointer text_;
-  std::unique_ptr<icu::BreakIterator> iterator_;
+  /// The end of the next character in bytes, or `icu::BreakIterator::DONE`.
+  std::int32_t next() { return rules_.iterator->next(); }
+
+ private:
+  static std::mutex& mutex() {
+    static std::mutex mutex;
+    return mutex;
+  }
+  static CharacterRules& keptRules() {
+    static CharacterRules rules;
+    return rules;
+  }
+
+  std::unique_lock<std::mutex> lock_;
+  CharacterRules ownRules_;
+  CharacterRules& rules_;
 };
 
 /// The byte behind the first `count` characters; the end of the text when it has no more than those.
@@ -92,7 +121,7 @@ std::size_t offsetBehind(std::string_view text, std::size_t count) {
       at += head.substr(at, 2) == "\r\n" ? 2 : 1;
     return at;
   }
-  icu::BreakIterator& breaks = CharacterBreaks::ofThisThread().over(text);
+  CharacterBreaks breaks(text);
   std::int32_t at = 0;
   for (std::size_t i = 0; i < count; ++i) {
     at = breaks.next();
@@ -172,7 +201,7 @@ std::size_t characterCount(std::string_view text) {
       --count;
     return count;
   }
-  icu::BreakIterator& breaks = CharacterBreaks::ofThisThread().over(text);
+  CharacterBreaks breaks(text);
   std::size_t count = 0;
   while (breaks.next() != icu::BreakIterator::DONE)
     ++count;
@@ -205,6 +234,7 @@ std::string composed(std::string_view text) {
   if (isASCII(text)) return std::string(text);
   UErrorCode status = U_ZERO_ERROR;
   const icu::Normalizer2* const composition = icu::Normalizer2::getNFCInstance(status);
+  check(status);
   const std::string ordered = decomposed(text);
   return collected(ordered, [composition, source = piece(ordered)](icu::ByteSink& sink, UErrorCode& failure) {
     composition->normalizeUTF8(0, source, sink, nullptr, failure);
