@@ -17,7 +17,15 @@ using Operation = DocumentWorkerRequest::Operation;
 
 constexpr std::size_t maximumMessageBytes = DocumentWorkerWire::maximumMessageBytes;
 
-/// None when the document alone makes the request larger than a message may be.
+// What an operation can give at most. A worker that has been taken over may answer anything: its lists are
+// counted before any memory is spent on their elements.
+constexpr std::size_t maximumSheets = 64;
+constexpr std::size_t maximumColumns = 8;
+constexpr std::size_t maximumRows = 201;  ///< without a header row
+/// Validation gives the most: the 16 that the rules allow the expected table, and its own.
+constexpr std::size_t maximumWarnings = 17;
+
+/// None when the request is larger than a message may be.
 std::optional<std::string> encoded(const DocumentWorkerRequest& request) {
   const std::size_t documentBytes = request.data.size();
   if (documentBytes >= DocumentWorkerHost::unsendableBytes) return std::nullopt;
@@ -37,9 +45,38 @@ bool answers(const DocumentWorkerResponse& response, Operation operation) {
          response.validation.has_value() == isDue({Operation::validate});
 }
 
+void requireAtMost(std::size_t limit, JsonValue list) {
+  std::size_t count = 0;
+  for (const JsonValue element : list.array()) {
+    if (++count > limit) element.fail("No operation gives so long a list.");
+  }
+}
+
+void requireWithinBounds(JsonObject response) {
+  if (const auto inspection = response.optional("inspection")) {
+    requireAtMost(maximumSheets, inspection->object().required("sheets"));
+    requireAtMost(maximumWarnings, inspection->object().required("warnings"));
+  }
+  if (const auto table = response.optional("table")) {
+    requireAtMost(maximumColumns, table->object().required("columns"));
+    requireAtMost(maximumRows, table->object().required("rows"));
+    requireAtMost(maximumWarnings, table->object().required("warnings"));
+    for (const JsonValue row : table->object().required("rows").array())
+      requireAtMost(maximumColumns, row);
+  }
+  if (const auto document = response.optional("document")) {
+    requireAtMost(maximumWarnings, document->object().required("validation").object().required("warnings"));
+  }
+  if (const auto validation = response.optional("validation"))
+    requireAtMost(maximumWarnings, validation->object().required("warnings"));
+}
+
 WorkerReply decoded(std::string output, Operation operation) {
   try {
-    auto response = fromJson<DocumentWorkerResponse>(std::move(output));
+    const JsonDocument document(std::move(output));
+    requireWithinBounds(document.root().object());
+    DocumentWorkerResponse response;
+    decode(document.root(), response);
     if (answers(response, operation)) return response;
     return WorkerFailure{Kind::unreadableResponse, 0, "It does not answer the request."};
   } catch (const DecodingError& error) {

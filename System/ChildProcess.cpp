@@ -134,28 +134,34 @@ class Child {
   rusage usage_ = {};
 };
 
-/// Writes what the pipe takes; closes it after the last byte, and when the child no longer reads.
-void writeSome(Descriptor& stream, std::string_view& input) {
-  const ssize_t count = ::write(stream.number(), input.data(), input.size());
-  if (count >= 0) input.remove_prefix(static_cast<std::size_t>(count));
-  const bool isBroken = count < 0 && errno != EAGAIN && errno != EINTR;
-  if (isBroken || input.empty()) stream.close();
+/// Whether a call that failed may be tried again.
+bool isTemporary(int error) {
+  return error == EAGAIN || error == EINTR;
 }
 
-/// Reads what is there and keeps up to `bound` bytes in all; closes the stream at its end. False when more
-/// came.
-bool readSome(Descriptor& stream, std::string& kept, std::size_t bound) {
+/// Writes what the pipe takes; closes it after the last byte, and when the child no longer reads. False after
+/// any other failure, whose error number is in errno.
+bool writeSome(Descriptor& stream, std::string_view& input) {
+  const ssize_t count = ::write(stream.number(), input.data(), input.size());
+  if (count >= 0) input.remove_prefix(static_cast<std::size_t>(count));
+  if (count < 0 && errno != EPIPE) return isTemporary(errno);
+  if (count < 0 || input.empty()) stream.close();
+  return true;
+}
+
+enum class Reading { goesOn, tooLarge, failed };
+
+/// Reads what is there and keeps up to `bound` bytes in all; closes the stream at its end. `tooLarge` when
+/// more came. After `failed` the error number is in errno: what was read must not pass for the whole.
+Reading readSome(Descriptor& stream, std::string& kept, std::size_t bound) {
   std::array<char, readBytes> buffer;
   const ssize_t count = ::read(stream.number(), buffer.data(), buffer.size());
-  if (count < 0) {
-    if (errno != EAGAIN && errno != EINTR) stream.close();
-    return true;
-  }
+  if (count < 0) return isTemporary(errno) ? Reading::goesOn : Reading::failed;
   if (count == 0) stream.close();
   const auto came = static_cast<std::size_t>(count);
   const std::size_t taken = std::min(came, bound - kept.size());
   kept.append(buffer.data(), taken);
-  return taken == came;
+  return taken == came ? Reading::goesOn : Reading::tooLarge;
 }
 
 int millisecondsUntil(Clock::time_point deadline) {
@@ -167,22 +173,30 @@ int millisecondsUntil(Clock::time_point deadline) {
 /// Writes and reads until the child has closed both outputs. Says why the child has to be ended, if it has.
 std::optional<ChildOutcome> exchange(ChildStreams& streams, std::string_view input, const ChildBounds& bounds,
                                      Clock::time_point deadline, ChildResult& result) {
+  const auto failed = [&result] {
+    result.code = errno;
+    return ChildOutcome::failed;
+  };
   if (input.empty()) streams.input.close();
   while (streams.output || streams.errors) {
-    // A closed stream has the number -1, which poll passes over.
+    // A closed stream has the number -1, which poll skips.
     std::array<pollfd, 3> waits = {{{streams.input.number(), POLLOUT, 0},
                                     {streams.output.number(), POLLIN, 0},
                                     {streams.errors.number(), POLLIN, 0}}};
     if (poll(waits.data(), waits.size(), millisecondsUntil(deadline)) < 0) {
-      if (errno == EINTR) continue;
-      result.code = errno;
-      return ChildOutcome::failed;
+      if (isTemporary(errno)) continue;
+      return failed();
     }
-    if (waits[0].revents != 0) writeSome(streams.input, input);
-    if (waits[1].revents != 0 && !readSome(streams.output, result.output, bounds.outputBytes)) {
-      return ChildOutcome::outputTooLarge;
+    if (waits[0].revents != 0 && !writeSome(streams.input, input)) return failed();
+    if (waits[1].revents != 0) {
+      const Reading reading = readSome(streams.output, result.output, bounds.outputBytes);
+      if (reading == Reading::failed) return failed();
+      if (reading == Reading::tooLarge) return ChildOutcome::outputTooLarge;
     }
-    if (waits[2].revents != 0) readSome(streams.errors, result.errorOutput, keptErrorBytes);
+    if (waits[2].revents != 0 &&
+        readSome(streams.errors, result.errorOutput, keptErrorBytes) == Reading::failed) {
+      return failed();
+    }
     if (Clock::now() >= deadline) return ChildOutcome::timedOut;
   }
   streams.input.close();

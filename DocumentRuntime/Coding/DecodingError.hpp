@@ -1,19 +1,22 @@
 #pragma once
 
+#include <cstddef>
 #include <exception>
 #include <string>
-#include <utility>
 
 namespace zelvo {
 
 /// A JSON text that is malformed, or that does not have the shape of the record it should hold.
+///
+/// The texts are for people: keys of the JSON, which may be as long as the JSON itself, are cut.
 class DecodingError : public std::exception {
  public:
-  /// `path` leads from the root to the value at fault ("rows[3][0].value"); empty for the root itself.
-  explicit DecodingError(std::string message, std::string path = {})
-      : message_(std::move(message)),
-        path_(std::move(path)),
-        description_(path_.empty() ? message_ : path_ + ": " + message_) {}
+  static constexpr std::size_t maximumPathBytes = 300;
+  static constexpr std::size_t maximumMessageBytes = 200;
+
+  /// `path` leads from the root to the value at fault ("rows[3][0].value"); empty for the root itself. Both
+  /// are UTF-8.
+  explicit DecodingError(std::string message, std::string path = {});
 
   const std::string& message() const { return message_; }
   const std::string& path() const { return path_; }

@@ -27,6 +27,7 @@
 ///     void eachField(Record& point, const auto& field) {
 ///       field("x", point.x);
 ///       field("label", point.label);  // a std::optional: left out when absent, absent when missing or null
+///       field("tags", bounded(point.tags, 10));  // a list, cut when it is decoded
 ///     }
 ///     void encode(JsonWriter& writer, const Point& point) { encodeFields(writer, point); }
 ///     void decode(JsonValue value, Point& point) { decodeFields(value, point); }
@@ -86,6 +87,41 @@ void encode(JsonWriter& writer, const std::vector<T>& list) {
   writer.endArray();
 }
 
+/// A field that is a list, of which decoding keeps the first `limit` elements, and of a list of lists the
+/// first `innerLimit` of each. The others are decoded too, and dropped: an element of a few bytes of JSON is
+/// many times larger in memory, and a list of more elements than the record's rules accept need not be whole
+/// to be refused by them. Refers to the list.
+template <typename List>
+struct BoundedList {
+  List& list;
+  std::size_t limit;
+  std::size_t innerLimit;
+};
+
+template <typename List>
+BoundedList<List> bounded(List& list, std::size_t limit, std::size_t innerLimit = 0) {
+  return {list, limit, innerLimit};
+}
+
+template <typename T>
+void decodeElement(JsonValue value, T& element, std::size_t) {
+  decode(value, element);
+}
+template <typename T>
+void decodeElement(JsonValue value, std::vector<T>& list, std::size_t limit) {
+  decode(value, bounded(list, limit));
+}
+
+template <typename T>
+void decode(JsonValue value, BoundedList<std::vector<T>> field) {
+  field.list.clear();
+  T dropped;
+  for (const JsonValue element : value.array()) {
+    T& target = field.list.size() < field.limit ? field.list.emplace_back() : dropped;
+    decodeElement(element, target, field.innerLimit);
+  }
+}
+
 /// Fills fields from the members of an object.
 class FieldDecoder {
  public:
@@ -99,6 +135,10 @@ class FieldDecoder {
   void operator()(std::string_view key, std::optional<T>& field) const {
     field.reset();
     if (const auto value = object_.optional(key)) decode(*value, field.emplace());
+  }
+  template <typename List>
+  void operator()(std::string_view key, const BoundedList<List>& field) const {
+    decode(object_.required(key), field);
   }
 
  private:
@@ -118,6 +158,10 @@ class FieldEncoder {
   template <typename T>
   void operator()(std::string_view key, const std::optional<T>& field) const {
     if (field) (*this)(key, *field);
+  }
+  template <typename List>
+  void operator()(std::string_view key, const BoundedList<List>& field) const {
+    (*this)(key, field.list);
   }
 
  private:

@@ -9,11 +9,17 @@ namespace zelvo {
 
 namespace json = boost::json;
 
-/// Takes the parser's events down as tokens, and packs the decoded texts towards the front of the source.
+/// Ends each text. It is not part of any: strings are valid UTF-8, numbers are ASCII.
+constexpr char terminator = '\xFF';
+
+/// Handler of the parser's events: builds the token list, and packs the decoded texts towards the front of
+/// the source, each with a terminator.
 ///
-/// `packed_` is the end of what has been packed. It never passes the place that the parser has read to,
-/// because what is packed came from at least as many bytes of the source: an escape is longer than what it
-/// stands for. The parser never looks back at what it has reported.
+/// `packed_` is the end of the texts that have been packed, without the last one's terminator. It never
+/// passes the position that the parser has read to, because a text comes from at least as many bytes of the
+/// source: an escape is longer than the character. The terminator is written when the next text begins: by
+/// then the parser has left the quotation mark, comma or bracket whose place it takes. The parser never looks
+/// back at what it has reported.
 class JsonDocument::Builder {
  public:
   explicit Builder(JsonDocument& document) : text_(document.text_), tokens_(document.tokens_) {}
@@ -32,8 +38,8 @@ class JsonDocument::Builder {
   bool on_comment_part(Text, Failure&) { return true; }
   bool on_comment(Text, Failure&) { return true; }
 
-  bool on_null(Failure&) { return add(JsonKind::null, 0, 0); }
-  bool on_bool(bool value, Failure&) { return add(JsonKind::boolean, value ? 1 : 0, 0); }
+  bool on_null(Failure&) { return add(JsonKind::null, 0); }
+  bool on_bool(bool value, Failure&) { return add(JsonKind::boolean, value ? 1 : 0); }
 
   // The parser's conversion of numbers is inexact: only their texts are taken.
   bool on_number_part(Text part, Failure&) { return pack(part); }
@@ -47,26 +53,28 @@ class JsonDocument::Builder {
   bool on_string(Text part, std::size_t, Failure&) { return addText(JsonKind::string, part); }
 
   bool on_array_begin(Failure&) { return open(JsonKind::array); }
-  bool on_array_end(std::size_t count, Failure&) { return close(count); }
+  bool on_array_end(std::size_t, Failure&) { return close(JsonKind::array); }
   bool on_object_begin(Failure&) { return open(JsonKind::object); }
-  bool on_object_end(std::size_t count, Failure&) { return close(count); }
+  bool on_object_end(std::size_t, Failure&) { return close(JsonKind::object); }
   // NOLINTEND(readability-identifier-naming)
 
+  /// Ends the last text. Called once, when the parser has read everything. A number at the end of the source
+  /// has no terminator.
+  void terminate() {
+    if (packed_ < text_.size()) text_[packed_] = terminator;
+  }
+
  private:
-  bool add(JsonKind kind, std::size_t start, std::size_t extent) {
-    Token& token = tokens_.emplace_back();
-    token.start = static_cast<std::uint32_t>(start);
-    token.kind = kind;
-    token.extent = extent & maximumTextBytes;
+  bool add(JsonKind kind, std::size_t value) {
+    tokens_.emplace_back(kind, value);
     return true;
   }
 
-  /// Appends a piece of the string or number that is being read. The first piece of most stands in the
-  /// source, and stays where it is: a long string is not moved.
+  /// Appends a piece of the string or number that is being read. The first piece of most is in the source,
+  /// and stays where it is: a long string is not moved.
   bool pack(Text piece) {
     if (!inText_) {
-      if (standsInSource(piece)) packed_ = static_cast<std::size_t>(piece.data() - text_.data());
-      start_ = packed_;
+      beginText(piece);
       inText_ = true;
     }
     char* const target = text_.data() + packed_;
@@ -75,26 +83,34 @@ class JsonDocument::Builder {
     return true;
   }
 
+  void beginText(Text firstPiece) {
+    if (!isFirst_) {
+      terminate();
+      ++packed_;
+    }
+    isFirst_ = false;
+    if (isInSource(firstPiece)) packed_ = static_cast<std::size_t>(firstPiece.data() - text_.data());
+    start_ = packed_;
+  }
+
   bool addText(JsonKind kind, Text lastPiece) {
     pack(lastPiece);
     inText_ = false;
-    return add(kind, start_, packed_ - start_);
+    return add(kind, start_);
   }
 
-  bool standsInSource(Text piece) const {
+  bool isInSource(Text piece) const {
     const std::less<> before;
     return !before(piece.data(), text_.data()) && before(piece.data(), text_.data() + text_.size());
   }
 
   bool open(JsonKind kind) {
     unclosed_.push_back(tokens_.size());
-    return add(kind, 0, 0);
+    return add(kind, 0);
   }
 
-  bool close(std::size_t count) {
-    Token& token = tokens_[unclosed_.back()];
-    token.start = static_cast<std::uint32_t>(count);
-    token.extent = (tokens_.size() - unclosed_.back() - 1) & maximumTextBytes;
+  bool close(JsonKind kind) {
+    tokens_[unclosed_.back()] = Token(kind, tokens_.size() - unclosed_.back() - 1);
     unclosed_.pop_back();
     return true;
   }
@@ -104,6 +120,7 @@ class JsonDocument::Builder {
   std::vector<std::size_t> unclosed_;
   std::size_t packed_ = 0;
   std::size_t start_ = 0;
+  bool isFirst_ = true;
   bool inText_ = false;
 };
 
@@ -123,19 +140,25 @@ JsonDocument::JsonDocument(std::string text) : text_(std::move(text)) {
     throw DecodingError("The JSON is malformed at byte " + std::to_string(consumed) + ": " +
                         failure.message() + ".");
   }
+  parser.handler().terminate();
+}
+
+std::string_view JsonDocument::text(const Token& token) const {
+  const std::string_view rest = std::string_view(text_).substr(token.value());
+  return rest.substr(0, rest.find(terminator));
 }
 
 std::uint32_t JsonDocument::next(std::uint32_t index) const {
   const Token& token = tokens_[index];
-  const bool holdsTokens = token.kind == JsonKind::array || token.kind == JsonKind::object;
-  return index + 1 + (holdsTokens ? token.extent : 0);
+  const bool holdsTokens = token.kind() == JsonKind::array || token.kind() == JsonKind::object;
+  return index + 1 + (holdsTokens ? token.value() : 0);
 }
 
 std::string JsonDocument::path(std::uint32_t index) const {
   std::string path;
   std::uint32_t current = 0;
-  while (current != index) {
-    const bool isObject = tokens_[current].kind == JsonKind::object;
+  while (current != index && path.size() <= DecodingError::maximumPathBytes) {
+    const bool isObject = tokens_[current].kind() == JsonKind::object;
     std::uint32_t child = current + 1;
     for (std::size_t position = 0;; ++position) {
       const std::uint32_t value = isObject ? child + 1 : child;
@@ -144,7 +167,7 @@ std::string JsonDocument::path(std::uint32_t index) const {
           path += '[' + std::to_string(position) + ']';
         } else {
           if (!path.empty()) path += '.';
-          path += text(tokens_[child]);
+          path += text(tokens_[child]).substr(0, DecodingError::maximumPathBytes + 1);
         }
         current = value;
         break;

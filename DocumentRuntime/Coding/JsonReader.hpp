@@ -16,8 +16,8 @@ namespace zelvo {
 /// Strict JSON in UTF-8: no byte order mark, no comment, no lone surrogate, arrays and objects at most 512
 /// deep.
 ///
-/// Memory is the text and eight bytes a value. The text is the document's own storage: a string is decoded
-/// where it stands, because it never gets longer, so a long one is held once.
+/// Memory is the text and four bytes a value or key, at most three times the text. The text is the document's
+/// own storage: a string is decoded in place, because it never gets longer, so a long one is held once.
 class JsonDocument {
  public:
   static constexpr std::size_t maximumDepth = 512;
@@ -42,18 +42,31 @@ class JsonDocument {
   friend class JsonObject;
   class Builder;
 
-  /// One value, or one key of an object: its value is the next token.
-  struct Token {
-    std::uint32_t start =
-        0;  ///< string, number: offset in the text. boolean: 0 or 1. array, object: count of members
-    JsonKind kind : 3 = JsonKind::null;
-    std::uint32_t extent : 29 =
-        0;  ///< string, number: bytes of text. array, object: tokens inside, at any depth
-  };
+  /// One value, or one key of an object: its value is the next token. As small as the shortest value with
+  /// what separates it from the next ("0,") allows, because a hostile text consists of those.
+  class Token {
+   public:
+    Token(JsonKind kind, std::size_t value)
+        : bits_(static_cast<std::uint32_t>(value << kindBits) | static_cast<std::uint32_t>(kind)) {}
 
-  std::string_view text(const Token& token) const { return {text_.data() + token.start, token.extent}; }
+    JsonKind kind() const { return static_cast<JsonKind>(bits_ & ((1U << kindBits) - 1)); }
+    /// string, number: offset in the text. boolean: 0 or 1. array, object: tokens inside, at any depth
+    std::uint32_t value() const { return bits_ >> kindBits; }
+
+   private:
+    static constexpr unsigned kindBits = 3;
+    static_assert(static_cast<unsigned>(JsonKind::object) < (1U << kindBits));
+    // No offset and no count of tokens is larger than the text.
+    static_assert(maximumTextBytes <= UINT32_MAX >> kindBits);
+
+    std::uint32_t bits_;
+  };
+  static_assert(sizeof(Token) == 4);
+
+  std::string_view text(const Token& token) const;
   /// The index of the token behind the value at `index` and all that it holds.
   std::uint32_t next(std::uint32_t index) const;
+  /// Cut where it is longer than an error shows.
   std::string path(std::uint32_t index) const;
 
   std::string text_;

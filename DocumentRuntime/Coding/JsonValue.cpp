@@ -18,7 +18,7 @@ std::string nameOf(JsonKind kind) {
 }  // namespace
 
 JsonKind JsonValue::kind() const {
-  return document_->tokens_[index_].kind;
+  return document_->tokens_[index_].kind();
 }
 
 void JsonValue::fail(const std::string& message) const {
@@ -31,7 +31,7 @@ void JsonValue::require(JsonKind expected) const {
 
 bool JsonValue::boolean() const {
   require(JsonKind::boolean);
-  return document_->tokens_[index_].start != 0;
+  return document_->tokens_[index_].value() != 0;
 }
 
 std::int64_t JsonValue::integer() const {
@@ -70,7 +70,10 @@ JsonObject JsonValue::object() const {
 }
 
 std::size_t JsonArray::size() const {
-  return array_.document_->tokens_[array_.index_].start;
+  std::size_t count = 0;
+  for (Iterator element = begin(); element != end(); ++element)
+    ++count;
+  return count;
 }
 
 JsonArray::Iterator JsonArray::begin() const {

@@ -64,6 +64,7 @@ class JsonArray {
     JsonValue value_;
   };
 
+  /// Counts the elements.
   std::size_t size() const;
   Iterator begin() const;
   Iterator end() const;

@@ -11,6 +11,14 @@ constexpr std::array<std::string_view, 6> kindNames = {"text", "number",  "boole
                                                        "date", "missing", "error"};
 constexpr std::string_view payloadKey = "_0";
 
+// What is kept of a table's lists when it is decoded: of a request it may be as hostile as any document. Each
+// limit is above the one of the rules that the table meets, so that it is refused in the same words as a
+// whole one: 200 rows (201 as an extraction gives them) and 16 warnings are accepted. 8 columns are, but a
+// chart, whose rules come first, may name any.
+constexpr std::size_t keptRows = 201;
+constexpr std::size_t keptWarnings = 17;
+constexpr std::size_t keptColumns = 1'024;
+
 }  // namespace
 
 template <ConstOrNot<WorksheetInspection> Record>
@@ -60,9 +68,9 @@ void eachField(Record& table, const auto& field) {
   field("sourceSHA256", table.sourceSHA256);
   field("sheetName", table.sheetName);
   field("selectedRange", table.selectedRange);
-  field("columns", table.columns);
-  field("rows", table.rows);
-  field("warnings", table.warnings);
+  field("columns", bounded(table.columns, keptColumns));
+  field("rows", bounded(table.rows, keptRows, keptColumns));
+  field("warnings", bounded(table.warnings, keptWarnings));
   field("headerUsesCachedFormulaValues", table.headerUsesCachedFormulaValues);
 }
 

@@ -8,7 +8,8 @@
 #include "DocumentRuntime/Records/SourceCell.hpp"
 
 /// The JSON forms of the engine's records: objects of their fields, in the order of declaration. Use them
-/// through `toJson` and `fromJson`. Unknown keys are ignored.
+/// through `toJson` and `fromJson`. Unknown keys are ignored. A table of more than 201 rows, 1,024 columns or
+/// 17 warnings, which no operation accepts, loses what is beyond when it is decoded.
 namespace zelvo {
 
 /// "docx" or "pptx".

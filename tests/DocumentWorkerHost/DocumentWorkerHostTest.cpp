@@ -1,7 +1,10 @@
+#include <atomic>
 #include <cerrno>
 #include <chrono>
 #include <csignal>
 #include <string>
+#include <thread>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -142,6 +145,87 @@ TEST(DocumentWorkerHost, AcceptsOnlyWhatTheOperationPromises) {
     const WorkerReply reply = replyOf("say {" + row.members + "}", requestOf("x", row.operation));
     EXPECT_EQ(std::holds_alternative<DocumentWorkerResponse>(reply), row.isAccepted) << row.members;
   }
+}
+
+TEST(DocumentWorkerHost, RefusesListsThatNoOperationGives) {
+  const auto listOf = [](std::size_t count, const std::string& element) {
+    return "[" + testing::repeated(element + ",", count - 1) + element + "]";
+  };
+  const std::string w = R"("w")";
+  const std::string sheet =
+      R"({"name":"S","hidden":false,"populatedCellCount":0,"formulaCellCount":0,"formulasMissingCache":0,)"
+      R"("hasHiddenRowsOrColumns":false,"hasAutoFilter":false})";
+  const std::string cell =
+      R"({"address":"A1","value":{"missing":{}},"usesCachedFormulaValue":false,"hidden":false})";
+  const auto inspection = [&](std::size_t sheets, std::size_t warnings) {
+    return R"("inspection":{"sourceName":"","sourceSHA256":"","dateSystem":"","calculationMode":"","sheets":)" +
+           listOf(sheets, sheet) + R"(,"warnings":)" + listOf(warnings, w) + "}";
+  };
+  const auto table = [&](std::size_t columns, std::size_t rows, std::size_t cells, std::size_t warnings) {
+    return R"("table":{"sourceName":"","sourceSHA256":"","sheetName":"","selectedRange":"","columns":)" +
+           listOf(columns, w) + R"(,"rows":)" + listOf(rows, listOf(cells, cell)) + R"(,"warnings":)" +
+           listOf(warnings, w) + R"(,"headerUsesCachedFormulaValues":false})";
+  };
+  const auto validation = [&](std::size_t warnings) {
+    return R"("validation":{"structurallyValid":true,"sourceValuesVerified":true,"visuallyVerified":false,)"
+           R"("validatorVersion":"","outputSHA256":"","warnings":)" +
+           listOf(warnings, w) + "}";
+  };
+  const auto created = [&](std::size_t warnings) {
+    return table(1, 1, 1, 1) + R"(,"document":{"data":"","format":"docx","sourceSHA256":"",)" +
+           validation(warnings) + "}";
+  };
+  using enum Operation;
+  const struct {
+    Operation operation;
+    std::string members;
+    std::string place;  ///< of the first element too many
+  } rows[] = {
+      {inspect, inspection(64, 17), ""},
+      {inspect, inspection(65, 1), "inspection.sheets[64]"},
+      {inspect, inspection(1, 18), "inspection.warnings[17]"},
+      {extract, table(8, 201, 8, 17), ""},
+      {extract, table(9, 1, 1, 1), "table.columns[8]"},
+      {extract, table(1, 202, 1, 1), "table.rows[201]"},
+      {extract, table(1, 1, 9, 1), "table.rows[0][8]"},
+      {extract, table(1, 1, 1, 18), "table.warnings[17]"},
+      {validate, validation(17), ""},
+      {validate, validation(18), "validation.warnings[17]"},
+      {create, created(17), ""},
+      {create, created(18), "document.validation.warnings[17]"},
+  };
+  for (const auto& row : rows) {
+    const WorkerReply reply = replyOf("say {" + row.members + "}", requestOf("x", row.operation));
+    EXPECT_EQ(std::holds_alternative<DocumentWorkerResponse>(reply), row.place.empty());
+    if (!row.place.empty()) {
+      EXPECT_EQ(failureIn(reply).detail, row.place + ": No operation gives so long a list.");
+    }
+  }
+}
+
+TEST(DocumentWorkerHost, MayBeUsedBySeveralThreadsAtOnce) {
+  const DocumentWorkerHost host(REAL_WORKER);
+  const testing::TemporaryFolder folder;
+  const DocumentWorkerHost broken(testing::placeFakeWorker(folder, "exit 65"));
+  const std::string workbook = testing::contentOf(EXAMPLE_WORKBOOK);
+  std::atomic<int> right = 0;
+  const auto work = [&](int thread) {
+    for (int i = 0; i < 4; ++i) {
+      DocumentWorkerRequest request = requestOf(workbook);
+      request.sourceName = std::to_string(thread) + "-" + std::to_string(i);
+      const WorkerReply reply = host.send(request);
+      const auto* response = std::get_if<DocumentWorkerResponse>(&reply);
+      right += response != nullptr && response->inspection &&
+               response->inspection->sourceName == request.sourceName;
+      right += failureIn(broken.send(request)).kind == Kind::gaveNoResponse;
+    }
+  };
+  std::vector<std::thread> threads;
+  for (int thread = 0; thread < 6; ++thread)
+    threads.emplace_back(work, thread);
+  for (std::thread& thread : threads)
+    thread.join();
+  EXPECT_EQ(right, 6 * 4 * 2);
 }
 
 TEST(DocumentWorkerHost, SpeaksToTheRealWorker) {

@@ -52,6 +52,11 @@ TEST(JsonReader, Values) {
       {R"(["é\n€","plain","x\u0000y", "z"])", "[4: |é\n€| |plain| |x" + std::string(1, '\0') + "y| |z|]"},
       {R"({"k\u0065y":"v\u0061l","after":"un\/touched"})", "{ key=|val| after=|un/touched|}"},
       {"\"\x7F\"", "|\x7F|"},
+      // A decoded text follows a number, in its place.
+      {R"([12,"\u00334",56,"\n",[7,{"\u0038":9,"":"\t"}]])",
+       "[5: 12.000000 |34| 56.000000 |\n| [2: 7.000000 { 8=9.000000 =|\t|}]]"},
+      {"12 ", "12.000000"},
+      {"12", "12.000000"},
   };
   for (const auto& [text, expected] : rows)
     EXPECT_EQ(dumpOf(text), expected) << text;
@@ -157,6 +162,24 @@ TEST(JsonReader, ErrorsNameThePlace) {
   };
   for (const auto& [act, expected] : rows)
     EXPECT_EQ(errorOf(act), expected);
+}
+
+TEST(JsonReader, ErrorsCutThePathToThePlace) {
+  const auto errorIn = [](const std::string& json) {
+    return errorOf([&] {
+      const JsonDocument document(json);
+      JsonValue value = document.root();
+      while (value.kind() == JsonKind::object)
+        value = (*value.object().begin()).value;
+      value.string();
+    });
+  };
+  const std::string message = ": Expected a string, found null.";
+  // Whole characters of 300 bytes, whether one key is too long or all of them together.
+  EXPECT_EQ(errorIn(R"({"a":{")" + testing::repeated("é", 500'000) + R"(":null}})"),
+            "a." + testing::repeated("é", 149) + "\u2026" + message);
+  EXPECT_EQ(errorIn(testing::repeated(R"({"a":)", 500) + "null" + std::string(500, '}')),
+            testing::repeated("a.", 150) + "\u2026" + message);
 }
 
 }  // namespace

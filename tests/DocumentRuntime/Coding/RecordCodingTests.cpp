@@ -73,6 +73,27 @@ TEST(RecordCoding, FieldsLandWhereTheyBelong) {
   EXPECT_EQ(read.rows[1][1].value, SourceCellValue::missing());
 }
 
+TEST(RecordCoding, ATableIsCutBehindWhatItsRulesRefuse) {
+  const auto listOf = [](const std::string& element, std::size_t count) {
+    return "[" + element + testing::repeated("," + element, count - 1) + "]";
+  };
+  const auto columns = testing::replaced(table, R"(["x","y"])", listOf(R"("x")", 1'100));
+  const auto cells = testing::replaced(columns, "[" + cellA1 + "," + cellB2 + "]", listOf(cellB2, 1'100));
+  const auto read = fromJson<SourceTable>(testing::replaced(cells, R"(["w"])", listOf(R"("w")", 20)));
+  EXPECT_EQ(read.columns.size(), 1'024U);
+  EXPECT_EQ(read.rows.at(1).size(), 1'024U);
+  EXPECT_EQ(read.warnings.size(), 17U);
+
+  const auto withRows = [](const std::string& rows) {
+    return testing::replaced(table, "[[],[" + cellA1 + "," + cellB2 + "]]", rows);
+  };
+  const std::string rows = listOf("[]", 300);
+  EXPECT_EQ(fromJson<SourceTable>(withRows(rows)).rows.size(), 201U);
+  // What is dropped must have the right shape, too.
+  EXPECT_EQ(errorOf<SourceTable>(withRows(testing::replaced(rows, "[]]", "[7]]"))),
+            "rows[299][0]: Expected an object, found a number.");
+}
+
 TEST(RecordCoding, LenientWhereItMayBe) {
   const std::string reordered =
       R"({"title":"T","unknown":[{"deep":null}],"valueColumn":1.0,"categoryColumn":7,)"

@@ -1,0 +1,180 @@
+#include "Support/HeapUse.hpp"
+
+#include <atomic>
+#include <cerrno>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <malloc.h>
+
+#if ZELVO_SANITIZE
+#include <sanitizer/allocator_interface.h>
+#endif
+
+namespace zelvo::testing {
+namespace {
+
+constexpr std::ptrdiff_t never = PTRDIFF_MAX;
+
+std::atomic<std::size_t> blocks = 0;
+std::atomic<std::size_t> bytes = 0;
+
+/// Zero: the next allocation fails. Negative: one has failed.
+std::atomic<std::ptrdiff_t> allocationsUntilFailure = never;
+std::atomic<bool> failsOnlyOnce = true;
+
+std::size_t bytesAtStart = 0;
+std::atomic<std::size_t> allowedBytes = SIZE_MAX;
+std::atomic<std::size_t> peakBytes = 0;
+
+void checkLimit(std::size_t used) {
+  if (used > peakBytes) peakBytes = used;
+  if (used <= allowedBytes) return;
+  const std::size_t allowed = allowedBytes.exchange(SIZE_MAX) - bytesAtStart;  // reporting allocates, too
+  std::fprintf(stderr, "more than %zu bytes are allocated\n", allowed);
+  std::abort();
+}
+
+void count(std::size_t size) {
+  ++blocks;
+  checkLimit(bytes += size);
+}
+
+void discount(std::size_t size) {
+  --blocks;
+  bytes -= size;
+}
+
+}  // namespace
+
+std::size_t liveBlocks() {
+  return blocks;
+}
+
+std::size_t liveBytes() {
+  return bytes;
+}
+
+bool isNextAllocationToFail() {
+  if (allocationsUntilFailure == never) return false;
+  const std::ptrdiff_t left = allocationsUntilFailure--;
+  return left == 0 || (left < 0 && !failsOnlyOnce);
+}
+
+FailingAllocation::FailingAllocation(std::size_t skipped, Then then) {
+  failsOnlyOnce = then == Then::succeed;
+  allocationsUntilFailure = static_cast<std::ptrdiff_t>(skipped);
+}
+
+FailingAllocation::~FailingAllocation() {
+  allocationsUntilFailure = never;
+}
+
+bool FailingAllocation::hasFailed() const {
+  return allocationsUntilFailure < 0;
+}
+
+HeapLimit::HeapLimit(std::size_t more) {
+  bytesAtStart = bytes;
+  peakBytes = bytesAtStart;
+  allowedBytes = bytesAtStart + more;
+}
+
+HeapLimit::~HeapLimit() {
+  allowedBytes = SIZE_MAX;
+}
+
+std::size_t HeapLimit::peak() const {
+  return peakBytes - bytesAtStart;
+}
+
+#if ZELVO_SANITIZE
+
+namespace {
+
+void noteAllocation(const volatile void*, std::size_t size) {
+  count(size);
+}
+
+void noteRelease(const volatile void* block) {
+  if (block != nullptr) discount(__sanitizer_get_allocated_size(const_cast<const void*>(block)));
+}
+
+[[maybe_unused]] const int installed = __sanitizer_install_malloc_and_free_hooks(noteAllocation, noteRelease);
+
+}  // namespace
+}  // namespace zelvo::testing
+
+#else
+
+namespace {
+
+/// The block that `allocate` returns, or null if this allocation is to fail. It replaces a block of so many
+/// bytes, if any, as if the two were never there at once: the system moves the pages of a large block.
+template <typename Allocate>
+void* counted(Allocate allocate, std::size_t replaced = 0) {
+  void* const block = isNextAllocationToFail() ? nullptr : allocate();
+  if (block == nullptr) {
+    errno = ENOMEM;
+    return nullptr;
+  }
+  if (replaced > 0) discount(replaced);
+  count(malloc_usable_size(block));
+  return block;
+}
+
+}  // namespace
+}  // namespace zelvo::testing
+
+// The allocation functions of the whole program, shared libraries included: the C library's own stay
+// available under these names. Bytes are counted as the allocator rounds them.
+// NOLINTBEGIN(bugprone-reserved-identifier,readability-identifier-naming): the C library's names.
+extern "C" {
+
+void* __libc_malloc(std::size_t size);
+void* __libc_calloc(std::size_t count, std::size_t size);
+void* __libc_realloc(void* block, std::size_t size);
+void* __libc_memalign(std::size_t alignment, std::size_t size);
+void __libc_free(void* block);
+
+void* malloc(std::size_t size) noexcept {
+  return zelvo::testing::counted([&] { return __libc_malloc(size); });
+}
+
+void* calloc(std::size_t count, std::size_t size) noexcept {
+  return zelvo::testing::counted([&] { return __libc_calloc(count, size); });
+}
+
+void* memalign(std::size_t alignment, std::size_t size) noexcept {
+  return zelvo::testing::counted([&] { return __libc_memalign(alignment, size); });
+}
+
+void* aligned_alloc(std::size_t alignment, std::size_t size) noexcept {
+  return memalign(alignment, size);
+}
+
+int posix_memalign(void** block, std::size_t alignment, std::size_t size) noexcept {
+  *block = memalign(alignment, size);
+  return *block == nullptr ? ENOMEM : 0;
+}
+
+void free(void* block) noexcept {
+  if (block == nullptr) return;
+  zelvo::testing::discount(malloc_usable_size(block));
+  __libc_free(block);
+}
+
+void* realloc(void* block, std::size_t size) noexcept {
+  if (block == nullptr) return malloc(size);
+  if (size == 0) {
+    free(block);
+    return nullptr;
+  }
+  const std::size_t before = malloc_usable_size(block);
+  return zelvo::testing::counted([&] { return __libc_realloc(block, size); }, before);
+}
+
+}  // extern "C"
+   // NOLINTEND(bugprone-reserved-identifier,readability-identifier-naming)
+
+#endif

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <cstddef>
+
+/// What a program that links `HeapUse` has on the heap: every allocation of the program and its libraries is
+/// counted, and can be made to fail. Under a sanitizer, whose allocator cannot be replaced, allocations are
+/// counted only.
+namespace zelvo::testing {
+
+/// Allocated and not yet freed, by all threads.
+std::size_t liveBlocks();
+std::size_t liveBytes();
+
+/// While this lives, an allocation fails: the first after `skipped` others.
+class FailingAllocation {
+ public:
+  enum class Then { succeed, fail };  ///< what later ones do
+
+  explicit FailingAllocation(std::size_t skipped, Then then = Then::succeed);
+  FailingAllocation(const FailingAllocation&) = delete;
+  FailingAllocation& operator=(const FailingAllocation&) = delete;
+  ~FailingAllocation();
+
+  bool hasFailed() const;
+};
+
+/// Counts an allocation, and says whether it is to fail. Programs that replace `operator new` ask for it.
+bool isNextAllocationToFail();
+
+/// While this lives, the program may allocate so many bytes more than it holds now. The allocation that takes
+/// it above aborts the program, so that a debugger or a sanitizer shows where. One at a time.
+class HeapLimit {
+ public:
+  explicit HeapLimit(std::size_t bytes);
+  HeapLimit(const HeapLimit&) = delete;
+  HeapLimit& operator=(const HeapLimit&) = delete;
+  ~HeapLimit();
+
+  /// The most so far.
+  std::size_t peak() const;
+};
+
+}  // namespace zelvo::testing
