@@ -4,18 +4,16 @@
 #include <cstdint>
 #include <cstdlib>
 #include <limits>
-#include <memory>
 #include <new>
 #include <utility>
 #include <vector>
 
-#include <unicode/brkiter.h>
 #include <unicode/bytestream.h>
 #include <unicode/casemap.h>
 #include <unicode/normalizer2.h>
-#include <unicode/udata.h>
 #include <unicode/unistr.h>
-#include <unicode/utext.h>
+
+#include "Text/GraphemeBreak.hpp"
 
 namespace zelvo::Unicode {
 namespace {
@@ -27,7 +25,7 @@ constexpr std::size_t maximumBytes = std::numeric_limits<std::int32_t>::max() / 
 void check(UErrorCode status) {
   if (U_SUCCESS(status)) return;
   if (status == U_MEMORY_ALLOCATION_ERROR) throw std::bad_alloc();
-  // The texts are valid and the data is linked in, so only a defect of the program can lead here.
+  // The texts are valid and no data file is needed, so only a defect of the program can lead here.
   std::abort();
 }
 
@@ -39,43 +37,6 @@ std::int32_t librarySize(std::string_view text) {
 icu::StringPiece piece(std::string_view text) {
   return {text.data(), librarySize(text)};
 }
-
-/// Finds character boundaries. Opening the rules costs far more than one text, so each thread keeps one
-/// iterator.
-class CharacterBreaks {
- public:
-  static CharacterBreaks& ofThisThread() {
-    thread_local CharacterBreaks breaks;
-    return breaks;
-  }
-
-  /// The iterator at the start of `text`, which must outlive its use. Its positions are bytes.
-  icu::BreakIterator& over(std::string_view text) {
-    UErrorCode status = U_ZERO_ERROR;
-    utext_openUTF8(text_.getAlias(), text.data(), librarySize(text), &status);
-    iterator_->setText(text_.getAlias(), status);
-    check(status);
-    return *iterator_;
-  }
-
- private:
-  CharacterBreaks() {
-    // The rules are linked in. Without this call the library looks for files that could replace them.
-    static const UErrorCode filesRefused = [] {
-      UErrorCode status = U_ZERO_ERROR;
-      udata_setFileAccess(UDATA_NO_FILES, &status);
-      return status;
-    }();
-    check(filesRefused);
-    UErrorCode status = U_ZERO_ERROR;
-    text_.adoptInstead(utext_openUTF8(nullptr, "", 0, &status));
-    iterator_.reset(icu::BreakIterator::createCharacterInstance(icu::Locale::getRoot(), status));
-    check(status);
-  }
-
-  icu::LocalUTextPointer text_;
-  std::unique_ptr<icu::BreakIterator> iterator_;
-};
 
 /// The byte offset after the first `count` characters, or the text's size if it has fewer.
 std::size_t offsetBehind(std::string_view text, std::size_t count) {
@@ -92,13 +53,10 @@ std::size_t offsetBehind(std::string_view text, std::size_t count) {
       at += head.substr(at, 2) == "\r\n" ? 2 : 1;
     return at;
   }
-  icu::BreakIterator& breaks = CharacterBreaks::ofThisThread().over(text);
-  std::int32_t at = 0;
-  for (std::size_t i = 0; i < count; ++i) {
-    at = breaks.next();
-    if (at == icu::BreakIterator::DONE) return text.size();
-  }
-  return static_cast<std::size_t>(at);
+  std::size_t at = 0;
+  for (std::size_t i = 0; i < count && at < text.size(); ++i)
+    at = characterEnd(text, at);
+  return at;
 }
 
 /// The output of `transform`, in a buffer that grows at most once.
@@ -171,10 +129,9 @@ std::size_t characterCount(std::string_view text) {
       --count;
     return count;
   }
-  icu::BreakIterator& breaks = CharacterBreaks::ofThisThread().over(text);
   std::size_t count = 0;
-  while (breaks.next() != icu::BreakIterator::DONE)
-    ++count;
+  for (std::size_t at = 0; at < text.size(); ++count)
+    at = characterEnd(text, at);
   return count;
 }
 
