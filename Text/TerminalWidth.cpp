@@ -3,6 +3,7 @@
 #include <unicode/uchar.h>
 
 #include "Text/Unicode.hpp"
+#include "Text/UnicodeProperties.hpp"
 
 namespace zelvo {
 namespace {
@@ -10,6 +11,11 @@ namespace {
 constexpr UChar32 softHyphen = 0x00AD;
 constexpr UChar32 zeroWidthJoiner = 0x200D;
 constexpr UChar32 emojiVariationSelector = 0xFE0F;
+
+/// Emoji_Modifier: the skin tones.
+bool isEmojiModifier(UChar32 scalar) {
+  return scalar >= 0x1F3FB && scalar <= 0x1F3FF;
+}
 
 bool isInvisible(UChar32 scalar) {
   // Category Cf (format character), but terminals show it.
@@ -38,9 +44,9 @@ class ColumnCounter {
 
  private:
   std::size_t columnsOf(UChar32 scalar) {
-    const bool isPicture = u_hasBinaryProperty(scalar, UCHAR_EXTENDED_PICTOGRAPHIC) != 0;
+    const bool isPicture = Unicode::isExtendedPictographic(static_cast<char32_t>(scalar));
     const bool joins = previous_ == zeroWidthJoiner && baseIsPicture_ && isPicture;
-    const bool modifies = u_hasBinaryProperty(scalar, UCHAR_EMOJI_MODIFIER) != 0 && baseIsPicture_;
+    const bool modifies = isEmojiModifier(scalar) && baseIsPicture_;
     if (joins || modifies) return 0;
 
     if (scalar == emojiVariationSelector && baseColumns_ == 1 && baseIsPicture_) {

@@ -4,20 +4,16 @@
 #include <cstdint>
 #include <cstdlib>
 #include <limits>
-#include <memory>
-#include <mutex>
 #include <new>
 #include <utility>
 #include <vector>
 
-#include <unicode/brkiter.h>
 #include <unicode/bytestream.h>
 #include <unicode/casemap.h>
 #include <unicode/normalizer2.h>
-#include <unicode/rbbi.h>
-#include <unicode/udata.h>
 #include <unicode/unistr.h>
-#include <unicode/utext.h>
+
+#include "Text/GraphemeBreak.hpp"
 
 namespace zelvo::Unicode {
 namespace {
@@ -29,7 +25,7 @@ constexpr std::size_t maximumBytes = std::numeric_limits<std::int32_t>::max() / 
 void check(UErrorCode status) {
   if (U_SUCCESS(status)) return;
   if (status == U_MEMORY_ALLOCATION_ERROR) throw std::bad_alloc();
-  // The texts are valid and the data is linked in, so the program itself is broken: no result would be true.
+  // The texts are valid and no data file is needed, so only a defect of the program can lead here.
   std::abort();
 }
 
@@ -42,77 +38,13 @@ icu::StringPiece piece(std::string_view text) {
   return {text.data(), librarySize(text)};
 }
 
-/// The rules of character boundaries, opened, and what leads them through a text.
-struct CharacterRules {
-  icu::LocalUTextPointer text;
-  std::unique_ptr<icu::BreakIterator> iterator;
-
-  /// The library reports memory that runs out in several ways, or not at all. The data is linked in, so that
-  /// each of them means that.
-  void open() {
-    // Without this the library looks for files that could replace the rules.
-    static const UErrorCode filesRefused = [] {
-      UErrorCode status = U_ZERO_ERROR;
-      udata_setFileAccess(UDATA_NO_FILES, &status);
-      return status;
-    }();
-    check(filesRefused);
-    // Not by a locale: without memory the library uses the one that it failed to make, or waits for itself.
-    UErrorCode status = U_ZERO_ERROR;
-    icu::LocalUDataMemoryPointer data(
-        udata_open(U_ICUDATA_NAME U_TREE_SEPARATOR_STRING "brkitr", "brk", "char", &status));
-    if (U_FAILURE(status)) throw std::bad_alloc();
-    // The library's classes have an operator new that returns null.
-    auto* const opened = new icu::RuleBasedBreakIterator(data.getAlias(), status);
-    if (opened == nullptr) throw std::bad_alloc();
-    data.orphan();
-    std::unique_ptr<icu::BreakIterator> owner(opened);
-    text.adoptInstead(utext_openUTF8(nullptr, "", 0, &status));
-    check(status);
-    iterator = std::move(owner);
-  }
-};
-
-/// Finds the boundaries of a text's characters. Opening the rules costs far more than a text does, so that
-/// they are kept; a thread that finds them in use opens its own. (With memory of its own a thread would
-/// register a destructor, and when memory runs out in that, the C library ends the program.)
-class CharacterBreaks {
- public:
-  /// `text` must outlive this.
-  explicit CharacterBreaks(std::string_view text)
-      : lock_(mutex(), std::try_to_lock), rules_(lock_ ? keptRules() : ownRules_) {
-    if (!rules_.iterator) rules_.open();
-    UErrorCode status = U_ZERO_ERROR;
-    utext_openUTF8(rules_.text.getAlias(), text.data(), librarySize(text), &status);
-    rules_.iterator->setText(rules_.text.getAlias(), status);
-    check(status);
-  }
-
-  /// The end of the next character in bytes, or `icu::BreakIterator::DONE`.
-  std::int32_t next() { return rules_.iterator->next(); }
-
- private:
-  static std::mutex& mutex() {
-    static std::mutex mutex;
-    return mutex;
-  }
-  static CharacterRules& keptRules() {
-    static CharacterRules rules;
-    return rules;
-  }
-
-  std::unique_lock<std::mutex> lock_;
-  CharacterRules ownRules_;
-  CharacterRules& rules_;
-};
-
-/// The byte behind the first `count` characters; the end of the text when it has no more than those.
+/// The byte offset after the first `count` characters, or the text's size if it has fewer.
 std::size_t offsetBehind(std::string_view text, std::size_t count) {
   if (text.size() <= count) return text.size();  // a character has at least one byte
   if (count == 0) return 0;
 
-  // No ASCII character is longer than two bytes, and to the one that is, CR LF, nothing joins: where these
-  // bytes are ASCII, nothing behind them matters. `count` is below the size of a text, so twice it cannot
+  // An ASCII character has at most two bytes (CR LF, which no following scalar extends). So if these bytes
+  // are ASCII, the following ones do not matter. `count` is below the size of a text, so twice it cannot
   // overflow.
   const std::string_view head = text.substr(0, 2 * count);
   if (isASCII(head)) {
@@ -121,16 +53,13 @@ std::size_t offsetBehind(std::string_view text, std::size_t count) {
       at += head.substr(at, 2) == "\r\n" ? 2 : 1;
     return at;
   }
-  CharacterBreaks breaks(text);
-  std::int32_t at = 0;
-  for (std::size_t i = 0; i < count; ++i) {
-    at = breaks.next();
-    if (at == icu::BreakIterator::DONE) return text.size();
-  }
-  return static_cast<std::size_t>(at);
+  std::size_t at = 0;
+  for (std::size_t i = 0; i < count && at < text.size(); ++i)
+    at = characterEnd(text, at);
+  return at;
 }
 
-/// What `transform` writes into the sink, in a buffer that grows at most once.
+/// The output of `transform`, in a buffer that grows at most once.
 template <typename Transform>
 std::string collected(std::string_view text, const Transform& transform) {
   std::string result(text.size(), '\0');
@@ -145,9 +74,8 @@ std::string collected(std::string_view text, const Transform& transform) {
   }
 }
 
-/// The canonical decomposition. The library, when it composes or only checks, puts each mark in its place by
-/// insertion, in time quadratic in the length of a run of marks; a text in this form leaves it nothing to
-/// move.
+/// The canonical decomposition. When the library composes or checks, it sorts combining marks by insertion,
+/// in time quadratic in the length of a run of marks. Decomposed text is already sorted.
 std::string decomposed(std::string_view text) {
   UErrorCode status = U_ZERO_ERROR;
   const icu::Normalizer2* const decomposition = icu::Normalizer2::getNFDInstance(status);
@@ -201,10 +129,9 @@ std::size_t characterCount(std::string_view text) {
       --count;
     return count;
   }
-  CharacterBreaks breaks(text);
   std::size_t count = 0;
-  while (breaks.next() != icu::BreakIterator::DONE)
-    ++count;
+  for (std::size_t at = 0; at < text.size(); ++count)
+    at = characterEnd(text, at);
   return count;
 }
 
@@ -234,7 +161,6 @@ std::string composed(std::string_view text) {
   if (isASCII(text)) return std::string(text);
   UErrorCode status = U_ZERO_ERROR;
   const icu::Normalizer2* const composition = icu::Normalizer2::getNFCInstance(status);
-  check(status);
   const std::string ordered = decomposed(text);
   return collected(ordered, [composition, source = piece(ordered)](icu::ByteSink& sink, UErrorCode& failure) {
     composition->normalizeUTF8(0, source, sink, nullptr, failure);

@@ -10,11 +10,12 @@
 ///
 /// A "character" is an extended grapheme cluster. CR LF is one.
 ///
-/// The functions make no system call except for memory, so that a confined process can call them: the
-/// library's data is linked in, and data files that could replace it are not looked for.
+/// The functions make no system call except for memory, so that a confined process can call them: they use
+/// only what is compiled into the Unicode library, and look for no data file.
 ///
-/// All functions are thread-safe. They throw only `std::bad_alloc`: when memory runs out, and for a text that
-/// the Unicode library cannot address (hundreds of MiB, far above every reader's limit).
+/// All functions are thread-safe. They throw only `std::bad_alloc`: when memory runs out, and in a change of
+/// case or a composition for a text that the Unicode library cannot address (hundreds of MiB, far above every
+/// reader's limit).
 namespace zelvo::Unicode {
 
 /// Whether the bytes are well-formed UTF-8: no overlong form, no surrogate, nothing above U+10FFFF.

@@ -1,0 +1,119 @@
+#include "Text/GraphemeBreak.hpp"
+
+#include <cstdint>
+#include <new>
+
+#include <unicode/uchar.h>
+#include <unicode/unorm2.h>
+
+#include "Text/Unicode.hpp"
+#include "Text/UnicodeProperties.hpp"
+
+namespace zelvo::Unicode {
+namespace {
+
+/// Grapheme_Cluster_Break, a `UGraphemeClusterBreak`. The library has this property in its code.
+using BreakClass = int;
+
+BreakClass breakClassOf(char32_t scalar) {
+  if (scalar >= 0x20 && scalar < 0x7F) return U_GCB_OTHER;
+  return u_getIntPropertyValue(static_cast<UChar32>(scalar), UCHAR_GRAPHEME_CLUSTER_BREAK);
+}
+
+/// Canonical_Combining_Class. `u_getCombiningClass` would answer 0 when memory runs out.
+std::uint8_t combiningClassOf(char32_t scalar) {
+  UErrorCode status = U_ZERO_ERROR;
+  const UNormalizer2* const decomposition = unorm2_getNFDInstance(&status);
+  if (U_FAILURE(status)) throw std::bad_alloc();  // the data is in the library's code: nothing else can fail
+  return unorm2_getCombiningClass(decomposition, static_cast<UChar32>(scalar));
+}
+
+bool isControl(BreakClass breakClass) {
+  return breakClass == U_GCB_CONTROL || breakClass == U_GCB_CR || breakClass == U_GCB_LF;
+}
+
+/// The scalars of one character, from its start on. The names GB3 to GB13 are those of the rules in the
+/// annex.
+class Character {
+ public:
+  explicit Character(char32_t first) { append(first, breakClassOf(first)); }
+
+  /// Appends `next`, or returns false if a boundary is in front of it.
+  bool extend(char32_t next) {
+    const BreakClass nextClass = breakClassOf(next);
+    if (!joins(next, nextClass)) return false;
+    append(next, nextClass);
+    return true;
+  }
+
+ private:
+  bool joins(char32_t next, BreakClass nextClass) const {
+    if (isControl(lastClass_) || isControl(nextClass)) {
+      return lastClass_ == U_GCB_CR && nextClass == U_GCB_LF;  // GB3 to GB5
+    }
+    if (lastClass_ == U_GCB_PREPEND) return true;  // GB9b
+    switch (nextClass) {
+      case U_GCB_EXTEND:
+      case U_GCB_ZWJ:
+      case U_GCB_SPACING_MARK:
+        return true;  // GB9, GB9a
+      case U_GCB_L:
+      case U_GCB_LV:
+      case U_GCB_LVT:
+        return lastClass_ == U_GCB_L;  // GB6
+      case U_GCB_V:
+        return lastClass_ == U_GCB_L || lastClass_ == U_GCB_LV || lastClass_ == U_GCB_V;  // GB6, GB7
+      case U_GCB_T:
+        return lastClass_ == U_GCB_LV || lastClass_ == U_GCB_V || lastClass_ == U_GCB_LVT ||
+               lastClass_ == U_GCB_T;  // GB7, GB8
+      case U_GCB_REGIONAL_INDICATOR:
+        return endsInHalfFlag_;  // GB12, GB13
+      default:
+        return (endsInJoinedPicture_ && isExtendedPictographic(next)) ||  // GB11
+               (endsInOpenConjunct_ && isLinkingConsonant(next));
+    }
+  }
+
+  void append(char32_t scalar, BreakClass breakClass) {
+    endsInHalfFlag_ = breakClass == U_GCB_REGIONAL_INDICATOR && !endsInHalfFlag_;
+    endsInJoinedPicture_ = breakClass == U_GCB_ZWJ && isExtendedPictographic(base_);
+    if (breakClass != U_GCB_EXTEND) base_ = scalar;
+    if (isMark(scalar, breakClass)) {
+      if (isLinkingVirama(scalar) && isLinkingConsonant(letter_)) endsInOpenConjunct_ = true;
+    } else {
+      letter_ = scalar;
+      endsInOpenConjunct_ = false;
+    }
+    lastClass_ = breakClass;
+  }
+
+  /// Whether a conjunct can go on behind it.
+  static bool isMark(char32_t scalar, BreakClass breakClass) {
+    return breakClass == U_GCB_ZWJ || (breakClass == U_GCB_EXTEND && combiningClassOf(scalar) != 0);
+  }
+
+  BreakClass lastClass_ = U_GCB_OTHER;
+  char32_t base_ = 0;                 ///< the last scalar that is not Extend
+  char32_t letter_ = 0;               ///< the last scalar that is not a mark
+  bool endsInHalfFlag_ = false;       ///< in an odd number of regional indicators
+  bool endsInJoinedPicture_ = false;  ///< in an emoji, any number of Extend, and one ZWJ
+  bool endsInOpenConjunct_ = false;   ///< in a consonant and marks, one of them a virama
+};
+
+bool isASCII(char byte) {
+  return static_cast<unsigned char>(byte) < 0x80;
+}
+
+}  // namespace
+
+std::size_t characterEnd(std::string_view text, std::size_t start) {
+  std::size_t end = start;
+  Character character(nextScalar(text, end));
+  if (isASCII(text[start]) && text[start] != '\r' && end < text.size() && isASCII(text[end])) return end;
+  for (std::size_t next = end; end < text.size(); end = next) {
+    if (!character.extend(nextScalar(text, next))) break;
+  }
+  return end;
+}
+
+}  // namespace zelvo::Unicode
