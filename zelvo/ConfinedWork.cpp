@@ -44,7 +44,6 @@ int answer(const std::function<std::string()>& work) {
 
 int confineAndAnswer(const std::function<std::string()>& work) noexcept {
   try {
-    warmUpUnwinder();
     if (!confineThisProcess()) return exitStatus::notConfined;
     return answer(work);
   } catch (const std::exception&) {
