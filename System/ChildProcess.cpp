@@ -7,6 +7,7 @@
 #include <fcntl.h>
 #include <optional>
 #include <poll.h>
+#include <sys/ioctl.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <thread>
@@ -132,6 +133,7 @@ class Child {
 /// The host's ends of a child's three pipes.
 struct Streams {
   Descriptor input;
+  Descriptor unreadInput;  ///< the read end of the same pipe, which is never read
   Descriptor output;
   Descriptor errors;
 };
@@ -166,8 +168,14 @@ int millisecondsUntil(Clock::time_point deadline) {
   return static_cast<int>(std::clamp(left, std::chrono::milliseconds(0), longestSleep).count());
 }
 
+/// How many bytes are in a pipe.
+std::uint64_t bytesIn(const Descriptor& pipe) {
+  int count = 0;
+  return ioctl(pipe.number(), FIONREAD, &count) == 0 ? static_cast<std::uint64_t>(count) : 0;
+}
+
 /// Writes and reads until the child has closed both outputs. Says why the child has to be ended, if it has.
-std::optional<ChildOutcome> exchange(Streams& streams, std::string_view input, const ChildBounds& bounds,
+std::optional<ChildOutcome> exchange(Streams& streams, std::string_view& input, const ChildBounds& bounds,
                                      Clock::time_point deadline, ChildResult& result) {
   if (input.empty()) streams.input.close();
   while (streams.output || streams.errors) {
@@ -203,7 +211,9 @@ ChildResult runChildProcess(const ChildCommand& command, std::string_view input,
   pid_t id = 0;
   {
     SpawnPlan plan;
-    streams.input = plan.pipeTo(STDIN_FILENO);
+    auto [readEnd, writeEnd] = plan.pipeTo(STDIN_FILENO);
+    streams.input = std::move(writeEnd);
+    streams.unreadInput = std::move(readEnd);
     streams.output = plan.pipeFrom(STDOUT_FILENO);
     streams.errors = plan.pipeFrom(STDERR_FILENO);
     result.code = plan.start(command, id);
@@ -211,11 +221,13 @@ ChildResult runChildProcess(const ChildCommand& command, std::string_view input,
   }
   Child child(id);
 
-  std::optional<ChildOutcome> endedFor = exchange(streams, input, bounds, deadline, result);
+  std::string_view unwritten = input;
+  std::optional<ChildOutcome> endedFor = exchange(streams, unwritten, bounds, deadline, result);
   if (!endedFor && !child.endsBefore(deadline)) endedFor = ChildOutcome::timedOut;
   child.killAndWait();
   const int code = result.code;
   child.report(result);
+  result.inputBytesRead = input.size() - unwritten.size() - bytesIn(streams.unreadInput);
   if (endedFor) {
     result.outcome = *endedFor;
     result.code = code;
