@@ -11,18 +11,19 @@ struct ChildResult;
 /// refuses is none of them; the refusal is a response.
 struct WorkerFailure {
   enum class Kind {
-    requestTooLarge,     ///< found before anything was started
-    notFound,            ///< no executable at the path
-    notRun,              ///< the system refused to start it, or failed under way; `code` is the error number
-    timedOut,            ///< ended by the host
-    responseTooLarge,    ///< ended by the host
-    gaveNoResponse,      ///< status 65
-    notConfined,         ///< status 78, before it read a byte
-    unknownStatus,       ///< any other status; `code` is the status
-    cpuTimeUsedUp,       ///< killed by the system at its limit of processor time
-    brokenInvariant,     ///< killed at a system call that the worker never makes (SIGSYS)
-    killed,              ///< SIGKILL from outside, most often for memory
-    crashed,             ///< any other signal; `code` is the signal
+    requestTooLarge,      ///< found before anything was started
+    notFound,             ///< no executable at the path
+    notRun,               ///< the system refused to start it, or failed under way; `code` is the error number
+    timedOut,             ///< ended by the host
+    responseTooLarge,     ///< ended by the host
+    gaveNoResponse,       ///< status 65
+    notConfined,          ///< status 78, before it read a byte
+    unknownStatus,        ///< any other status; `code` is the status
+    cpuTimeUsedUp,        ///< killed by the system at its limit of processor time
+    killedBeforeReading,  ///< SIGSYS, before it read a byte: most likely by a filter that it inherited
+    brokenInvariant,  ///< SIGSYS, after that: its own filter killed it at a system call that it never makes
+    killed,           ///< SIGKILL from outside, most often for memory
+    crashed,          ///< any other signal; `code` is the signal
     unreadableResponse,  ///< no JSON, not the response's shape, or no response to this request
   };
 

@@ -7,6 +7,7 @@
 #include <fcntl.h>
 #include <optional>
 #include <poll.h>
+#include <sys/ioctl.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <thread>
@@ -170,8 +171,14 @@ int millisecondsUntil(Clock::time_point deadline) {
   return static_cast<int>(std::clamp(left, std::chrono::milliseconds(0), longestSleep).count());
 }
 
+/// How many bytes are in a pipe.
+std::uint64_t bytesIn(const Descriptor& pipe) {
+  int count = 0;
+  return ioctl(pipe.number(), FIONREAD, &count) == 0 ? static_cast<std::uint64_t>(count) : 0;
+}
+
 /// Writes and reads until the child has closed both outputs. Says why the child has to be ended, if it has.
-std::optional<ChildOutcome> exchange(ChildStreams& streams, std::string_view input, const ChildBounds& bounds,
+std::optional<ChildOutcome> exchange(ChildStreams& streams, std::string_view& input, const ChildBounds& bounds,
                                      Clock::time_point deadline, ChildResult& result) {
   const auto failed = [&result] {
     result.code = errno;
@@ -219,11 +226,14 @@ ChildResult runChild(const ChildStart& start, std::string_view input, const Chil
   Child child(id);
   untilRecorded.release();
 
-  std::optional<ChildOutcome> endedFor = exchange(streams, input, bounds, deadline, result);
+  std::string_view unwritten = input;
+  std::optional<ChildOutcome> endedFor = exchange(streams, unwritten, bounds, deadline, result);
   if (!endedFor && !child.endsBefore(deadline)) endedFor = ChildOutcome::timedOut;
   child.killAndWait();
   const int code = result.code;
   child.report(result);
+  if (streams.unreadInput)
+    result.inputBytesRead = input.size() - unwritten.size() - bytesIn(streams.unreadInput);
   if (endedFor) {
     result.outcome = *endedFor;
     result.code = code;
@@ -234,7 +244,9 @@ ChildResult runChild(const ChildStart& start, std::string_view input, const Chil
 ChildResult runChildProcess(const ChildCommand& command, std::string_view input, const ChildBounds& bounds) {
   const auto start = [&command](ChildStreams& streams, pid_t& id) {
     SpawnPlan plan;
-    streams.input = plan.pipeTo(STDIN_FILENO);
+    auto [readEnd, writeEnd] = plan.pipeTo(STDIN_FILENO);
+    streams.input = std::move(writeEnd);
+    streams.unreadInput = std::move(readEnd);
     streams.output = plan.pipeFrom(STDOUT_FILENO);
     streams.errors = plan.pipeFrom(STDERR_FILENO);
     return plan.start(command, id);

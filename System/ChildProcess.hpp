@@ -3,6 +3,7 @@
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -36,6 +37,8 @@ struct ChildResult {
   /// The largest resident set. Linux counts what the starting process held at that moment too: an upper
   /// bound.
   std::uint64_t peakMemoryBytes;
+  /// How much of its input the child has read; nullopt if it has no input of its own.
+  std::optional<std::uint64_t> inputBytesRead;
 };
 
 /// Runs a program to its end: with the input on its standard input, an empty environment, no other descriptor

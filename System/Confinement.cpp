@@ -1,7 +1,16 @@
 #include "System/Confinement.hpp"
 
-namespace zelvo {
+#include "System/StandardStreams.hpp"
 
+#if defined(ZELVO_SANITIZE)
+#include <sanitizer/common_interface_defs.h>
+#endif
+
+namespace zelvo {
+namespace {
+
+/// The first exception of a process looks for the tables of its unwinder, which is not possible under
+/// confinement.
 void warmUpUnwinder() {
   struct FirstThrow {};
   try {
@@ -9,6 +18,23 @@ void warmUpUnwinder() {
   } catch (const FirstThrow&) {
     return;
   }
+}
+
+}  // namespace
+
+std::string_view prepareForConfinement() {
+  // First of all: under an inherited file-size limit a write would otherwise end the process.
+  if (!ignoreSignalsOfWriting()) {
+    return "SIGPIPE and SIGXFSZ cannot be ignored. Usually a seccomp filter that the process inherited "
+           "forbids rt_sigaction.";
+  }
+  warmUpUnwinder();
+#if defined(ZELVO_SANITIZE)
+  // The sanitizers' runtimes look up what they will need later.
+  __sanitizer_sandbox_arguments arguments = {};
+  __sanitizer_sandbox_on_notify(&arguments);
+#endif
+  return {};
 }
 
 }  // namespace zelvo

@@ -1,43 +1,16 @@
 #include <algorithm>
 #include <cerrno>
-#include <optional>
 #include <sys/prctl.h>
 #include <sys/resource.h>
 #include <sys/syscall.h>
 #include <unistd.h>
-#include <utility>
 
 #include "System/Confinement.hpp"
-#include "System/EntitlementProbes.hpp"
-#include "System/StandardStreams.hpp"
-#include "System/SystemCallPolicy.hpp"
+#include "System/SandboxProbes.hpp"
+#include "System/SystemCallFilters.hpp"
 
 namespace zelvo {
 namespace {
-
-/// How the second filter answers a read from no descriptor, which the first refuses like everything else.
-constexpr int answeredBySeal = 4001;
-
-SystemCallPolicy& allowWorking(SystemCallPolicy& policy) {
-  return policy.allowReadingFrom(STDIN_FILENO)
-      .allowWritingTo(STDOUT_FILENO)
-      .allowMemory()
-      .allowWaking()
-      .allowLeaving()
-      .allowSanitizers();
-}
-
-/// From the start until the limits are set: nothing kills yet, so that a probe is answered.
-std::optional<SystemCallFilter> filterForStarting() {
-  auto policy = SystemCallPolicy::answeringElse(refusedByUs);
-  return allowWorking(policy).allowLimits().allowFilters().compile();
-}
-
-/// While a document is worked on: whoever leaves the list is broken or taken over, and ends.
-std::optional<SystemCallFilter> filterForWorking() {
-  auto policy = SystemCallPolicy::killingElse();
-  return allowWorking(policy).markWith(answeredBySeal).compile();
-}
 
 /// A descriptor that is missed here stays useless: no filter lets it be read or written.
 void closeAllButStandardDescriptors() {
@@ -55,7 +28,7 @@ void closeAllButStandardDescriptors() {
 }
 
 // Both are read back: a filter of a parent can pretend that the call succeeded.
-bool giveUpNewPrivileges() {
+bool setNoNewPrivileges() {
   return prctl(PR_SET_NO_NEW_PRIVS, 1L, 0L, 0L, 0L) == 0 && prctl(PR_GET_NO_NEW_PRIVS, 0L, 0L, 0L, 0L) == 1;
 }
 
@@ -80,42 +53,45 @@ class ProbingEntitlementReader final : public EntitlementReader {
 
 class SealedLimits final : public Limits {
  public:
-  explicit SealedLimits(std::optional<SystemCallFilter> seal) : seal_(std::move(seal)) {}
-
   bool apply(const ResourceLimit& limit) override { return applyToThisProcess(limit); }
 
   bool seal() override {
-    if (!seal_ || !seal_->load()) return false;
-    return ::syscall(SYS_read, -1, nullptr, 0) == -1 && errno == answeredBySeal;
+    return loadFilter(workingFilter()) && ::syscall(SYS_read, -1, nullptr, 0) == -1 &&
+           errno == markOfWorkingFilter;
   }
-
- private:
-  std::optional<SystemCallFilter> seal_;
 };
 
-/// Takes the steps in order and says which one failed, if any.
-std::string_view confine(const std::optional<SystemCallFilter>& starting,
-                         const std::optional<SystemCallFilter>& working) {
-  if (!starting || !working) return "the system-call filters cannot be built on this system";
-  if (anyProbeIsRefusedByUs())
-    return "a filter that the process was started with answers in the name of ours";
-  if (!ignoreSignalsOfWriting()) return "signals cannot be ignored";
+/// Takes the steps in order and returns which one failed, if any.
+std::string_view confine() {
+  const std::string_view failure = prepareForConfinement();
+  if (!failure.empty()) return failure;
   closeAllButStandardDescriptors();
-  if (!giveUpNewPrivileges()) return "new privileges cannot be given up";
-  if (!hideMemory()) return "the memory of the process cannot be hidden";
-  if (!starting->load()) return "the system-call filter cannot be loaded";
+  if (!setNoNewPrivileges()) {
+    return "PR_SET_NO_NEW_PRIVS cannot be set. Usually a seccomp filter that the process inherited answers "
+           "prctl.";
+  }
+  if (!hideMemory()) {
+    return "PR_SET_DUMPABLE cannot be cleared. Usually a seccomp filter that the process inherited answers "
+           "prctl.";
+  }
+  if (anyProbeIsRefusedByUs()) {
+    return "A seccomp filter that the process inherited returns the error number that only its own filter "
+           "may return.";
+  }
+  if (!loadFilter(startingFilter())) {
+    return "The first seccomp filter cannot be loaded. Usually a seccomp filter of the service manager or "
+           "the container forbids seccomp, or the kernel was built without CONFIG_SECCOMP_FILTER.";
+  }
   return {};
 }
 
 }  // namespace
 
 Confinement enterConfinement() {
-  const std::optional<SystemCallFilter> starting = filterForStarting();
-  std::optional<SystemCallFilter> working = filterForWorking();
-  const std::string_view failure = confine(starting, working);
+  const std::string_view failure = confine();
   return {
       .entitlements = std::make_unique<ProbingEntitlementReader>(failure.empty()),
-      .limits = std::make_unique<SealedLimits>(std::move(working)),
+      .limits = std::make_unique<SealedLimits>(),
       .failure = failure,
   };
 }

@@ -4,6 +4,7 @@
 #include <csignal>
 #include <fcntl.h>
 #include <unistd.h>
+#include <utility>
 
 namespace zelvo {
 namespace {
@@ -50,11 +51,13 @@ SpawnPlan::~SpawnPlan() {
   posix_spawn_file_actions_destroy(&actions_);
 }
 
-Descriptor SpawnPlan::pipeTo(int standardStream) {
+SpawnPlan::Pipe SpawnPlan::pipeTo(int standardStream) {
   Pipe pipe = makePipe();
   if (pipe.writeEnd && !stopBlocking(pipe.writeEnd)) note(errno);
-  connect(std::move(pipe.readEnd), standardStream);
-  return std::move(pipe.writeEnd);
+  Descriptor observed(fcntl(pipe.readEnd.number(), F_DUPFD_CLOEXEC, firstOther));
+  if (!observed) note(errno);
+  connect(std::exchange(pipe.readEnd, std::move(observed)), standardStream);
+  return pipe;
 }
 
 Descriptor SpawnPlan::pipeFrom(int standardStream) {
@@ -65,9 +68,12 @@ Descriptor SpawnPlan::pipeFrom(int standardStream) {
 }
 
 int SpawnPlan::start(const ChildCommand& command, pid_t& id) {
-#if defined(__GLIBC__) && __GLIBC_PREREQ(2, 34)
+// Where `__GLIBC_PREREQ` is not defined, a condition that contains it cannot be parsed.
+#if defined(__GLIBC__)
+#if __GLIBC_PREREQ(2, 34)
   // Descriptors that some other part of the host left open to its children.
   note(posix_spawn_file_actions_addclosefrom_np(&actions_, firstOther));
+#endif
 #endif
   if (error_ != 0) return error_;
 

@@ -17,19 +17,24 @@ class SpawnPlan {
   SpawnPlan& operator=(const SpawnPlan&) = delete;
   ~SpawnPlan();
 
-  /// Makes a pipe to or from a standard stream of the child and gives out our end of it, which does not
-  /// block. After a failure the end is empty, and `start` fails.
-  Descriptor pipeTo(int standardStream);
+  struct Pipe {
+    Descriptor readEnd;
+    Descriptor writeEnd;
+  };
+
+  /// Makes a pipe to a standard stream of the child. The returned write end does not block. The returned read
+  /// end is a duplicate of the child's: it shows, once the child has ended, what the child left unread. After
+  /// a failure the ends are empty, and `start` fails.
+  Pipe pipeTo(int standardStream);
+
+  /// Makes a pipe from a standard stream of the child and returns our end of it, which does not block. After
+  /// a failure the end is empty, and `start` fails.
   Descriptor pipeFrom(int standardStream);
 
   /// Starts the child. The error number, or 0.
   int start(const ChildCommand& command, pid_t& id);
 
  private:
-  struct Pipe {
-    Descriptor readEnd;
-    Descriptor writeEnd;
-  };
   Pipe makePipe();
   void connect(Descriptor childEnd, int standardStream);
   void note(int error) {

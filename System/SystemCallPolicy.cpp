@@ -1,179 +1,173 @@
 #include "System/SystemCallPolicy.hpp"
 
+#include <array>
 #include <cerrno>
-#include <initializer_list>
+#include <cstdio>
 #include <linux/futex.h>
-#include <new>
+#include <memory>
 #include <sys/mman.h>
-#include <sys/syscall.h>
+#include <system_error>
 #include <unistd.h>
 
 #include <seccomp.h>
 
-#include "System/Descriptor.hpp"
-
-#if defined(ZELVO_SANITIZE)
-#include <sanitizer/common_interface_defs.h>
-#endif
+#include "System/SystemCallFilters.hpp"
 
 namespace zelvo {
 namespace {
 
-/// Says which value the bits of an argument must have under a mask.
-struct Argument {
+/// Requires the bits of an argument under a mask to have a value.
+struct Condition {
   unsigned position;
   scmp_datum_t mask;
   scmp_datum_t value;
 };
 
+/// A system call, if all conditions hold for its arguments.
+struct Rule {
+  int systemCall;
+  std::vector<Condition> conditions = {};
+};
+
 constexpr scmp_datum_t allBits = ~scmp_datum_t{0};
-/// The kernel takes a descriptor and an operation as an `int`: the other half of the register may hold
-/// anything.
+/// The kernel takes a descriptor, an advice and an operation as an `int`: the other half of the register may
+/// hold anything.
 constexpr scmp_datum_t intBits = 0xffff'ffff;
 
-Argument isDescriptor(int descriptor) {
+constexpr Condition hasDescriptor(int descriptor) {
   return {.position = 0, .mask = intBits, .value = static_cast<unsigned>(descriptor)};
 }
 
-/// Adds a rule and passes on what libseccomp says: 0, or a negative error number.
-int addRule(void* context, std::uint32_t action, int systemCall,
-            std::initializer_list<Argument> arguments = {}) {
-  std::vector<scmp_arg_cmp> conditions;
-  for (const Argument& argument : arguments) {
-    conditions.push_back({argument.position, SCMP_CMP_MASKED_EQ, argument.mask, argument.value});
+constexpr Condition givesAdvice(unsigned advice) {
+  return {.position = 2, .mask = intBits, .value = advice};
+}
+
+/// What remains possible while a document is processed.
+std::vector<Rule> rulesWhileWorking() {
+  constexpr Condition readAndWriteOnly = {
+      .position = 2, .mask = allBits & ~scmp_datum_t{PROT_READ | PROT_WRITE}, .value = 0};
+  // Under the tunable glibc.malloc.hugetlb=2, which a parent may set, the allocator asks for pages of a size
+  // that the flags name in their bits 26 to 31.
+  constexpr scmp_datum_t hugePageFlags = MAP_HUGETLB | scmp_datum_t{MAP_HUGE_MASK} << MAP_HUGE_SHIFT;
+  constexpr Condition privateAndAnonymous = {
+      .position = 3, .mask = allBits & ~hugePageFlags, .value = MAP_PRIVATE | MAP_ANONYMOUS};
+  constexpr Condition noFixedTarget = {
+      .position = 3, .mask = allBits & ~scmp_datum_t{MREMAP_MAYMOVE}, .value = 0};
+  constexpr Condition wakes = {
+      .position = 1, .mask = intBits & ~scmp_datum_t{FUTEX_PRIVATE_FLAG}, .value = FUTEX_WAKE};
+  return {
+      {SCMP_SYS(read), {hasDescriptor(STDIN_FILENO)}},
+      {SCMP_SYS(write), {hasDescriptor(STDOUT_FILENO)}},
+      {SCMP_SYS(brk)},
+      {SCMP_SYS(mmap), {readAndWriteOnly, privateAndAnonymous}},
+      {SCMP_SYS(mprotect), {readAndWriteOnly}},
+      {SCMP_SYS(munmap)},
+      {SCMP_SYS(mremap), {noFixedTarget}},
+      // Other advice can poison pages or share them with other processes. The second is for the tunable
+      // glibc.malloc.hugetlb=1.
+      {SCMP_SYS(madvise), {givesAdvice(MADV_DONTNEED)}},
+      {SCMP_SYS(madvise), {givesAdvice(MADV_HUGEPAGE)}},
+      // `std::call_once` wakes unconditionally. Waiting is not on the list: a single thread would wait for
+      // ever.
+      {SCMP_SYS(futex), {wakes}},
+      {SCMP_SYS(exit_group)},
+  };
+}
+
+/// What remains possible, in addition, until the second filter is loaded.
+std::vector<Rule> rulesUntilLimitsAreSet() {
+  constexpr Condition thisProcess = {.position = 0, .mask = intBits, .value = 0};
+  constexpr Condition loadsFilter = {.position = 0, .mask = intBits, .value = SECCOMP_SET_MODE_FILTER};
+  return {{SCMP_SYS(prlimit64), {thisProcess}}, {SCMP_SYS(seccomp), {loadsFilter}}};
+}
+
+class Policy {
+ public:
+  explicit Policy(std::uint32_t actionElse) : context_(seccomp_init(actionElse)) {
+    if (!context_) throw std::system_error(ENOMEM, std::generic_category(), "seccomp_init");
+    check(seccomp_attr_set(context_.get(), SCMP_FLTATR_ACT_BADARCH, SCMP_ACT_KILL_PROCESS),
+          "bad architecture");
   }
-  return seccomp_rule_add_array(context, action, systemCall, static_cast<unsigned>(conditions.size()),
-                                conditions.data());
+
+  void add(std::uint32_t action, const std::vector<Rule>& rules) {
+    for (const Rule& rule : rules) {
+      std::vector<scmp_arg_cmp> comparisons;
+      for (const Condition& condition : rule.conditions) {
+        comparisons.push_back({condition.position, SCMP_CMP_MASKED_EQ, condition.mask, condition.value});
+      }
+      check(seccomp_rule_add_array(context_.get(), action, rule.systemCall,
+                                   static_cast<unsigned>(comparisons.size()), comparisons.data()),
+            "seccomp_rule_add");
+    }
+  }
+
+  std::vector<sock_filter> compile() const {
+    // libseccomp writes a program to a descriptor only.
+    const std::unique_ptr<FILE, int (*)(FILE*)> file(std::tmpfile(), &std::fclose);
+    if (!file) throw std::system_error(errno, std::generic_category(), "tmpfile");
+    check(seccomp_export_bpf(context_.get(), fileno(file.get())), "seccomp_export_bpf");
+    std::rewind(file.get());
+    std::vector<sock_filter> instructions;
+    for (sock_filter instruction; std::fread(&instruction, sizeof instruction, 1, file.get()) == 1;) {
+      instructions.push_back(instruction);
+    }
+    return instructions;
+  }
+
+ private:
+  static void check(int result, const char* step) {
+    if (result != 0) throw std::system_error(-result, std::generic_category(), step);
+  }
+
+  struct Release {
+    void operator()(void* context) const { seccomp_release(context); }
+  };
+  std::unique_ptr<void, Release> context_;
+};
+
+/// The one weakening: what the sanitizers' runtimes need. Does nothing in any other build.
+void addRulesForSanitizers([[maybe_unused]] Policy& policy) {
+#if defined(ZELVO_SANITIZE)
+  // Shadow memory and bookkeeping: any anonymous memory, never executable.
+  constexpr Condition noCode = {.position = 2, .mask = PROT_EXEC, .value = 0};
+  constexpr Condition anonymous = {.position = 3, .mask = MAP_ANONYMOUS, .value = MAP_ANONYMOUS};
+  // The runtime finds out whether an object can be read by writing it into a pipe, whose ends are the only
+  // descriptors above the standard ones. A report goes to standard error.
+  constexpr int endOfThatPipe = STDERR_FILENO + 2;
+  policy.add(SCMP_ACT_ALLOW, {
+                                 {SCMP_SYS(mmap), {noCode, anonymous}},
+                                 {SCMP_SYS(madvise)},
+                                 {SCMP_SYS(sched_yield)},
+                                 {SCMP_SYS(gettid)},
+                                 {SCMP_SYS(getpid)},
+                                 {SCMP_SYS(sigaltstack)},
+                                 {SCMP_SYS(pipe2)},
+                                 {SCMP_SYS(close)},
+                                 {SCMP_SYS(write), {hasDescriptor(endOfThatPipe)}},
+                                 {SCMP_SYS(write), {hasDescriptor(STDERR_FILENO)}},
+                             });
+  // What the runtime asks about files, and its symbolizer, fail.
+  policy.add(SCMP_ACT_ERRNO(EACCES),
+             {{SCMP_SYS(open)}, {SCMP_SYS(stat)}, {SCMP_SYS(readlink)}, {SCMP_SYS(ioctl)}, {SCMP_SYS(fork)}});
+#endif
 }
 
 }  // namespace
 
-SystemCallPolicy SystemCallPolicy::answeringElse(int errorNumber) {
-  return SystemCallPolicy(SCMP_ACT_ERRNO(static_cast<unsigned>(errorNumber)));
+std::vector<sock_filter> compileStartingFilter() {
+  Policy policy(SCMP_ACT_ERRNO(refusedByUs));
+  policy.add(SCMP_ACT_ALLOW, rulesWhileWorking());
+  policy.add(SCMP_ACT_ALLOW, rulesUntilLimitsAreSet());
+  addRulesForSanitizers(policy);
+  return policy.compile();
 }
 
-SystemCallPolicy SystemCallPolicy::killingElse() {
-  return SystemCallPolicy(SCMP_ACT_KILL_PROCESS);
-}
-
-SystemCallPolicy::SystemCallPolicy(unsigned elseAction) : context_(seccomp_init(elseAction)) {
-  if (context_ == nullptr) {
-    complete_ = false;
-    return;
-  }
-  note(seccomp_attr_set(context_.get(), SCMP_FLTATR_ACT_BADARCH, SCMP_ACT_KILL_PROCESS));
-}
-
-SystemCallPolicy& SystemCallPolicy::allowReadingFrom(int descriptor) {
-  return note(addRule(context_.get(), SCMP_ACT_ALLOW, SCMP_SYS(read), {isDescriptor(descriptor)}));
-}
-
-SystemCallPolicy& SystemCallPolicy::allowWritingTo(int descriptor) {
-  return note(addRule(context_.get(), SCMP_ACT_ALLOW, SCMP_SYS(write), {isDescriptor(descriptor)}));
-}
-
-SystemCallPolicy& SystemCallPolicy::allowMemory() {
-  constexpr scmp_datum_t protections = PROT_READ | PROT_WRITE;
-  constexpr Argument noOtherProtection = {.position = 2, .mask = allBits & ~protections, .value = 0};
-  constexpr Argument privateAndAnonymous = {
-      .position = 3, .mask = allBits, .value = MAP_PRIVATE | MAP_ANONYMOUS};
-  constexpr Argument noFixedTarget = {
-      .position = 3, .mask = allBits & ~scmp_datum_t{MREMAP_MAYMOVE}, .value = 0};
-  // Other advice can poison pages or share them with other processes.
-  constexpr Argument notNeededNow = {.position = 2, .mask = intBits, .value = MADV_DONTNEED};
-
-  note(addRule(context_.get(), SCMP_ACT_ALLOW, SCMP_SYS(brk)));
-  note(addRule(context_.get(), SCMP_ACT_ALLOW, SCMP_SYS(mmap), {noOtherProtection, privateAndAnonymous}));
-  note(addRule(context_.get(), SCMP_ACT_ALLOW, SCMP_SYS(mprotect), {noOtherProtection}));
-  note(addRule(context_.get(), SCMP_ACT_ALLOW, SCMP_SYS(munmap)));
-  note(addRule(context_.get(), SCMP_ACT_ALLOW, SCMP_SYS(mremap), {noFixedTarget}));
-  return note(addRule(context_.get(), SCMP_ACT_ALLOW, SCMP_SYS(madvise), {notNeededNow}));
-}
-
-SystemCallPolicy& SystemCallPolicy::allowWaking() {
-  // `std::call_once` wakes unconditionally. Waiting is off the list: where there is one thread, it would be
-  // for ever.
-  constexpr Argument wake = {
-      .position = 1, .mask = intBits & ~scmp_datum_t{FUTEX_PRIVATE_FLAG}, .value = FUTEX_WAKE};
-  return note(addRule(context_.get(), SCMP_ACT_ALLOW, SCMP_SYS(futex), {wake}));
-}
-
-SystemCallPolicy& SystemCallPolicy::allowLeaving() {
-  return note(addRule(context_.get(), SCMP_ACT_ALLOW, SCMP_SYS(exit_group)));
-}
-
-SystemCallPolicy& SystemCallPolicy::allowLimits() {
-  constexpr Argument thisProcess = {.position = 0, .mask = intBits, .value = 0};
-  return note(addRule(context_.get(), SCMP_ACT_ALLOW, SCMP_SYS(prlimit64), {thisProcess}));
-}
-
-SystemCallPolicy& SystemCallPolicy::allowFilters() {
-  constexpr Argument filterMode = {.position = 0, .mask = intBits, .value = SECCOMP_SET_MODE_FILTER};
-  return note(addRule(context_.get(), SCMP_ACT_ALLOW, SCMP_SYS(seccomp), {filterMode}));
-}
-
-SystemCallPolicy& SystemCallPolicy::allowSanitizers() {
-#if defined(ZELVO_SANITIZE)
-  // The runtimes look up what they will need later.
-  __sanitizer_sandbox_arguments arguments = {};
-  __sanitizer_sandbox_on_notify(&arguments);
-  // Shadow memory and bookkeeping: any anonymous memory, never executable.
-  constexpr Argument noCode = {.position = 2, .mask = PROT_EXEC, .value = 0};
-  constexpr Argument anonymous = {.position = 3, .mask = MAP_ANONYMOUS, .value = MAP_ANONYMOUS};
-  note(addRule(context_.get(), SCMP_ACT_ALLOW, SCMP_SYS(mmap), {noCode, anonymous}));
-  for (const int systemCall : {SCMP_SYS(madvise), SCMP_SYS(sched_yield), SCMP_SYS(gettid), SCMP_SYS(getpid),
-                               SCMP_SYS(sigaltstack)}) {
-    note(addRule(context_.get(), SCMP_ACT_ALLOW, systemCall));
-  }
-  // Whether an object can be read is found out by writing it into a pipe, the only descriptors above the
-  // standard ones.
-  constexpr int endOfThatPipe = STDERR_FILENO + 2;
-  note(addRule(context_.get(), SCMP_ACT_ALLOW, SCMP_SYS(pipe2)));
-  note(addRule(context_.get(), SCMP_ACT_ALLOW, SCMP_SYS(close)));
-  allowWritingTo(endOfThatPipe);
-  // A report goes to standard error. What it would like to know of files, it is told that it cannot.
-  allowWritingTo(STDERR_FILENO);
-  for (const int systemCall :
-       {SCMP_SYS(open), SCMP_SYS(stat), SCMP_SYS(readlink), SCMP_SYS(ioctl), SCMP_SYS(fork)}) {
-    note(addRule(context_.get(), SCMP_ACT_ERRNO(EACCES), systemCall));
-  }
-#endif
-  return *this;
-}
-
-SystemCallPolicy& SystemCallPolicy::markWith(int errorNumber) {
-  return note(addRule(context_.get(), SCMP_ACT_ERRNO(static_cast<unsigned>(errorNumber)), SCMP_SYS(read),
-                      {isDescriptor(-1)}));
-}
-
-std::optional<SystemCallFilter> SystemCallPolicy::compile() const {
-  if (!complete_) return std::nullopt;
-  // libseccomp hands a program out through a descriptor only.
-  const Descriptor file(memfd_create("filter", MFD_CLOEXEC));
-  if (!file || seccomp_export_bpf(context_.get(), file.number()) != 0) return std::nullopt;
-  const off_t bytes = lseek(file.number(), 0, SEEK_CUR);
-  if (bytes <= 0) return std::nullopt;
-  std::vector<sock_filter> instructions(static_cast<std::size_t>(bytes) / sizeof(sock_filter));
-  if (pread(file.number(), instructions.data(), static_cast<std::size_t>(bytes), 0) != bytes)
-    return std::nullopt;
-  return SystemCallFilter(std::move(instructions));
-}
-
-SystemCallPolicy& SystemCallPolicy::note(int result) {
-  if (result == -ENOMEM) throw std::bad_alloc();
-  if (result != 0) complete_ = false;
-  return *this;
-}
-
-void SystemCallPolicy::Release::operator()(void* context) const {
-  seccomp_release(context);
-}
-
-bool SystemCallFilter::load() const {
-  // The kernel copies the program and never writes to it. A filter has at most 4096 instructions.
-  const sock_fprog program = {static_cast<unsigned short>(instructions_.size()),
-                              const_cast<sock_filter*>(instructions_.data())};
-  return ::syscall(SYS_seccomp, SECCOMP_SET_MODE_FILTER, SECCOMP_FILTER_FLAG_TSYNC, &program) == 0;
+std::vector<sock_filter> compileWorkingFilter() {
+  Policy policy(SCMP_ACT_KILL_PROCESS);
+  policy.add(SCMP_ACT_ALLOW, rulesWhileWorking());
+  policy.add(SCMP_ACT_ERRNO(markOfWorkingFilter), {{SCMP_SYS(read), {hasDescriptor(-1)}}});
+  addRulesForSanitizers(policy);
+  return policy.compile();
 }
 
 }  // namespace zelvo

@@ -1,22 +1,26 @@
 # Warnings, hardening and the sanitizers, for every target of the project.
 
 add_library(zelvo_flags INTERFACE)
+add_library(zelvo_warnings INTERFACE)  # alone: for programs that run while the project is built
+target_link_libraries(zelvo_flags INTERFACE zelvo_warnings)
 
-target_compile_features(zelvo_flags INTERFACE cxx_std_20)
+target_compile_features(zelvo_warnings INTERFACE cxx_std_20)
 set(CMAKE_CXX_EXTENSIONS OFF)
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 
-target_compile_options(zelvo_flags INTERFACE
+target_compile_options(zelvo_warnings INTERFACE
   -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Wnon-virtual-dtor -Wold-style-cast -Wimplicit-fallthrough -Werror
   # Designated initializers leave the other fields at their defaults on purpose.
   -Wno-missing-field-initializers
+)
+target_compile_options(zelvo_flags INTERFACE
   -fstack-protector-strong
   # A fused multiply-add would give other bytes on other machines: row heights are sums of doubles.
   -ffp-contract=off
 )
 if(CMAKE_CXX_COMPILER_ID STREQUAL GNU)
   # GCC 12 takes the assignment of a literal to a string for an overlap where it inlines much.
-  target_compile_options(zelvo_flags INTERFACE -Wno-restrict)
+  target_compile_options(zelvo_warnings INTERFACE -Wno-restrict)
 endif()
 target_compile_definitions(zelvo_flags INTERFACE _GLIBCXX_ASSERTIONS)
 

@@ -49,7 +49,6 @@ int answer(const Work& work) {
 
 int confineAndAnswer(const Work& work) noexcept {
   try {
-    warmUpUnwinder();
     if (!confineThisProcess()) return exitStatus::notConfined;
     return answer(work);
   } catch (const std::exception&) {

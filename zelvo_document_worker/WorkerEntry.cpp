@@ -1,8 +1,8 @@
 #include "zelvo_document_worker/WorkerEntry.hpp"
 
-#include <array>
 #include <cstddef>
 #include <exception>
+#include <memory>
 #include <optional>
 #include <string>
 #include <utility>
@@ -26,13 +26,14 @@ std::optional<std::string> readRequest(Input& input) {
   // Room for the largest request, of which only the pages that are written ever become resident: nothing is
   // copied for growth.
   request.reserve(maximumMessageBytes);
-  std::array<char, readChunkBytes> chunk;
+  // Not on the stack, whose limit a parent may have set to as little as 64 KiB.
+  const auto chunk = std::make_unique_for_overwrite<char[]>(readChunkBytes);
   while (true) {
-    const std::optional<std::size_t> count = input.read(chunk);
+    const std::optional<std::size_t> count = input.read({chunk.get(), readChunkBytes});
     if (!count) return std::nullopt;
     if (*count == 0) return request;
     if (*count > maximumMessageBytes - request.size()) return std::nullopt;
-    request.append(chunk.data(), *count);
+    request.append(chunk.get(), *count);
   }
 }
 

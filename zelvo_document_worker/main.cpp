@@ -11,7 +11,6 @@ namespace {
 
 int confineAndRun() {
   try {
-    warmUpUnwinder();
     const Confinement confinement = enterConfinement();
     StandardInput input;
     StandardOutput output;

@@ -58,9 +58,10 @@ TEST(DocumentWorkerHost, NamesEveryWayInWhichAWorkerBreaks) {
       {"exit 3", Kind::unknownStatus, "The worker ended with the unknown status 3. (fake worker: exit)"},
       {"signal 24", Kind::cpuTimeUsedUp, "The worker used up its processor time."},
       {"signal 9", Kind::killed, "The worker was killed (SIGKILL). Memory may have run out."},
-      {"signal 31", Kind::brokenInvariant,
-       "The worker was stopped at a system call that it never makes (SIGSYS). "
-       "This is a defect or an attack; the confinement held."},
+      {"signal 31", Kind::killedBeforeReading,
+       "The worker was killed by a seccomp filter (SIGSYS) before it read the request. The likely cause is "
+       "an "
+       "outer filter, of a service manager or a container, that kills instead of returning an error."},
       {"signal 11", Kind::crashed, "The worker crashed (signal 11)."},
       {"hang", Kind::timedOut, "The worker did not end in time and was stopped."},
       {"flood", Kind::responseTooLarge, "The worker wrote more than the largest response and was stopped."},
@@ -79,12 +80,14 @@ TEST(DocumentWorkerHost, NamesEveryWayInWhichAWorkerBreaks) {
 }
 
 // What cannot be staged cheaply with a real process.
-TEST(WorkerFailure, TellsTheLimitOfProcessorTimeFromOtherKills) {
+TEST(WorkerFailure, TellsTheCausesOfASignalApart) {
   using enum ChildOutcome;
   const std::pair<ChildResult, Kind> rows[] = {
       {{.outcome = killed, .code = SIGKILL, .cpuTime = 1s}, Kind::killed},
-      {{.outcome = killed, .code = SIGKILL, .cpuTime = 42s}, Kind::killed},
-      {{.outcome = killed, .code = SIGKILL, .cpuTime = 44'900ms}, Kind::cpuTimeUsedUp},
+      {{.outcome = killed, .code = SIGKILL, .cpuTime = 34s}, Kind::killed},
+      {{.outcome = killed, .code = SIGKILL, .cpuTime = 41s}, Kind::cpuTimeUsedUp},
+      {{.outcome = killed, .code = SIGSYS, .inputBytesRead = 1}, Kind::brokenInvariant},
+      {{.outcome = killed, .code = SIGSYS}, Kind::brokenInvariant},
       {{.outcome = killed, .code = SIGSEGV, .cpuTime = 45s}, Kind::crashed},
       {{.outcome = failed, .code = EMFILE}, Kind::notRun},
   };
@@ -94,6 +97,14 @@ TEST(WorkerFailure, TellsTheLimitOfProcessorTimeFromOtherKills) {
     EXPECT_EQ(failure->kind, expected) << failure->message();
   }
   EXPECT_FALSE(WorkerFailure::of({.outcome = exited, .code = 0}, "/worker"));
+}
+
+TEST(WorkerFailure, NamesAnOuterFilterThatKillsTheWorkerAtItsStart) {
+  for (const std::size_t size : {100U, 5'000'000U}) {
+    const ChildResult result = runChildProcess({HOSTILE_PARENT, {"ptrace-kills", REAL_WORKER}},
+                                               std::string(size, ' '), {.outputBytes = 1, .wallClock = 60s});
+    EXPECT_EQ(WorkerFailure::of(result, "")->kind, Kind::killedBeforeReading) << size;
+  }
 }
 
 TEST(DocumentWorkerHost, SaysThatThereIsNoWorker) {

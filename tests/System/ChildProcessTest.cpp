@@ -72,6 +72,8 @@ TEST(ChildProcess, writesAndReadsAtOnce) {
   const ChildResult copied = runShell("cat", input);
   EXPECT_EQ(copied.outcome, ChildOutcome::exited);
   EXPECT_TRUE(copied.output == input) << copied.output.size() << " of " << input.size() << " bytes came back";
+  EXPECT_EQ(copied.inputBytesRead, input.size());
+  EXPECT_EQ(runShell("head -c 7 >/dev/null; kill -SYS $$", input).inputBytesRead, 7U);
 
   const ChildResult slow = runShell("sleep 0.2; wc -c; sleep 0.2; echo late", input);
   EXPECT_EQ(slow.output, std::to_string(input.size()) + "\nlate\n");
@@ -79,6 +81,7 @@ TEST(ChildProcess, writesAndReadsAtOnce) {
   const ChildResult unread = runShell("exec <&-; echo unread", input);
   EXPECT_EQ(unread.outcome, ChildOutcome::exited);
   EXPECT_EQ(unread.output, "unread\n");
+  EXPECT_EQ(unread.inputBytesRead, 0U);
 }
 
 TEST(ChildProcess, keepsTheStartOfAFloodOnStandardError) {

@@ -12,8 +12,9 @@
 
 #include "System/ChildProcess.hpp"
 #include "System/Confinement.hpp"
-#include "System/EntitlementProbes.hpp"
 #include "System/ForeignFilter.hpp"
+#include "System/SandboxProbes.hpp"
+#include "System/SystemCallFilters.hpp"
 #include "System/SystemCallTrace.hpp"
 #include "System/forbidden/Acts.hpp"
 
@@ -78,7 +79,7 @@ TEST(Confinement, noticesASealThatIsOnlyPretended) {
   }));
 }
 
-TEST(EntitlementProbes, takeNobodyElsesAnswersForOurs) {
+TEST(SandboxProbes, rejectErrorNumbersOfOtherFilters) {
   constexpr std::string_view keys[] = {entitlement::appSandbox,        entitlement::networkClient,
                                        entitlement::networkServer,     entitlement::inherit,
                                        entitlement::userSelectedFiles, entitlement::appleEvents};
@@ -94,7 +95,7 @@ TEST(EntitlementProbes, takeNobodyElsesAnswersForOurs) {
   }
 }
 
-TEST(EntitlementProbes, ourAnswerStandsAboveOneThatPretends) {
+TEST(SandboxProbes, seeOurFilterAboveOneThatPretends) {
   EXPECT_TRUE(holdsInChild([] {
     if (!testing::loadForeignFilter({{SYS_openat, 0}, {SYS_connect, 0}, {SYS_kill, EPERM}})) return false;
     const Confinement confinement = enterConfinement();
@@ -104,7 +105,7 @@ TEST(EntitlementProbes, ourAnswerStandsAboveOneThatPretends) {
   }));
 }
 
-TEST(EntitlementProbes, findOutWhoeverImitatesOurAnswers) {
+TEST(SandboxProbes, detectAnInheritedFilterThatImitatesOurs) {
   EXPECT_TRUE(holdsInChild([] {
     if (!testing::loadForeignFilter({{SYS_connect, refusedByUs}})) return false;
     const Confinement confinement = enterConfinement();

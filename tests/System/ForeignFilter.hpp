@@ -22,6 +22,7 @@ struct ForeignAnswer {
     std::uint32_t value;
   };
   std::optional<Condition> condition = {};
+  bool kills = false;  ///< kills the process instead, by SIGSYS
 };
 
 /// Loads a filter that gives these answers and allows everything else; written by hand, so that it shares
@@ -41,7 +42,8 @@ inline bool loadForeignFilter(const std::vector<ForeignAnswer>& answers) {
       program.push_back({load, 0, 0, static_cast<std::uint32_t>(argument)});
       program.push_back({jumpIfEqual, 0, 1, answer.condition->value});
     }
-    program.push_back({end, 0, 0, SECCOMP_RET_ERRNO | answer.errorNumber});
+    program.push_back(
+        {end, 0, 0, answer.kills ? SECCOMP_RET_KILL_PROCESS : SECCOMP_RET_ERRNO | answer.errorNumber});
   }
   program.push_back({end, 0, 0, SECCOMP_RET_ALLOW});
   const sock_fprog loaded = {static_cast<unsigned short>(program.size()), program.data()};

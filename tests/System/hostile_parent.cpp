@@ -1,8 +1,9 @@
 // hostile_parent MODE COMMAND [ARGUMENT...]
 //
 // Loads a filter that keeps a system call from doing its work, and becomes the command. MODE is the call
-// (seccomp, prlimit, setrlimit, prctl; the middle ones are the same), then "-fails" (it fails with EPERM) or
-// "-pretends" (it returns success and does nothing). What this program cannot do ends with status 2.
+// (seccomp, prlimit, prctl), then "-fails" (it fails with EPERM) or "-pretends" (it returns success and does
+// nothing); or "ptrace-kills": the process is killed at that call. What this program cannot do ends with
+// status 2.
 
 #include <cerrno>
 #include <cstdio>
@@ -29,7 +30,7 @@ std::vector<ForeignAnswer> limitCalls(unsigned errorNumber) {
 std::vector<ForeignAnswer> answersTo(const std::string& call, unsigned errorNumber) {
   if (call == "seccomp") return {{SYS_seccomp, errorNumber, {{0, SECCOMP_SET_MODE_FILTER}}}};
   if (call == "prctl") return {{SYS_prctl, errorNumber}};
-  if (call == "prlimit" || call == "setrlimit") return limitCalls(errorNumber);
+  if (call == "prlimit") return limitCalls(errorNumber);
   return {};
 }
 
@@ -41,8 +42,11 @@ int main(int count, char** arguments) {
   const std::string mode = arguments[1];
   const auto dash = mode.find('-');
   const std::string answer = dash == std::string::npos ? "" : mode.substr(dash);
-  if (answer != "-fails" && answer != "-pretends") return usageError;
-  const auto answers = answersTo(mode.substr(0, dash), answer == "-fails" ? EPERM : 0);
+  auto answers = answersTo(mode.substr(0, dash), answer == "-fails" ? EPERM : 0);
+  if (mode == "ptrace-kills")
+    answers = {{SYS_ptrace, 0, {}, true}};
+  else if (answer != "-fails" && answer != "-pretends")
+    return usageError;
   if (answers.empty()) return usageError;
   if (zelvo::testing::loadForeignFilter(answers)) execv(arguments[2], arguments + 2);
   std::perror(arguments[2]);

@@ -80,11 +80,8 @@ TEST(InspectCommand, GoesOnAfterAFileThatFails) {
 }
 
 TEST(InspectCommand, NamesAWorkerThatBreaks) {
-  const DisplacedTool broken("signal 31");
-  const ToolRun stopped = failure(
-      3,
-      "The worker was stopped at a system call that it never makes (SIGSYS). This is a defect or an attack; "
-      "the confinement held.");
+  const DisplacedTool broken("signal 11");
+  const ToolRun stopped = failure(3, "The worker crashed (signal 11).");
   EXPECT_EQ(broken.run({"inspect", book}), stopped);
   // The highest status counts, wherever it came.
   const auto absence = failure(1, "The file cannot be read: absent.xlsx: No such file or directory").errors;

@@ -149,6 +149,37 @@ TEST(WorkerProcess, OptionsAndEnvironmentAreIgnored) {
             smallResponse);
 }
 
+TEST(WorkerProcess, AnswersUnderLimitsAndTunablesOfAParent) {
+  DocumentWorkerRequest creation = exampleRequest(Operation::create);
+  creation.format = DocumentFormat::pptx;
+  const std::string requests[] = {toJson(exampleRequest(Operation::inspect)), toJson(creation)};
+  // Who may raise a hard limit may set a lower ceiling of processor time to the worker's 45 seconds.
+  const int underLowerCeiling = runShell("prlimit --cpu=44 prlimit --cpu=45 true", "").code == 0 ? 0 : 78;
+  const std::pair<std::string, int> rows[] = {
+    {"prlimit --fsize=0", 0},
+    {"prlimit --fsize=100", 0},
+    {"prlimit --nproc=0", 0},
+    {"prlimit --cpu=45", 0},
+    {"prlimit --cpu=44", underLowerCeiling},
+    {"env GLIBC_TUNABLES=glibc.malloc.hugetlb=1", 0},
+    {"env GLIBC_TUNABLES=glibc.malloc.hugetlb=2", 0},
+#if !defined(ZELVO_SANITIZE)  // whose runtime needs more
+    {"prlimit --stack=65536", 0},
+    {"prlimit --data=33554432", 65},  // less than is reserved for a request
+#endif
+#if defined(STATIC_WORKER)  // whose start opens no library
+    {"prlimit --nofile=0", 0},
+#endif
+  };
+  for (const std::string& request : requests) {
+    const std::string answer = runWorkerProcess(request).output;
+    for (const auto& [start, status] : rows) {
+      SCOPED_TRACE(start);
+      expectEnd(runShell(start + R"( "$0")", request), status, status == 0 ? answer : "");
+    }
+  }
+}
+
 TEST(WorkerProcess, AParentCannotTalkItOutOfItsConfinement) {
   for (const std::string mode : {"seccomp-fails", "seccomp-pretends", "prlimit-fails", "prlimit-pretends",
                                  "prctl-fails", "prctl-pretends"}) {

@@ -92,7 +92,6 @@ std::string notRefused() {
 
 int main(int count, char** arguments) {
   const std::string_view act = count > 1 ? arguments[1] : "";
-  zelvo::warmUpUnwinder();
   const zelvo::Confinement confinement = zelvo::enterConfinement();
   if (!isSandboxed(*confinement.entitlements) || !applyLimits(*confinement.limits)) _exit(notConfined);
   if (act == "refused") _exit(zelvo::StandardOutput().write(notRefused()) ? 0 : 1);

@@ -4,7 +4,6 @@
 #include <type_traits>
 
 #include "System/Confinement.hpp"
-#include "System/StandardStreams.hpp"
 
 namespace zelvo {
 namespace {
@@ -50,11 +49,11 @@ class ProcessLimits final : public Limits {
 }  // namespace
 
 Confinement enterConfinement() {
-  const bool isReady = ignoreSignalsOfWriting();
+  const std::string_view failure = prepareForConfinement();
   return {
-      .entitlements = std::make_unique<TaskEntitlementReader>(isReady),
+      .entitlements = std::make_unique<TaskEntitlementReader>(failure.empty()),
       .limits = std::make_unique<ProcessLimits>(),
-      .failure = isReady ? "" : "signals cannot be ignored",
+      .failure = failure,
   };
 }
 

@@ -1,4 +1,4 @@
-#include "System/EntitlementProbes.hpp"
+#include "System/SandboxProbes.hpp"
 
 #include <algorithm>
 #include <array>
@@ -12,6 +12,7 @@
 #include <unistd.h>
 
 #include "System/EntitlementReader.hpp"
+#include "System/SystemCallFilters.hpp"
 
 namespace zelvo {
 namespace {
@@ -36,8 +37,8 @@ constexpr long oddAddress = 1;
 /// Shared signal handlers without shared memory: the kernel refuses the combination.
 constexpr long impossibleClone = CLONE_SIGHAND;
 
-// Only calls that ordinary services make, `ptrace` apart: hosts that kill on the exotic ones can still run
-// us.
+// Only calls that ordinary services make, `ptrace` and `io_uring_setup` apart, so that most filters of
+// service managers, which kill at the rarer ones, let the worker run.
 constexpr Probe probes[] = {
     // Leaving the sandbox: reaching the file system, becoming or making another program, making code.
     {entitlement::appSandbox, SYS_openat, {noDescriptor, noAddress, O_RDONLY}},
