@@ -34,6 +34,9 @@ class WorkbookReader {
   /// "number format"; what the package gate throws; and `Cancelled`.
   WorkbookReader(ByteBuffer data, std::string_view sourceName, const std::stop_token& stop = {});
 
+  /// The same for bytes that the caller keeps.
+  WorkbookReader(ByteView data, std::string_view sourceName, const std::stop_token& stop = {});
+
   /// The last path component of the name that the caller gave.
   const std::string& sourceName() const { return sourceName_; }
   const std::string& sourceSHA256() const { return sourceSHA256_; }
@@ -61,7 +64,9 @@ class WorkbookReader {
 
   struct PassedParts;
 
-  PassedParts readParts(ByteBuffer data, const std::stop_token& stop);
+  void identify(ByteView data, std::string_view sourceName);
+  void open(PartMap parts, const std::stop_token& stop);
+  PassedParts vetParts(PartMap parts, const std::stop_token& stop);
   /// Throws "missing worksheet" or "worksheet type".
   const WorksheetPart& partOf(const Sheet& sheet) const;
 
