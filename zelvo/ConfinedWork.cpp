@@ -5,6 +5,10 @@
 #include <new>
 #include <utility>
 
+#if defined(__GLIBC__)
+#include <malloc.h>
+#endif
+
 #include "DocumentWorkerHost/WorkerFailure.hpp"
 #include "DocumentWorkerProtocol/WorkerExitStatus.hpp"
 #include "System/Confinement.hpp"
@@ -26,6 +30,15 @@ bool confineThisProcess() {
   return confineForWork(*confinement.entitlements, *confinement.limits);
 }
 
+/// Blocks of this size and more are returned to the system when they are freed. The allocator would raise its
+/// own threshold to the largest block freed, and then keep what the parts of a document took.
+void returnLargeBlocks() {
+#if defined(__GLIBC__)
+  constexpr int largeBlockBytes = 1 << 20;
+  static_cast<void>(mallopt(M_MMAP_THRESHOLD, largeBlockBytes));
+#endif
+}
+
 /// Writes the result, or the refusal, and gives the status to end with.
 int answer(const std::function<std::string()>& work) {
   StandardOutput output;
@@ -45,6 +58,7 @@ int answer(const std::function<std::string()>& work) {
 int confineAndAnswer(const std::function<std::string()>& work) noexcept {
   try {
     warmUpUnwinder();
+    returnLargeBlocks();
     if (!confineThisProcess()) return exitStatus::notConfined;
     return answer(work);
   } catch (const std::exception&) {
