@@ -46,7 +46,7 @@ void checkBindings(const ResearchPresentation& deck) {
   ZELVO_REQUIRE(bindings.size() == chartSlides);
   for (const auto& binding : bindings) {
     ZELVO_REQUIRE(binding.partNumber >= 1 && binding.partNumber <= 4);
-    ZELVO_REQUIRE(binding.cells.size() == binding.dataset.rows.size());
+    ZELVO_REQUIRE(binding.cells->size() == binding.dataset->rows.size());
     for (const auto& other : bindings)
       ZELVO_REQUIRE((other.partNumber == binding.partNumber) == (other.reference == binding.reference));
   }

@@ -8,7 +8,7 @@ namespace zelvo {
 Complaint complaintOf(const WorkerFailure& failure, const std::string& subject) {
   using enum WorkerFailure::Kind;
   std::string message = failure.message(subject);
-  if (failure.kind == notConfined) {
+  if (failure.kind == notConfined || failure.kind == killedBeforeReading) {
     const std::string explanation = explainConfinementFailure();
     if (!explanation.empty()) message += " " + explanation;
   }

@@ -4,6 +4,10 @@
 #include <new>
 #include <utility>
 
+#if defined(__GLIBC__)
+#include <malloc.h>
+#endif
+
 #include "DocumentWorkerHost/DocumentWorkerHost.hpp"
 #include "DocumentWorkerProtocol/WorkerExitStatus.hpp"
 #include "System/Confinement.hpp"
@@ -23,6 +27,15 @@ constexpr const char* childName = "The tool's confined child process";
 bool confineThisProcess() {
   const Confinement confinement = enterConfinement();
   return confineForWork(*confinement.entitlements, *confinement.limits);
+}
+
+/// Blocks of this size and more are returned to the system when they are freed. The allocator would raise its
+/// own threshold to the largest block freed, and then keep what the parts of a document took.
+void returnLargeBlocks() {
+#if defined(__GLIBC__)
+  constexpr int largeBlockBytes = 1 << 20;
+  static_cast<void>(mallopt(M_MMAP_THRESHOLD, largeBlockBytes));
+#endif
 }
 
 std::variant<std::string, Complaint> resultOf(const Work& work) {
@@ -49,6 +62,7 @@ int answer(const Work& work) {
 
 int confineAndAnswer(const Work& work) noexcept {
   try {
+    returnLargeBlocks();
     if (!confineThisProcess()) return exitStatus::notConfined;
     return answer(work);
   } catch (const std::exception&) {

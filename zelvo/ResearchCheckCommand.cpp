@@ -28,10 +28,10 @@ void encode(JsonWriter& writer, const CheckedDataset& checked) {
   writer.endObject();
 }
 
-std::string checked(const ResearchInput& input, bool requiresChart) {
+std::string checked(ResearchInput& input, bool requiresChart) {
   CheckedDataset result;
   result.dataset =
-      ResearchSpreadsheet::decode(input.text, requiresChart, input.allowedSources, input.sourceScope());
+      ResearchSpreadsheet::decode(input.text, requiresChart, input.allowedSources, input.takeSourceScope());
   result.calculations = ResearchFormulaEvaluator::resolve(result.dataset);
   result.cells = result.dataset.cellsWith(result.calculations);
   JsonWriter writer;
@@ -42,7 +42,7 @@ std::string checked(const ResearchInput& input, bool requiresChart) {
 }  // namespace
 
 ExitStatus researchCheck(const ResearchCheckArguments& arguments) {
-  const auto input = readResearchInput(arguments.dataset, arguments.sources);
+  auto input = readResearchInput(arguments.dataset, arguments.sources);
   if (const auto* complaint = std::get_if<Complaint>(&input)) return complain(*complaint);
 
   const auto answer =

@@ -24,9 +24,15 @@ std::variant<std::string, Complaint> readText(const std::string& path) {
   return std::string(document.data.text());
 }
 
-std::optional<ResearchSourceScope> ResearchInput::sourceScope() const {
-  if (!scopeText) return std::nullopt;
-  return researchSourceScopeFromJson(*scopeText);
+std::variant<HostFile, Complaint> readHostFile(const std::string& path) {
+  auto text = readText(path);
+  if (auto* complaint = std::get_if<Complaint>(&text)) return std::move(*complaint);
+  return HostFile{path, std::move(*std::get_if<std::string>(&text))};
+}
+
+std::optional<ResearchSourceScope> ResearchInput::takeSourceScope() {
+  if (!scopeFile) return std::nullopt;
+  return scopeFile->decoded(researchSourceScopeFromJson);
 }
 
 std::variant<ResearchInput, Complaint> readResearchInput(const std::string& path,
@@ -38,9 +44,9 @@ std::variant<ResearchInput, Complaint> readResearchInput(const std::string& path
 
   if (sources.noSources || !sources.sources.empty()) input.allowedSources = sources.sources;
   if (sources.scopeFile.empty()) return input;
-  auto scope = readText(sources.scopeFile);
+  auto scope = readHostFile(sources.scopeFile);
   if (auto* complaint = std::get_if<Complaint>(&scope)) return std::move(*complaint);
-  input.scopeText = std::move(*std::get_if<std::string>(&scope));
+  input.scopeFile = std::move(*std::get_if<HostFile>(&scope));
   return input;
 }
 

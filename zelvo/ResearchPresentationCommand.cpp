@@ -6,9 +6,8 @@
 #include <variant>
 #include <vector>
 
+#include "DocumentRuntime/Research/HostDatasets.hpp"
 #include "DocumentRuntime/Research/PresentationRendererVersion.hpp"
-#include "DocumentRuntime/Research/ResearchPresentationCoding.hpp"
-#include "DocumentRuntime/Research/ResearchSpreadsheetCoding.hpp"
 #include "zelvo/ConfinedWork.hpp"
 #include "zelvo/Console.hpp"
 #include "zelvo/DocumentOutput.hpp"
@@ -21,7 +20,7 @@ using Dataset = ResearchPresentation::Dataset;
 
 struct DeckInput {
   ResearchInput deck;
-  std::string hostData;  ///< the dataset or datasets that came beside it
+  HostFile data;  ///< the dataset or datasets, where there are any
 };
 
 std::variant<DeckInput, Complaint> readDeckInput(const ResearchPresentationArguments& arguments) {
@@ -31,9 +30,9 @@ std::variant<DeckInput, Complaint> readDeckInput(const ResearchPresentationArgum
 
   const std::string& file = arguments.dataset.empty() ? arguments.datasets : arguments.dataset;
   if (file.empty()) return input;
-  auto data = readText(file);
+  auto data = readHostFile(file);
   if (auto* complaint = std::get_if<Complaint>(&data)) return std::move(*complaint);
-  input.hostData = std::move(*std::get_if<std::string>(&data));
+  input.data = std::move(*std::get_if<HostFile>(&data));
   return input;
 }
 
@@ -53,28 +52,33 @@ struct Deck {
   std::optional<ResearchSourceScope> sourceScope;
 };
 
-Deck decoded(const DeckInput& input, const ResearchPresentationArguments& arguments) {
-  const auto& [text, allowedSources, scopeText] = input.deck;
-  const auto scope = input.deck.sourceScope();
+/// Gives up the texts of the host's files.
+Deck decoded(DeckInput& input, const ResearchPresentationArguments& arguments) {
+  Deck deck;
+  deck.sourceScope = input.deck.takeSourceScope();
+  const auto& [text, allowedSources, scopeFile] = input.deck;
   if (!arguments.datasets.empty()) {
-    const auto datasets = fromJson<std::vector<Dataset>>(input.hostData);
-    return {
-        ResearchPresentation::decode(text, allowedSources, datasets, allowedIDs(arguments, datasets), scope),
-        scope};
+    auto datasets = input.data.decoded(hostDatasetsFromJson);
+    const auto allowed = allowedIDs(arguments, datasets);
+    deck.presentation =
+        ResearchPresentation::decode(text, allowedSources, std::move(datasets), allowed, deck.sourceScope);
+    return deck;
   }
   std::optional<ResearchSpreadsheet> dataset;
-  if (!arguments.dataset.empty()) dataset = fromJson<ResearchSpreadsheet>(input.hostData);
-  return {ResearchPresentation::decode(text, allowedSources, dataset, scope), scope};
+  if (!arguments.dataset.empty()) dataset = input.data.decoded(hostDatasetFromJson);
+  deck.presentation =
+      ResearchPresentation::decode(text, allowedSources, std::move(dataset), deck.sourceScope);
+  return deck;
 }
 
-ExitStatus printEncoding(const DeckInput& input, const ResearchPresentationArguments& arguments) {
+ExitStatus printEncoding(DeckInput& input, const ResearchPresentationArguments& arguments) {
   const auto answer = runConfined([&] { return decoded(input, arguments).presentation.encoded() + "\n"; });
   if (const auto* complaint = std::get_if<Complaint>(&answer)) return complain(*complaint);
   Console::printJson(*std::get_if<std::string>(&answer));
   return ExitStatus::success;
 }
 
-ExitStatus deliver(const DeckInput& input, const ResearchPresentationArguments& arguments) {
+ExitStatus deliver(DeckInput& input, const ResearchPresentationArguments& arguments) {
   return DocumentOutput::deliverAuthored(arguments.output, "PowerPoint presentation", [&] {
     const Deck deck = decoded(input, arguments);
     return ResearchPresentation::make(deck.presentation, PresentationRendererVersion::newest,
@@ -86,9 +90,9 @@ ExitStatus deliver(const DeckInput& input, const ResearchPresentationArguments& 
 
 ExitStatus researchPresentation(const ResearchPresentationArguments& arguments) {
   if (const auto complaint = DocumentOutput::check(arguments.output)) return complain(*complaint);
-  const auto read = readDeckInput(arguments);
+  auto read = readDeckInput(arguments);
   if (const auto* complaint = std::get_if<Complaint>(&read)) return complain(*complaint);
-  const DeckInput& input = *std::get_if<DeckInput>(&read);
+  DeckInput& input = *std::get_if<DeckInput>(&read);
   return arguments.output.empty() ? printEncoding(input, arguments) : deliver(input, arguments);
 }
 

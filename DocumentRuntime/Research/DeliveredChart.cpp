@@ -35,8 +35,8 @@ struct ChartColumn {
 
 ChartColumn columnOf(const Binding& binding, std::int64_t index) {
   const auto column = static_cast<std::size_t>(index);
-  ChartColumn data{.name = ResearchChartAuthor::seriesName(binding.dataset.columns[column]), .cells = {}};
-  for (const auto& row : binding.cells)
+  ChartColumn data{.name = ResearchChartAuthor::seriesName(binding.dataset->columns[column]), .cells = {}};
+  for (const auto& row : *binding.cells)
     data.cells.push_back(row[column]);
   return data;
 }
@@ -109,7 +109,7 @@ void verifyCell(const SourceCell& found, const Cell& wanted) {
 /// The sheet holds the chart's columns and nothing else: what the chart does not show is nobody's to see.
 void verifyWorkbook(const ByteBuffer& workbook, const std::vector<ChartColumn>& columns,
                     const std::stop_token& stop) {
-  const WorkbookReader reader(ByteBuffer::copyOf(workbook.view()), "chart-data.xlsx", stop);
+  const WorkbookReader reader(workbook.view(), "chart-data.xlsx", stop);
   const CellRange range{.first = {},
                         .last = {.column = static_cast<std::int64_t>(columns.size()),
                                  .row = static_cast<std::int64_t>(columns.front().cells.size()) + 1}};

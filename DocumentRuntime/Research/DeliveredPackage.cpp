@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "DocumentRuntime/PackageIO/BoundedXML.hpp"
 #include "DocumentRuntime/PackageIO/OOXMLSupport.hpp"
 #include "DocumentRuntime/Workbook/WorkbookStructure.hpp"
 
@@ -10,62 +11,73 @@ namespace {
 
 constexpr const char* presentationName = "ppt/presentation.xml";
 
-/// Where the relationships of a part stand.
+/// Where the relationships of a part are stored.
 std::string relationshipsOf(const std::string& name) {
   const std::size_t file = name.rfind('/') + 1;
   return name.substr(0, file) + "_rels/" + name.substr(file) + ".rels";
 }
 
+std::string_view relationshipID(XMLNode node) {
+  return node.attribute("r:id").value_or("");
+}
+
 }  // namespace
 
 DeliveredPackage::DeliveredPackage(ByteView deck, const std::stop_token& stop)
-    : parts_(OOXML::package(
-          deck, {.researchChartWorkbooks = true},
-          [this](std::string_view name, XMLTree& tree) { trees_.emplace(name, std::move(tree)); }, stop)) {
-  const auto presentation = root(presentationName);
-  const auto list = presentation ? presentation->child("sldIdLst") : std::nullopt;
+    : parts_(OOXML::package(deck, {.researchChartWorkbooks = true}, {}, stop)) {
+  const auto presentation = parsed(presentationName);
+  const auto list = presentation ? presentation->root().child("sldIdLst") : std::nullopt;
   if (!list) return;
-  for (const XMLNode entry : list->all("sldId")) {
-    const auto name = related(presentationName, entry.attribute("r:id").value_or(""));
-    const auto slide = name ? root(*name) : std::nullopt;
-    if (!slide) continue;
-    slideNames_.push_back(*name);
-    slides_.push_back(*slide);
+  std::vector<std::string_view> identifiers;
+  for (const XMLNode entry : list->all("sldId"))
+    identifiers.push_back(relationshipID(entry));
+  for (auto& name : related(presentationName, identifiers)) {
+    if (name && parts_.contains(*name)) slideNames_.push_back(*std::move(name));
   }
 }
 
-std::optional<XMLNode> DeliveredPackage::root(std::string_view name) const {
-  const auto tree = trees_.find(name);
-  if (tree == trees_.end()) return std::nullopt;
-  return tree->second.root();
+DeliveredPackage::Slide DeliveredPackage::slide(std::size_t index) const {
+  const std::string& name = slideNames_[index];
+  return {.name = name, .tree = OOXML::xml(parts_.find(name)->view())};
 }
 
-std::optional<std::string> DeliveredPackage::related(const std::string& name,
-                                                     std::string_view identifier) const {
-  const std::string relationships = relationshipsOf(name);
-  const auto list = root(relationships);
-  if (!list) return std::nullopt;
-  const auto targets = RelationshipTargets::read(*list);
-  const auto target = targets.find(identifier);
-  if (!target) return std::nullopt;
-  return OOXML::resolve(*target, relationships);
+bool DeliveredPackage::Slide::showsChart() const {
+  return !root().descendants("chart").empty();
 }
 
-bool DeliveredPackage::showsChart(std::size_t slide) const {
-  return !slides_[slide].descendants("chart").empty();
-}
-
-std::optional<DeliveredPackage::Chart> DeliveredPackage::chartOf(std::size_t slide) const {
-  const XMLElements charts = slides_[slide].descendants("chart");
+std::optional<std::string> DeliveredPackage::chartName(const Slide& slide) const {
+  const XMLElements charts = slide.root().descendants("chart");
   if (charts.size() != 1) return std::nullopt;
-  const auto name = related(slideNames_[slide], (*charts.begin()).attribute("r:id").value_or(""));
-  const auto chartSpace = name ? root(*name) : std::nullopt;
-  const auto data = chartSpace ? chartSpace->child("externalData") : std::nullopt;
+  return related(slide.name, {relationshipID(*charts.begin())}).front();
+}
+
+std::optional<DeliveredPackage::Chart> DeliveredPackage::chart(const std::string& name) const {
+  auto tree = parsed(name);
+  const auto data = tree ? tree->root().child("externalData") : std::nullopt;
   if (!data) return std::nullopt;
-  const auto workbookName = related(*name, data->attribute("r:id").value_or(""));
+  const auto workbookName = related(name, {relationshipID(*data)}).front();
   const ByteBuffer* workbook = workbookName ? parts_.find(*workbookName) : nullptr;
   if (workbook == nullptr) return std::nullopt;
-  return Chart{.chartSpace = *chartSpace, .workbook = workbook};
+  return Chart{.tree = *std::move(tree), .workbook = workbook};
+}
+
+std::optional<XMLTree> DeliveredPackage::parsed(std::string_view name) const {
+  const ByteBuffer* part = parts_.find(name);
+  if (part == nullptr) return std::nullopt;
+  return OOXML::xml(part->view());
+}
+
+std::vector<std::optional<std::string>> DeliveredPackage::related(
+    const std::string& name, const std::vector<std::string_view>& identifiers) const {
+  std::vector<std::optional<std::string>> names(identifiers.size());
+  const std::string relationships = relationshipsOf(name);
+  const auto list = parsed(relationships);
+  if (!list) return names;
+  const auto targets = RelationshipTargets::read(list->root());
+  for (std::size_t i = 0; i < identifiers.size(); ++i) {
+    if (const auto target = targets.find(identifiers[i])) names[i] = OOXML::resolve(*target, relationships);
+  }
+  return names;
 }
 
 }  // namespace zelvo

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdint>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -49,22 +51,21 @@ std::optional<XMLNode> shapeNamed(XMLNode slide, std::string_view name) {
   return found;
 }
 
-/// The texts of a shape's paragraphs; none where one is not a single run or field.
-std::optional<std::vector<std::string>> paragraphsOf(XMLNode shape) {
-  std::vector<std::string> texts;
-  for (const XMLNode paragraph : shape.descendants("p")) {
-    const XMLElements runs = paragraph.descendants("t");
-    if (runs.size() != 1) return std::nullopt;
-    texts.push_back((*runs.begin()).content());
-  }
-  return texts;
+/// Whether a shape's paragraphs are these texts, each in a single run or field. They are compared as they
+/// come; none is kept.
+bool holds(XMLNode shape, const std::vector<std::string>& wanted) {
+  const XMLElements paragraphs = shape.descendants("p");
+  return std::equal(paragraphs.begin(), paragraphs.end(), wanted.begin(), wanted.end(),
+                    [](XMLNode paragraph, const std::string& text) {
+                      const XMLElements runs = paragraph.descendants("t");
+                      return runs.size() == 1 && isDelivered((*runs.begin()).content(), text);
+                    });
 }
 
 void verifyContent(XMLNode slide, const Slide& wanted, std::size_t number) {
   const auto shows = [&](std::string_view name, const std::vector<std::string>& texts) {
     const auto shape = shapeNamed(slide, name);
-    const auto paragraphs = shape ? paragraphsOf(*shape) : std::nullopt;
-    return paragraphs && std::ranges::equal(*paragraphs, texts, isDelivered);
+    return shape && holds(*shape, texts);
   };
   require(shows("Title", {wanted.title}) && shows("Points", wanted.body) &&
               shows("Slide number", {std::to_string(number)}),
@@ -77,6 +78,14 @@ struct DeliveredSource {
   std::string identity;
 };
 
+/// The text of a shape's one paragraph; none where there are more or fewer, or it is not a single run.
+std::optional<std::string> textOf(XMLNode shape) {
+  const XMLElements paragraphs = shape.descendants("p");
+  const XMLElements runs = shape.descendants("t");
+  if (paragraphs.size() != 1 || runs.size() != 1) return std::nullopt;
+  return (*runs.begin()).content();
+}
+
 /// The sources of a slide in their order. Throws where there are not so many, or one has no line to itself.
 std::vector<DeliveredSource> deliveredSources(XMLNode slide, std::size_t count) {
   const auto isSource = [](XMLNode shape) { return attributeOf(shape, "name").starts_with("Source "); };
@@ -85,9 +94,9 @@ std::vector<DeliveredSource> deliveredSources(XMLNode slide, std::size_t count) 
   std::vector<DeliveredSource> sources;
   for (std::size_t i = 0; i < count; ++i) {
     const auto shape = shapeNamed(slide, "Source " + std::to_string(i + 1));
-    const auto shown = shape ? paragraphsOf(*shape) : std::nullopt;
-    require(shown && shown->size() == 1 && !shown->front().empty(), identityMessage);
-    sources.push_back({.shown = shown->front(), .identity = std::string(attributeOf(*shape, "descr"))});
+    const auto shown = shape ? textOf(*shape) : std::nullopt;
+    require(shown && !shown->empty(), identityMessage);
+    sources.push_back({.shown = *shown, .identity = std::string(attributeOf(*shape, "descr"))});
   }
   return sources;
 }
@@ -102,26 +111,41 @@ void verifyRecords(XMLNode slide, const std::vector<Record>& records) {
   }
 }
 
-/// Without a scope nothing is known of a source but how the slide names it.
+/// Without a scope nothing is known of a source but how the slide names it; a name that it repeats has one
+/// line.
 void verifyNames(XMLNode slide, const Slide& wanted) {
   std::vector<std::string> names = wanted.sources;
   if (wanted.sourceIDs) names.insert(names.end(), wanted.sourceIDs->begin(), wanted.sourceIDs->end());
+  for (auto name = names.begin(); name != names.end();)
+    name = std::find(names.begin(), name, *name) == name ? name + 1 : names.erase(name);
   const auto sources = deliveredSources(slide, names.size());
   for (std::size_t i = 0; i < names.size(); ++i)
     require(isDelivered(sources[i].identity, names[i]), identityMessage);
 }
 
-void verifyCharts(const DeliveredPackage& package, const ResearchPresentation& presentation,
-                  const std::stop_token& stop) {
+/// What a slide shows as a chart.
+struct DeliveredChart {
+  bool isShown;
+  std::optional<std::string> part;
+};
+
+/// Slides may share a chart part: it is compared once for each chart that it is to show.
+void verifyCharts(const DeliveredPackage& package, const std::vector<DeliveredChart>& charts,
+                  const ResearchPresentation& presentation, const std::stop_token& stop) {
   const auto bindings = presentation.resolvedChartBindings();
   auto binding = bindings.begin();
-  for (std::size_t i = 0; i < presentation.slides.size(); ++i) {
+  std::set<std::pair<std::string, std::int64_t>> verified;
+  for (std::size_t i = 0; i < charts.size(); ++i) {
     const bool isWanted = presentation.slides[i].namedChart().has_value();
-    require(package.showsChart(i) == isWanted, chartMessage);
+    require(charts[i].isShown == isWanted, chartMessage);
     if (!isWanted) continue;
-    const auto chart = package.chartOf(i);
-    require(chart.has_value(), chartMessage);
-    verifyDeliveredChart(chart->chartSpace, *chart->workbook, *binding++, stop);
+    require(charts[i].part.has_value(), chartMessage);
+    if (verified.emplace(*charts[i].part, binding->partNumber).second) {
+      const auto chart = package.chart(*charts[i].part);
+      require(chart.has_value(), chartMessage);
+      verifyDeliveredChart(chart->tree.root(), *chart->workbook, *binding, stop);
+    }
+    ++binding;
   }
 }
 
@@ -130,18 +154,20 @@ void verifyCharts(const DeliveredPackage& package, const ResearchPresentation& p
 void verifyDelivery(ByteView deck, const ResearchPresentation& presentation,
                     const std::optional<ResearchSourceScope>& scope, const std::stop_token& stop) {
   const DeliveredPackage package(deck, stop);
-  require(package.slides().size() == presentation.slides.size(), "A slide is missing.");
+  require(package.slideCount() == presentation.slides.size(), "A slide is missing.");
+  std::vector<DeliveredChart> charts;
   for (std::size_t i = 0; i < presentation.slides.size(); ++i) {
-    const XMLNode slide = package.slides()[i];
+    const auto slide = package.slide(i);
     const Slide& wanted = presentation.slides[i];
-    verifyContent(slide, wanted, i + 1);
+    verifyContent(slide.root(), wanted, i + 1);
     if (scope) {
-      verifyRecords(slide, ResearchPresentation::sourceRecords(wanted, scope));
+      verifyRecords(slide.root(), ResearchPresentation::sourceRecords(wanted, scope));
     } else {
-      verifyNames(slide, wanted);
+      verifyNames(slide.root(), wanted);
     }
+    charts.push_back({.isShown = slide.showsChart(), .part = package.chartName(slide)});
   }
-  verifyCharts(package, presentation, stop);
+  verifyCharts(package, charts, presentation, stop);
 }
 
 }  // namespace zelvo

@@ -1,7 +1,7 @@
 #include "DocumentRuntime/Research/FormulaOperations.hpp"
 
 #include <algorithm>
-#include <cmath>
+#include <numeric>
 #include <string_view>
 
 #include "DocumentRuntime/Errors/DocumentError.hpp"
@@ -76,18 +76,9 @@ std::string joinedTexts(const std::vector<EvaluatedFormula>& arguments) {
   return joined;
 }
 
-/// The sum with what rounding loses carried along (Neumaier), as spreadsheets sum: the order of the numbers
-/// does not show in the result, and the cached value is the one that a recalculation gives.
+/// Added plainly, in the order of the arguments and of a range's rows.
 double sumOf(const std::vector<double>& numbers) {
-  double total = 0;
-  double lost = 0;
-  for (const double number : numbers) {
-    const double next = total + number;
-    const bool isTotalLarger = std::fabs(total) >= std::fabs(number);
-    lost += isTotalLarger ? (total - next) + number : (number - next) + total;
-    total = next;
-  }
-  return total + lost;
+  return std::accumulate(numbers.begin(), numbers.end(), 0.0);
 }
 
 double aggregated(Formula::Operation operation, const std::vector<double>& numbers) {

@@ -7,6 +7,8 @@
 #include "DocumentRuntime/PackageIO/BoundedZIP.hpp"
 #include "DocumentRuntime/PackageIO/XMLCharacters.hpp"
 #include "DocumentRuntime/PackageIO/XMLText.hpp"
+#include "DocumentRuntime/Research/DrawnBytes.hpp"
+#include "DocumentRuntime/Research/ResearchSheetLimits.hpp"
 #include "DocumentRuntime/Research/ResearchWorkbook.hpp"
 #include "Text/Unicode.hpp"
 
@@ -80,6 +82,7 @@ std::string rowsXML(const ReportTable& rows, Numbers numbers) {
       ++address.column;
     }
     xml += "</row>";
+    DrawnBytes::checkPart(xml.size());
     ++address.row;
   }
   return xml;
@@ -105,22 +108,30 @@ ReportTable oneColumn(std::string_view heading, const Texts& texts) {
   return rows;
 }
 
+/// All parts; the table is freed once its sheet is written.
+PartMap partsOf(ReportTable table, std::string_view title, std::string_view report,
+                const std::vector<std::string>& sources) {
+  DocumentAuthor::WorkbookPlan plan;
+  plan.sheets.push_back(sheet("Data", std::exchange(table, {}), dataWidth, Numbers::written));
+  const ReportTable lines = oneColumn(title, Unicode::lines(report));
+  ResearchSheetLimits::checkRows(lines.size(), "report lines");
+  plan.sheets.push_back(sheet("Report", lines, reportWidth));
+  plan.sheets.push_back(sheet("Sources", oneColumn("Source URL", sources), sourcesWidth));
+  return DocumentAuthor::workbookPackage(plan);
+}
+
 }  // namespace
 
 ByteBuffer ResearchWorkbook::make(std::string_view title, std::string_view report,
                                   const std::vector<std::string>& sources, const std::stop_token& stop) {
   if (Unicode::exceeds(report, maximumReportCharacters) || sources.size() > maximumSources)
     throw DocumentError::resourceLimit("research report");
-  const auto table = firstTable(report);
+  auto table = firstTable(report);
   if (!table) {
     throw DocumentError::validationFailed(
         "The saved report has no table. Continue the task to prepare spreadsheet data.");
   }
-  DocumentAuthor::WorkbookPlan plan;
-  plan.sheets = {sheet("Data", *table, dataWidth, Numbers::written),
-                 sheet("Report", oneColumn(title, Unicode::lines(report)), reportWidth),
-                 sheet("Sources", oneColumn("Source URL", sources), sourcesWidth)};
-  return BoundedZIP::write(DocumentAuthor::workbookPackage(plan), stop);
+  return BoundedZIP::write(partsOf(*std::move(table), title, report, sources), stop);
 }
 
 }  // namespace zelvo

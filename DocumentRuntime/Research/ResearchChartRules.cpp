@@ -18,7 +18,6 @@ using Column = ResearchSpreadsheet::Column;
 using CellRow = std::vector<Cell>;
 
 constexpr std::size_t maximumTitleLength = 160;  // characters
-constexpr std::size_t maximumSeries = 4;
 
 const Cell& cellOf(const CellRow& row, std::int64_t column) {
   return row[static_cast<std::size_t>(column)];
@@ -35,7 +34,7 @@ bool hasValidColumns(const Chart& chart, const std::vector<Column>& columns) {
 
   if (chart.title.empty() || Unicode::exceeds(chart.title, maximumTitleLength)) return false;
   if (!isColumn(chart.categoryColumn)) return false;
-  if (chart.valueColumns.empty() || chart.valueColumns.size() > maximumSeries) return false;
+  if (chart.valueColumns.empty() || chart.valueColumns.size() > Chart::maximumSeries) return false;
   std::vector<std::int64_t> sorted = chart.valueColumns;
   std::sort(sorted.begin(), sorted.end());
   if (std::adjacent_find(sorted.begin(), sorted.end()) != sorted.end()) return false;

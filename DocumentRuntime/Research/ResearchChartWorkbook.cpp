@@ -47,13 +47,14 @@ std::string sheetXML(const Binding& binding) {
   std::vector<Cell> cells;
   cells.reserve(columns.size());
   for (const std::size_t column : columns)
-    cells.emplace_back(ResearchChartAuthor::seriesName(binding.dataset.columns[column]));
+    cells.emplace_back(ResearchChartAuthor::seriesName(binding.dataset->columns[column]));
   appendRow(xml, 1, cells);
-  for (std::size_t row = 0; row < binding.cells.size(); ++row) {
+  std::int64_t number = 1;
+  for (const auto& row : *binding.cells) {
     cells.clear();
     for (const std::size_t column : columns)
-      cells.push_back(binding.cells[row][column]);
-    appendRow(xml, static_cast<std::int64_t>(row) + 2, cells);
+      cells.push_back(row[column]);
+    appendRow(xml, ++number, cells);
   }
   xml += "</sheetData></worksheet>";
   return xml;

@@ -20,12 +20,11 @@ namespace {
 using Operation = Formula::Operation;
 using Cell = ResearchSpreadsheet::Cell;
 using Column = ResearchSpreadsheet::Column;
+using ResearchFormulaEvaluator::maximumCalculations;
+using ResearchFormulaEvaluator::maximumNodes;
 
-constexpr std::size_t maximumCalculations = 1000;
 /// Of one expression tree, the root being 1.
 constexpr std::size_t maximumDepth = 32;
-/// Nodes evaluated for one dataset, all calculations together.
-constexpr std::size_t maximumNodes = 50'000;
 /// Cells read for one dataset, one by one and in ranges: without it each of many formulas could read the
 /// whole table.
 constexpr std::size_t maximumCellReads = 200'000;

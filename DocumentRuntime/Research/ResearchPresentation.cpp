@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <utility>
 
 #include "DocumentRuntime/Errors/DocumentError.hpp"
 #include "DocumentRuntime/Research/ResearchPresentationCoding.hpp"
@@ -22,20 +23,20 @@ ResearchPresentation decodedWithin(std::size_t limit, std::string_view text, con
 }  // namespace
 
 ResearchPresentation ResearchPresentation::decode(std::string_view text, const AllowedSources& allowedSources,
-                                                  const std::optional<ResearchSpreadsheet>& dataset,
+                                                  std::optional<ResearchSpreadsheet> dataset,
                                                   const std::optional<ResearchSourceScope>& sourceScope) {
   ResearchPresentation deck = decodedWithin(maximumBytes, text, "presentation content");
-  if (dataset) deck = deck.attachingDataset(*dataset);
+  if (dataset) deck = deck.attachingDataset(*std::move(dataset));
   deck.validate(allowedSources, sourceScope);
   return deck;
 }
 
 ResearchPresentation ResearchPresentation::decode(std::string_view text, const AllowedSources& allowedSources,
-                                                  const std::vector<Dataset>& datasets,
+                                                  std::vector<Dataset> datasets,
                                                   const std::vector<std::string>& allowedDatasetIDs,
                                                   const std::optional<ResearchSourceScope>& sourceScope) {
   ResearchPresentation deck = decodedWithin(maximumCollectionBytes, text, "presentation collection content")
-                                  .attachingDatasets(datasets, allowedDatasetIDs);
+                                  .attachingDatasets(std::move(datasets), allowedDatasetIDs);
   deck.validate(allowedSources, sourceScope);
   return deck;
 }
@@ -70,7 +71,9 @@ const ResearchSpreadsheet* ResearchPresentation::chartDataset(const Slide& slide
 }
 
 std::vector<ResearchPresentation::ResolvedChartBinding> ResearchPresentation::resolvedChartBindings() const {
-  std::vector<ResolvedChartBinding> bindings;
+  using Binding = ResolvedChartBinding;
+  using Cells = std::vector<std::vector<ResearchSpreadsheet::Cell>>;
+  std::vector<Binding> bindings;
   std::int64_t partCount = 0;
   for (const Slide& slide : slides) {
     const auto chart = slide.namedChart();
@@ -78,12 +81,15 @@ std::vector<ResearchPresentation::ResolvedChartBinding> ResearchPresentation::re
     const ResearchSpreadsheet* content = chartDataset(slide);
     if (content == nullptr)
       throw DocumentError::validationFailed("The chart's exact dataset binding is missing.");
-    const auto same = std::ranges::find(bindings, *chart, &ResolvedChartBinding::reference);
-    bindings.push_back(same != bindings.end() ? ResolvedChartBinding(*same)
-                                              : ResolvedChartBinding{.reference = *chart,
-                                                                     .partNumber = ++partCount,
-                                                                     .dataset = *content,
-                                                                     .cells = content->resolvedCells()});
+    const auto sameChart = std::ranges::find(bindings, *chart, &Binding::reference);
+    const auto sameData = std::ranges::find(bindings, content, &Binding::dataset);
+    const bool isNewChart = sameChart == bindings.end();
+    bindings.push_back({.reference = *chart,
+                        .partNumber = isNewChart ? ++partCount : sameChart->partNumber,
+                        .dataset = content,
+                        .cells = sameData == bindings.end()
+                                     ? std::make_shared<const Cells>(content->resolvedCells())
+                                     : sameData->cells});
   }
   return bindings;
 }

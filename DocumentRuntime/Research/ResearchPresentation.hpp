@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <set>
 #include <stop_token>
@@ -59,22 +60,21 @@ struct ResearchPresentation {
     bool operator==(const Dataset&) const = default;
   };
 
-  /// A chart slide's data, ready to be drawn.
+  /// A chart slide's data, ready to be drawn. Valid while the deck lives and is not changed: it refers to the
+  /// deck's dataset, and slides that show the same dataset share its cells.
   struct ResolvedChartBinding {
     ChartReference reference;
     /// The chart part's number, from 1 in the order of first use. Slides that name the same chart share it.
     /// A valid deck names at most four charts: a collection deck by a rule of its own, any other because
     /// its dataset has no more.
     std::int64_t partNumber = 0;
-    ResearchSpreadsheet dataset;
+    const ResearchSpreadsheet* dataset = nullptr;
     /// The dataset's rows with their calculated values, one cell a column of the dataset.
-    std::vector<std::vector<ResearchSpreadsheet::Cell>> cells;
+    std::shared_ptr<const std::vector<std::vector<ResearchSpreadsheet::Cell>>> cells;
 
     const ResearchSpreadsheet::Chart& chart() const {
-      return dataset.charts[static_cast<std::size_t>(reference.chartIndex)];
+      return dataset->charts[static_cast<std::size_t>(reference.chartIndex)];
     }
-
-    bool operator==(const ResolvedChartBinding&) const = default;
   };
 
   std::string title;
@@ -87,23 +87,23 @@ struct ResearchPresentation {
   /// dataset that the text brings along is validated like any other. Throws `DocumentError` resourceLimit
   /// "presentation content", `DecodingError`, and what `attachingDataset` and `validate` throw.
   static ResearchPresentation decode(std::string_view text, const AllowedSources& allowedSources,
-                                     const std::optional<ResearchSpreadsheet>& dataset,
+                                     std::optional<ResearchSpreadsheet> dataset,
                                      const std::optional<ResearchSourceScope>& sourceScope);
 
   /// The same with a collection, of which the deck may show the datasets of `allowedDatasetIDs`. The limit is
   /// another: resourceLimit "presentation collection content".
   static ResearchPresentation decode(std::string_view text, const AllowedSources& allowedSources,
-                                     const std::vector<Dataset>& datasets,
+                                     std::vector<Dataset> datasets,
                                      const std::vector<std::string>& allowedDatasetIDs,
                                      const std::optional<ResearchSourceScope>& sourceScope);
 
   /// A copy that carries the host's dataset. Throws `DocumentError` validationFailed when there is another.
-  ResearchPresentation attachingDataset(const ResearchSpreadsheet& canonical) const;
+  ResearchPresentation attachingDataset(ResearchSpreadsheet canonical) const;
 
   /// A copy that carries all of the host's datasets, shown or not. Throws `DocumentError` validationFailed
   /// when the deck is no collection deck, leaves its allowed datasets, or brings along one that is not the
   /// host's.
-  ResearchPresentation attachingDatasets(const std::vector<Dataset>& canonical,
+  ResearchPresentation attachingDatasets(std::vector<Dataset> canonical,
                                          const std::vector<std::string>& allowedDatasetIDs) const;
 
   /// Throws `DocumentError` for the first rule that the deck breaks. With a scope and a list, slides must

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "DocumentRuntime/Research/ResearchPresentation.hpp"
@@ -51,15 +52,15 @@ bool ResearchPresentation::hasBoundedIdentities(const std::vector<Dataset>& data
   return areBoundedIdentities(identitiesOf(datasets));
 }
 
-ResearchPresentation ResearchPresentation::attachingDataset(const ResearchSpreadsheet& canonical) const {
+ResearchPresentation ResearchPresentation::attachingDataset(ResearchSpreadsheet canonical) const {
   require(!dataset || *dataset == canonical, "The presentation cannot replace the shared source dataset.");
   ResearchPresentation attached = *this;
-  attached.dataset = canonical;
+  attached.dataset = std::move(canonical);
   return attached;
 }
 
 ResearchPresentation ResearchPresentation::attachingDatasets(
-    const std::vector<Dataset>& canonical, const std::vector<std::string>& allowedDatasetIDs) const {
+    std::vector<Dataset> canonical, const std::vector<std::string>& allowedDatasetIDs) const {
   require(
       hasOnlyReferences(*this) && hasBoundedIdentities(canonical) && areBoundedIdentities(allowedDatasetIDs),
       "A collection presentation needs unique, bounded dataset identities and explicit chart references.");
@@ -69,7 +70,7 @@ ResearchPresentation ResearchPresentation::attachingDatasets(
   require(repeatsOnly(*this, canonical), "Model content cannot add or change canonical dataset records.");
   require(areAmong(identitiesOf(canonical), wanted), "A canonical dataset is missing.");
   ResearchPresentation attached = *this;
-  attached.datasets = canonical;
+  attached.datasets = std::move(canonical);
   return attached;
 }
 

@@ -7,6 +7,7 @@
 #include "DocumentRuntime/Authoring/PresentationPackage.hpp"
 #include "DocumentRuntime/PackageIO/BoundedZIP.hpp"
 #include "DocumentRuntime/Research/DeliveryVerification.hpp"
+#include "DocumentRuntime/Research/DrawnBytes.hpp"
 #include "DocumentRuntime/Research/PresentationRendererVersion.hpp"
 #include "DocumentRuntime/Research/ResearchChartWorkbook.hpp"
 #include "DocumentRuntime/Research/ResearchPresentation.hpp"
@@ -26,24 +27,27 @@ SlideChart chartOf(const Binding& binding, const std::stop_token& stop) {
           .workbook = ResearchChartWorkbook::write(binding, stop)};
 }
 
-ByteBuffer write(const ResearchPresentation& presentation, const std::optional<ResearchSourceScope>& scope,
-                 const std::stop_token& stop) {
+PartMap partsOf(const ResearchPresentation& presentation, const std::optional<ResearchSourceScope>& scope,
+                const std::stop_token& stop) {
+  DrawnBytes drawn;
   const std::vector<Binding> bindings = presentation.resolvedChartBindings();
   std::vector<SlideChart> charts;
   for (const Binding& binding : bindings) {
     // Slides that show the same chart share its part.
-    const auto number = static_cast<std::size_t>(binding.partNumber);
-    if (number > charts.size()) charts.push_back(chartOf(binding, stop));
+    if (std::cmp_less_equal(binding.partNumber, charts.size())) continue;
+    const SlideChart& chart = charts.emplace_back(chartOf(binding, stop));
+    drawn.add(chart.xml.size());
+    drawn.add(chart.workbook.size());
   }
   std::vector<Slide> slides;
   auto binding = bindings.begin();
-  std::vector<std::string> drawn = researchSlides(presentation, scope);
-  for (std::size_t i = 0; i < drawn.size(); ++i) {
-    Slide& slide = slides.emplace_back(Slide{.xml = std::move(drawn[i]), .chart = {}});
+  for (std::size_t i = 0; i < presentation.slides.size(); ++i) {
+    Slide& slide = slides.emplace_back(Slide{.xml = researchSlide(presentation, i, scope), .chart = {}});
+    drawn.add(slide.xml.size());
     if (presentation.slides[i].namedChart())
       slide.chart = static_cast<std::size_t>(binding++->partNumber) - 1;
   }
-  return BoundedZIP::write(DocumentAuthor::presentationPackage(std::move(slides), std::move(charts)), stop);
+  return DocumentAuthor::presentationPackage(std::move(slides), std::move(charts));
 }
 
 }  // namespace
@@ -53,7 +57,7 @@ ByteBuffer ResearchPresentation::make(const ResearchPresentation& presentation, 
                                       const std::stop_token& stop) {
   presentation.validate(std::nullopt, sourceScope);
   PresentationRendererVersion::check(rendererVersion, presentation);
-  ByteBuffer deck = write(presentation, sourceScope, stop);
+  ByteBuffer deck = BoundedZIP::write(partsOf(presentation, sourceScope, stop), stop);
   verifyDelivery(deck.view(), presentation, sourceScope, stop);
   return deck;
 }

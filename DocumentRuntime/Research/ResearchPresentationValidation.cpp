@@ -110,12 +110,13 @@ void checkReferencedChart(const Slide& slide, bool isCover, const ResearchSpread
           "A chart slide needs its exact canonical dataset and chart, at most 40 periods and one insight.");
 }
 
-/// Calculations can fill a category, but with a number, whose text is far below the limit.
+/// Numbers, which calculations may fill in too, have texts far below the limit.
 bool hasShortCategories(const ResearchSpreadsheet& dataset, std::int64_t chartIndex) {
   const auto column =
       static_cast<std::size_t>(dataset.charts[static_cast<std::size_t>(chartIndex)].categoryColumn);
   return std::ranges::none_of(dataset.rows, [column](const Row& row) {
-    return Unicode::exceeds(row.cells[column].displayText(), maximumCategoryLength);
+    const std::string* text = row.cells[column].text();
+    return text != nullptr && Unicode::exceeds(*text, maximumCategoryLength);
   });
 }
 

@@ -156,24 +156,20 @@ void drawChart(SlideDrawing& drawing, const ResearchSlide& slide, const std::str
 
 }  // namespace
 
-std::vector<std::string> researchSlides(const ResearchPresentation& presentation,
-                                        const std::optional<ResearchSourceScope>& scope) {
-  std::vector<std::string> slides;
-  for (std::size_t i = 0; i < presentation.slides.size(); ++i) {
-    const ResearchSlide& slide = presentation.slides[i];
-    SlideDrawing drawing;
-    if (i == 0) {
-      drawCover(drawing, slide);
-    } else if (const ResearchSpreadsheet* dataset = presentation.chartDataset(slide)) {
-      const auto index = static_cast<std::size_t>(slide.namedChart()->chartIndex);
-      drawChart(drawing, slide, dataset->charts[index].title);
-    } else {
-      drawPoints(drawing, slide);
-    }
-    drawing.footer(slideSources(slide, scope), i + 1);
-    slides.push_back(drawing.take());
+std::string researchSlide(const ResearchPresentation& presentation, std::size_t index,
+                          const std::optional<ResearchSourceScope>& scope) {
+  const ResearchSlide& slide = presentation.slides[index];
+  SlideDrawing drawing;
+  if (index == 0) {
+    drawCover(drawing, slide);
+  } else if (const ResearchSpreadsheet* dataset = presentation.chartDataset(slide)) {
+    drawChart(drawing, slide,
+              dataset->charts[static_cast<std::size_t>(slide.namedChart()->chartIndex)].title);
+  } else {
+    drawPoints(drawing, slide);
   }
-  return slides;
+  drawing.footer(slideSources(slide, scope), index + 1);
+  return drawing.take();
 }
 
 }  // namespace zelvo

@@ -4,7 +4,6 @@
 #include <cstddef>
 #include <map>
 #include <optional>
-#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -37,7 +36,7 @@ class ResearchSourceScope {
   };
 
   /// `publicSources` leads from identifiers to URLs.
-  ResearchSourceScope(const std::vector<std::string>& localSnapshotIDs,
+  ResearchSourceScope(std::vector<std::string> localSnapshotIDs,
                       std::map<std::string, std::string> publicSources, std::vector<Record> records);
 
   /// Checks the references of one row or slide. Throws `DocumentError` validationFailed, with one message for
@@ -52,16 +51,25 @@ class ResearchSourceScope {
                                       const std::vector<std::string>& urls) const;
 
  private:
-  bool holds(const std::vector<std::string>& ids, const std::vector<std::string>& urls) const;
-  const std::string* identifierOf(const std::string& url) const;
-  std::optional<Record> recordOf(const std::string& id) const;
+  struct PublicSource {
+    std::string id;
+    std::string url;
+  };
 
-  std::set<std::string> localSnapshotIDs_;
-  std::map<std::string, std::string> publicSources_;
-  std::vector<Record> records_;
-  std::map<std::string, std::size_t> recordByID_;   ///< the first of each identifier
-  std::map<std::string, std::size_t> recordByURL_;  ///< the first of each URL
-  std::map<std::string, std::string> publicIDByURL_;
+  bool holds(const std::vector<std::string>& ids, const std::vector<std::string>& urls) const;
+  const PublicSource* publicSource(std::string_view id) const;
+  const std::string* identifierOf(std::string_view url) const;
+  std::optional<Record> recordOf(const std::string& id) const;
+  void indexPublicSources();
+
+  // Every text is stored once: what it is looked up by are positions in these lists.
+  std::vector<std::string> localSnapshotIDs_;  ///< ascending, each once
+  std::vector<PublicSource> publicSources_;    ///< ascending by identifier
+  std::vector<Record> records_;                ///< in the host's order
+  /// One for each URL, ascending by URL: of its public sources the one whose identifier sorts first.
+  std::vector<std::size_t> publicSourceByURL_;
+  std::vector<std::size_t> recordByID_;   ///< ascending by identifier, then by position
+  std::vector<std::size_t> recordByURL_;  ///< of the records with a URL, ascending by URL, then by position
 };
 
 /// The name by which JSON and metadata know a kind.

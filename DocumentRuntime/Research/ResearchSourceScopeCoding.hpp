@@ -11,7 +11,9 @@ namespace zelvo {
 ///     {"localSnapshotIDs": [id …], "publicSources": {id: url …},
 ///      "records": [{"id", "kind", "label", "observedAt"?, "coverage", "provenanceURL"?} …]}
 ///
-/// with `observedAt` as an ISO 8601 date and time with zone, cut to the second. Throws `DecodingError`.
+/// with `observedAt` as an ISO 8601 date and time with zone, cut to the second. Each list has at most 20,000
+/// entries, labels and coverages at most 2,000 characters, and every text at most 8,000 bytes. Throws
+/// `DecodingError`.
 ResearchSourceScope researchSourceScopeFromJson(std::string text);
 
 }  // namespace zelvo

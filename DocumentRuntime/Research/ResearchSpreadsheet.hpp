@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -22,6 +23,11 @@ using AllowedSources = std::optional<std::vector<std::string>>;
 struct ResearchSpreadsheet {
   /// Magnitudes from here on are refused: below, a double still tells eighths apart.
   static constexpr double numberBound = 1e15;
+
+  // What a workbook shows at a glance, and a bound on the work of everything that walks a dataset.
+  static constexpr std::size_t maximumColumns = 12;
+  static constexpr std::size_t maximumRows = 500;
+  static constexpr std::size_t maximumCharts = 4;
 
   struct Column {
     enum class Kind { text, number, date };
@@ -73,6 +79,8 @@ struct ResearchSpreadsheet {
 
   struct Chart {
     enum class Kind { line, bar };
+
+    static constexpr std::size_t maximumSeries = 4;
 
     std::string title;
     Kind kind = Kind::line;

@@ -20,12 +20,9 @@ using Column = ResearchSpreadsheet::Column;
 using Cell = ResearchSpreadsheet::Cell;
 using Row = ResearchSpreadsheet::Row;
 
-// What a workbook shows at a glance, and a bound on all the work below. Lengths are in characters.
+// Lengths are in characters.
 constexpr std::size_t maximumReportLength = 60'000;
 constexpr std::size_t minimumColumns = 2;
-constexpr std::size_t maximumColumns = 12;
-constexpr std::size_t maximumRows = 500;
-constexpr std::size_t maximumCharts = 4;
 constexpr std::size_t maximumHeaderLength = 120;
 constexpr std::size_t maximumTextLength = 2000;
 
@@ -49,9 +46,9 @@ bool hasGoodHeadings(const std::vector<Column>& columns) {
 bool isBoundedTable(const ResearchSpreadsheet& dataset) {
   return !Unicode::trimmed(dataset.report).empty() &&
          !Unicode::exceeds(dataset.report, maximumReportLength) && dataset.columns.size() >= minimumColumns &&
-         dataset.columns.size() <= maximumColumns && !dataset.rows.empty() &&
-         dataset.rows.size() <= maximumRows && dataset.charts.size() <= maximumCharts &&
-         hasGoodHeadings(dataset.columns);
+         dataset.columns.size() <= ResearchSpreadsheet::maximumColumns && !dataset.rows.empty() &&
+         dataset.rows.size() <= ResearchSpreadsheet::maximumRows &&
+         dataset.charts.size() <= ResearchSpreadsheet::maximumCharts && hasGoodHeadings(dataset.columns);
 }
 
 bool isAllowedText(const std::string& text, Column::Kind kind) {

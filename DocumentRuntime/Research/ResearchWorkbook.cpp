@@ -3,6 +3,7 @@
 #include "DocumentRuntime/Research/ResearchWorkbook.hpp"
 
 #include "DocumentRuntime/PackageIO/BoundedZIP.hpp"
+#include "DocumentRuntime/Research/ResearchSheetLimits.hpp"
 #include "DocumentRuntime/Research/ResearchWorkbookAuthor.hpp"
 #include "DocumentRuntime/Research/ResearchWorkbookReadBack.hpp"
 
@@ -14,8 +15,9 @@ ByteBuffer ResearchWorkbook::make(std::string_view title, const ResearchSpreadsh
                                   const std::stop_token& stop) {
   content.validate(/*requiresChart=*/false, sources, sourceScope);
   const auto written = ResearchWorkbookContent::of(title, content, sources, sourceScope);
+  ResearchSheetLimits::check(written);
   ByteBuffer bytes = BoundedZIP::write(researchWorkbookPackage(written), stop);
-  readBackResearchWorkbook(ByteBuffer::copyOf(bytes.view()), written, stop);
+  readBackResearchWorkbook(bytes.view(), written, stop);
   return bytes;
 }
 

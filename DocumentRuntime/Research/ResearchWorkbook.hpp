@@ -16,9 +16,10 @@ namespace zelvo::ResearchWorkbook {
 /// A workbook of a dataset: an overview with native charts where it has any, the data as a table with live
 /// formulas and their locally computed results, the report, and the sources with their provenance.
 ///
-/// Throws `DocumentError`: what `ResearchSpreadsheet::validate` and the evaluator throw; what the ZIP writer
-/// throws; what `WorkbookReader` throws when the written bytes are read back; and validationFailed "source
-/// provenance readback", "formula readback" or "numeric readback" when they do not say what was to be
+/// Throws `DocumentError`: what `ResearchSpreadsheet::validate` and the evaluator throw; resourceLimit for
+/// more report lines or sources, or a longer URL or text of a record, than a sheet can hold; what the ZIP
+/// writer throws; what `WorkbookReader` throws when the written bytes are read back; and validationFailed
+/// "source provenance readback", "formula readback" or "numeric readback" when they do not say what was to be
 /// written. Throws `Cancelled`.
 ByteBuffer make(std::string_view title, const ResearchSpreadsheet& content, const AllowedSources& sources,
                 const std::optional<ResearchSourceScope>& sourceScope, const std::stop_token& stop = {});
@@ -35,7 +36,8 @@ bool hasTable(std::string_view text);
 /// formulas. It is not read back.
 ///
 /// Throws `DocumentError` resourceLimit "research report"; validationFailed "The saved report has no table.
-/// Continue the task to prepare spreadsheet data."; and what the ZIP writer throws. Throws `Cancelled`.
+/// Continue the task to prepare spreadsheet data."; resourceLimit for more lines than a sheet can hold; and
+/// what the ZIP writer throws. Throws `Cancelled`.
 ByteBuffer make(std::string_view title, std::string_view report, const std::vector<std::string>& sources,
                 const std::stop_token& stop = {});
 

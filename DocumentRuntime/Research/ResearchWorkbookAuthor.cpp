@@ -6,6 +6,7 @@
 
 #include "DocumentRuntime/Authoring/WorkbookPackage.hpp"
 #include "DocumentRuntime/PackageIO/XMLText.hpp"
+#include "DocumentRuntime/Research/DrawnBytes.hpp"
 #include "DocumentRuntime/Research/ResearchChartAuthor.hpp"
 #include "DocumentRuntime/Research/ResearchWorkbookStyles.hpp"
 #include "DocumentRuntime/Research/ResearchWorksheetAuthor.hpp"
@@ -107,16 +108,20 @@ PartMap researchWorkbookPackage(const ResearchWorkbookContent& content) {
   if (!content.calculations.empty())
     plan.afterSheets = R"(<calcPr calcMode="auto" fullCalcOnLoad="1" forceFullCalc="1"/>)";
   plan.stylesXML = researchStylesXML(content.hasScope);
+  DrawnBytes drawn;
   for (const ResearchSheet& sheet : content.sheets) {
     plan.sheets.push_back({.name = std::string(sheet.name),
                            .xml = researchWorksheetXML(sheet, content),
                            .relationships = sheetRelationships(sheet.kind)});
+    drawn.add(plan.sheets.back().xml.size());
     if (sheet.kind == Kind::data) plan.parts.push_back(tablePart(content, sheet));
   }
   const std::size_t charts = content.dataset->charts.size();
   if (charts > 0) plan.parts.push_back(drawingPart(charts));
-  for (std::size_t k = 0; k < charts; ++k)
+  for (std::size_t k = 0; k < charts; ++k) {
     plan.parts.push_back(chartPart(content, k));
+    drawn.add(plan.parts.back().xml.size());
+  }
   return DocumentAuthor::workbookPackage(plan);
 }
 

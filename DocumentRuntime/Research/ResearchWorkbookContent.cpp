@@ -67,14 +67,19 @@ std::string urlText(const Record& record) {
   return "Provenance only; no fetch permission: " + *record.provenanceURL;
 }
 
-ResearchSheet recordSheet(const std::vector<Record>& records) {
+ResearchSheet recordSheet(std::vector<Record> records) {
   ResearchSheet sheet{
       Kind::sources,
       "Sources",
       {textRow({"Source ID", "Kind", "Source", "Observed UTC", "Coverage", "URL / local provenance only"})}};
-  for (const Record& record : records) {
-    sheet.rows.push_back(textRow({record.id, record.kindLabel(), record.label, record.observedUTC(),
-                                  record.coverage, urlText(record)}));
+  for (Record& record : records) {
+    Row& row = sheet.rows.emplace_back();
+    row.emplace_back(std::move(record.id));
+    row.emplace_back(std::string(record.kindLabel()));
+    row.emplace_back(std::move(record.label));
+    row.emplace_back(record.observedUTC());
+    row.emplace_back(std::move(record.coverage));
+    row.emplace_back(urlText(record));
   }
   return sheet;
 }

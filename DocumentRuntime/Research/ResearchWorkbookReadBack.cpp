@@ -1,9 +1,11 @@
 #include "DocumentRuntime/Research/ResearchWorkbookReadBack.hpp"
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <set>
-#include <utility>
+#include <string>
+#include <string_view>
 
 #include "DocumentRuntime/Cells/DoubleText.hpp"
 #include "DocumentRuntime/Errors/DocumentError.hpp"
@@ -51,10 +53,23 @@ const ResearchSheet& sheetOf(const ResearchWorkbookContent& content, Kind kind) 
   return *std::ranges::find(content.sheets, kind, &ResearchSheet::kind);
 }
 
+/// The text with a line feed for each carriage return, alone or before a line feed: so XML is read.
+std::string withLineFeeds(std::string_view text) {
+  std::string normalized;
+  normalized.reserve(text.size());
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (text[i] != '\r')
+      normalized += text[i];
+    else if (text.substr(i, 2) != "\r\n")
+      normalized += '\n';
+  }
+  return normalized;
+}
+
 /// As written, a text lacks the characters that XML cannot carry.
 bool saysAsWritten(const SourceCell& cell, std::string_view text) {
   return cell.value.kind() == SourceCellValue::Kind::text &&
-         OOXML::escaped(cell.value.payload()) == OOXML::escaped(text);
+         OOXML::escaped(cell.value.payload()) == withLineFeeds(OOXML::escaped(text));
 }
 
 void checkSources(const WorkbookReader& reader, const ResearchSheet& sheet, const std::stop_token& stop) {
@@ -113,9 +128,9 @@ void checkData(const WorkbookReader& reader, const ResearchWorkbookContent& cont
 
 }  // namespace
 
-void readBackResearchWorkbook(ByteBuffer workbook, const ResearchWorkbookContent& content,
+void readBackResearchWorkbook(ByteView workbook, const ResearchWorkbookContent& content,
                               const std::stop_token& stop) {
-  const WorkbookReader reader(std::move(workbook), "workbook.xlsx", stop);
+  const WorkbookReader reader(workbook, "workbook.xlsx", stop);
   checkSources(reader, sheetOf(content, Kind::sources), stop);
   checkData(reader, content, stop);
 }

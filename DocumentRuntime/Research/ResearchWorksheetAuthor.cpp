@@ -8,6 +8,7 @@
 #include "DocumentRuntime/Authoring/WorkbookPackage.hpp"
 #include "DocumentRuntime/Cells/DoubleText.hpp"
 #include "DocumentRuntime/PackageIO/XMLText.hpp"
+#include "DocumentRuntime/Research/DrawnBytes.hpp"
 #include "Text/Unicode.hpp"
 
 namespace zelvo {
@@ -176,6 +177,7 @@ std::string researchWorksheetXML(const ResearchSheet& sheet, const ResearchWorkb
     for (std::size_t column = 0; column < sheet.rows[row].size(); ++column)
       cells.append(xml, row, column);
     xml += "</row>";
+    DrawnBytes::checkPart(xml.size());
   }
   OOXML::append(xml, "</sheetData>", tail(sheet.kind), "</worksheet>");
   return xml;

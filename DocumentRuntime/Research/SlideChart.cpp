@@ -21,7 +21,7 @@ constexpr int smallLabelSize = 7;
 
 bool showsNegativeValues(const Binding& binding) {
   return std::ranges::any_of(binding.chart().valueColumns, [&](std::int64_t column) {
-    return std::ranges::any_of(binding.cells, [&](const auto& row) {
+    return std::ranges::any_of(*binding.cells, [&](const auto& row) {
       const double* number = row[static_cast<std::size_t>(column)].number();
       return number != nullptr && *number < 0;
     });
@@ -30,9 +30,9 @@ bool showsNegativeValues(const Binding& binding) {
 
 /// The lines that the longest label takes at the usual size.
 double labelLines(const Binding& binding) {
-  const double roomEach = axisWidth / static_cast<double>(binding.cells.size());
+  const double roomEach = axisWidth / static_cast<double>(binding.cells->size());
   double most = 0;
-  for (const auto& row : binding.cells) {
+  for (const auto& row : *binding.cells) {
     const std::string label = row[static_cast<std::size_t>(binding.chart().categoryColumn)].displayText();
     most = std::max(most, SlideText::lines(ResearchChartAuthor::cleaned(label), roomEach / labelSize));
   }
@@ -54,7 +54,7 @@ std::string slideChartXML(const Binding& binding) {
       .straightLines = binding.chart().kind == ResearchSpreadsheet::Chart::Kind::line,
       .labelSize = wrappedLabelSize(binding),
   };
-  return ResearchChartAuthor::xml(binding.dataset, binding.cells, binding.chart(), /*embedded=*/true,
+  return ResearchChartAuthor::xml(*binding.dataset, *binding.cells, binding.chart(), /*embedded=*/true,
                                   ResearchChartWorkbook::columnMap(binding.chart()), /*zeroBaseline=*/true,
                                   looks);
 }

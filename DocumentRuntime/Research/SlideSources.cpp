@@ -1,5 +1,7 @@
 #include "DocumentRuntime/Research/SlideSources.hpp"
 
+#include <algorithm>
+
 #include "DocumentRuntime/Research/SlideText.hpp"
 
 namespace zelvo {
@@ -19,6 +21,15 @@ SlideSource sourceOf(const ResearchSourceScope::Record& record) {
           .identity = SlideText::flattened(record.metadata())};
 }
 
+/// Each text where it first occurs.
+std::vector<std::string> distinct(const std::vector<std::string>& texts) {
+  std::vector<std::string> result;
+  for (const std::string& text : texts) {
+    if (std::ranges::find(result, text) == result.end()) result.push_back(text);
+  }
+  return result;
+}
+
 }  // namespace
 
 std::vector<SlideSource> slideSources(const ResearchPresentation::Slide& slide,
@@ -27,9 +38,9 @@ std::vector<SlideSource> slideSources(const ResearchPresentation::Slide& slide,
   for (const auto& record : ResearchPresentation::sourceRecords(slide, scope))
     sources.push_back(sourceOf(record));
   if (scope) return sources;
-  for (const std::string& url : slide.sources)
+  for (const std::string& url : distinct(slide.sources))
     sources.push_back({.name = url, .observation = {}, .identity = url});
-  for (const std::string& id : slide.sourceIDs.value_or(std::vector<std::string>()))
+  for (const std::string& id : distinct(slide.sourceIDs.value_or(std::vector<std::string>())))
     sources.push_back({.name = "Source ID: " + id, .observation = {}, .identity = id});
   return sources;
 }

@@ -15,8 +15,8 @@ struct SlideSource {
   std::string identity;     ///< all that is known, for the description of the footer's line
 };
 
-/// A slide's sources: with a scope, its records; without, its URLs, and the identifiers that nobody can
-/// describe.
+/// A slide's sources, each once: with a scope, its records; without, its URLs in their order, then the
+/// identifiers that nobody can describe.
 std::vector<SlideSource> slideSources(const ResearchPresentation::Slide& slide,
                                       const std::optional<ResearchSourceScope>& scope);
 

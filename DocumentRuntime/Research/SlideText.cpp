@@ -88,7 +88,7 @@ int SlideText::fittedSize(const std::vector<std::string>& paragraphs, const Room
   widths.reserve(paragraphs.size());
   for (const std::string& paragraph : paragraphs)
     widths.push_back(wordWidths(paragraph));
-  const auto gaps = static_cast<double>(paragraphs.size() - 1) * paragraphSpacing;
+  const double gaps = paragraphs.empty() ? 0 : static_cast<double>(paragraphs.size() - 1) * paragraphSpacing;
   for (int size = room.largestSize; size >= smallestSize; --size) {
     double lines = 0;
     for (const auto& words : widths)

@@ -1,6 +1,7 @@
 #include "DocumentRuntime/Research/SourceReferences.hpp"
 
 #include <algorithm>
+#include <utility>
 
 #include "Text/Unicode.hpp"
 #include "Text/Url.hpp"
@@ -38,7 +39,15 @@ std::vector<std::string> distinctSorted(std::vector<std::string> texts) {
   // First by their own scalars: texts that differ only in composition stay apart.
   std::sort(texts.begin(), texts.end());
   texts.erase(std::unique(texts.begin(), texts.end()), texts.end());
-  std::stable_sort(texts.begin(), texts.end(), Unicode::sortsBefore);
+  if (std::ranges::all_of(texts, Unicode::isASCII)) return texts;
+  // Each is composed once, not for every comparison.
+  std::vector<std::pair<std::string, std::string>> composed;
+  composed.reserve(texts.size());
+  for (std::string& text : texts)
+    composed.emplace_back(Unicode::composed(text), std::move(text));
+  std::sort(composed.begin(), composed.end());
+  for (std::size_t i = 0; i < texts.size(); ++i)
+    texts[i] = std::move(composed[i].second);
   return texts;
 }
 

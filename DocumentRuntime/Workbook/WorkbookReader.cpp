@@ -53,11 +53,25 @@ struct WorkbookReader::PassedParts {
 
 WorkbookReader::WorkbookReader(ByteBuffer data, std::string_view sourceName, const std::stop_token& stop,
                                std::size_t keptTreeBytes) {
+  identify(data.view(), sourceName);
+  PartMap parts = BoundedZIP::read(data.view(), stop);
+  data = {};
+  open(std::move(parts), stop, keptTreeBytes);
+}
+
+WorkbookReader::WorkbookReader(ByteView data, std::string_view sourceName, const std::stop_token& stop) {
+  identify(data, sourceName);
+  open(BoundedZIP::read(data, stop), stop, OOXML::KeptTrees::defaultBudgetBytes);
+}
+
+void WorkbookReader::identify(ByteView data, std::string_view sourceName) {
   if (sourceName.size() > maximumSourceNameBytes) throw DocumentError::resourceLimit("source name");
   sourceName_ = lastPathComponent(sourceName);
-  sourceSHA256_ = OOXML::hash(data.view());
+  sourceSHA256_ = OOXML::hash(data);
+}
 
-  PassedParts passed = readParts(std::move(data), stop, keptTreeBytes);
+void WorkbookReader::open(PartMap parts, const std::stop_token& stop, std::size_t keptTreeBytes) {
+  PassedParts passed = vetParts(std::move(parts), stop, keptTreeBytes);
   if (!passed.structure || !passed.relationships) throw DocumentError::unsupported("XLSX workbook structure");
   WorkbookStructure structure = passed.structure->take();
   uses1904Dates_ = structure.uses1904Dates;
@@ -69,10 +83,8 @@ WorkbookReader::WorkbookReader(ByteBuffer data, std::string_view sourceName, con
   worksheetTrees_ = std::move(passed.worksheetTrees);
 }
 
-WorkbookReader::PassedParts WorkbookReader::readParts(ByteBuffer data, const std::stop_token& stop,
-                                                      std::size_t keptTreeBytes) {
-  PartMap parts = BoundedZIP::read(data.view(), stop);
-  data = {};
+WorkbookReader::PassedParts WorkbookReader::vetParts(PartMap parts, const std::stop_token& stop,
+                                                     std::size_t keptTreeBytes) {
   PassedParts passed(keptTreeBytes);
   parts_ = OOXML::vetted(
       std::move(parts), {}, [&](std::string_view name, XMLTree& tree) { passed.visit(name, tree); }, stop);

@@ -36,6 +36,9 @@ class WorkbookReader {
   WorkbookReader(ByteBuffer data, std::string_view sourceName, const std::stop_token& stop = {},
                  std::size_t keptTreeBytes = OOXML::KeptTrees::defaultBudgetBytes);
 
+  /// The same for bytes that the caller keeps.
+  WorkbookReader(ByteView data, std::string_view sourceName, const std::stop_token& stop = {});
+
   /// The last path component of the name that the caller gave.
   const std::string& sourceName() const { return sourceName_; }
   const std::string& sourceSHA256() const { return sourceSHA256_; }
@@ -63,7 +66,9 @@ class WorkbookReader {
 
   struct PassedParts;
 
-  PassedParts readParts(ByteBuffer data, const std::stop_token& stop, std::size_t keptTreeBytes);
+  void identify(ByteView data, std::string_view sourceName);
+  void open(PartMap parts, const std::stop_token& stop, std::size_t keptTreeBytes);
+  PassedParts vetParts(PartMap parts, const std::stop_token& stop, std::size_t keptTreeBytes);
   /// Throws "missing worksheet" or "worksheet type".
   const WorksheetPart& partOf(const Sheet& sheet) const;
 

@@ -65,7 +65,8 @@ TEST(ResearchCheckCommand, RefusesWithTheMessageAlone) {
           "URL."));
   EXPECT_EQ(check({"-"}, "[1]").status, 1);
   const std::string broken = folder.write("broken.json", "{}");
-  EXPECT_EQ(check({"--scope", broken, "-"}).status, 1);
+  EXPECT_EQ(check({"--scope", broken, "-"}),
+            failure(1, broken + ": The key \"localSnapshotIDs\" is missing."));
   EXPECT_EQ(check({"absent.json"}),
             failure(1, "The file cannot be read: absent.json: No such file or directory"));
   EXPECT_EQ(check({"/dev/zero"}), failure(1, "The file is larger than 16 MiB: /dev/zero"));

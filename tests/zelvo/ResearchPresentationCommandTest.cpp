@@ -76,7 +76,8 @@ TEST_F(ResearchPresentationCommand, LeavesNothingBehindWhenItFails) {
   refused(withDatasets + " --allow-dataset e", referring, 1,
           invalid + "The presentation references a dataset outside its declared result scope.");
   refused("--no-sources", points, 1, invalid + "Slide sources must be returned research URLs.");
-  refused("--datasets " + folder.path("dataset.json"), points, 1, "Expected an array, found an object.");
+  const std::string one = folder.path("dataset.json");
+  refused("--datasets " + one, points, 1, one + ": Expected an array, found an object.");
   refused(withDataset + " --allow-dataset d", shared, 2,
           "--allow-dataset requires --datasets (see zelvo --help)");
   refused(withDataset + " " + withDatasets, shared, 2, "--dataset excludes --datasets (see zelvo --help)");

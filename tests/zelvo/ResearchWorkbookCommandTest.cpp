@@ -59,6 +59,8 @@ TEST(ResearchWorkbookCommand, WritesAReport) {
   EXPECT_EQ(cellsOf(book, "Data", "A1:B2"), "Column A,Column B\r\nCity,Sold\r\nBonn,1.5\r\n");
   EXPECT_EQ(cellsOf(book, "Report", "A1:A2"), "Column A\r\nT\r\nSales\r\n");
   EXPECT_EQ(cellsOf(book, "Sources", "A2:A3"), "Column A\r\n\"[a,b]\"\r\nhttp://h/\r\n");
+  expectWritten("report --title T -", "\xEF\xBB\xBF|City|Sold|\n|Bonn|1,5|\n", book);
+  EXPECT_EQ(cellsOf(book, "Data", "A1:A2"), "Column A\r\nCity\r\nBonn\r\n");
   expectWritten("report --title T " EXAMPLE_REPORT, "", book);
 }
 

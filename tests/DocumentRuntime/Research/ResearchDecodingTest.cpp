@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "Datasets.hpp"
+#include "DocumentRuntime/Research/HostDatasets.hpp"
 #include "DocumentRuntime/Research/ResearchSpreadsheetCoding.hpp"
 #include "Support/RefusalTable.hpp"
 
@@ -83,6 +84,63 @@ TEST(ResearchDecoding, NamesThePlaceOfAWrongShape) {
       "sources":[] | "sources":null => rows[0].sources ; "report":"R", | => ; "unit":"" | "unit":0 => columns[1].unit)"))
     EXPECT_EQ(decodingErrorPath(replaced(canonical, from, to)), path) << to;
   EXPECT_EQ(decodingErrorPath("\xFF"), "");
+}
+
+std::string hostErrorOf(const std::string& json) {
+  try {
+    hostDatasetFromJson(json);
+  } catch (const DecodingError& error) {
+    return error.what();
+  }
+  return "no error";
+}
+
+TEST(ResearchDecoding, BoundsAHostsDatasetsByTheRules) {
+  const std::string chart = R"({"categoryColumn":0,"kind":"bar","title":"","valueColumns":[]})";
+  const std::string calculation = R"({"column":0,"row":0,"formula":{"op":"sum"}})";
+  // Longer than a response may be: what no chart shows has no limit in bytes.
+  const std::string spacious =
+      replaced(canonical, R"("report":"R")", R"("report":")" + characters(90'000) + '"');
+  EXPECT_EQ(hostDatasetFromJson(spacious), fromJson<ResearchSpreadsheet>(spacious));
+  EXPECT_EQ(hostDatasetsFromJson(R"([{"id":"a","content":)" + canonical + "}]").at(0).content.encoded(),
+            canonical);
+
+  const struct {
+    std::string before, entry, separator, after;
+    std::size_t last;
+    std::string path, message;
+  } rows[] = {
+      {R"("columns":[)", R"({"kind":"text","name":""})", ",", "]}", 12, "columns", "12 entries"},
+      {R"("rows":[)", R"({"cells":[],"sources":[]})", ",", "]}", 500, "rows", "500 entries"},
+      {R"("charts":[)", chart, ",", "]}", 4, "charts", "4 entries"},
+      {R"("calculations":[)", calculation, ",", "]}", 1000, "calculations", "1000 entries"},
+      {R"("rows":[{"sources":[],"cells":[)", "0", ",", "]}]}", 12, "rows[0].cells", "12 entries"},
+      {R"("rows":[{"cells":[],"sources":[)", "\"\"", ",", "]}]}", 8, "rows[0].sources", "8 entries"},
+      {R"("rows":[{"cells":[],"sources":[],"sourceIDs":[)", "\"\"", ",", "]}]}", 8, "rows[0].sourceIDs",
+       "8 entries"},
+      {R"("charts":[{"categoryColumn":0,"kind":"bar","title":"","valueColumns":[)", "0", ",", "]}]}", 4,
+       "charts[0].valueColumns", "4 entries"},
+      {R"("columns":[{"kind":"text","unit":")", "u", "", R"(","name":""}]})", 8000, "columns[0].unit",
+       "8000 bytes"},
+      {R"("columns":[{"kind":"text","name":")", "n", "", R"("}]})", 8000, "columns[0].name", "8000 bytes"},
+      {R"("charts":[{"categoryColumn":0,"kind":"bar","valueColumns":[],"title":")", "t", "", R"("}]})", 8000,
+       "charts[0].title", "8000 bytes"},
+      {R"("charts":[)" + chart + R"(],"rows":[{"sources":[],"cells":[")", "l", "", R"("]}]})", 8000,
+       "rows[0].cells[0]", "8000 bytes"},
+  };
+  const std::string start =
+      R"({"report":"","columns":[],"rows":[],"charts":[],)";  // of two members the last counts
+  for (const auto& [before, entry, separator, after, last, path, message] : rows) {
+    std::string json = start + before + repeated(entry + separator, last - 1) + entry;
+    EXPECT_NO_THROW(hostDatasetFromJson(json + after)) << path;
+    EXPECT_EQ(hostErrorOf(json + separator + entry + after), path + ": Expected at most " + message + ".");
+  }
+  const std::string formula =
+      start + R"("calculations":[{"column":0,"row":0,"formula":{"op":"sum","arguments":[)";
+  const std::string nodes = repeated(R"({"op":"sum"},)", 49'998) + R"({"op":"sum"}]}}]})";
+  EXPECT_NO_THROW(hostDatasetFromJson(formula + nodes));
+  EXPECT_EQ(hostErrorOf(formula + R"({"op":"sum"},)" + nodes),
+            "calculations[0].formula.arguments[49999]: The formulas have too many nodes.");
 }
 
 TEST(ResearchDecoding, EveryNumberSurvives) {

@@ -1,6 +1,8 @@
 #include <chrono>
 #include <filesystem>
+#include <map>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -12,6 +14,7 @@
 #include "DocumentRuntime/Research/ResearchPresentation.hpp"
 #include "DocumentRuntime/Research/SlideText.hpp"
 #include "Support/ExpectedPackage.hpp"
+#include "Support/RefusalTable.hpp"
 
 namespace zelvo {
 namespace {
@@ -56,6 +59,47 @@ TEST(ResearchPresentationRenderer, IsExactlyTheExpectedBytes) {
   EXPECT_EQ(testing::differences(ResearchPresentation::make(deck(), 4, scope()), expected / "deck"), "");
 }
 
+std::size_t countOf(std::string_view text, std::string_view piece) {
+  std::size_t count = 0;
+  for (std::size_t at = 0; (at = text.find(piece, at)) != std::string_view::npos; at += piece.size())
+    ++count;
+  return count;
+}
+
+TEST(ResearchPresentationRenderer, GivesASourceOneLine) {
+  ResearchPresentation repeating = deck();
+  repeating.slides[0].sourceIDs = {{"a", "b", "a"}};
+  repeating.slides[1].sources = {"https://h/2", "https://h/1", "https://h/2"};
+  const auto parts = BoundedZIP::read(ResearchPresentation::make(repeating, 4, {}).view());
+  for (const char* name : {"ppt/slides/slide1.xml", "ppt/slides/slide2.xml"})
+    EXPECT_EQ(countOf(parts.find(name)->text(), "name=\"Source "), 2U) << name;
+  const std::string_view second = parts.find("ppt/slides/slide2.xml")->text();
+  EXPECT_LT(second.find("https://h/2"), second.find("https://h/1"));
+}
+
+/// A text that every slide repeats, far beyond what a host's file may hold. The last slide, which cannot be
+/// drawn, tells whether drawing stopped before it.
+TEST(ResearchPresentationRenderer, StopsWhereTheArchiveIsFull) {
+  const auto outcome = [](std::size_t labelBytes) {
+    ResearchPresentation crowded = deck();
+    for (auto& slide : crowded.slides)
+      slide.sourceIDs = {{"local-1"}};
+    crowded.slides.resize(16, crowded.slides[2]);
+    crowded.slides.back().title = "a" + testing::repeated("\u0301", 2000);
+    ResearchSourceScope::Record record = scope().selectedRecords({"local-1"}, {}).at(0);
+    record.label = std::string(labelBytes, '"');
+    std::map<std::string, std::string> publicSources;
+    for (const auto& row : crowded.dataset->rows)
+      publicSources.emplace("p" + std::to_string(publicSources.size()), row.sources.at(0));
+    return testing::outcomeOf([&] {
+      ResearchPresentation::make(crowded, 4, ResearchSourceScope({"local-1"}, publicSources, {record}));
+    });
+  };
+  EXPECT_EQ(outcome(1000), "unsupported: slide text needs too much space");
+  EXPECT_EQ(outcome(std::size_t{2} << 20), "resourceLimit: output archive");
+  EXPECT_EQ(outcome(std::size_t{3} << 20), "resourceLimit: output part");
+}
+
 TEST(ResearchPresentationRenderer, FitsTextsOfAnyLength) {
   // Headings have 864 × 78 points.
   const auto size = [](const std::string& text) {
@@ -66,6 +110,7 @@ TEST(ResearchPresentationRenderer, FitsTextsOfAnyLength) {
   EXPECT_EQ(size(std::string(80, 'W')), 21);  // 80 ems on two lines of 41.1
   EXPECT_EQ(size("aaaaaaaaaaaaaaaaaaaaaaaaa aaaaaaaaaaaaaaaaaaaaaaaaa b"), 30);  // words stay whole
   EXPECT_EQ(size(std::string(25, 'W') + " " + std::string(25, 'W') + " " + std::string(25, 'W')), 21);
+  EXPECT_EQ(SlideText::fittedSize({}, {.width = 864, .height = 78, .largestSize = 30}), 30);
   std::string stacked = "a";
   for (int i = 0; i < 2000; ++i)
     stacked += "\u0301";

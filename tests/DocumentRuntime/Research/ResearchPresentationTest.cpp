@@ -245,15 +245,18 @@ TEST(ResearchPresentation, ResolvesOneBindingAChartSlide) {
   std::string parts;
   for (const auto& binding : deck.resolvedChartBindings()) {
     parts += binding.reference.datasetID + std::to_string(binding.partNumber) + " ";
-    EXPECT_EQ(binding.dataset, yearlyProfit());
-    EXPECT_EQ(binding.cells[2][4], numberCell(8));
+    EXPECT_EQ(*binding.dataset, yearlyProfit());
+    EXPECT_EQ((*binding.cells)[2][4], numberCell(8));
   }
   EXPECT_EQ(parts, "a1 b2 a1 ");
+  const auto bindings = deck.resolvedChartBindings();
+  EXPECT_EQ(bindings[0].dataset, &deck.datasets->at(0).content);
+  EXPECT_EQ(bindings[0].cells, bindings[2].cells) << "copied for each slide";
   EXPECT_EQ(deck.referencedChartDatasetIDs(), (std::set<std::string>{"a", "b"}));
 
-  const auto single = Single().decode().resolvedChartBindings();
-  ASSERT_EQ(single.size(), 1);
-  EXPECT_EQ(single[0].reference, (Deck::ChartReference{"", 0}));
+  const Deck single = Single().decode();
+  ASSERT_EQ(single.resolvedChartBindings().size(), 1);
+  EXPECT_EQ(single.resolvedChartBindings()[0].reference, (Deck::ChartReference{"", 0}));
 }
 
 TEST(ResearchPresentation, TheCanonicalEncodingIsAFixedPoint) {

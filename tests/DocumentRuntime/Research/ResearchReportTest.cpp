@@ -153,6 +153,8 @@ TEST(ResearchReport, RefusesWhatItCannotHold) {
   expectLimits<Report>(
       {{"report", 60'000, "resourceLimit: research report",
         [](Report& report, std::size_t count) { report.text += characters(count - report.text.size()); }},
+       {"lines", 49'997, "resourceLimit: too many report lines for a sheet of 49998 rows",
+        [](Report& report, std::size_t count) { report.text += std::string(count - 3, '\n'); }},
        {"sources", 100, "resourceLimit: research report",
         [](Report& report, std::size_t count) { report.sources.resize(count); }}},
       make);

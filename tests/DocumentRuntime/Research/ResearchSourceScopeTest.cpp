@@ -1,3 +1,8 @@
+#include <ctime>
+#include <functional>
+#include <map>
+#include <string>
+
 #include <gtest/gtest.h>
 
 #include "Datasets.hpp"
@@ -5,6 +10,7 @@
 #include "DocumentRuntime/Errors/DocumentError.hpp"
 #include "DocumentRuntime/Research/ResearchSourceScopeCoding.hpp"
 #include "Support/RefusalTable.hpp"
+#include "Support/Texts.hpp"
 
 namespace zelvo {
 namespace {
@@ -105,6 +111,71 @@ TEST(ResearchSourceScope, SelectsAndDescribesRecords) {
     labels.emplace_back(scope().selectedRecords({id}, {}).at(0).kindLabel());
   EXPECT_EQ(labels, (Texts{"Local visible excerpt", "Local visible excerpt", "Public source URL",
                            "Public page excerpt"}));
+}
+
+TEST(ResearchSourceScope, ComposesEachIdentifierOnce) {
+  // All lead to one URL, and the first in byte order is long and not ASCII.
+  std::map<std::string, std::string> sources = {{"!" + repeated("\u00e9", 90'000), "https://h/"}};
+  for (int i = 0; i < 8'000; ++i)
+    sources.emplace("k" + std::to_string(i), "https://h/");
+  const std::string first = sources.begin()->first;
+  const std::clock_t start = std::clock();
+  const ResearchSourceScope many({}, sources, {});
+  EXPECT_LT(std::clock() - start, 2 * CLOCKS_PER_SEC);
+  EXPECT_EQ(many.selectedRecords({}, {"https://h/"}).at(0).id, first);
+  // U+212B sorts by what it is composed to, U+00C5, and so before U+0100.
+  const ResearchSourceScope composed({}, {{"\u0100", "https://h/"}, {"\u212b", "https://h/"}}, {});
+  EXPECT_EQ(composed.selectedRecords({}, {"https://h/"}).at(0).id, "\u212b");
+}
+
+/// A scope of `count` entries of the list, or with one text of that many bytes.
+std::string scopeWith(const std::string& place, std::size_t count) {
+  const auto entries = [count](const std::function<std::string(std::size_t)>& entry) {
+    std::string list = entry(0);
+    for (std::size_t i = 1; i < count; ++i)
+      list += "," + entry(i);
+    return list;
+  };
+  const auto record = [](const std::string& label) {
+    return R"({"id":"i","kind":"publicURL","coverage":"","label":")" + label + "\"}";
+  };
+  std::string ids, sources, records;
+  if (place == "localSnapshotIDs") ids = entries([](auto) { return R"("i")"; });
+  if (place == "publicSources")
+    sources = entries([](auto i) { return '"' + std::to_string(i) + R"(":"u")"; });
+  if (place == "records") records = entries([&](auto) { return record(""); });
+  if (place == "localSnapshotIDs[0]") ids = '"' + std::string(count, 'i') + '"';
+  if (place == "publicSources: key") sources = '"' + std::string(count, 'i') + R"(":"u")";
+  if (place == "publicSources.i") sources = R"("i":")" + std::string(count, 'u') + '"';
+  if (place == "records[0].label") records = record(std::string(count, 'l'));
+  return R"({"localSnapshotIDs":[)" + ids + R"(],"publicSources":{)" + sources + R"(},"records":[)" +
+         records + "]}";
+}
+
+TEST(ResearchSourceScope, BoundsWhatAFileHolds) {
+  const std::string bytes = "Expected at most 8000 bytes.";
+  const std::string entries = "Expected at most 20000 entries.";
+  const struct {
+    std::string place;
+    std::size_t last;
+    std::string message;
+  } rows[] = {{"localSnapshotIDs", 20'000, entries},
+              {"publicSources", 20'000, entries},
+              {"records", 20'000, entries},
+              {"localSnapshotIDs[0]", 8'000, bytes},
+              {"publicSources: key", 8'000, "Expected identifiers of at most 8000 bytes."},
+              {"publicSources.i", 8'000, bytes},
+              {"records[0].label", 2'000, "Expected at most 2000 characters."}};
+  for (const auto& [place, last, message] : rows) {
+    EXPECT_NO_THROW(researchSourceScopeFromJson(scopeWith(place, last))) << place;
+    try {
+      researchSourceScopeFromJson(scopeWith(place, last + 1));
+      ADD_FAILURE() << place;
+    } catch (const DecodingError& error) {
+      EXPECT_EQ(error.path(), place.substr(0, place.find(':'))) << place;
+      EXPECT_EQ(error.message(), message) << place;
+    }
+  }
 }
 
 TEST(ResearchSourceScope, RefusesAFileOfAnotherShape) {

@@ -14,6 +14,7 @@
 #include "DocumentRuntime/Research/ResearchWorkbook.hpp"
 #include "DocumentRuntime/Research/ResearchWorkbookReadBack.hpp"
 #include "Support/ExpectedPackage.hpp"
+#include "Support/RefusalTable.hpp"
 
 namespace zelvo {
 namespace {
@@ -223,7 +224,7 @@ TEST(ResearchWorkbookReadBack, NamesWhatTheBytesDoNotSay) {
   const ResearchSpreadsheet dataset = chartedTable();
   const auto content = ResearchWorkbookContent::of("T", dataset, {}, {});
   const ByteBuffer workbook = ResearchWorkbook::make("T", dataset, {}, {});
-  EXPECT_NO_THROW(readBackResearchWorkbook(ByteBuffer::copyOf(workbook.view()), content));
+  EXPECT_NO_THROW(readBackResearchWorkbook(workbook.view(), content));
   for (const auto& [part, from, to, detail] : breaks) {
     PartMap parts = BoundedZIP::read(workbook.view());
     std::string xml(parts.find(part)->text());
@@ -233,7 +234,7 @@ TEST(ResearchWorkbookReadBack, NamesWhatTheBytesDoNotSay) {
     if (std::string_view(to).find("<g>") != std::string_view::npos) xml.replace(xml.rfind("</f>"), 4, "</g>");
     parts.set(part, ByteBuffer::copyOf(xml));
     try {
-      readBackResearchWorkbook(BoundedZIP::write(parts), content);
+      readBackResearchWorkbook(BoundedZIP::write(parts).view(), content);
       ADD_FAILURE() << "read back: " << to;
     } catch (const DocumentError& error) {
       EXPECT_EQ(error, DocumentError::validationFailed(detail)) << to;
@@ -241,21 +242,48 @@ TEST(ResearchWorkbookReadBack, NamesWhatTheBytesDoNotSay) {
   }
 }
 
-TEST(ResearchWorkbookReadBack, RefusesASourceThatXMLCannotKeep) {
-  using Record = ResearchSourceScope::Record;
-  const ResearchSourceScope scope({"local-1", "local-2"}, {{"web-1", "https://a.example/?x=1&y=2"}},
-                                  {{.id = "local-1",
-                                    .kind = Record::Kind::localSnapshot,
-                                    .label = "a\rb",
-                                    .observedAt = {},
-                                    .coverage = "",
-                                    .provenanceURL = {}}});
-  try {
-    ResearchWorkbook::make("T", scopedTable(), {}, scope);
-    ADD_FAILURE();
-  } catch (const DocumentError& error) {
-    EXPECT_EQ(error, DocumentError::validationFailed("source provenance readback"));
-  }
+ResearchSourceScope scopeWithLabel(const std::string& label) {
+  return {{"local-1", "local-2"},
+          {{"web-1", "https://a.example/?x=1&y=2"}},
+          {{.id = "local-1", .label = label, .observedAt = {}, .coverage = "", .provenanceURL = {}}}};
+}
+
+TEST(ResearchWorkbookReadBack, TakesCarriageReturnsForLineFeeds) {
+  for (const char* label : {"a\rb", "a\r\nb", "a\r\x01\n\r"})
+    EXPECT_NO_THROW(ResearchWorkbook::make("T", scopedTable(), {}, scopeWithLabel(label))) << label;
+}
+
+/// The lines of a report and the length of a row's URL.
+struct Extent {
+  std::size_t lines = 5;
+  std::size_t urlLength = 20;
+};
+
+TEST(ResearchWorkbook, NamesWhatASheetCannotHold) {
+  const auto make = [](const Extent& extent) {
+    ResearchSpreadsheet dataset = mixedTable();
+    dataset.report = "R" + std::string(extent.lines - 1, '\n');
+    dataset.rows[0].sources[0].resize(extent.urlLength, 'u');
+    ResearchWorkbook::make("T", dataset, {}, {});
+  };
+  testing::expectLimits<Extent>(
+      {{"lines", 49'997, "resourceLimit: too many report lines for a sheet of 49998 rows",
+        [](Extent& extent, std::size_t count) { extent.lines = count; }},
+       {"URL", 2000,
+        "resourceLimit: the source URL \"https://b.example/1" + std::string(61, 'u') +
+            "…\" has more than 2000 characters, too many for a cell",
+        [](Extent& extent, std::size_t length) { extent.urlLength = length; }}},
+      make);
+  const ResearchSpreadsheet dataset = testing::yearlyProfit();
+  std::vector<std::string> sources;
+  for (std::size_t i = 0; i < 49'998; ++i)
+    sources.push_back(i < 3 ? dataset.rows[i].sources[0] : std::to_string(i));
+  EXPECT_EQ(testing::outcomeOf([&] { ResearchWorkbook::make("T", dataset, sources, {}); }),
+            "resourceLimit: too many sources for a sheet of 49998 rows");
+  EXPECT_EQ(
+      testing::outcomeOf(
+          [] { ResearchWorkbook::make("T", scopedTable(), {}, scopeWithLabel(std::string(2001, 'l'))); }),
+      "resourceLimit: the label of record \"local-1\" has more than 2000 characters, too many for a cell");
 }
 
 }  // namespace
