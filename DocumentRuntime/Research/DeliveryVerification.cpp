@@ -124,13 +124,13 @@ void verifyNames(XMLNode slide, const Slide& wanted) {
 }
 
 /// What a slide shows as a chart.
-struct DeliveredChart {
+struct ShownChart {
   bool isShown;
   std::optional<std::string> part;
 };
 
 /// Slides may share a chart part: it is compared once for each chart that it is to show.
-void verifyCharts(const DeliveredPackage& package, const std::vector<DeliveredChart>& charts,
+void verifyCharts(const DeliveredPackage& package, const std::vector<ShownChart>& charts,
                   const ResearchPresentation& presentation, const std::stop_token& stop) {
   const auto bindings = presentation.resolvedChartBindings();
   auto binding = bindings.begin();
@@ -155,7 +155,7 @@ void verifyDelivery(ByteView deck, const ResearchPresentation& presentation,
                     const std::optional<ResearchSourceScope>& scope, const std::stop_token& stop) {
   const DeliveredPackage package(deck, stop);
   require(package.slideCount() == presentation.slides.size(), "A slide is missing.");
-  std::vector<DeliveredChart> charts;
+  std::vector<ShownChart> charts;
   for (std::size_t i = 0; i < presentation.slides.size(); ++i) {
     const auto slide = package.slide(i);
     const Slide& wanted = presentation.slides[i];
