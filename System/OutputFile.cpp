@@ -34,7 +34,8 @@ int followLinks(std::string& path) {
     const ssize_t length = readlink(path.c_str(), content.data(), content.size());
     if (length < 0) return errno == EINVAL || errno == ENOENT ? 0 : errno;  // no link, or nothing at all
     const std::string target(content.data(), static_cast<std::size_t>(length));
-    path = target.starts_with('/') ? target : folderOf(path) + target;
+    path = target.starts_with('/') ? std::string() : folderOf(path);
+    path += target;
   }
   return ELOOP;
 }

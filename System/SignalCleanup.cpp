@@ -64,7 +64,7 @@ void endBySignal(int signal) {
     poll(nullptr, 0, 1);
   cleanUp();
   setDefaultAction(signal);
-  raise(signal);
+  static_cast<void>(raise(signal));  // blocked until the next call
   const sigset_t handled = setOfHandledSignals();
   pthread_sigmask(SIG_UNBLOCK, &handled, nullptr);  // the process ends here
   waitForTheEnd();
