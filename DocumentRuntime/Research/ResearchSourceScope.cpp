@@ -51,9 +51,9 @@ ResearchSourceScope::ResearchSourceScope(std::vector<std::string> localSnapshotI
                                          std::map<std::string, std::string> publicSources,
                                          std::vector<Record> records)
     : localSnapshotIDs_(std::move(localSnapshotIDs)), records_(std::move(records)) {
-  std::ranges::sort(localSnapshotIDs_);
-  const auto repeated = std::ranges::unique(localSnapshotIDs_);
-  localSnapshotIDs_.erase(repeated.begin(), repeated.end());
+  std::sort(localSnapshotIDs_.begin(), localSnapshotIDs_.end());
+  localSnapshotIDs_.erase(std::unique(localSnapshotIDs_.begin(), localSnapshotIDs_.end()),
+                          localSnapshotIDs_.end());
 
   publicSources_.reserve(publicSources.size());
   while (!publicSources.empty()) {
