@@ -40,7 +40,7 @@ TEST(OOXMLSupport, ResolvesTargets) {
       ../theme/theme1.xml | ppt/slides/_rels/slide1.xml.rels => ppt/theme/theme1.xml
       ..%2Ftheme/%2e%2e/a | ppt/slides/_rels/slide1.xml.rels => ppt/a
       /xl/styles.xml | ppt/slides/_rels/slide1.xml.rels => xl/styles.xml
-      %2Fa | ppt/slides/_rels/slide1.xml.rels => a
+      %2Fa%4A | ppt/slides/_rels/slide1.xml.rels => aJ
       .//./a//b/ | ppt/slides/_rels/slide1.xml.rels => ppt/slides/a/b
       a/../../../b | ppt/slides/_rels/slide1.xml.rels => b
       A.XML | //xl//_rels/x.rels => xl/A.XML ; | xl/_rels/workbook.xml.rels => xl
