@@ -8,6 +8,10 @@
 namespace zelvo::testing {
 namespace {
 
+constexpr std::uint16_t version20 = 20;
+constexpr std::uint16_t midnight = 0;
+constexpr std::uint16_t january1st1980 = 0x21;
+
 /// Appends a number of that many bytes, the lowest first.
 void put(std::string& out, std::size_t value, int bytes) {
   for (int i = 0; i < bytes; ++i)
@@ -20,21 +24,12 @@ std::uint32_t crcOf(std::string_view content) {
 }
 
 std::string rawDeflated(std::string_view content) {
-  z_stream stream{};
-  if (deflateInit2(&stream, Z_BEST_SPEED, Z_DEFLATED, -15, 9, Z_DEFAULT_STRATEGY) != Z_OK) {
-    throw std::runtime_error("deflateInit2");
-  }
-  std::string out(deflateBound(&stream, content.size()), '\0');
-  std::string input(content);  // the library's pointers are not to const
-  stream.next_in = reinterpret_cast<Bytef*>(input.data());
-  stream.avail_in = static_cast<uInt>(input.size());
-  stream.next_out = reinterpret_cast<Bytef*>(out.data());
-  stream.avail_out = static_cast<uInt>(out.size());
-  const int result = deflate(&stream, Z_FINISH);
-  out.resize(stream.total_out);
-  deflateEnd(&stream);
-  if (result != Z_STREAM_END) throw std::runtime_error("deflate");
-  return out;
+  uLongf size = compressBound(content.size());
+  std::string out(size, '\0');
+  const auto* bytes = reinterpret_cast<const Bytef*>(content.data());
+  if (compress2(reinterpret_cast<Bytef*>(out.data()), &size, bytes, content.size(), Z_BEST_SPEED) != Z_OK)
+    throw std::runtime_error("compress2");
+  return out.substr(2, size - 6);  // without zlib's header and checksum
 }
 
 void describe(ArchiveEntry& entry, std::string_view content) {
@@ -46,7 +41,7 @@ void describe(ArchiveEntry& entry, std::string_view content) {
 }
 
 void putSharedFields(std::string& out, const EntryHeader& header) {
-  for (const auto value : {header.versionNeeded, header.flags, header.method, header.time, header.date})
+  for (const std::uint16_t value : {version20, header.flags, header.method, midnight, january1st1980})
     put(out, value, 2);
   for (const auto value : {header.crc, header.compressedSize, header.uncompressedSize})
     put(out, value, 4);
@@ -64,11 +59,11 @@ std::string localRecord(const ArchiveEntry& entry) {
 std::string centralRecord(const CentralHeader& header, std::size_t localOffset) {
   std::string out;
   put(out, header.signature, 4);
-  put(out, header.versionMadeBy, 2);
+  put(out, version20, 2);
   putSharedFields(out, header);
   put(out, header.commentLength.value_or(header.comment.size()), 2);
   put(out, header.diskStart, 2);
-  put(out, header.internalAttributes, 2);
+  put(out, 0, 2);  // internal attributes
   put(out, header.externalAttributes, 4);
   put(out, header.localOffset.value_or(localOffset), 4);
   return out + header.name + header.extra + header.comment;

@@ -13,11 +13,8 @@ namespace zelvo::testing {
 
 /// What local and central headers have in common.
 struct EntryHeader {
-  std::uint16_t versionNeeded = 20;
   std::uint16_t flags = 0;
   std::uint16_t method = 0;
-  std::uint16_t time = 0;
-  std::uint16_t date = 0x21;
   std::uint32_t crc = 0;
   std::uint32_t compressedSize = 0;
   std::uint32_t uncompressedSize = 0;
@@ -33,9 +30,7 @@ struct LocalHeader : EntryHeader {
 
 struct CentralHeader : EntryHeader {
   std::uint32_t signature = 0x02014b50;
-  std::uint16_t versionMadeBy = 20;
   std::uint16_t diskStart = 0;
-  std::uint16_t internalAttributes = 0;
   std::uint32_t externalAttributes = 0;
   std::optional<std::uint16_t> commentLength;
   std::optional<std::uint32_t> localOffset;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <stdexcept>
 #include <string>
@@ -15,14 +16,11 @@ template <typename Take>
 void eachPiece(std::string_view text, std::string_view separator, const Take& take) {
   const std::string padded = std::string(" ").append(text).append(" ");
   const std::string between = std::string(" ").append(separator).append(" ");
-  for (std::size_t start = 0; start != std::string::npos;) {
-    const std::size_t end = padded.find(between, start);
+  for (std::size_t start = 0, end = 0; end != std::string::npos; start = end + between.size() - 1) {
+    end = padded.find(between, start);
     const std::string piece = padded.substr(start, end == std::string::npos ? end : end - start);
-    const std::size_t first = piece.find_first_not_of(' ');
-    const std::size_t last = piece.find_last_not_of(' ');
-    take(first == std::string::npos ? std::string() : piece.substr(first, last - first + 1));
-    start =
-        end == std::string::npos ? end : end + between.size() - 1;  // its last space begins the next piece
+    const std::size_t first = std::min(piece.find_first_not_of(' '), piece.size());
+    take(piece.substr(first, piece.find_last_not_of(' ') + 1 - first));
   }
 }
 

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <functional>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -35,23 +34,13 @@ struct Outcome {
 };
 
 template <typename Act>
-std::optional<DocumentError> errorOf(const Act& act) {
+Outcome outcomeOf(const Act& act) {
   try {
     act();
   } catch (const DocumentError& error) {
     return error;
   }
-  return std::nullopt;
-}
-
-template <typename Act>
-Outcome outcomeOf(const Act& act) {
-  const auto error = errorOf(act);
-  return error ? Outcome(*error) : "";
-}
-
-inline std::string describe(const std::optional<DocumentError>& error) {
-  return error ? error->errorDescription() : "nothing was refused";
+  return "";
 }
 
 /// One thing that a reader refuses: how to spoil a good input, and what the reader must then say.

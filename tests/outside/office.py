@@ -1,20 +1,34 @@
-"""LibreOffice, as the scripts here use it, and the frame of their tests."""
+"""The frame of all tests with outside readers: a shared folder, the tool (the last argument), LibreOffice."""
 
 import os
 import pathlib
 import subprocess
+import sys
 import tempfile
 import unittest
 
+import openpyxl
 
-def convert(paths, target, folder):
-    """Writes every document to `folder` as `target`, a file name's ending with perhaps a filter behind a colon.
+ZELVO = sys.argv.pop()
 
-    One start for all of them: starting takes longer than converting. The user's own profile is left alone."""
-    subprocess.run(
-        ["soffice", "-env:UserInstallation=" + (folder / "profile").as_uri(), "--headless", "--convert-to", target,
-         "--outdir", folder, *paths],
-        check=True, stdout=subprocess.DEVNULL, env={**os.environ, "LC_ALL": "C.UTF-8"})
+
+def zelvo(*arguments, stdin=None):
+    """What the tool prints; `stdin` is a text."""
+    run = subprocess.run([ZELVO, *arguments], check=True, stdout=subprocess.PIPE, input=stdin, text=True)
+    return run.stdout
+
+
+def write_workbook(path, rows, number_format="General"):
+    """A workbook of one sheet. Its texts are texts, whatever they begin with."""
+    book = openpyxl.Workbook()
+    for r, row in enumerate(rows, 1):
+        for c, value in enumerate(row, 1):
+            cell = book.active.cell(r, c, value)
+            cell.number_format = number_format
+            if isinstance(value, str):
+                cell.data_type = "s"
+    book.save(path)
+    return path
 
 
 class Case(unittest.TestCase):
@@ -26,3 +40,12 @@ class Case(unittest.TestCase):
         cls.addClassCleanup(temporary.cleanup)
         cls.folder = pathlib.Path(temporary.name)
         cls.prepare()
+
+    @classmethod
+    def convert(cls, pattern, target):
+        """Converts the documents of a pattern to `target`, an ending and perhaps a filter after a colon, into
+        the folder "office". One start for all: starting takes longer than converting."""
+        own_profile = "-env:UserInstallation=" + (cls.folder / "profile").as_uri()
+        to = ["--headless", "--convert-to", target, "--outdir", cls.folder / "office"]
+        subprocess.run(["soffice", own_profile, *to, *sorted(cls.folder.glob(pattern))], check=True,
+                       stdout=subprocess.DEVNULL, env={**os.environ, "LC_ALL": "C.UTF-8"})

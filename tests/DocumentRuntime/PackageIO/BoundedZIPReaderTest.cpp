@@ -1,3 +1,4 @@
+// Owns PackageIO/BoundedZIPReader: what archives are read, and every rule of theirs in its order.
 #include <functional>
 #include <string>
 #include <string_view>
@@ -172,61 +173,51 @@ TEST(BoundedZIPRead, TakesTheLastEndRecordThatReachesTheEnd) {
 }
 
 TEST(BoundedZIPRead, StopsAtItsLimits) {
-  const auto expectLimit = [](const ArchiveBuilder& at, const ArchiveBuilder& over, const char* refusal) {
-    EXPECT_EQ(outcomeOf([&] { read(at); }), "") << refusal;
-    EXPECT_EQ(outcomeOf([&] { read(over); }), refusal);
+  using A = ArchiveBuilder&;
+  const auto expectLimit = [](ArchiveBuilder archive, const auto& exceed, const char* refusal) {
+    EXPECT_EQ(outcomeOf([&] { read(archive); }), "") << refusal;
+    exceed(archive);
+    EXPECT_EQ(outcomeOf([&] { read(archive); }), refusal);
   };
-  const auto stored = [](std::size_t nameBytes, std::size_t bytes) {
-    ArchiveBuilder archive;
-    archive.stored(std::string(nameBytes, 'n'), std::string(bytes, '\0'));
-    return archive;
-  };
-  EXPECT_EQ(outcome(std::string(21, '\0')), archiveSize);
+  const auto lengthen = [](A a) { a.entries[0].both([](EntryHeader& header) { header.name += 'n'; }); };
+  const auto addByte = [](A a) { a.stored("?", "?"); };
   EXPECT_EQ(outcome(std::string(22, '\0')), noDirectory);
 
-  ArchiveBuilder at = good();
-  at.prefix.resize(BoundedZIP::maximumArchiveBytes - at.bytes().size());
-  ArchiveBuilder over = at;
-  over.prefix += '?';
-  expectLimit(at, over, archiveSize);
-
-  at = {};
+  ArchiveBuilder whole = good();
+  whole.prefix.resize(BoundedZIP::maximumArchiveBytes - whole.bytes().size());
+  expectLimit(
+      whole, [](A a) { a.prefix += '?'; }, archiveSize);
+  ArchiveBuilder named;
+  named.stored(std::string(BoundedZIP::maximumNameBytes, 'n'), "");
+  expectLimit(named, lengthen, path);
+  ArchiveBuilder many;
   for (std::size_t i = 0; i < BoundedZIP::maximumEntries; ++i)
-    at.stored(std::to_string(i), "");
-  over = at;
-  over.stored("one more", "");
-  expectLimit(at, over, directoryKind);
+    many.stored(std::to_string(i), "");
+  expectLimit(many, addByte, directoryKind);
 
-  constexpr std::size_t name = BoundedZIP::maximumNameBytes;
-  expectLimit(stored(name, 0), stored(name + 1, 0), path);
-  constexpr std::size_t entry = BoundedZIP::maximumEntryBytes;
-  expectLimit(stored(1, entry), stored(1, entry + 1), expansion);
-
-  // The whole of four entries at their limit; every 64th byte is noise, which keeps the ratio down.
-  std::string noisy(entry, '\0');
+  // Four entries at their limit are all that may be; every 64th byte is noise, which keeps the ratio down.
+  std::string noisy(BoundedZIP::maximumEntryBytes, '\0');
   std::uint32_t noise = 1;
   for (std::size_t i = 0; i < noisy.size(); i += 64)
     noisy[i] = static_cast<char>((noise = noise * 1'664'525 + 1'013'904'223) >> 24);
-  at = {};
-  at.deflated("1", noisy);
+  ArchiveBuilder expanded;
+  expanded.deflated("1", noisy);
+  const auto longer = [&](A a) { a.entries.clear(), a.deflated("1", noisy + '?'); };
+  expectLimit(expanded, longer, expansion);
   for (const char* more : {"2", "3", "4"})
-    at.entries.emplace_back(at.entries[0]).both([&](EntryHeader& header) { header.name = more; });
-  at.stored("nothing", "");
-  over = at;
-  over.stored("one byte more", "?");
-  expectLimit(at, over, expansion);
+    expanded.entries.emplace_back(expanded.entries[0]).both([&](EntryHeader& header) { header.name = more; });
+  expectLimit(expanded, addByte, expansion);
 
   // Zeros shrink to a thousandth: the size that just passes is a fixed point, found in a few steps.
+  ArchiveBuilder zeros;
   std::size_t size = BoundedZIP::expansionAllowanceBytes;
-  for (std::size_t previous = 0; previous != size;) {
-    at = {};
-    previous = size;
-    size = at.deflated("zeros", std::string(size, '\0')).data.size() * BoundedZIP::maximumExpansionRatio +
+  for (std::size_t previous = 0; std::exchange(previous, size) != size;) {
+    zeros = {};
+    size = zeros.deflated("zeros", std::string(size, '\0')).data.size() * BoundedZIP::maximumExpansionRatio +
            BoundedZIP::expansionAllowanceBytes;
   }
-  over = at;
-  over.entries[0].both([](EntryHeader& header) { ++header.uncompressedSize; });
-  expectLimit(at, over, expansion);
+  expectLimit(
+      zeros, [](A a) { a.entries[0].both([](auto& header) { ++header.uncompressedSize; }); }, expansion);
 }
 
 TEST(BoundedZIPRead, DamageNeverChangesTheBytesUnseen) {
