@@ -14,9 +14,10 @@ namespace {
 
 using Document = std::unique_ptr<xmlDoc, decltype(&xmlFreeDoc)>;
 
-/// Versions that libxml2 does not know are no reason to stop; encodings are ours to choose.
+/// Versions that libxml2 does not know are no reason to stop, and the encoding is UTF-8 whatever is declared.
 Document parsed(std::string_view xml) {
-  constexpr int options = XML_PARSE_RECOVER | XML_PARSE_NOERROR | XML_PARSE_NOWARNING | XML_PARSE_NONET;
+  constexpr int options =
+      XML_PARSE_RECOVER | XML_PARSE_NOERROR | XML_PARSE_NOWARNING | XML_PARSE_NONET | XML_PARSE_IGNORE_ENC;
   return {xmlReadMemory(xml.data(), static_cast<int>(xml.size()), nullptr, "UTF-8", options), &xmlFreeDoc};
 }
 

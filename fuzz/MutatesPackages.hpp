@@ -1,5 +1,6 @@
 #pragma once
 
+#if !ZELVO_REPLAY
 #include "fuzz/PackageMutator.hpp"
 
 // A fuzz target whose source includes this is given mutated packages: libFuzzer looks for this name in the
@@ -8,3 +9,4 @@ extern "C" [[gnu::used]] inline std::size_t LLVMFuzzerCustomMutator(std::uint8_t
                                                                     std::size_t maximumSize, unsigned seed) {
   return zelvo::fuzzing::mutatePackage(data, size, maximumSize, seed);
 }
+#endif

@@ -8,6 +8,7 @@
 #include "DocumentRuntime/Errors/DocumentError.hpp"
 #include "DocumentRuntime/Research/ResearchFormulaEvaluator.hpp"
 #include "DocumentRuntime/Research/ResearchSpreadsheetCoding.hpp"
+#include "fuzz/MemoryBound.hpp"
 #include "fuzz/Require.hpp"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -22,6 +23,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
                   std::vector<zelvo::ResearchSourceScope::Record>());
   }
   const std::string_view response(reinterpret_cast<const char*>(data) + 1, size - 1);
+  const auto limit = zelvo::fuzzing::researchMemory(size);
   try {
     const auto dataset = zelvo::ResearchSpreadsheet::decode(response, requiresChart, allowedSources, scope);
     const std::string encoded = dataset.encoded();

@@ -4,12 +4,14 @@
 #include <cstdlib>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "DocumentRuntime/Errors/DocumentError.hpp"
 #include "DocumentRuntime/PackageIO/BoundedXML.hpp"
 #include "DocumentRuntime/PackageIO/BoundedZIP.hpp"
 #include "DocumentRuntime/Workbook/TableExtraction.hpp"
 #include "DocumentRuntime/Workbook/WorkbookReader.hpp"
+#include "fuzz/MemoryBound.hpp"
 #include "fuzz/MutatesPackages.hpp"
 #include "fuzz/Require.hpp"
 
@@ -89,12 +91,19 @@ void requireFaithful(const zelvo::SourceCell& cell, const zelvo::CellRange& rang
   if (cell.value.kind() == Kind::missing) ZELVO_REQUIRE(cell.displayText().empty());
 }
 
-}  // namespace
+struct ExtractedTable {
+  std::string path;  ///< of the sheet's part
+  zelvo::SourceTable table;
+};
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+/// What the reader gives of every sheet, with and without a header.
+std::vector<ExtractedTable> extractedTables(zelvo::ByteView archive) {
+  std::vector<ExtractedTable> tables;
   try {
-    const zelvo::WorkbookReader reader(zelvo::ByteBuffer::copyOf({data, size}), "book.xlsx");
-    const StoredTexts storedTexts({data, size});
+    const auto reader = [&] {
+      const auto limit = zelvo::fuzzing::documentMemory(archive);
+      return zelvo::WorkbookReader(zelvo::ByteBuffer::copyOf(archive), "book.xlsx");
+    }();
     for (const zelvo::Sheet& sheet : reader.sheets()) {
       for (const bool header : {true, false}) {
         const zelvo::TableSelection selection{.sheetName = sheet.name,
@@ -103,15 +112,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
                                               .includeHiddenRows = !header,
                                               .allowCachedFormulaValues = true};
         try {
-          const zelvo::SourceTable table = reader.table(selection);
-          const auto range = zelvo::CellRange::parse(table.selectedRange);
-          for (const auto& row : table.rows) {
-            ZELVO_REQUIRE(row.size() == table.columns.size());
-            for (const auto& cell : row) {
-              requireFaithful(cell, range);
-              requireStored(cell, storedTexts.at(sheet.path, cell.address));
-            }
-          }
+          // One shared string may be in all of them.
+          constexpr std::size_t cells = 30;
+          const auto limit =
+              zelvo::fuzzing::documentMemory(archive, cells * zelvo::fuzzing::expandedBytes(archive));
+          tables.push_back({sheet.path, reader.table(selection)});
         } catch (const zelvo::DocumentError& error) {
           ZELVO_REQUIRE(!error.detail().empty());
         }
@@ -119,6 +124,26 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     }
   } catch (const zelvo::DocumentError& error) {
     ZELVO_REQUIRE(!error.detail().empty());
+  }
+  return tables;
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  const zelvo::ByteView archive{data, size};
+  const auto tables = extractedTables(archive);
+  if (tables.empty()) return 0;
+  const StoredTexts storedTexts(archive);
+  for (const auto& [path, table] : tables) {
+    const auto range = zelvo::CellRange::parse(table.selectedRange);
+    for (const auto& row : table.rows) {
+      ZELVO_REQUIRE(row.size() == table.columns.size());
+      for (const auto& cell : row) {
+        requireFaithful(cell, range);
+        requireStored(cell, storedTexts.at(path, cell.address));
+      }
+    }
   }
   return 0;
 }

@@ -4,6 +4,7 @@
 #include "DocumentRuntime/Errors/DocumentError.hpp"
 #include "DocumentRuntime/PackageIO/BoundedZIP.hpp"
 #include "DocumentRuntime/Workbook/WorkbookReader.hpp"
+#include "fuzz/MemoryBound.hpp"
 #include "fuzz/MutatesPackages.hpp"
 #include "fuzz/Require.hpp"
 
@@ -12,8 +13,11 @@ using zelvo::BoundedZIP::read;
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const zelvo::ByteView bytes{data, size};
   try {
-    const zelvo::PartMap parts = read(bytes);
-    if (parts.size() > 0) ZELVO_REQUIRE(read(zelvo::BoundedZIP::write(parts).view()) == parts);
+    {
+      const zelvo::PartMap parts = read(bytes);
+      if (parts.size() > 0) ZELVO_REQUIRE(read(zelvo::BoundedZIP::write(parts).view()) == parts);
+    }
+    const auto limit = zelvo::fuzzing::documentMemory(bytes);
     const zelvo::WorkbookReader reader(zelvo::ByteBuffer::copyOf(bytes), "book.xlsx");
     ZELVO_REQUIRE(reader.inspection().sheets.size() == reader.sheets().size());
   } catch (const zelvo::DocumentError& error) {

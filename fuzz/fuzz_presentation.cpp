@@ -1,12 +1,16 @@
 // Decks of every kind: one that is accepted survives its canonical encoding, meets its rules again, every
 // chart that it names has its data and one of the four chart parts, and its slides deliver what it says.
 
+#include <algorithm>
 #include <cstdint>
 #include <string_view>
 
 #include "DocumentRuntime/Errors/DocumentError.hpp"
 #include "DocumentRuntime/Research/Datasets.hpp"
 #include "DocumentRuntime/Research/ResearchPresentationCoding.hpp"
+#include "DocumentRuntime/Research/ResearchSourceScopeCoding.hpp"
+#include "DocumentRuntime/Research/ResearchSpreadsheetCoding.hpp"
+#include "fuzz/MemoryBound.hpp"
 #include "fuzz/Require.hpp"
 
 namespace {
@@ -22,16 +26,47 @@ ResearchSpreadsheet canonicalDataset() {
   return dataset;
 }
 
+/// The part before the next NUL, which is taken off.
+std::string_view nextText(std::string_view& rest) {
+  const std::string_view text = rest.substr(0, rest.find('\0'));
+  rest.remove_prefix(std::min(text.size() + 1, rest.size()));
+  return text;
+}
+
+struct HostData {
+  std::optional<zelvo::ResearchSourceScope> scope;
+  ResearchSpreadsheet dataset;
+};
+
+/// None for texts that are none.
+std::optional<HostData> hostData(std::uint8_t mode, std::string_view rest) {
+  HostData host = {{}, canonicalDataset()};
+  const std::string scope(nextText(rest));
+  const std::string dataset(nextText(rest));
+  try {
+    if (!scope.empty()) {
+      host.scope = zelvo::researchSourceScopeFromJson(scope);
+    } else if ((mode & 8) != 0) {
+      host.scope.emplace(std::vector<std::string>{"a"},
+                         std::map<std::string, std::string>{{"b", "http://h/"}},
+                         std::vector<zelvo::ResearchSourceScope::Record>());
+    }
+    if (!dataset.empty()) host.dataset = zelvo::fromJson<ResearchSpreadsheet>(dataset);
+  } catch (const zelvo::DecodingError&) {
+    return std::nullopt;
+  }
+  return host;
+}
+
 std::optional<ResearchPresentation> accepted(std::uint8_t mode, std::string_view text,
                                              const zelvo::AllowedSources& allowedSources,
-                                             const std::optional<zelvo::ResearchSourceScope>& scope) {
-  static const ResearchSpreadsheet canonical = canonicalDataset();
+                                             const HostData& host) {
   std::optional<ResearchSpreadsheet> dataset;
-  if ((mode & 2) != 0) dataset = canonical;
+  if ((mode & 2) != 0) dataset = host.dataset;
   try {
-    if ((mode & 1) == 0) return ResearchPresentation::decode(text, allowedSources, dataset, scope);
-    return ResearchPresentation::decode(text, allowedSources, {{"a", canonical}, {"b", canonical}},
-                                        {"a", "b"}, scope);
+    if ((mode & 1) == 0) return ResearchPresentation::decode(text, allowedSources, dataset, host.scope);
+    return ResearchPresentation::decode(text, allowedSources, {{"a", host.dataset}, {"b", host.dataset}},
+                                        {"a", "b"}, host.scope);
   } catch (const zelvo::DocumentError&) {
   } catch (const zelvo::DecodingError&) {
   }
@@ -65,18 +100,20 @@ void checkDelivery(const ResearchPresentation& deck, const std::optional<zelvo::
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  // The first byte chooses what the host gives.
+  // The first byte chooses what the host gives; behind the deck its scope and its dataset may follow, each
+  // after a NUL, which JSON does not hold.
   if (size == 0) return 0;
+  const std::uint8_t mode = data[0];
+  std::string_view rest(reinterpret_cast<const char*>(data) + 1, size - 1);
+  const std::string_view text = nextText(rest);
   zelvo::AllowedSources allowedSources;
-  if ((data[0] & 4) != 0) allowedSources = {"http://h/"};
-  std::optional<zelvo::ResearchSourceScope> scope;
-  if ((data[0] & 8) != 0) {
-    scope.emplace(std::vector<std::string>{"a"}, std::map<std::string, std::string>{{"b", "http://h/"}},
-                  std::vector<zelvo::ResearchSourceScope::Record>());
-  }
-  const std::string_view text(reinterpret_cast<const char*>(data) + 1, size - 1);
-  // What comes out from here on is a finding, errors included.
-  const auto deck = accepted(data[0], text, allowedSources, scope);
+  if ((mode & 4) != 0) allowedSources = {"http://h/"};
+  const auto limit = zelvo::fuzzing::researchMemory(size);
+  const auto host = hostData(mode, rest);
+  if (!host) return 0;
+  const auto& scope = host->scope;
+  // Whatever is thrown from here on is a finding, errors included.
+  const auto deck = accepted(mode, text, allowedSources, *host);
   if (!deck) return 0;
   const std::string encoded = deck->encoded();
   // Not `decode`: written out, numbers can pass the bound of a deck.

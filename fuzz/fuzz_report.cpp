@@ -11,6 +11,7 @@
 #include "DocumentRuntime/Research/ResearchWorkbook.hpp"
 #include "DocumentRuntime/Workbook/WorkbookReader.hpp"
 #include "Text/Unicode.hpp"
+#include "fuzz/MemoryBound.hpp"
 #include "fuzz/Require.hpp"
 
 namespace {
@@ -107,6 +108,7 @@ void requireReadable(zelvo::ByteBuffer workbook, const ReportTable& table) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string_view report(reinterpret_cast<const char*>(data), size);
   if (!zelvo::Unicode::isValid(report)) return 0;
+  const auto limit = zelvo::fuzzing::researchMemory(size);
   const auto table = zelvo::ResearchWorkbook::firstTable(report);
   if (table) requireBounded(*table);
   const bool isTooLong = zelvo::Unicode::characterCount(report) > maximumReportCharacters;

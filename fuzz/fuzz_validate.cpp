@@ -10,6 +10,7 @@
 #include "DocumentRuntime/Validation/EditedDocument.hpp"
 #include "Support/GeneratedVocabulary.hpp"
 #include "fuzz/DocumentOracle.hpp"
+#include "fuzz/MemoryBound.hpp"
 #include "fuzz/MutatesPackages.hpp"
 #include "fuzz/Require.hpp"
 
@@ -84,6 +85,7 @@ Rows shownRows(const PartMap& parts, DocumentFormat format) {
 
 void examine(ByteView bytes, DocumentFormat format, const zelvo::ChartSelection* chart) {
   try {
+    const auto limit = zelvo::fuzzing::documentMemory(bytes);
     const auto result = zelvo::DocumentEngine::validate(bytes, format, &expectedTable(), chart);
     ZELVO_REQUIRE(result.sourceValuesVerified && !result.visuallyVerified);
   } catch (const zelvo::DocumentError& error) {

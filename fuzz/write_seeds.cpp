@@ -1,7 +1,8 @@
 // write_seeds TARGET FOLDER: writes the inputs that a fuzz target starts from, made by the builders of the
-// tests.
+// tests. Some of each hold what repeats or nests in them: what grows faster than the input grows there first.
 
 #include <cstdio>
+#include <filesystem>
 #include <fstream>
 #include <string>
 #include <string_view>
@@ -10,6 +11,7 @@
 #include "DocumentRuntime/Research/Datasets.hpp"
 #include "DocumentRuntime/Validation/EditedDocument.hpp"
 #include "Support/PackageBuilder.hpp"
+#include "Support/Texts.hpp"
 
 namespace {
 
@@ -17,7 +19,9 @@ using zelvo::testing::PackageBuilder;
 
 class Seeds {
  public:
-  explicit Seeds(std::string folder) : folder_(std::move(folder)) {}
+  explicit Seeds(std::string folder) : folder_(std::move(folder)) {
+    std::filesystem::create_directories(folder_);
+  }
 
   void add(std::string_view bytes) {
     std::ofstream file(folder_ + "/seed-" + std::to_string(count_++), std::ios::binary);
@@ -35,6 +39,46 @@ class Seeds {
   int count_ = 0;
 };
 
+/// `inner` in so many elements of one name.
+std::string nested(const std::string& name, std::size_t depth, const std::string& inner) {
+  std::string text;
+  for (std::size_t i = 0; i < depth; ++i)
+    text.append("<").append(name).append(">");
+  text += inner;
+  for (std::size_t i = 0; i < depth; ++i)
+    text.append("</").append(name).append(">");
+  return text;
+}
+
+const std::string longText = zelvo::testing::repeated("text of some length ", 100);
+
+/// One string for many cells, each kind of text nested, and many sheets on one relationship with a long
+/// target.
+void addRepetitiveWorkbooks(Seeds& seeds) {
+  using namespace zelvo::testing;
+  std::string cells;
+  for (const char column : {'A', 'B', 'C', 'D', 'E'})
+    cells.append("<c r='").append(1, column).append("1' t='s'><v>0</v></c>");
+  cells = "<row r='1'>" + cells + "</row><row r='2'><c r='A2' t='inlineStr'><is>" +
+          nested("t", 40, longText) + nested("r", 40, "<t>x</t>") + "</is></c><c r='B2'>" +
+          nested("f", 40, longText) + nested("v", 40, "1") + "</c></row>";
+  WorkbookText workbook = plainWorkbook(cells);
+  workbook.sharedStrings = {"<t>" + longText + "</t>", nested("r", 40, "<t>" + longText + "</t>")};
+  workbook.styles = "<cellXfs>" + repeated("<xf numFmtId='0'/>", 200) + "</cellXfs>";
+  seeds.add(workbookPackage(workbook));
+
+  PackageBuilder package = workbookPackage(plainWorkbook(""));
+  std::string& book = package.part("xl/workbook.xml").text;
+  const std::string sheet = book.substr(book.find("<sheet "), book.find("</sheets>") - book.find("<sheet "));
+  std::string sheets;
+  for (int i = 0; i < 100; ++i)
+    sheets += replaced(sheet, "Data", "S" + std::to_string(i));
+  replace(book, sheet, sheets);
+  replace(package.part("xl/_rels/workbook.xml.rels").text, "worksheets/",
+          repeated("./", 2'000) + "worksheets/");
+  seeds.add(package);
+}
+
 void addWorkbooks(Seeds& seeds) {
   seeds.add(zelvo::testing::workbookPackage(zelvo::testing::richWorkbook()));
   seeds.add(zelvo::testing::workbookPackage(zelvo::testing::plainWorkbook(
@@ -42,17 +86,55 @@ void addWorkbooks(Seeds& seeds) {
   seeds.add(zelvo::testing::minimalPackage());
 }
 
+/// A table of categories and numbers that a chart can show, and one of many tall rows.
+void addTables(Seeds& seeds) {
+  const auto add = [&](int rows, const std::string& text) {
+    std::string xml = "<row r='1'><c r='A1' t='str'><v>City</v></c><c r='B1' t='str'><v>Sold</v></c></row>";
+    for (int row = 2; row <= rows + 1; ++row) {
+      const std::string number = std::to_string(row);
+      xml += "<row r='" + number + "'><c r='A" + number + "' t='str'><v>" + text + "</v></c><c r='B" +
+             number + "'><v>" + number + "</v></c></row>";
+    }
+    seeds.add(zelvo::testing::workbookPackage(zelvo::testing::plainWorkbook(xml)));
+  };
+  add(10, "K\u00f6ln &amp; Graz");
+  add(39, "a\nb\nc\nd\ne\nf");
+}
+
 void addDocuments(Seeds& seeds) {
   using namespace zelvo::testing;
   seeds.add(unpacked(zelvo::DocumentAuthor::docx(deckTable(), "Title").view()));
   seeds.add(deck().package);
   seeds.add(chartDeck().package);
+
+  // Texts, tables and references inside others of their kind.
+  const auto nestFirst = [&](PackageBuilder package, const char* part, const char* around, const char* inner,
+                             const char* name) {
+    std::string& xml = package.part(part).text;
+    const std::string outer = element(xml, around);
+    const std::string first = element(outer, inner);
+    replace(xml, outer, replaced(outer, first, nested(name, 20, first)));
+    seeds.add(package);
+  };
+  nestFirst(wordDocument().package, "word/document.xml", "w:tbl", "w:r", "w:t");
+  nestFirst(wordDocument().package, "word/document.xml", "w:body", "w:tbl", "w:tbl");
+  nestFirst(deck().package, "ppt/slides/slide1.xml", "a:tbl", "a:t", "a:t");
+  nestFirst(deck().package, "ppt/slides/slide1.xml", "p:graphicFrame", "a:tbl", "a:tbl");
+  nestFirst(chartDeck().package, "ppt/charts/chart1.xml", "c:ser", "c:f", "c:f");
+  nestFirst(chartDeck().package, "ppt/charts/chart1.xml", "c:ser", "c:v", "c:v");
 }
 
 void addXML(Seeds& seeds) {
   for (const auto& part : zelvo::testing::workbookPackage(zelvo::testing::richWorkbook()).parts)
     seeds.add(part.text);
   seeds.add("<a b='&#65;&lt;'>x<![CDATA[<&]]><!-- c --><?p i?><c:d xmlns:c='u'/>\r\n</a>");
+  using zelvo::testing::repeated;
+  seeds.add(nested("a", 64, longText));
+  seeds.add("<a>" + repeated("x<b/>", 2'000) + "</a>");
+  std::string attributes;
+  for (int i = 0; i < 64; ++i)
+    attributes += " n" + std::to_string(i) + "=''";
+  seeds.add("<a>" + repeated("<b" + attributes + "/>", 50) + repeated("&amp;", 2'000) + "</a>");
 }
 
 void addRequests(Seeds& seeds) {
@@ -67,6 +149,14 @@ void addRequests(Seeds& seeds) {
       R"({"number":{"_0":"1"}},"usesCachedFormulaValue":true,"formula":"x","numberFormat":"0","hidden":false},)"
       R"({"address":"B2","value":{"missing":{}},"usesCachedFormulaValue":false,"hidden":true}]],"warnings":["w"],)"
       R"("headerUsesCachedFormulaValues":false}})");
+  const std::string table =
+      R"({"operation":"validate","data":"","sourceName":"a","expectedTable":{"sourceName":"a","sourceSHA256":"",)"
+      R"("sheetName":"S","selectedRange":"A1","headerUsesCachedFormulaValues":false,"warnings":[],)";
+  using zelvo::testing::repeated;
+  seeds.add(table + R"("columns":[)" + repeated(R"("",)", 3'000) + R"(""],"rows":[)" +
+            repeated("[],", 3'000) + "[]]}}");
+  seeds.add(R"({"ignored":)" + repeated("[", 500) + repeated("]", 500) + R"(,"numbers":[)" +
+            repeated("0,", 5'000) + R"(0],"members":{)" + repeated(R"("":0,)", 2'000) + R"("":0}})");
 }
 
 /// The first byte says what the host asks for.
@@ -83,6 +173,29 @@ void addDatasets(Seeds& seeds) {
   }
   seeds.add("\4" + dataset.encoded());
   seeds.add(std::string("\0{}", 3));
+  for (Row& row : dataset.rows)
+    row.sources.assign(16, "http://h/" + repeated("a", 500));
+  dataset.calculations->front().formula =
+      apply(Operation::sum, std::vector<zelvo::Formula>(200, rangeOf(0, 2, 2, 3)));
+  seeds.add(std::string(1, '\0') + dataset.encoded());
+  seeds.add(std::string(1, '\0') + R"({"columns":[],"rows":[{"cells":[)" + repeated("0,", 5'000) + "0]}]}");
+}
+
+/// Many identifiers of one URL, long ones among them, and records that are like each other.
+void addScopes(Seeds& seeds) {
+  using zelvo::testing::repeated;
+  const std::string record =
+      R"({"id":"a","kind":"publicPage","label":")" + repeated(R"(\")", 500) +
+      R"(","observedAt":"2024-02-29T12:00:00+01:00","coverage":"All","provenanceURL":"http://h/"})";
+  const auto scope = [&](const std::string& local, const std::string& sources, const std::string& records) {
+    seeds.add(R"({"localSnapshotIDs":[)" + local + R"(],"publicSources":{)" + sources + R"(},"records":[)" +
+              records + "]}");
+  };
+  scope(R"("a")", R"("b":"http://h/")", record);
+  std::string sources = "\"" + repeated("\u00e9", 300) + R"(":"http://h/")";
+  for (int i = 0; i < 300; ++i)
+    sources += ",\"\u00ea" + std::to_string(i) + R"(":"http://h/")";
+  scope(R"("a","a","b")", sources, record + "," + record);
 }
 
 /// The first byte says what the host gives.
@@ -101,6 +214,21 @@ void addPresentations(Seeds& seeds) {
   const std::string reference = R"("chartReference":{"datasetID":"b","chartIndex":0})";
   seeds.add("\1" + deck(sources, reference, R"(,"datasets":[])"));
   seeds.add("\11" + deck(sources + R"(,"sourceIDs":["b"])", reference, ""));
+
+  // Behind a NUL the host's scope, behind another its dataset. Each slide cites one record, and all charts
+  // show one column.
+  using zelvo::testing::repeated;
+  const std::string scope =
+      R"({"localSnapshotIDs":["a"],"publicSources":{},"records":[{"id":"a","kind":"publicPage","label":")" +
+      repeated(R"(\")", 1'000) + R"(","coverage":"All"}]})";
+  const std::string slide = R"({"title":"T","body":["k"],"sources":[],"sourceIDs":["a"])";
+  const std::string before = R"({"title":"Deck","report":"Sum","slides":[)";
+  seeds.add(std::string(1, '\0') + before + repeated(slide + "},", 15) + slide + "}]}" + '\0' + scope);
+  zelvo::ResearchSpreadsheet dataset = zelvo::testing::yearlyProfit();
+  dataset.rows.front().cells.front() = zelvo::testing::textCell("e" + repeated("\u0301", 1'000));
+  const std::string chart = R"({"title":"T","body":["k"],"sources":[],"chartIndex":0})";
+  seeds.add("\2" + before + R"({"title":"T","body":["k"],"sources":[]},)" + repeated(chart + ",", 14) +
+            chart + "]}" + '\0' + '\0' + dataset.encoded());
 }
 
 void addReports(Seeds& seeds) {
@@ -113,6 +241,9 @@ void addReports(Seeds& seeds) {
   for (int row = 0; row < 210; ++row)
     wide += "1;2;3;4;5;6;7;8;9\n";
   seeds.add(wide + "```\n");
+  using zelvo::testing::repeated;
+  seeds.add(repeated("```\na;b\nc;d\n```\n", 300) +
+            repeated("|a|b|\n|-|-|\n|" + repeated("\u0301", 100) + "|d|\n", 50));
 }
 
 }  // namespace
@@ -124,11 +255,16 @@ int main(int argc, char** argv) {
   }
   const std::string_view target = argv[1];
   Seeds seeds(argv[2]);
-  if (target == "fuzz_package" || target == "fuzz_extract") addWorkbooks(seeds);
+  if (target == "fuzz_create") addTables(seeds);
+  if (target == "fuzz_package" || target == "fuzz_extract" || target == "fuzz_create") {
+    addWorkbooks(seeds);
+    addRepetitiveWorkbooks(seeds);
+  }
   if (target == "fuzz_dataset") addDatasets(seeds);
   if (target == "fuzz_presentation") addPresentations(seeds);
   if (target == "fuzz_report") addReports(seeds);
   if (target == "fuzz_request") addRequests(seeds);
+  if (target == "fuzz_scope") addScopes(seeds);
   if (target == "fuzz_validate") addDocuments(seeds);
   if (target == "fuzz_xml") addXML(seeds);
   return seeds.count() > 0 ? 0 : 1;

@@ -3,6 +3,7 @@
 
 #include "DocumentRuntime/Coding/RecordCoding.hpp"
 #include "Support/Cases.hpp"
+#include "Support/Texts.hpp"
 
 namespace zelvo {
 namespace {

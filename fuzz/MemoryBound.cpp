@@ -1,0 +1,94 @@
+#include "fuzz/MemoryBound.hpp"
+
+#include <algorithm>
+#include <cstdint>
+
+#include "DocumentRuntime/Errors/DocumentError.hpp"
+#include "DocumentRuntime/PackageIO/BoundedZIP.hpp"
+
+namespace zelvo::fuzzing {
+namespace {
+
+/// The promise: three times what comes in and what is expanded, and this.
+constexpr std::size_t promisedBytes = 32 << 20;
+
+/// Small parts: a tree takes 54 bytes for the shortest element ("<a/>"), beside the part itself, its text and
+/// what is made of it.
+constexpr std::size_t treeFactor = 10;
+constexpr std::size_t documentBytes = 256 << 10;
+
+/// Small messages: a list's elements take more than their text, until the list is cut.
+constexpr std::size_t messageBytes = 512 << 10;
+
+/// A deck of as many slides and charts as there may be takes this, whatever they say.
+constexpr std::size_t researchFactor = 6;
+constexpr std::size_t researchBytes = 2 << 20;
+
+std::uint64_t number(ByteView bytes, std::size_t at, std::size_t count) {
+  std::uint64_t value = 0;
+  for (std::size_t i = count; i-- > 0;)
+    value = value << 8 | bytes[at + i];
+  return value;
+}
+
+/// What the entries of an archive claim to expand to, up to the first that the reader refuses for it. Nothing
+/// else is checked.
+std::size_t claimedBytes(ByteView archive) {
+  using namespace BoundedZIP;
+  constexpr std::size_t endRecordBytes = 22;
+  constexpr std::size_t headerBytes = 46;
+  constexpr std::string_view endSignature = "PK\5\6";
+  constexpr std::string_view headerSignature = "PK\1\2";
+  const std::string_view text = textOf(archive);
+  const std::size_t end = text.rfind(endSignature);
+  if (end == std::string_view::npos || end + endRecordBytes > text.size()) return 0;
+
+  std::size_t sum = 0;
+  std::uint64_t at = number(archive, end + 16, 4);
+  while (at + headerBytes <= end && text.substr(at).starts_with(headerSignature)) {
+    const std::uint64_t compressed = number(archive, at + 20, 4);
+    const std::uint64_t expanded = number(archive, at + 24, 4);
+    if (expanded > maximumEntryBytes || sum + expanded > maximumExpandedBytes ||
+        expanded > compressed * maximumExpansionRatio + expansionAllowanceBytes) {
+      break;
+    }
+    sum += expanded;
+    at +=
+        headerBytes + number(archive, at + 28, 2) + number(archive, at + 30, 2) + number(archive, at + 32, 2);
+  }
+  return sum;
+}
+
+}  // namespace
+
+std::size_t expandedBytes(ByteView archive) {
+  std::size_t sum = claimedBytes(archive);
+  try {
+    for (const Part& part : BoundedZIP::read(archive)) {
+      if (part.name.ends_with(".xlsx")) sum += claimedBytes(part.bytes.view());
+    }
+  } catch (const DocumentError&) {
+    // The code under test gets no further.
+  }
+  return sum;
+}
+
+testing::HeapLimit documentMemory(ByteView archive, std::size_t resultBytes) {
+  const std::size_t expanded = expandedBytes(archive);
+  return testing::HeapLimit(3 * (archive.size() + expanded) +
+                            std::min(treeFactor * expanded + documentBytes, promisedBytes) + resultBytes);
+}
+
+testing::HeapLimit partMemory(std::size_t bytes) {
+  return testing::HeapLimit(3 * bytes + std::min(treeFactor * bytes + documentBytes, promisedBytes));
+}
+
+testing::HeapLimit messageMemory(std::size_t bytes) {
+  return testing::HeapLimit(3 * bytes + std::min(bytes + messageBytes, promisedBytes));
+}
+
+testing::HeapLimit researchMemory(std::size_t bytes) {
+  return testing::HeapLimit(researchFactor * bytes + researchBytes);
+}
+
+}  // namespace zelvo::fuzzing

@@ -1,0 +1,63 @@
+// Documents made of tables of workbooks of every kind: whatever is given out passes its own validation, and
+// nothing that the workbook says is repeated without bound.
+
+#include <optional>
+#include <string>
+
+#include "DocumentRuntime/Coding/RecordCoding.hpp"
+#include "DocumentRuntime/Engine/DocumentEngine.hpp"
+#include "DocumentRuntime/Errors/DocumentError.hpp"
+#include "DocumentRuntime/Validation/GeneratedDocumentValidation.hpp"
+#include "DocumentRuntime/Workbook/WorkbookReader.hpp"
+#include "fuzz/MemoryBound.hpp"
+#include "fuzz/MutatesPackages.hpp"
+#include "fuzz/Require.hpp"
+
+namespace {
+
+/// Rows of six lines fill all slides that a presentation may have.
+constexpr const char* range = "A1:B40";
+
+/// What slides and charts take, whatever they say, and how often the parts of a document, its archive and its
+/// reading back hold a table's text.
+constexpr std::size_t frameBytes = 2 << 20;
+constexpr std::size_t copies = 10;
+
+std::optional<zelvo::SourceTable> firstTable(zelvo::ByteView archive) {
+  try {
+    const zelvo::WorkbookReader reader(zelvo::ByteBuffer::copyOf(archive), "book.xlsx");
+    return reader.table({.sheetName = reader.sheets().front().name,
+                         .range = range,
+                         .firstRowIsHeader = true,
+                         .includeHiddenRows = true,
+                         .allowCachedFormulaValues = true});
+  } catch (const zelvo::DocumentError&) {
+    return std::nullopt;
+  }
+}
+
+template <typename Create>
+void requireValid(const Create& create, const zelvo::SourceTable& table,
+                  const zelvo::ChartSelection* chart = nullptr) {
+  try {
+    const zelvo::GeneratedDocument document = create();
+    ZELVO_REQUIRE(document.validation ==
+                  zelvo::DocumentEngine::validate(document.data.view(), document.format, &table, chart));
+  } catch (const zelvo::DocumentError& error) {
+    ZELVO_REQUIRE(!error.detail().empty());
+  }
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  const zelvo::ByteView archive{data, size};
+  const auto table = firstTable(archive);
+  if (!table) return 0;
+  const auto limit = zelvo::fuzzing::documentMemory(archive, frameBytes + copies * toJson(*table).size());
+  const zelvo::ChartSelection chart{.categoryColumn = 0, .valueColumn = 1, .title = "Chart"};
+  requireValid([&] { return zelvo::DocumentEngine::createDOCX(*table, "Title"); }, *table);
+  requireValid([&] { return zelvo::DocumentEngine::createPPTX(*table, "Title", std::nullopt); }, *table);
+  requireValid([&] { return zelvo::DocumentEngine::createPPTX(*table, "Title", chart); }, *table, &chart);
+  return 0;
+}
