@@ -24,6 +24,11 @@ constexpr std::size_t messageBytes = 512 << 10;
 constexpr std::size_t researchFactor = 6;
 constexpr std::size_t researchBytes = 2 << 20;
 
+/// The format of charts repeats each category label for every series of every chart, 16 times in a deck. The
+/// part, the archive, and the trees that it is read back from each hold these.
+constexpr std::size_t deckFactor = 128;
+constexpr std::size_t promisedDeckBytes = 48 << 20;
+
 std::uint64_t number(ByteView bytes, std::size_t at, std::size_t count) {
   std::uint64_t value = 0;
   for (std::size_t i = count; i-- > 0;)
@@ -89,6 +94,11 @@ testing::HeapLimit messageMemory(std::size_t bytes) {
 
 testing::HeapLimit researchMemory(std::size_t bytes) {
   return testing::HeapLimit(researchFactor * bytes + researchBytes);
+}
+
+testing::HeapLimit presentationMemory(std::size_t bytes) {
+  return testing::HeapLimit(researchFactor * bytes +
+                            std::min(deckFactor * bytes + researchBytes, promisedDeckBytes));
 }
 
 }  // namespace zelvo::fuzzing

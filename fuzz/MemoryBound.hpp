@@ -23,7 +23,10 @@ testing::HeapLimit partMemory(std::size_t bytes);
 /// For messages between host and worker.
 testing::HeapLimit messageMemory(std::size_t bytes);
 
-/// For what research results are decoded from, and made of.
+/// For what research results are decoded from.
 testing::HeapLimit researchMemory(std::size_t bytes);
+
+/// For decks, drawn and read back.
+testing::HeapLimit presentationMemory(std::size_t bytes);
 
 }  // namespace zelvo::fuzzing

@@ -7,6 +7,7 @@
 
 #include "DocumentRuntime/Errors/DocumentError.hpp"
 #include "DocumentRuntime/Research/Datasets.hpp"
+#include "DocumentRuntime/Research/HostDatasets.hpp"
 #include "DocumentRuntime/Research/ResearchPresentationCoding.hpp"
 #include "DocumentRuntime/Research/ResearchSourceScopeCoding.hpp"
 #include "DocumentRuntime/Research/ResearchSpreadsheetCoding.hpp"
@@ -51,7 +52,7 @@ std::optional<HostData> hostData(std::uint8_t mode, std::string_view rest) {
                          std::map<std::string, std::string>{{"b", "http://h/"}},
                          std::vector<zelvo::ResearchSourceScope::Record>());
     }
-    if (!dataset.empty()) host.dataset = zelvo::fromJson<ResearchSpreadsheet>(dataset);
+    if (!dataset.empty()) host.dataset = zelvo::hostDatasetFromJson(dataset);
   } catch (const zelvo::DecodingError&) {
     return std::nullopt;
   }
@@ -108,7 +109,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const std::string_view text = nextText(rest);
   zelvo::AllowedSources allowedSources;
   if ((mode & 4) != 0) allowedSources = {"http://h/"};
-  const auto limit = zelvo::fuzzing::researchMemory(size);
+  const auto limit = zelvo::fuzzing::presentationMemory(size);
   const auto host = hostData(mode, rest);
   if (!host) return 0;
   const auto& scope = host->scope;
