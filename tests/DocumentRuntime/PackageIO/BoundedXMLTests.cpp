@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include "DocumentRuntime/PackageIO/BoundedXML.hpp"
-#include "DocumentRuntime/PackageIO/DeclarationScan.hpp"
 #include "DocumentRuntime/PackageIO/XMLContents.hpp"
 #include "Support/PackageBuilder.hpp"
 #include "Support/ReferenceXML.hpp"
