@@ -1,9 +1,10 @@
 #include "Text/Digest.hpp"
 
 #include <array>
-#include <string_view>
 
 #include <nettle/sha2.h>
+
+#include "Text/ASCII.hpp"
 
 namespace zelvo::Digest {
 
@@ -14,12 +15,11 @@ std::string sha256(std::span<const std::uint8_t> bytes) {
   std::array<std::uint8_t, SHA256_DIGEST_SIZE> digest = {};
   sha256_digest(&context, digest.size(), digest.data());
 
-  constexpr std::string_view hexadecimal = "0123456789abcdef";
   std::string text;
   text.reserve(2 * digest.size());
   for (const std::uint8_t byte : digest) {
-    text += hexadecimal[byte >> 4];
-    text += hexadecimal[byte & 0xF];
+    text += ASCII::hexDigits[byte >> 4];
+    text += ASCII::hexDigits[byte & 0xF];
   }
   return text;
 }

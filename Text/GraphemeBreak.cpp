@@ -1,16 +1,43 @@
 #include "Text/GraphemeBreak.hpp"
 
+#include <algorithm>
 #include <cstdint>
+#include <iterator>
 #include <new>
 
 #include <unicode/uchar.h>
 #include <unicode/unorm2.h>
 
 #include "Text/Unicode.hpp"
-#include "Text/UnicodeProperties.hpp"
+#include "Text/UnicodeTables.hpp"
 
 namespace zelvo::Unicode {
 namespace {
+
+static_assert(
+    tablesVersion == std::string_view(U_UNICODE_VERSION),
+    "ICU is of another Unicode version than Text/UnicodeTables.hpp: run script/update-unicode-tables, and "
+    "compare the rules of Text/GraphemeBreak.cpp with those of ICU's root locale");
+
+/// The ranges are sorted and disjoint.
+template <std::size_t Count>
+bool contain(const ScalarRange (&ranges)[Count], char32_t scalar) {
+  if (scalar < ranges[0].first || scalar > ranges[Count - 1].last) return false;
+  const auto* const range =
+      std::lower_bound(std::begin(ranges), std::end(ranges), scalar,
+                       [](const ScalarRange& candidate, char32_t wanted) { return candidate.last < wanted; });
+  return range->first <= scalar;
+}
+
+/// A consonant of an Indic script whose conjuncts (consonant, virama, consonant) are one character.
+bool isLinkingConsonant(char32_t scalar) {
+  return contain(linkingConsonants, scalar);
+}
+
+/// The virama of such a script.
+bool isLinkingVirama(char32_t scalar) {
+  return contain(linkingViramas, scalar);
+}
 
 /// Grapheme_Cluster_Break, a `UGraphemeClusterBreak`. The library has this property in its code.
 using BreakClass = int;
@@ -105,6 +132,10 @@ bool isASCII(char byte) {
 }
 
 }  // namespace
+
+bool isExtendedPictographic(char32_t scalar) {
+  return contain(extendedPictographic, scalar);
+}
 
 std::size_t characterEnd(std::string_view text, std::size_t start) {
   std::size_t end = start;

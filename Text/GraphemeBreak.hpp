@@ -12,4 +12,8 @@ namespace zelvo::Unicode {
 /// #29, and the conjuncts of six Indic scripts.
 std::size_t characterEnd(std::string_view text, std::size_t start);
 
+/// Extended_Pictographic: emoji, and the scalars reserved for them. ICU reads this property from its data
+/// archive, which the project does not link: its own function returns false for every scalar.
+bool isExtendedPictographic(char32_t scalar);
+
 }  // namespace zelvo::Unicode

@@ -2,8 +2,8 @@
 
 #include <unicode/uchar.h>
 
+#include "Text/GraphemeBreak.hpp"
 #include "Text/Unicode.hpp"
-#include "Text/UnicodeProperties.hpp"
 
 namespace zelvo {
 namespace {

@@ -86,7 +86,7 @@ Rows shownRows(const PartMap& parts, DocumentFormat format) {
 void examine(ByteView bytes, DocumentFormat format, const zelvo::ChartSelection* chart) {
   try {
     const auto limit = zelvo::fuzzing::documentMemory(bytes);
-    const auto result = zelvo::DocumentEngine::validate(bytes, format, &expectedTable(), chart);
+    const auto result = zelvo::validateGeneratedDocument(bytes, format, &expectedTable(), chart);
     ZELVO_REQUIRE(result.sourceValuesVerified && !result.visuallyVerified);
   } catch (const zelvo::DocumentError& error) {
     ZELVO_REQUIRE(!error.detail().empty());

@@ -4,7 +4,6 @@
 
 #include "DocumentRuntime/Engine/DocumentEngine.hpp"
 #include "DocumentRuntime/Errors/DocumentError.hpp"
-#include "DocumentRuntime/Validation/GeneratedDocumentValidation.hpp"
 
 namespace zelvo {
 namespace {

@@ -8,8 +8,8 @@
 
 #include "DocumentRuntime/Records/DocumentModels.hpp"
 
-/// Writes documents that show an extracted table. The input rules must have passed: nothing is cut or checked
-/// here but what only the layout can tell. The same input always gives the same bytes.
+/// Writes documents that show an extracted table. The input rules must have passed: only rules of the layout
+/// are checked here. Equal inputs give equal bytes.
 namespace zelvo::DocumentAuthor {
 
 /// A Word document: title, provenance, one table. Throws what the ZIP writer throws.

@@ -4,13 +4,11 @@
 #include "DocumentRuntime/Authoring/DocumentAuthor.hpp"
 #include "DocumentRuntime/Authoring/PresentationFrame.hpp"
 #include "DocumentRuntime/Authoring/PresentationPackage.hpp"
+#include "DocumentRuntime/Authoring/SlideGeometry.hpp"
 #include "DocumentRuntime/Authoring/TableChart.hpp"
-#include "DocumentRuntime/Authoring/TablePages.hpp"
-#include "DocumentRuntime/Authoring/TextEstimate.hpp"
 #include "DocumentRuntime/Errors/DocumentError.hpp"
 #include "DocumentRuntime/PackageIO/BoundedZIP.hpp"
-#include "DocumentRuntime/PackageIO/OOXMLSupport.hpp"
-#include "DocumentRuntime/PackageIO/XMLText.hpp"
+#include "DocumentRuntime/PackageIO/PartWriting.hpp"
 
 namespace zelvo {
 namespace {
@@ -29,15 +27,27 @@ constexpr std::int64_t footerY = 6'200'000;
 constexpr std::int64_t footerHeight = 540'000;
 constexpr int footerFontSize = 1000;
 
-/// More than what a slide's XML holds besides its texts and its content.
+constexpr std::int64_t chartHeight = 4'572'000;
+
+/// Upper bound of a slide's XML without its texts and its content.
 constexpr std::size_t frameBytes = 4096;
 
-constexpr std::string_view chartFrame =
-    R"(<p:graphicFrame><p:nvGraphicFramePr><p:cNvPr id="3" name="Editable column chart"/><p:cNvGraphicFramePr/><p:nvPr/>)"
-    R"(</p:nvGraphicFramePr><p:xfrm><a:off x="609600" y="1371600"/><a:ext cx="10972800" cy="4572000"/></p:xfrm>)"
-    R"(<a:graphic><a:graphicData uri="http://schemas.openxmlformats.org/drawingml/2006/chart">)"
-    R"(<c:chart xmlns:c="http://schemas.openxmlformats.org/drawingml/2006/chart" r:id="rId2"/>)"
-    R"(</a:graphicData></a:graphic></p:graphicFrame>)";
+/// Opens a graphic frame that is as wide as the content box and begins at its top.
+void appendFrameStart(std::string& xml, std::string_view name, std::int64_t height) {
+  OOXML::append(xml, R"(<p:graphicFrame><p:nvGraphicFramePr><p:cNvPr id="3" name=")", name,
+                R"("/><p:cNvGraphicFramePr/><p:nvPr/></p:nvGraphicFramePr><p:xfrm><a:off x=")",
+                DocumentAuthor::contentLeft, R"(" y=")", DocumentAuthor::contentTop, R"("/><a:ext cx=")",
+                DocumentAuthor::contentWidth, R"(" cy=")", height, R"("/></p:xfrm><a:graphic>)");
+}
+
+std::string chartFrame() {
+  std::string xml;
+  appendFrameStart(xml, "Editable column chart", chartHeight);
+  xml += R"(<a:graphicData uri="http://schemas.openxmlformats.org/drawingml/2006/chart">)"
+         R"(<c:chart xmlns:c="http://schemas.openxmlformats.org/drawingml/2006/chart" r:id="rId2"/>)"
+         R"(</a:graphicData></a:graphic></p:graphicFrame>)";
+  return xml;
+}
 
 std::string footerText(const SourceTable& table) {
   std::string text =
@@ -77,13 +87,9 @@ void appendTable(std::string& xml, const TablePage& rows) {
   for (const auto& row : rows)
     totalHeight += heights.emplace_back(DocumentAuthor::rowHeight(row));
 
-  OOXML::append(
-      xml,
-      R"(<p:graphicFrame><p:nvGraphicFramePr><p:cNvPr id="3" name="Source table"/><p:cNvGraphicFramePr/><p:nvPr/>)"
-      R"(</p:nvGraphicFramePr><p:xfrm><a:off x="609600" y="1371600"/><a:ext cx="10972800" cy=")",
-      totalHeight,
-      R"("/></p:xfrm><a:graphic><a:graphicData uri="http://schemas.openxmlformats.org/drawingml/2006/table">)"
-      R"(<a:tbl><a:tblPr firstRow="1" bandRow="1"/><a:tblGrid>)");
+  appendFrameStart(xml, "Source table", totalHeight);
+  xml += R"(<a:graphicData uri="http://schemas.openxmlformats.org/drawingml/2006/table">)"
+         R"(<a:tbl><a:tblPr firstRow="1" bandRow="1"/><a:tblGrid>)";
   for (std::size_t i = 0; i < columns; ++i)
     OOXML::append(xml, R"(<a:gridCol w=")", columnWidth, R"("/>)");
   xml += "</a:tblGrid>";
@@ -92,7 +98,7 @@ void appendTable(std::string& xml, const TablePage& rows) {
   xml += "</a:tbl></a:graphicData></a:graphic></p:graphicFrame>";
 }
 
-/// A slide around content that is XML already.
+/// A slide. `content` is XML.
 std::string slideXML(std::string_view title, std::string_view content, std::string_view footer) {
   std::string xml;
   xml.reserve(title.size() + content.size() + footer.size() + frameBytes);
@@ -128,7 +134,7 @@ std::string_view chartTitle(const ChartSelection& chart, std::string_view docume
   return title;
 }
 
-/// The slides of a deck as they are made. Every slide repeats the footer, whose sheet name has 64 characters
+/// The slides of a presentation. Every slide repeats the footer, whose sheet name has at most 64 characters
 /// but may have millions of bytes.
 class SlideList {
  public:
@@ -164,7 +170,7 @@ ByteBuffer DocumentAuthor::pptx(const SourceTable& table, std::string_view title
   }
   std::vector<SlideChart> charts;
   if (chart) {
-    slides.add(lastTitle, chartFrame, 0);
+    slides.add(lastTitle, chartFrame(), 0);
     charts.push_back({.xml = chartXML(table, *chart),
                       .workbookName = "chart-data.xlsx",
                       .workbook = chartWorkbook(table, *chart, stop)});

@@ -1,7 +1,7 @@
 #include "DocumentRuntime/Authoring/PresentationFrame.hpp"
 
-#include "DocumentRuntime/PackageIO/OOXMLSupport.hpp"
-#include "DocumentRuntime/PackageIO/XMLText.hpp"
+#include "DocumentRuntime/Authoring/SlideGeometry.hpp"
+#include "DocumentRuntime/PackageIO/PartWriting.hpp"
 
 namespace zelvo {
 namespace {
@@ -28,7 +28,7 @@ constexpr ThemeColour themeColours[] = {
 
 constexpr int firstSlideID = 256;  ///< the least that the format allows
 
-/// Format schemes must list three of each: subtle, moderate, intense. Here all are the same.
+/// Format schemes must list three of each: subtle, moderate, intense. Here all three are equal.
 std::string threeTimes(std::string_view xml) {
   std::string out;
   for (int i = 0; i < 3; ++i)
@@ -46,8 +46,8 @@ std::string DocumentAuthor::presentationXML(std::size_t slideCount) {
   for (std::size_t i = 0; i < slideCount; ++i) {
     OOXML::append(xml, R"(<p:sldId id=")", firstSlideID + i, R"(" r:id="rId)", i + 2, R"("/>)");
   }
-  xml +=
-      R"(</p:sldIdLst><p:sldSz cx="12192000" cy="6858000"/><p:notesSz cx="6858000" cy="9144000"/></p:presentation>)";
+  OOXML::append(xml, R"(</p:sldIdLst><p:sldSz cx=")", slideWidth, R"(" cy=")", slideHeight,
+                R"("/><p:notesSz cx="6858000" cy="9144000"/></p:presentation>)");
   return xml;
 }
 
@@ -109,8 +109,8 @@ void DocumentAuthor::appendTextBox(std::string& xml, int id, std::int64_t y, std
                                    int fontSize, std::string_view text) {
   OOXML::append(
       xml, R"(<p:sp><p:nvSpPr><p:cNvPr id=")", id, R"(" name="Text )", id,
-      R"("/><p:cNvSpPr txBox="1"/><p:nvPr/></p:nvSpPr><p:spPr><a:xfrm><a:off x="609600" y=")", y,
-      R"("/><a:ext cx="10972800" cy=")", height,
+      R"("/><p:cNvSpPr txBox="1"/><p:nvPr/></p:nvSpPr><p:spPr><a:xfrm><a:off x=")", contentLeft, R"(" y=")",
+      y, R"("/><a:ext cx=")", contentWidth, R"(" cy=")", height,
       R"("/></a:xfrm><a:prstGeom prst="rect"><a:avLst/></a:prstGeom><a:noFill/></p:spPr><p:txBody>)"
       R"(<a:bodyPr wrap="square"/><a:lstStyle/><a:p><a:r><a:rPr lang="en-US" sz=")",
       fontSize,

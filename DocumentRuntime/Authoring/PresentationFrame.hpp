@@ -5,8 +5,8 @@
 #include <string>
 #include <string_view>
 
-/// What every presentation is built on: the slide list, the one master with its blank layout, the theme, and
-/// the shell of a slide. Geometry is in EMU, font sizes in hundredths of a point.
+/// The common parts of presentations: the slide list, the one master with its blank layout, the theme, and
+/// the start and end of a slide. Geometry is in EMU, font sizes in hundredths of a point.
 namespace zelvo::DocumentAuthor {
 
 /// The presentation part for that many slides; slide i, one-based, has the relationship "rId" + (i + 1).

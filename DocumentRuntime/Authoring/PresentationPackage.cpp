@@ -2,9 +2,8 @@
 
 #include <utility>
 
-#include "DocumentRuntime/Authoring/ContentTypes.hpp"
 #include "DocumentRuntime/Authoring/PresentationFrame.hpp"
-#include "DocumentRuntime/PackageIO/OOXMLSupport.hpp"
+#include "DocumentRuntime/PackageIO/PartWriting.hpp"
 
 namespace zelvo {
 namespace {
@@ -20,7 +19,7 @@ std::string chartName(std::size_t index) {
 }
 
 ByteBuffer packageContentTypes(std::size_t slideCount, std::size_t chartCount) {
-  std::vector<DocumentAuthor::ContentTypeOverride> overrides = {
+  std::vector<OOXML::ContentTypeOverride> overrides = {
       {"ppt/presentation.xml",
        "application/vnd.openxmlformats-officedocument.presentationml.presentation.main+xml"},
       {"ppt/slideMasters/slideMaster1.xml",
@@ -41,7 +40,7 @@ ByteBuffer packageContentTypes(std::size_t slideCount, std::size_t chartCount) {
   for (const std::string& part : slideParts) {
     overrides.push_back({part, "application/vnd.openxmlformats-officedocument.presentationml.slide+xml"});
   }
-  return DocumentAuthor::contentTypes(overrides, chartCount > 0);
+  return OOXML::contentTypes(overrides, chartCount > 0);
 }
 
 void addPresentation(PartMap& parts, std::size_t slideCount) {

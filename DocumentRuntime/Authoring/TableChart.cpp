@@ -4,19 +4,18 @@
 
 #include "DocumentRuntime/Authoring/WorkbookPackage.hpp"
 #include "DocumentRuntime/PackageIO/BoundedZIP.hpp"
-#include "DocumentRuntime/PackageIO/OOXMLSupport.hpp"
-#include "DocumentRuntime/PackageIO/XMLText.hpp"
+#include "DocumentRuntime/PackageIO/PartWriting.hpp"
 
 namespace zelvo {
 namespace {
 
-/// What the chart shows of the table, escaped.
+/// The texts of the chart, escaped.
 struct ChartTexts {
   std::string categoryTitle;
   std::string seriesName;
   std::string formatCode;
   std::vector<std::string> categories;
-  std::vector<std::string> values;  ///< as stored, never as displayed: office programs compute with them
+  std::vector<std::string> values;  ///< as stored, not as displayed: office programs calculate with them
 };
 
 ChartTexts textsOf(const SourceTable& table, const ChartSelection& chart) {

@@ -1,8 +1,6 @@
-#include "DocumentRuntime/Authoring/ContentTypes.hpp"
 #include "DocumentRuntime/Authoring/DocumentAuthor.hpp"
 #include "DocumentRuntime/PackageIO/BoundedZIP.hpp"
-#include "DocumentRuntime/PackageIO/OOXMLSupport.hpp"
-#include "DocumentRuntime/PackageIO/XMLText.hpp"
+#include "DocumentRuntime/PackageIO/PartWriting.hpp"
 
 namespace zelvo {
 namespace {
@@ -90,11 +88,11 @@ std::string documentXML(const SourceTable& table, std::string_view title) {
 ByteBuffer DocumentAuthor::docx(const SourceTable& table, std::string_view title,
                                 const std::stop_token& stop) {
   PartMap parts;
-  parts.set(
-      "[Content_Types].xml",
-      contentTypes({{documentPart,
-                     "application/vnd.openxmlformats-officedocument.wordprocessingml.document.main+xml"}},
-                   false));
+  parts.set("[Content_Types].xml",
+            OOXML::contentTypes(
+                {{documentPart,
+                  "application/vnd.openxmlformats-officedocument.wordprocessingml.document.main+xml"}},
+                false));
   parts.set("_rels/.rels", OOXML::relationships({{"rId1", "officeDocument", std::string(documentPart)}}));
   parts.set(std::string(documentPart), OOXML::data(documentXML(table, title)));
   return BoundedZIP::write(parts, stop);

@@ -1,7 +1,6 @@
 #include "DocumentRuntime/Authoring/WorkbookPackage.hpp"
 
-#include "DocumentRuntime/Authoring/ContentTypes.hpp"
-#include "DocumentRuntime/PackageIO/XMLText.hpp"
+#include "DocumentRuntime/PackageIO/PartWriting.hpp"
 
 namespace zelvo {
 namespace {
@@ -20,7 +19,7 @@ ByteBuffer packageContentTypes(const WorkbookPlan& plan) {
   for (const WorkbookPart& part : plan.parts)
     names.push_back("xl/" + part.folder + "/" + part.name);
 
-  std::vector<DocumentAuthor::ContentTypeOverride> overrides = {
+  std::vector<OOXML::ContentTypeOverride> overrides = {
       {"xl/workbook.xml", "application/vnd.openxmlformats-officedocument.spreadsheetml.sheet.main+xml"}};
   if (!plan.stylesXML.empty()) {
     overrides.push_back(
@@ -33,7 +32,7 @@ ByteBuffer packageContentTypes(const WorkbookPlan& plan) {
   }
   for (const WorkbookPart& part : plan.parts)
     overrides.push_back({*name++, part.contentType});
-  return DocumentAuthor::contentTypes(overrides, false);
+  return OOXML::contentTypes(overrides, false);
 }
 
 std::string workbookXML(const WorkbookPlan& plan) {

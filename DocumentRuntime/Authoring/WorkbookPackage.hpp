@@ -5,8 +5,8 @@
 #include <vector>
 
 #include "DocumentRuntime/Cells/CellAddress.hpp"
-#include "DocumentRuntime/PackageIO/OOXMLSupport.hpp"
 #include "DocumentRuntime/PackageIO/PartMap.hpp"
+#include "DocumentRuntime/PackageIO/PartWriting.hpp"
 
 /// Workbooks of inline strings, without a shared string part: what every written workbook is built on.
 namespace zelvo::DocumentAuthor {

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "DocumentRuntime/Cells/NumberText.hpp"
+#include "Text/ASCII.hpp"
 #include "Text/Unicode.hpp"
 
 namespace zelvo::DocumentNumberFormat {
@@ -36,11 +37,7 @@ constexpr std::array<std::pair<std::int64_t, std::string_view>, 20> builtinForma
     {22, "m/d/yy h:mm"}, {45, "mm:ss"},      {46, "[h]:mm:ss"},     {47, "mmss.0"},   {49, "@"},
 }};
 
-bool takePrefix(std::string_view& rest, std::string_view token) {
-  if (!rest.starts_with(token)) return false;
-  rest.remove_prefix(token.size());
-  return true;
-}
+using ASCII::takePrefix;
 
 bool takeSuffix(std::string_view& rest, std::string_view token) {
   if (!rest.ends_with(token)) return false;

@@ -8,6 +8,7 @@
 #include "DocumentRuntime/Cells/DocumentNumberFormat.hpp"
 #include "DocumentRuntime/Cells/NumberText.hpp"
 #include "DocumentRuntime/Errors/DocumentError.hpp"
+#include "Text/ASCII.hpp"
 
 namespace zelvo::SerialDate {
 namespace {
@@ -57,14 +58,10 @@ std::string timeText(sys_seconds instant) {
          padded(time.seconds().count(), 2);
 }
 
-bool isDigit(char character) {
-  return character >= '0' && character <= '9';
-}
-
 /// Whether the text matches the pattern: a digit where it has 0, the same character elsewhere.
 bool hasShape(std::string_view text, std::string_view shape) {
   return std::equal(text.begin(), text.end(), shape.begin(), shape.end(), [](char character, char expected) {
-    return expected == '0' ? isDigit(character) : character == expected;
+    return expected == '0' ? ASCII::isDigit(character) : character == expected;
   });
 }
 

@@ -9,10 +9,10 @@ namespace {
 
 constexpr std::string_view alphabet = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
 
-/// Stands above the 24 bits of a group, so that it survives every "or" and is looked at once.
+/// A bit above the 24 of a group: it remains set in every "or", and is checked once.
 constexpr std::uint32_t invalid = 1U << 31;
 
-/// What a character adds to its group of 24 bits, one table for each of the four places.
+/// The bits of a character in its group of 24, one table for each of the four positions.
 using PlaceTable = std::array<std::uint32_t, 256>;
 
 constexpr PlaceTable placeTable(unsigned shift) {

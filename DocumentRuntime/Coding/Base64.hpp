@@ -9,13 +9,13 @@
 /// Standard base64: the alphabet with "+" and "/", padded with "=".
 namespace zelvo::Base64 {
 
-/// The bytes of a text that `append` could have written, and none for every other text: white space, missing
-/// or misplaced padding, other alphabets, and bits behind the last byte that are not zero.
+/// The bytes of a text that `append` could have written. Returns nullopt for any other text: white space,
+/// missing or misplaced padding, other alphabets, and bits after the last byte that are not zero.
 std::optional<ByteBuffer> decode(std::string_view text);
 
 void append(std::string& out, ByteView bytes);
 
-/// How many characters `append` writes for so many bytes.
+/// The number of characters that `append` writes for a number of bytes.
 constexpr std::size_t encodedSize(std::size_t bytes) {
   return (bytes + 2) / 3 * 4;
 }

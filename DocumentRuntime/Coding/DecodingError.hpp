@@ -6,9 +6,9 @@
 
 namespace zelvo {
 
-/// A JSON text that is malformed, or that does not have the shape of the record it should hold.
+/// A JSON text is malformed, or does not have the structure of the record.
 ///
-/// The texts are for people: keys of the JSON, which may be as long as the JSON itself, are cut.
+/// The texts are human-readable: keys of the JSON, which may be as long as the JSON itself, are cut.
 class DecodingError : public std::exception {
  public:
   static constexpr std::size_t maximumPathBytes = 300;
@@ -21,7 +21,7 @@ class DecodingError : public std::exception {
   const std::string& message() const { return message_; }
   const std::string& path() const { return path_; }
 
-  /// The message, with the path before it where there is one. UTF-8.
+  /// The message, after the path if there is one. UTF-8.
   const char* what() const noexcept override { return description_.c_str(); }
 
  private:

@@ -15,22 +15,20 @@
 #include "DocumentRuntime/Coding/JsonWriter.hpp"
 #include "DocumentRuntime/Records/ByteBuffer.hpp"
 
-/// How records go to and from JSON. A type takes part by a pair of functions,
+/// Conversion of records to and from JSON, for types that have a pair of functions,
 ///
 ///     void encode(JsonWriter&, const Type&);
 ///     void decode(JsonValue, Type&);
 ///
-/// found by their arguments' namespace (so they, and `eachField`, stand in it, not in an unnamed one). A
-/// record that is an object of its fields lists them once for both directions:
+/// found by argument-dependent lookup. A record that is an object of its fields has these functions if its
+/// header lists the fields, in the namespace of the record, once for both directions:
 ///
 ///     template <ConstOrNot<Point> Record>
 ///     void eachField(Record& point, const auto& field) {
 ///       field("x", point.x);
-///       field("label", point.label);  // a std::optional: left out when absent, absent when missing or null
-///       field("tags", bounded(point.tags, 10));  // a list, cut when it is decoded
+///       field("label", point.label);  // std::optional: not written when absent; absent when missing or null
+///       field("tags", bounded(point.tags, 10));  // a list that is cut when it is decoded
 ///     }
-///     void encode(JsonWriter& writer, const Point& point) { encodeFields(writer, point); }
-///     void decode(JsonValue value, Point& point) { decodeFields(value, point); }
 namespace zelvo {
 
 /// `T` or `const T`.
@@ -53,7 +51,7 @@ inline void decode(JsonValue value, ByteBuffer& field) {
   field = value.bytes();
 }
 
-// Nothing converts to the type that is encoded: a string literal must not go out as a boolean.
+// No implicit conversions: a string literal must not be written as a boolean.
 void encode(JsonWriter& writer, std::same_as<bool> auto field) {
   writer.boolean(field);
 }
@@ -87,10 +85,10 @@ void encode(JsonWriter& writer, const std::vector<T>& list) {
   writer.endArray();
 }
 
-/// A field that is a list, of which decoding keeps the first `limit` elements, and of a list of lists the
-/// first `innerLimit` of each. The others are decoded too, and dropped: an element of a few bytes of JSON is
-/// many times larger in memory, and a list of more elements than the record's rules accept need not be whole
-/// to be refused by them. Refers to the list.
+/// A field that is a list. Decoding keeps its first `limit` elements, and of a list of lists the first
+/// `innerLimit` of each. The others are decoded and dropped: an element of a few bytes of JSON is many times
+/// larger in memory, and the record's rules refuse a list that is too long, even if it has been cut. Refers
+/// to the list.
 template <typename List>
 struct BoundedList {
   List& list;
@@ -180,7 +178,23 @@ void encodeFields(JsonWriter& writer, const Record& record) {
   writer.endObject();
 }
 
-/// The enumerator whose place is that of the string among `names`.
+/// A record whose header lists its fields.
+template <typename Record>
+concept HasFields = requires(Record& record, const FieldDecoder& decoder) {
+  eachField(record, decoder);
+};
+
+template <HasFields Record>
+void decode(JsonValue value, Record& record) {
+  decodeFields(value, record);
+}
+
+template <HasFields Record>
+void encode(JsonWriter& writer, const Record& record) {
+  encodeFields(writer, record);
+}
+
+/// The enumerator with the index of the string in `names`.
 template <typename Enumeration>
 Enumeration decodeName(JsonValue value, std::span<const std::string_view> names) {
   const std::string_view name = value.string();
@@ -189,8 +203,7 @@ Enumeration decodeName(JsonValue value, std::span<const std::string_view> names)
   return static_cast<Enumeration>(found - names.begin());
 }
 
-/// A record from its JSON text. Throws `DecodingError`. The text is given up: it is freed before this
-/// returns.
+/// Decodes a record from its JSON text. Throws `DecodingError`. The text is freed before this returns.
 template <typename Record>
 Record fromJson(std::string text) {
   const JsonDocument document(std::move(text));
@@ -199,7 +212,7 @@ Record fromJson(std::string text) {
   return record;
 }
 
-/// A record's JSON text, compact. `expectedBytes` spares copies where the size can be told beforehand.
+/// A record's JSON text, compact. `expectedBytes` avoids copies if the size is known.
 template <typename Record>
 std::string toJson(const Record& record, std::size_t expectedBytes = 0) {
   JsonWriter writer(expectedBytes);

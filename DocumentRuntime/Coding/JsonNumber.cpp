@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <system_error>
 
-#include "DocumentRuntime/Cells/DoubleText.hpp"
+#include "DocumentRuntime/Cells/NumberText.hpp"
 
 namespace zelvo::JsonNumber {
 namespace {

@@ -11,23 +11,23 @@
 
 namespace zelvo {
 
-/// A JSON text, read whole. Handles, and the views that they give, are valid while the document lives.
+/// A parsed JSON text. Handles, and the views that they return, are valid while the document lives.
 ///
 /// Strict JSON in UTF-8: no byte order mark, no comment, no lone surrogate, arrays and objects at most 512
 /// deep.
 ///
-/// Memory is the text and four bytes a value or key, at most three times the text. The text is the document's
-/// own storage: a string is decoded in place, because it never gets longer, so a long one is held once.
+/// Memory is the text and four bytes a value or key, at most three times the text. Strings are decoded in
+/// place in the text, since they never become longer, so a long one is stored once.
 class JsonDocument {
  public:
   static constexpr std::size_t maximumDepth = 512;
-  /// What the sizes in a token can count.
+  /// The largest size that a token can store.
   static constexpr std::size_t maximumTextBytes = (1U << 29) - 1;
 
   /// Throws `DecodingError` for a text that is malformed or too long.
   explicit JsonDocument(std::string text);
 
-  // Handles point here: a document stays where it is.
+  // Handles point to the document: it must not be moved.
   JsonDocument(const JsonDocument&) = delete;
   JsonDocument(JsonDocument&&) = delete;
   JsonDocument& operator=(const JsonDocument&) = delete;
@@ -42,8 +42,8 @@ class JsonDocument {
   friend class JsonObject;
   class Builder;
 
-  /// One value, or one key of an object: its value is the next token. As small as the shortest value with
-  /// what separates it from the next ("0,") allows, because a hostile text consists of those.
+  /// One value, or one key of an object: its value is the next token. Small, because a hostile
+  /// text can have a value in every two bytes ("0,").
   class Token {
    public:
     Token(JsonKind kind, std::size_t value)

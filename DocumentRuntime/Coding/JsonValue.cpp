@@ -126,10 +126,4 @@ std::optional<JsonValue> JsonObject::optional(std::string_view key) const {
   return value;
 }
 
-std::optional<std::string_view> JsonObject::optionalString(std::string_view key) const {
-  const auto value = optional(key);
-  if (!value) return std::nullopt;
-  return value->string();
-}
-
 }  // namespace zelvo

@@ -96,16 +96,13 @@ class JsonObject {
     JsonValue key_;
   };
 
-  /// The member of that key, which must be there (it may be null).
+  /// The member of that key, which must exist (it may be null).
   JsonValue required(std::string_view key) const;
-  /// The member of that key; none when it is absent or null.
+  /// The member of that key. Returns nullopt if it is absent or null.
   std::optional<JsonValue> optional(std::string_view key) const;
 
   bool boolean(std::string_view key) const { return required(key).boolean(); }
-  std::int64_t integer(std::string_view key) const { return required(key).integer(); }
-  double number(std::string_view key) const { return required(key).number(); }
   std::string_view string(std::string_view key) const { return required(key).string(); }
-  std::optional<std::string_view> optionalString(std::string_view key) const;
 
   /// All members in the order of the text, those that a later one replaces included.
   Iterator begin() const;

@@ -7,6 +7,7 @@
 #include "DocumentRuntime/Coding/Base64.hpp"
 #include "DocumentRuntime/Coding/JsonNumber.hpp"
 #include "DocumentRuntime/Errors/DocumentError.hpp"
+#include "Text/ASCII.hpp"
 
 namespace zelvo {
 namespace {
@@ -39,10 +40,9 @@ void appendEscape(std::string& out, char c) {
       out += "\\t";
       return;
     default:
-      constexpr std::string_view digits = "0123456789abcdef";
       out += "\\u00";
-      out += digits[static_cast<unsigned char>(c) >> 4];
-      out += digits[static_cast<unsigned char>(c) & 0xF];
+      out += ASCII::hexDigits[static_cast<unsigned char>(c) >> 4];
+      out += ASCII::hexDigits[static_cast<unsigned char>(c) & 0xF];
   }
 }
 

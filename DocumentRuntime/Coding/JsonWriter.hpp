@@ -10,11 +10,11 @@
 
 namespace zelvo {
 
-/// Writes one JSON text, compact, in the order of the calls. The caller sees to the structure: keys in
-/// objects only, every begin with its end.
+/// Writes one JSON text, compact, in the order of the calls. The caller is responsible for the structure:
+/// keys only in objects, an end for every begin.
 class JsonWriter {
  public:
-  /// `expectedBytes` spares copies where the size can be told beforehand.
+  /// `expectedBytes` avoids copies if the size is known.
   explicit JsonWriter(std::size_t expectedBytes = 0) { text_.reserve(expectedBytes); }
 
   void beginObject() { open('{'); }
@@ -35,7 +35,7 @@ class JsonWriter {
   /// As a base64 string.
   void bytes(ByteView bytes);
 
-  /// The text. Ends the writer's life.
+  /// Returns the text. The writer must not be used afterwards.
   std::string take() { return std::move(text_); }
 
  private:

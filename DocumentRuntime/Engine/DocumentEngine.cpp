@@ -28,7 +28,7 @@ bool hasLongSlideCells(const SourceTable& table) {
   return false;
 }
 
-/// A document that fails validation is never given out.
+/// A document that fails validation is not returned.
 GeneratedDocument validated(ByteBuffer data, DocumentFormat format, const SourceTable& table,
                             const ChartSelection* chart, const std::stop_token& stop) {
   DocumentValidation validation = DocumentEngine::validate(data.view(), format, &table, chart, stop);
@@ -67,6 +67,21 @@ GeneratedDocument DocumentEngine::createPPTX(const SourceTable& table, std::stri
   if (chart) validateChart(*chart, table);
   return validated(DocumentAuthor::pptx(table, title, chart, stop), DocumentFormat::pptx, table,
                    chart ? &*chart : nullptr, stop);
+}
+
+DocumentValidation DocumentEngine::validate(ByteView data, DocumentFormat format,
+                                            const SourceTable* expectedTable,
+                                            const ChartSelection* expectedChart,
+                                            const std::stop_token& stop) {
+  return validateGeneratedDocument(data, format, expectedTable, expectedChart, stop);
+}
+
+void DocumentEngine::validateInput(const SourceTable& table, std::string_view title) {
+  DocumentInputRules::checkTable(table, title);
+}
+
+void DocumentEngine::validateChart(const ChartSelection& selection, const SourceTable& table) {
+  DocumentInputRules::checkChart(selection, table);
 }
 
 }  // namespace zelvo

@@ -3,12 +3,48 @@
 #include <string_view>
 
 #include "DocumentRuntime/Errors/DocumentError.hpp"
-#include "DocumentRuntime/PackageIO/DeclarationScan.hpp"
 #include "DocumentRuntime/PackageIO/XMLScanner.hpp"
 #include "DocumentRuntime/PackageIO/XMLTreeBuilder.hpp"
+#include "Text/ASCII.hpp"
 #include "Text/Unicode.hpp"
 
 namespace zelvo {
+namespace {
+
+/// Dotless i, whose upper case is I.
+constexpr std::string_view dotlessI = "\u0131";
+/// y with ring above, whose upper case is Y and a combining ring.
+constexpr std::string_view ringY = "\u1E99";
+
+/// Whether the upper case of `text` starts with the upper case of `word`, which is lower case. Of all other
+/// letters only the two above become I or Y; the ring after the second matters only inside the word.
+bool startsWithUpper(std::string_view text, std::string_view word) {
+  for (std::size_t i = 0; i < word.size(); ++i) {
+    if (text.empty()) return false;
+    if (ASCII::lower(text.front()) == word[i]) {
+      text.remove_prefix(1);
+    } else if (word[i] == 'i' && text.starts_with(dotlessI)) {
+      text.remove_prefix(dotlessI.size());
+    } else if (word[i] == 'y' && i + 1 == word.size() && text.starts_with(ringY)) {
+      text.remove_prefix(ringY.size());
+    } else {
+      return false;
+    }
+  }
+  return true;
+}
+
+}  // namespace
+
+bool OOXML::holdsDeclaration(std::string_view text) {
+  // Looks for "!", which is much rarer in documents than "<".
+  for (std::size_t at = text.find('!'); at != std::string_view::npos; at = text.find('!', at + 1)) {
+    if (at == 0 || text[at - 1] != '<') continue;
+    const std::string_view after = text.substr(at + 1);
+    if (startsWithUpper(after, "doctype") || startsWithUpper(after, "entity")) return true;
+  }
+  return false;
+}
 
 XMLTree OOXML::xml(ByteView part) {
   const std::string_view text = textOf(part);
@@ -16,7 +52,7 @@ XMLTree OOXML::xml(ByteView part) {
     throw DocumentError::unsupported("XML encoding or size");
   }
   if (holdsDeclaration(text)) throw DocumentError::unsafeContent("XML DTD or entity declaration");
-  // No character of XML, and what programs that guess encodings take for UTF-16.
+  // NUL is not allowed in XML, and programs that guess encodings take it for UTF-16.
   if (text.find('\0') != std::string_view::npos) throw DocumentError::invalidArchive("malformed XML");
   XMLTreeBuilder builder(text.size());
   XMLScanner(text, builder).run();

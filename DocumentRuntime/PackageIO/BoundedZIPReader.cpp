@@ -9,7 +9,6 @@
 #include "DocumentRuntime/Errors/DocumentError.hpp"
 #include "DocumentRuntime/PackageIO/BoundedZIP.hpp"
 #include "DocumentRuntime/PackageIO/ZIPCodec.hpp"
-#include "DocumentRuntime/PackageIO/ZIPFormat.hpp"
 #include "Text/Unicode.hpp"
 
 namespace zelvo::BoundedZIP {

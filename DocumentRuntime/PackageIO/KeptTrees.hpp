@@ -1,30 +1,42 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
+#include "DocumentRuntime/PackageIO/BoundedXML.hpp"
 #include "DocumentRuntime/PackageIO/XMLTree.hpp"
 #include "DocumentRuntime/Records/ByteBuffer.hpp"
 
 namespace zelvo::OOXML {
 
-/// The trees of parts that will be asked for again, kept within a fixed budget. What does not fit is parsed
-/// again when it is wanted: memory stays bounded, and only the largest packages pay.
+/// A cache, with a fixed budget, of the trees of parts that may be needed again. A part that does not fit is
+/// parsed again when it is needed: memory stays bounded, and only the largest packages take longer.
 class KeptTrees {
  public:
   static constexpr std::size_t defaultBudgetBytes = std::size_t{32} * 1024 * 1024;
 
   explicit KeptTrees(std::size_t budgetBytes = defaultBudgetBytes) : budgetBytes_(budgetBytes) {}
 
-  /// Takes the tree over if it fits. To be called in ascending order of the names.
-  void keep(std::string_view name, XMLTree& tree);
+  /// Moves the tree into the cache if it fits. Must be called in ascending order of the names.
+  void keep(std::string_view name, XMLTree& tree) {
+    const std::size_t bytes = tree.byteCount();
+    if (bytes > budgetBytes_) return;
+    budgetBytes_ -= bytes;
+    trees_.push_back({std::string(name), std::move(tree)});
+  }
 
-  /// The root of a part that has passed the gate; `again` holds its tree if it must be parsed again, and must
-  /// then outlive the node. Throws what parsing throws.
-  XMLNode root(std::string_view name, const ByteBuffer& part, std::optional<XMLTree>& again) const;
+  /// The root of a part that has passed the gate. `fallback` stores the tree of a part that is not cached,
+  /// and must then outlive the node. Throws what parsing throws.
+  XMLNode root(std::string_view name, const ByteBuffer& part, std::optional<XMLTree>& fallback) const {
+    const auto kept = std::ranges::lower_bound(trees_, name, {}, &KeptTree::name);
+    if (kept != trees_.end() && kept->name == name) return kept->tree.root();
+    return fallback.emplace(xml(part.view())).root();
+  }
 
  private:
   struct KeptTree {
@@ -32,7 +44,7 @@ class KeptTrees {
     XMLTree tree;
   };
   std::vector<KeptTree> trees_;
-  std::size_t budgetBytes_;  ///< for the trees to come
+  std::size_t budgetBytes_;  ///< what is left
 };
 
 }  // namespace zelvo::OOXML

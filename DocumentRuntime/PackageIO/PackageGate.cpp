@@ -1,3 +1,5 @@
+#include "DocumentRuntime/PackageIO/PackageGate.hpp"
+
 #include <algorithm>
 #include <array>
 #include <set>
@@ -8,8 +10,8 @@
 #include "DocumentRuntime/Errors/DocumentError.hpp"
 #include "DocumentRuntime/PackageIO/BoundedXML.hpp"
 #include "DocumentRuntime/PackageIO/BoundedZIP.hpp"
-#include "DocumentRuntime/PackageIO/OOXMLSupport.hpp"
-#include "DocumentRuntime/PackageIO/TargetResolver.hpp"
+#include "DocumentRuntime/PackageIO/Relationships.hpp"
+#include "Text/Digest.hpp"
 #include "Text/Unicode.hpp"
 
 namespace zelvo::OOXML {
@@ -18,15 +20,15 @@ namespace {
 constexpr std::string_view contentTypesPart = "[Content_Types].xml";
 constexpr std::string_view packageRelationshipsPart = "_rels/.rels";
 
-/// Parts, or folders of parts, that run code, reach outside the file, or say what the reader does not
-/// understand. Compared with names in lower case.
+/// Names, or parts of names, of parts that run code, reach outside the file, or have features that the reader
+/// does not support. Compared with names in lower case.
 constexpr std::array<std::string_view, 8> refusedNames = {
     "vbaproject",   "activex/",   "externallinks/", "connections.xml",
     "querytables/", "pivotcache", "pivottable",     "customui/",
 };
 constexpr std::string_view embeddingsFolder = "embeddings/";
 
-/// The same for content types: a part may hide behind a harmless name.
+/// The same for content types: an active part may have a harmless name.
 constexpr std::array<std::string_view, 4> activeContentTypes = {"macroenabled", "vbaproject", "activex",
                                                                 "oleobject"};
 
@@ -35,7 +37,7 @@ bool containsAny(std::string_view text, std::span<const std::string_view> words)
                      [&](std::string_view word) { return text.find(word) != std::string_view::npos; });
 }
 
-/// The workbook without a number is known in any letter case, those with a number in lower case only.
+/// The name without a number is allowed in any letter case, those with a number in lower case only.
 bool isAllowedWorkbook(std::string_view name, std::string_view lowerCaseName, PackageAllowance allowance) {
   constexpr std::string_view start = "ppt/embeddings/chart-data";
   constexpr std::string_view end = ".xlsx";
@@ -47,7 +49,7 @@ bool isAllowedWorkbook(std::string_view name, std::string_view lowerCaseName, Pa
          number <= '4';
 }
 
-/// Whether a part of that name is XML to be vetted; if not, it is an embedded workbook that is passed over.
+/// Whether a part of that name is XML to be vetted; if not, it is an embedded workbook, which is skipped.
 bool isVettedPart(std::string_view name, std::string_view lowerCaseName, PackageAllowance allowance) {
   if (containsAny(lowerCaseName, refusedNames)) {
     throw DocumentError::unsafeContent("active data connection or unsupported workbook feature");
@@ -72,7 +74,7 @@ void checkRelationships(XMLNode root, std::string_view partName, const PartMap& 
   if (root.name() != "Relationships") throw DocumentError::invalidArchive("relationships root");
 
   const TargetResolver resolver(partName);
-  // A tree, not a hash table: a part may hold 200,000 identifiers, chosen to collide.
+  // Not a hash table: a part may hold 200,000 identifiers, chosen to collide.
   std::set<std::string_view> identifiers;
   for (const XMLNode relationship : root.children()) {
     const auto identifier = relationship.attribute("Id");
@@ -88,6 +90,10 @@ void checkRelationships(XMLNode root, std::string_view partName, const PartMap& 
 }
 
 }  // namespace
+
+std::string hash(ByteView bytes) {
+  return Digest::sha256(bytes);
+}
 
 PartMap package(ByteView bytes, PackageAllowance allowance, const PartVisitor& visitor,
                 const std::stop_token& stop) {

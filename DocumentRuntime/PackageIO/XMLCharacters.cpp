@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "Text/Unicode.hpp"
+
 namespace zelvo::OOXML {
 namespace {
 
@@ -28,10 +30,14 @@ bool isNameScalar(char32_t scalar, bool first) {
   return isWithin(nameStarts, scalar) || (!first && isWithin(nameRests, scalar));
 }
 
-bool isReferable(char32_t scalar) {
-  if (scalar < 0x20) return scalar == '\t' || scalar == '\n' || scalar == '\r';
-  const bool isSurrogate = scalar >= 0xD800 && scalar <= 0xDFFF;
-  return !isSurrogate && scalar != 0xFFFE && scalar != 0xFFFF && scalar <= 0x10FFFF;
+std::string withoutForbidden(std::string_view text) {
+  std::string result;
+  result.reserve(text.size());
+  for (std::size_t position = 0; position < text.size();) {
+    const char32_t scalar = Unicode::nextScalar(text, position);
+    if (isAllowed(scalar)) Unicode::append(result, scalar);
+  }
+  return result;
 }
 
 }  // namespace zelvo::OOXML

@@ -1,17 +1,39 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
+#include <string>
 #include <string_view>
 
-/// The character classes of XML 1.0, fifth edition.
+#include "Text/ASCII.hpp"
+
+/// The characters of XML 1.0, fifth edition: the one place that decides which a document may hold.
 namespace zelvo::OOXML {
 
-/// What a byte may be without a closer look. Bytes from 0x80 on belong to longer scalars, all of which may
-/// stand in text, but for two that begin with 0xEF.
+/// Whether a document may hold the scalar, as itself or by a character reference.
+constexpr bool isAllowed(char32_t scalar) {
+  if (scalar < 0x20) return scalar == '\t' || scalar == '\n' || scalar == '\r';
+  const bool isSurrogate = scalar >= 0xD800 && scalar <= 0xDFFF;
+  return !isSurrogate && scalar != 0xFFFE && scalar != 0xFFFF && scalar <= 0x10FFFF;
+}
+
+/// Above the control characters, valid UTF-8 has only two scalars that are not allowed, U+FFFE and U+FFFF.
+/// Both have three bytes, the first of which is this one.
+inline constexpr char noncharacterStart = '\xEF';
+inline constexpr std::size_t noncharacterBytes = 3;
+inline bool startsWithNoncharacter(std::string_view text) {
+  return text.starts_with("\xEF\xBF\xBE") || text.starts_with("\xEF\xBF\xBF");
+}
+
+/// `text`, which must be valid UTF-8, without the characters that are not allowed.
+std::string withoutForbidden(std::string_view text);
+
+/// Classes that depend on a byte alone. Bytes from 0x80 on belong to longer scalars, all of which are allowed
+/// in text, except the two noncharacters.
 enum ByteClass : std::uint8_t {
-  plainInText = 1,   ///< stands for itself in character data
-  plainInValue = 2,  ///< stands for itself in an attribute value, whatever its quotes
+  plainInText = 1,   ///< copied unchanged in character data
+  plainInValue = 2,  ///< copied unchanged in an attribute value, whichever its quotes
   nameStart = 4,
   nameRest = 8,
   whiteSpace = 16,
@@ -22,14 +44,13 @@ inline constexpr std::array<std::uint8_t, 256> byteClasses = [] {
   for (unsigned byte = 0; byte < 256; ++byte) {
     const char c = static_cast<char>(byte);
     std::uint8_t& found = classes[byte];
-    const bool isLetter = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
     const bool isSpace = c == ' ' || c == '\t' || c == '\n' || c == '\r';
-    if ((byte >= 0x20 || isSpace) && byte != 0xEF && c != '<' && c != '&') {
+    if (isAllowed(byte) && c != noncharacterStart && c != '<' && c != '&') {
       if (c != ']' && c != '\r') found |= plainInText;
       if (c != '"' && c != '\'' && (c == ' ' || !isSpace)) found |= plainInValue;
     }
-    if (isLetter || c == '_' || c == ':') found |= nameStart | nameRest;
-    if ((c >= '0' && c <= '9') || c == '-' || c == '.') found |= nameRest;
+    if (ASCII::isLetter(c) || c == '_' || c == ':') found |= nameStart | nameRest;
+    if (ASCII::isDigit(c) || c == '-' || c == '.') found |= nameRest;
     if (isSpace) found |= whiteSpace;
   }
   return classes;
@@ -39,15 +60,7 @@ inline bool isOf(std::uint8_t classes, char byte) {
   return (byteClasses[static_cast<unsigned char>(byte)] & classes) != 0;
 }
 
-/// Whether the scalar, from U+0080 on, may begin or go on a name.
+/// Whether a name may begin with or contain the scalar, which is U+0080 or above.
 bool isNameScalar(char32_t scalar, bool first);
-
-/// Whether a character reference may stand for the scalar.
-bool isReferable(char32_t scalar);
-
-/// The two scalars in valid UTF-8 that no document may hold, U+FFFE and U+FFFF.
-inline bool startsWithNoncharacter(std::string_view text) {
-  return text.starts_with("\xEF\xBF\xBE") || text.starts_with("\xEF\xBF\xBF");
-}
 
 }  // namespace zelvo::OOXML

@@ -11,18 +11,14 @@ namespace {
 
 constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 
-bool isDigit(char c) {
-  return c >= '0' && c <= '9';
-}
-bool isLetter(char c) {
-  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
-}
+using ASCII::isDigit;
+using ASCII::isLetter;
 
 bool isVersion(std::string_view value) {
   return value.size() > 2 && value.starts_with("1.") && std::ranges::all_of(value.substr(2), isDigit);
 }
 
-/// The name does not matter: the text is known to be UTF-8.
+/// Any name: the text is known to be valid UTF-8.
 bool isEncodingName(std::string_view value) {
   return !value.empty() && isLetter(value.front()) && std::ranges::all_of(value, [](char c) {
     return isLetter(c) || isDigit(c) || c == '.' || c == '_' || c == '-';
@@ -33,13 +29,12 @@ bool isYesOrNo(std::string_view value) {
   return value == "yes" || value == "no";
 }
 
-/// Names that programs reserve, in any case.
+/// Names that XML reserves, in any case.
 bool isReservedTarget(std::string_view target) {
-  return target.size() == 3 && (target[0] | 0x20) == 'x' && (target[1] | 0x20) == 'm' &&
-         (target[2] | 0x20) == 'l';
+  return std::ranges::equal(target, std::string_view("xml"), {}, ASCII::lower);
 }
 
-/// Only tells the names of one tag apart faster than comparing them would.
+/// Only speeds up the comparison of the names of one tag.
 std::uint32_t hashOf(std::string_view name) {
   std::uint32_t hash = 0;
   for (const char c : name)
@@ -191,15 +186,16 @@ XMLScanner::Attribute XMLScanner::attributeValue(char quote) {
           .nameHash = 0};
 }
 
-/// What does not stand for itself in a value: a reference, white space that becomes one space, the other
-/// quote, or the first byte of a scalar that begins with 0xEF. Never "<" or a control character.
+/// Decodes one character that is not copied unchanged: a reference, white space that becomes one space, the
+/// other quote, or the first byte of a scalar that begins with 0xEF. Never "<" or a control character.
 void XMLScanner::decodeInValue() {
   const char c = peek();
   if (c == '&') {
     decodedValues_ += reference();
     return;
   }
-  require(isOf(whiteSpace, c) || c == '"' || c == '\'' || (c == '\xEF' && !startsWithNoncharacter(rest())));
+  require(isOf(whiteSpace, c) || c == '"' || c == '\'' ||
+          (c == noncharacterStart && !startsWithNoncharacter(rest())));
   ++position_;
   if (c == '\r') take("\n");
   decodedValues_ += isOf(whiteSpace, c) ? ' ' : c;
@@ -238,7 +234,7 @@ void XMLScanner::characterData() {
         break;
       default:
         // A scalar that begins with 0xEF, three bytes long; anything else is a control character.
-        require(peek() == '\xEF' && !startsWithNoncharacter(rest()));
+        require(peek() == noncharacterStart && !startsWithNoncharacter(rest()));
         builder_.characters(rest().substr(0, 3));
         position_ += 3;
     }
@@ -276,7 +272,6 @@ std::string_view XMLScanner::name() {
   const std::size_t start = position_;
   require(isOf(nameStart, peek()) || static_cast<unsigned char>(peek()) >= 0x80);
   while (true) {
-    // Past the first letter, every name byte is as good as any.
     if (position_ > start || isOf(nameStart, peek())) run(nameRest);
     if (static_cast<unsigned char>(peek()) < 0x80) break;
     std::size_t next = position_;
@@ -323,22 +318,17 @@ std::string_view XMLScanner::reference() {
 
 char32_t XMLScanner::characterReference() {
   take("&#");
-  const bool isHexadecimal = take("x");
-  const char32_t base = isHexadecimal ? 16 : 10;
+  const char32_t base = take("x") ? 16 : 10;
   char32_t scalar = 0;
   const std::size_t start = position_;
   for (; peek() != ';'; ++position_) {
     const char c = peek();
-    const char lower = static_cast<char>(c | 0x20);
-    if (isDigit(c)) {
-      scalar = scalar * base + static_cast<char32_t>(c - '0');
-    } else {
-      require(isHexadecimal && lower >= 'a' && lower <= 'f');
-      scalar = scalar * base + static_cast<char32_t>(lower - 'a' + 10);
-    }
+    const std::size_t digit = ASCII::hexDigits.find(ASCII::lower(c));
+    require(digit < base);
+    scalar = scalar * base + static_cast<char32_t>(digit);
     require(scalar <= 0x10FFFF);  // after every digit, so that nothing wraps
   }
-  require(position_ > start && isReferable(scalar));
+  require(position_ > start && isAllowed(scalar));
   ++position_;
   return scalar;
 }
@@ -355,7 +345,7 @@ void XMLScanner::checkCharacters(std::string_view text) {
   for (std::size_t i = 0; i < text.size(); ++i) {
     const char c = text[i];
     const bool isControl = static_cast<unsigned char>(c) < 0x20 && !isOf(whiteSpace, c);
-    require(!isControl && !(c == '\xEF' && startsWithNoncharacter(text.substr(i))));
+    require(!isControl && !(c == noncharacterStart && startsWithNoncharacter(text.substr(i))));
   }
 }
 

@@ -6,15 +6,14 @@
 #include <string>
 #include <string_view>
 
-#include "DocumentRuntime/PackageIO/BoundedXML.hpp"
 #include "DocumentRuntime/PackageIO/XMLTreeBuilder.hpp"
 
 namespace zelvo::OOXML {
 
-/// Reads one XML 1.0 document without a document type, once from front to back, and tells a builder what it
-/// holds. Time is linear in the text: nothing is looked at twice but the few names of one tag. Memory, the
-/// builder's aside, is fixed but for one tag's values: attributes past those that an element may have are
-/// counted, not kept.
+/// Reads one XML 1.0 document without a document type, once from front to back, and reports its contents to a
+/// builder. Time is linear in the text: only the few names of one tag are compared repeatedly. Memory, except
+/// the builder's, is fixed plus one tag's values: attributes above the limit of an element are counted, not
+/// kept.
 ///
 /// `text` must be valid UTF-8 without NUL bytes, and outlive the scanner.
 class XMLScanner {
@@ -27,8 +26,8 @@ class XMLScanner {
  private:
   struct Attribute {
     std::string_view name;
-    std::string_view value;    ///< where it stands for itself
-    std::size_t decodedStart;  ///< in `decodedValues_`, where it does not
+    std::string_view value;    ///< if it needs no decoding
+    std::size_t decodedStart;  ///< in `decodedValues_`, if it does
     std::size_t decodedLength;
     std::uint32_t nameHash;
   };
@@ -55,7 +54,7 @@ class XMLScanner {
   /// Decodes the reference at the position and moves behind it. The view is valid until the next one.
   std::string_view reference();
   char32_t characterReference();
-  /// Moves behind the next `end` and gives what stands before it.
+  /// Moves behind the next `end` and returns the text before it.
   std::string_view upTo(std::string_view end);
   static void checkCharacters(std::string_view text);
 
@@ -70,7 +69,7 @@ class XMLScanner {
     ++position_;
     return true;
   }
-  /// Moves over the bytes of these classes and gives them.
+  /// Moves over the bytes of these classes and returns them.
   std::string_view run(std::uint8_t classes);
   static void require(bool condition) {
     if (!condition) malformed();

@@ -11,11 +11,19 @@
 #include "DocumentRuntime/PackageIO/XMLTreeStorage.hpp"
 
 namespace zelvo {
+namespace OOXML {
+
+// The limits of a parsed part.
+inline constexpr std::size_t maximumXMLElements = 200'000;
+inline constexpr std::size_t maximumXMLDepth = 64;
+inline constexpr std::size_t maximumXMLAttributes = 64;  ///< of one element, namespace declarations included
+
+}  // namespace OOXML
 
 class XMLElements;
 
-/// A handle to one element of an `XMLTree`, passed by value. It and the views that it gives are valid while
-/// the tree lives, moves of the tree included.
+/// A handle to one element of an `XMLTree`, passed by value. It and the views that it
+/// returns are valid while the tree lives, also after the tree is moved.
 class XMLNode {
  public:
   XMLNode(const XMLTreeStorage& storage, std::uint32_t index) : storage_(&storage), index_(index) {}
@@ -25,8 +33,8 @@ class XMLNode {
   /// The name as written, prefix included.
   std::string_view qualifiedName() const { return storage_->qualifiedName(index_); }
 
-  /// A small number that stands for the qualified name: elements of one index have the same name. Not
-  /// conversely: in a part of very many names, elements of one name may have several indexes.
+  /// A small number for the qualified name. Elements with equal indexes have equal names. In a part with very
+  /// many names, elements of one name may have several indexes.
   std::size_t nameIndex() const { return element().name; }
 
   std::size_t attributeCount() const { return element().attributeCount; }
@@ -46,13 +54,13 @@ class XMLNode {
   /// result.
   XMLElements descendants(std::string_view name) const;
 
-  /// The character data directly inside this element, in document order, children passed over.
+  /// The character data directly inside this element, in document order, without that of children.
   std::string text() const;
-  /// `text()`, then the content of each child: a view into the tree where that is one run, else into
+  /// `text()`, then the content of each child: a view into the tree if that is one run, else into
   /// `storage`, which must then outlive the view.
   std::string_view content(std::string& storage) const;
   std::string content() const;
-  /// Whether `content()` is anything but empty, without building it.
+  /// Whether `content()` is not empty, without building it.
   bool hasContent() const;
 
  private:
@@ -112,8 +120,14 @@ class XMLElements {
   Iterator begin() const { return {*this, first_}; }
   Iterator end() const { return {*this, end_}; }
   bool empty() const { return begin() == end(); }
-  /// Counted by walking, in linear time.
+  /// Takes time linear in the range.
   std::size_t size() const { return static_cast<std::size_t>(std::distance(begin(), end())); }
+  /// The element, if there is exactly one.
+  std::optional<XMLNode> only() const {
+    const Iterator first = begin();
+    if (first == end() || std::next(first) != end()) return std::nullopt;
+    return *first;
+  }
 
  private:
   bool accepts(std::uint32_t index) const { return !name_ || storage_->localName(index) == *name_; }
@@ -125,7 +139,7 @@ class XMLElements {
   std::optional<std::string_view> name_;
 };
 
-/// One parsed part. Move-only; owns everything that its nodes show.
+/// One parsed part. Move-only; owns everything that its nodes refer to.
 class XMLTree {
  public:
   /// `storage` must hold at least the root element.
@@ -133,7 +147,7 @@ class XMLTree {
 
   XMLNode root() const { return {*storage_, 0}; }
 
-  /// What the tree holds in memory.
+  /// The memory that the tree uses.
   std::size_t byteCount() const;
 
  private:

@@ -6,7 +6,6 @@
 #include <memory>
 #include <string_view>
 
-#include "DocumentRuntime/PackageIO/BoundedXML.hpp"
 #include "DocumentRuntime/PackageIO/XMLTree.hpp"
 
 namespace zelvo::OOXML {
@@ -15,7 +14,7 @@ namespace zelvo::OOXML {
 /// anything is stored for it. The events must nest, as those of a conforming parser do.
 class XMLTreeBuilder {
  public:
-  /// `partBytes` is the size of the part being parsed: no parse without a DTD yields more characters than
+  /// `partBytes` is the size of the part being parsed: without a DTD no tree has more characters than
   /// that.
   explicit XMLTreeBuilder(std::size_t partBytes);
 
@@ -36,8 +35,8 @@ class XMLTreeBuilder {
     std::uint32_t lastText;  ///< index into `moreText`; `none` while the text is one run
   };
 
-  /// Names of elements repeat, so that each is stored once as long as it is found within a few probes of this
-  /// table; past that it is simply stored again. So no choice of names can make a look-up long.
+  /// Names of elements repeat, so each is stored once if a few probes of this table find it, and otherwise
+  /// again. So no choice of names makes a look-up slow.
   static constexpr std::size_t nameSlots = 1024;
   static constexpr std::size_t nameProbes = 4;
 

@@ -29,7 +29,7 @@ ByteBuffer inflateRaw(ByteView input, std::size_t size) {
   const std::unique_ptr<z_stream, InflateEnd> ending(&stream);
 
   ByteBuffer output(size);
-  std::uint8_t spare = 0;  // a stream of nothing still needs room for a byte to be read to its end
+  std::uint8_t spare = 0;  // an empty stream is read to its end only with space for a byte
   stream.next_in = input.data();
   stream.avail_in = static_cast<uInt>(input.size());
   stream.next_out = size == 0 ? &spare : output.data();
@@ -37,7 +37,7 @@ ByteBuffer inflateRaw(ByteView input, std::size_t size) {
 
   const int result = inflate(&stream, Z_FINISH);
   if (result == Z_MEM_ERROR) throw std::bad_alloc();
-  // Bytes behind the end of the stream would be a place to hide something from other readers.
+  // Bytes after the end of the stream could hide data from other readers.
   if (result != Z_STREAM_END || stream.total_out != size || stream.total_in != input.size()) {
     throw DocumentError::invalidArchive("deflate length mismatch");
   }

@@ -5,11 +5,24 @@
 
 #include "DocumentRuntime/Records/ByteBuffer.hpp"
 
-/// What archives need of the compression library. Arguments are below 4 GiB, which the limits on archives and
-/// entries guarantee.
+/// The constants of the format that the reader and the writer share, and the functions of the compression
+/// library. Every field of a record is little-endian and unaligned. Sizes are below 4 GiB, which the limits
+/// on archives and entries guarantee.
 namespace zelvo::BoundedZIP {
 
-/// Expands a raw deflate stream that must give exactly `size` bytes and use up all of `input`. Throws
+inline constexpr std::uint32_t localSignature = 0x04034b50;
+inline constexpr std::uint32_t centralSignature = 0x02014b50;
+inline constexpr std::uint32_t endSignature = 0x06054b50;
+
+// The fixed parts of the records, without name, extra field and comment.
+inline constexpr std::size_t localHeaderBytes = 30;
+inline constexpr std::size_t centralHeaderBytes = 46;
+inline constexpr std::size_t endRecordBytes = 22;
+
+inline constexpr std::uint16_t storedMethod = 0;
+inline constexpr std::uint16_t deflatedMethod = 8;
+
+/// Expands a raw deflate stream that must yield exactly `size` bytes and consume all of `input`. Throws
 /// `DocumentError` invalidArchive "decompressor initialization" or "deflate length mismatch".
 ByteBuffer inflateRaw(ByteView input, std::size_t size);
 

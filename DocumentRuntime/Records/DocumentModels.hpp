@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -61,7 +62,11 @@ struct SourceTable {
   bool headerUsesCachedFormulaValues = false;
 
   /// Whether the header or any cell is the stored result of a formula.
-  bool usesCachedFormulaValues() const;
+  bool usesCachedFormulaValues() const {
+    return headerUsesCachedFormulaValues || std::ranges::any_of(rows, [](const auto& row) {
+             return std::ranges::any_of(row, &SourceCell::usesCachedFormulaValue);
+           });
+  }
 
   bool operator==(const SourceTable&) const = default;
 };

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "DocumentRuntime/Errors/DocumentError.hpp"
-#include "DocumentRuntime/PackageIO/OOXMLSupport.hpp"
+#include "DocumentRuntime/PackageIO/PartWriting.hpp"
 #include "DocumentRuntime/Research/ResearchChartAuthor.hpp"
 #include "DocumentRuntime/Workbook/WorkbookReader.hpp"
 
@@ -50,8 +50,9 @@ std::vector<ChartColumn> columnsOf(const Binding& binding) {
 }
 
 XMLNode only(const XMLElements& elements) {
-  require(elements.size() == 1);
-  return *elements.begin();
+  const auto element = elements.only();
+  require(element.has_value());
+  return *element;
 }
 
 /// What a cache or its axis must show of a cell; none for a gap.

@@ -3,8 +3,8 @@
 #include <utility>
 
 #include "DocumentRuntime/PackageIO/BoundedXML.hpp"
-#include "DocumentRuntime/PackageIO/OOXMLSupport.hpp"
-#include "DocumentRuntime/Workbook/WorkbookStructure.hpp"
+#include "DocumentRuntime/PackageIO/PackageGate.hpp"
+#include "DocumentRuntime/PackageIO/Relationships.hpp"
 
 namespace zelvo {
 namespace {

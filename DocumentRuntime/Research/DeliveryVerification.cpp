@@ -8,7 +8,7 @@
 #include <utility>
 #include <vector>
 
-#include "DocumentRuntime/PackageIO/OOXMLSupport.hpp"
+#include "DocumentRuntime/PackageIO/PartWriting.hpp"
 #include "DocumentRuntime/Research/DeliveredChart.hpp"
 #include "DocumentRuntime/Research/DeliveredPackage.hpp"
 #include "DocumentRuntime/Research/ResearchRule.hpp"

@@ -29,7 +29,7 @@ std::set<std::int64_t> checkCharts(JsonValue charts) {
   for (const JsonValue chart : HostFileLimits::array(charts, ResearchSpreadsheet::maximumCharts)) {
     checkText(chart.object().required("title"));
     HostFileLimits::array(chart.object().required("valueColumns"), ResearchSpreadsheet::Chart::maximumSeries);
-    labelColumns.insert(chart.object().integer("categoryColumn"));
+    labelColumns.insert(chart.object().required("categoryColumn").integer());
   }
   return labelColumns;
 }

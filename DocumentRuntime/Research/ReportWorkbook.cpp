@@ -5,8 +5,8 @@
 #include "DocumentRuntime/Authoring/WorkbookPackage.hpp"
 #include "DocumentRuntime/Errors/DocumentError.hpp"
 #include "DocumentRuntime/PackageIO/BoundedZIP.hpp"
+#include "DocumentRuntime/PackageIO/PartWriting.hpp"
 #include "DocumentRuntime/PackageIO/XMLCharacters.hpp"
-#include "DocumentRuntime/PackageIO/XMLText.hpp"
 #include "DocumentRuntime/Research/DrawnBytes.hpp"
 #include "DocumentRuntime/Research/ResearchSheetLimits.hpp"
 #include "DocumentRuntime/Research/ResearchWorkbook.hpp"
@@ -51,19 +51,9 @@ std::string withPoint(std::string number) {
   return number;
 }
 
-/// Without what XML cannot carry, so that only what a cell shows counts toward its length.
-std::string writable(std::string_view text) {
-  std::string result;
-  result.reserve(text.size());
-  for (std::size_t position = 0; position < text.size();) {
-    const char32_t scalar = Unicode::nextScalar(text, position);
-    if (OOXML::isReferable(scalar)) Unicode::append(result, scalar);
-  }
-  return result;
-}
-
 std::string cellText(std::string_view text) {
-  return OOXML::escaped(Unicode::prefix(writable(text), maximumCellCharacters));
+  // Characters that XML cannot carry do not count toward the length.
+  return OOXML::escaped(Unicode::prefix(OOXML::withoutForbidden(text), maximumCellCharacters));
 }
 
 enum class Numbers { written, keptAsTexts };

@@ -6,7 +6,7 @@
 
 #include "DocumentRuntime/Authoring/WorkbookPackage.hpp"
 #include "DocumentRuntime/PackageIO/BoundedZIP.hpp"
-#include "DocumentRuntime/PackageIO/XMLText.hpp"
+#include "DocumentRuntime/PackageIO/PartWriting.hpp"
 #include "DocumentRuntime/Research/ResearchChartAuthor.hpp"
 
 namespace zelvo {

@@ -8,7 +8,7 @@
 #include <utility>
 
 #include "DocumentRuntime/Cells/CellAddress.hpp"
-#include "DocumentRuntime/Cells/DoubleText.hpp"
+#include "DocumentRuntime/Cells/NumberText.hpp"
 #include "DocumentRuntime/Errors/DocumentError.hpp"
 #include "DocumentRuntime/Research/FormulaOperations.hpp"
 #include "DocumentRuntime/Research/FormulaShape.hpp"

@@ -5,7 +5,7 @@
 #include <cstdint>
 
 #include "DocumentRuntime/Authoring/PresentationFrame.hpp"
-#include "DocumentRuntime/Authoring/TextEstimate.hpp"
+#include "DocumentRuntime/Authoring/SlideGeometry.hpp"
 #include "DocumentRuntime/Research/SlideShapes.hpp"
 #include "DocumentRuntime/Research/SlideSources.hpp"
 #include "DocumentRuntime/Research/SlideText.hpp"

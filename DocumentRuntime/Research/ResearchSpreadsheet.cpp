@@ -2,7 +2,7 @@
 
 #include <cstddef>
 
-#include "DocumentRuntime/Cells/DoubleText.hpp"
+#include "DocumentRuntime/Cells/NumberText.hpp"
 #include "DocumentRuntime/Cells/SerialDate.hpp"
 
 namespace zelvo {

@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "DocumentRuntime/Authoring/WorkbookPackage.hpp"
-#include "DocumentRuntime/PackageIO/XMLText.hpp"
+#include "DocumentRuntime/PackageIO/PartWriting.hpp"
 #include "DocumentRuntime/Research/DrawnBytes.hpp"
 #include "DocumentRuntime/Research/ResearchChartAuthor.hpp"
 #include "DocumentRuntime/Research/ResearchWorkbookStyles.hpp"

@@ -7,9 +7,9 @@
 #include <string>
 #include <string_view>
 
-#include "DocumentRuntime/Cells/DoubleText.hpp"
+#include "DocumentRuntime/Cells/NumberText.hpp"
 #include "DocumentRuntime/Errors/DocumentError.hpp"
-#include "DocumentRuntime/PackageIO/OOXMLSupport.hpp"
+#include "DocumentRuntime/PackageIO/PartWriting.hpp"
 #include "DocumentRuntime/Workbook/TableExtraction.hpp"
 #include "DocumentRuntime/Workbook/WorkbookReader.hpp"
 

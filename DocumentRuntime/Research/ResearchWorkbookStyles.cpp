@@ -3,7 +3,7 @@
 #include <string_view>
 
 #include "DocumentRuntime/Authoring/WorkbookPackage.hpp"
-#include "DocumentRuntime/PackageIO/XMLText.hpp"
+#include "DocumentRuntime/PackageIO/PartWriting.hpp"
 
 namespace zelvo {
 namespace {

@@ -6,8 +6,8 @@
 #include <cstdint>
 
 #include "DocumentRuntime/Authoring/WorkbookPackage.hpp"
-#include "DocumentRuntime/Cells/DoubleText.hpp"
-#include "DocumentRuntime/PackageIO/XMLText.hpp"
+#include "DocumentRuntime/Cells/NumberText.hpp"
+#include "DocumentRuntime/PackageIO/PartWriting.hpp"
 #include "DocumentRuntime/Research/DrawnBytes.hpp"
 #include "Text/Unicode.hpp"
 

@@ -2,8 +2,7 @@
 
 #include <cmath>
 
-#include "DocumentRuntime/PackageIO/OOXMLSupport.hpp"
-#include "DocumentRuntime/PackageIO/XMLText.hpp"
+#include "DocumentRuntime/PackageIO/PartWriting.hpp"
 #include "DocumentRuntime/Research/SlideText.hpp"
 
 namespace zelvo {

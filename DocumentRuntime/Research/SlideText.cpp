@@ -4,7 +4,7 @@
 #include <cmath>
 #include <cstddef>
 
-#include "DocumentRuntime/Authoring/TextEstimate.hpp"
+#include "DocumentRuntime/Authoring/SlideGeometry.hpp"
 #include "DocumentRuntime/Errors/DocumentError.hpp"
 #include "Text/Unicode.hpp"
 

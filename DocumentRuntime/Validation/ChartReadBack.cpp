@@ -15,6 +15,7 @@
 namespace zelvo {
 namespace {
 
+/// The input rules have the same limit. Kept separate on purpose: the document may have another origin.
 constexpr std::size_t maximumPoints = 30;
 constexpr std::string_view sheetName = "ChartData";
 
@@ -28,13 +29,14 @@ DocumentError unexpectedShape() {
   return DocumentError::validationFailed("chart data");
 }
 
-/// The only element of that name in a range of elements.
+/// The only element of a range.
 XMLNode only(const XMLElements& elements) {
-  if (elements.size() != 1) throw unexpectedShape();
-  return *elements.begin();
+  const auto element = elements.only();
+  if (!element) throw unexpectedShape();
+  return *element;
 }
 
-/// What a chart has cached, by the elements that hold it.
+/// The elements of a chart that hold cached values.
 struct ChartCaches {
   XMLNode series;
   XMLNode categories;
@@ -48,15 +50,15 @@ struct ChartCaches {
         .categories = only(only(series.all("cat")).descendants("strCache")),
         .values = only(only(series.all("val")).descendants("numCache")),
     };
-    // Besides these the series' name alone has a cache: others would be data that nobody compares.
+    // Only the name of the series may have another cache: its data would not be compared.
     if (chart.descendants("strCache").size() > 2 || chart.descendants("numCache").size() != 1)
       throw unexpectedShape();
     return caches;
   }
 };
 
-/// The texts of a cache's points. A point without a value has none; of several values the first counts. Stops
-/// at one point too many, which is refused whatever the others hold.
+/// The texts of a cache's points. Skips points without a value; of several values the first counts. Stops at
+/// the first point above the limit, because the chart is then refused.
 std::vector<std::string_view> pointTexts(XMLNode cache, const XMLContents& contents) {
   std::vector<std::string_view> texts;
   for (const XMLNode point : cache.all("pt")) {
@@ -98,8 +100,8 @@ void checkWorkbookParts(const ByteBuffer& workbook, const std::stop_token& stop)
   }
 }
 
-/// The first two columns of the embedded sheet, titles included. Cells anywhere else would be data that
-/// nobody compares.
+/// The first two columns of the embedded sheet, titles included. Refuses other cells: their data would not be
+/// compared.
 SourceTable readWorkbook(const ByteBuffer& workbook, std::size_t count, const std::stop_token& stop) {
   const WorkbookReader reader(ByteBuffer::copyOf(workbook.view()), "chart-data.xlsx", stop);
   const CellRange range{.first = {.column = 1, .row = 1},
@@ -161,7 +163,7 @@ void validateChartPackage(const GeneratedPackage& package, const SourceTable* ex
   }
 
   if (expectedTable == nullptr) return;
-  DocumentEngine::validateChart(expectedChart, *expectedTable);
+  DocumentInputRules::checkChart(expectedChart, *expectedTable);
   const auto category = static_cast<std::size_t>(expectedChart.categoryColumn);
   const auto value = static_cast<std::size_t>(expectedChart.valueColumn);
   // The columns' titles are compared with the table that the document shows.

@@ -9,11 +9,14 @@
 #include "DocumentRuntime/Cells/DocumentNumberFormat.hpp"
 #include "DocumentRuntime/Cells/NumberText.hpp"
 #include "DocumentRuntime/Errors/DocumentError.hpp"
+#include "Text/ASCII.hpp"
 #include "Text/Unicode.hpp"
 
 namespace zelvo {
 namespace {
 
+// The reader of workbooks has some of the same limits. They are kept separate on purpose: a table may come
+// from a request, and is checked as untrusted input.
 constexpr std::size_t maximumTitleCharacters = 160;
 constexpr std::size_t maximumColumns = 8;
 constexpr std::size_t maximumRows = 200;
@@ -33,8 +36,7 @@ constexpr std::size_t maximumCategoryCharacters = 60;
 constexpr std::size_t digestDigits = 64;
 
 bool isDigest(std::string_view text) {
-  return text.size() == digestDigits &&
-         std::ranges::all_of(text, [](char c) { return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f'); });
+  return text.size() == digestDigits && text.find_first_not_of(ASCII::hexDigits) == std::string_view::npos;
 }
 
 bool isWithinBounds(const SourceTable& table, std::string_view title) {
@@ -47,7 +49,7 @@ bool isWithinBounds(const SourceTable& table, std::string_view title) {
   for (const auto& row : table.rows) {
     if (row.size() != table.columns.size()) return false;
   }
-  // The source is named, never located: a path would tell readers of the document where the user keeps it.
+  // A name without a path: a path would disclose the user's folders to readers of the document.
   if (Unicode::exceeds(table.sourceName, maximumSourceNameCharacters) ||
       table.sourceName.find_first_of("/\\") != std::string::npos) {
     return false;
@@ -89,7 +91,7 @@ bool isChartableRow(const std::vector<SourceCell>& row, std::size_t category, st
 
 }  // namespace
 
-void DocumentEngine::validateInput(const SourceTable& table, std::string_view title) {
+void DocumentInputRules::checkTable(const SourceTable& table, std::string_view title) {
   if (!isWithinBounds(table, title)) throw DocumentError::invalidSelection("table, title, or source bounds");
 
   const CellRange range = CellRange::parse(table.selectedRange);
@@ -103,14 +105,14 @@ void DocumentEngine::validateInput(const SourceTable& table, std::string_view ti
       if (isNumber(cell) && !isPublishableNumber(cell)) {
         throw DocumentError::invalidSelection("numeric value or unsupported format");
       }
-      // A value that was not read back from the workbook's stored result must never be published.
+      // Only the workbook's stored result of a formula may be published.
       if (cell.formula && !cell.usesCachedFormulaValue)
         throw DocumentError::formulaValueUnavailable(cell.address);
     }
   }
 }
 
-void DocumentEngine::validateChart(const ChartSelection& selection, const SourceTable& table) {
+void DocumentInputRules::checkChart(const ChartSelection& selection, const SourceTable& table) {
   const auto isColumn = [&](std::int64_t index) {
     return index >= 0 && std::cmp_less(index, table.columns.size());
   };

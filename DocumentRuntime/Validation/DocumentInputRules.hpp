@@ -4,18 +4,18 @@
 
 #include "DocumentRuntime/Records/DocumentModels.hpp"
 
-/// What a table, a title and a chart must be before anything is written. Lengths are user-perceived
+/// The rules for a table, a title and a chart before a document is written. Lengths are in user-perceived
 /// characters.
-namespace zelvo::DocumentEngine {
+namespace zelvo::DocumentInputRules {
 
 /// Throws `DocumentError`, in this order: invalidSelection "table, title, or source bounds"; the errors of
 /// the selected range; then for each cell, row by row, the errors of its address, invalidSelection "cell
 /// lineage or bounds" or "numeric value or unsupported format", or formulaValueUnavailable with the address.
-void validateInput(const SourceTable& table, std::string_view title);
+void checkTable(const SourceTable& table, std::string_view title);
 
-/// Takes any table, ragged or empty ones too. Throws `DocumentError` invalidSelection: "chart needs two
+/// Takes any table, also a ragged or empty one. Throws `DocumentError` invalidSelection: "chart needs two
 /// different columns and at most 30 rows"; "chart categories and numeric values must be present; missing
 /// values are not zero"; "chart values have mixed formats or units".
-void validateChart(const ChartSelection& selection, const SourceTable& table);
+void checkChart(const ChartSelection& selection, const SourceTable& table);
 
-}  // namespace zelvo::DocumentEngine
+}  // namespace zelvo::DocumentInputRules

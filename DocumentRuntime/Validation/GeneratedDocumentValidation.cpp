@@ -3,12 +3,11 @@
 #include <string_view>
 
 #include "DocumentRuntime/Errors/DocumentError.hpp"
-#include "DocumentRuntime/PackageIO/OOXMLSupport.hpp"
+#include "DocumentRuntime/PackageIO/PackageGate.hpp"
+#include "DocumentRuntime/PackageIO/Relationships.hpp"
+#include "DocumentRuntime/Validation/DocumentReadBack.hpp"
 #include "DocumentRuntime/Validation/GeneratedDocumentProfile.hpp"
-#include "DocumentRuntime/Validation/GeneratedPackage.hpp"
-#include "DocumentRuntime/Validation/PresentationReadBack.hpp"
 #include "DocumentRuntime/Validation/TableReadBack.hpp"
-#include "DocumentRuntime/Validation/WordReadBack.hpp"
 
 namespace zelvo {
 namespace {
@@ -17,24 +16,22 @@ constexpr std::string_view packageRelationships = "_rels/.rels";
 constexpr std::string_view officeDocumentType =
     "http://schemas.openxmlformats.org/officeDocument/2006/relationships/officeDocument";
 
-/// The package must lead to its main part, and to nothing else.
+/// The only relationship of the package must be the one to its main part.
 void checkMainRelationship(const GeneratedPackage& package, std::string_view mainPart) {
   const auto relationships = package.parsed(packageRelationships);
-  const XMLElements children = relationships.root().children();
-  const bool leadsToMainPart = children.size() == 1 && [&] {
-    const XMLNode relationship = *children.begin();
-    return relationship.attribute("Type") == officeDocumentType &&
-           OOXML::resolve(relationship.attribute("Target").value_or(""), packageRelationships) == mainPart;
-  }();
-  if (!leadsToMainPart) throw DocumentError::validationFailed("main document relationship");
+  const auto relationship = relationships.root().children().only();
+  if (!relationship || relationship->attribute("Type") != officeDocumentType ||
+      OOXML::resolve(relationship->attribute("Target").value_or(""), packageRelationships) != mainPart) {
+    throw DocumentError::validationFailed("main document relationship");
+  }
 }
 
 }  // namespace
 
-DocumentValidation DocumentEngine::validate(ByteView data, DocumentFormat format,
-                                            const SourceTable* expectedTable,
-                                            const ChartSelection* expectedChart,
-                                            const std::stop_token& stop) {
+DocumentValidation validateGeneratedDocument(ByteView data, DocumentFormat format,
+                                             const SourceTable* expectedTable,
+                                             const ChartSelection* expectedChart,
+                                             const std::stop_token& stop) {
   const bool isPresentation = format == DocumentFormat::pptx;
   const GeneratedPackage package(data, {.chartWorkbook = isPresentation}, stop);
 

@@ -4,13 +4,14 @@
 
 #include "DocumentRuntime/Records/DocumentModels.hpp"
 
-namespace zelvo::DocumentEngine {
+namespace zelvo {
 
-/// Proves that a package is a document as this system writes it and, with a table, that it shows exactly that
-/// table's values. `data` is only looked at. Nothing is rendered. Throws `DocumentError` (the rules of
-/// package, profile, structure, chart and table, in this order) or `Cancelled`; a chart is expected of
-/// presentations only.
-DocumentValidation validate(ByteView data, DocumentFormat format, const SourceTable* expectedTable,
-                            const ChartSelection* expectedChart, const std::stop_token& stop = {});
+/// Verifies that a package is a document as this system writes it and, with a table, that it shows exactly
+/// the values of that table. Nothing is rendered. Throws `DocumentError` (the rules of package, profile,
+/// structure, chart and table, in this order) or `Cancelled`. `expectedChart` applies to presentations only.
+DocumentValidation validateGeneratedDocument(ByteView data, DocumentFormat format,
+                                             const SourceTable* expectedTable,
+                                             const ChartSelection* expectedChart,
+                                             const std::stop_token& stop = {});
 
-}  // namespace zelvo::DocumentEngine
+}  // namespace zelvo

@@ -9,6 +9,7 @@
 namespace zelvo {
 namespace {
 
+// The input rules have the same limits. Kept separate on purpose: the document may have another origin.
 constexpr std::size_t maximumRows = 201;  ///< the header included
 constexpr std::size_t maximumColumns = 8;
 
@@ -48,11 +49,11 @@ bool isText(XMLNode cell, const XMLContents& contents, std::string_view expected
   return expected.empty();
 }
 
-/// Compares stretches of two buffers and remembers the last ones that were equal: cells that nest their texts
-/// alike repeat stretches of these, for every level, and each byte is then compared only once.
-class StretchComparison {
+/// Compares ranges of two buffers and remembers the last equal ones. Cells with the same nesting of texts
+/// repeat parts of these ranges at every level; each byte is then compared only once.
+class RangeComparison {
  public:
-  /// Both as long; all first ones from one buffer, all second ones from another.
+  /// The texts have equal lengths. All first ones are in one buffer, all second ones in another.
   bool areEqual(std::string_view a, std::string_view b) {
     if (isKnown(a, b)) return true;
     if (a != b) return false;
@@ -79,7 +80,7 @@ class StretchComparison {
 };
 
 bool showSameText(XMLNode a, const XMLContents& aContents, XMLNode b, const XMLContents& bContents,
-                  StretchComparison& comparison) {
+                  RangeComparison& comparison) {
   CellText aText(a, aContents);
   CellText bText(b, bContents);
   while (true) {
@@ -100,18 +101,18 @@ XMLElements cellsOf(const TableRow& row) {
 bool showSameTexts(const TableRow& a, const TableRow& b) {
   const XMLElements aCells = cellsOf(a);
   const XMLElements bCells = cellsOf(b);
-  StretchComparison comparison;
+  RangeComparison comparison;
   return std::equal(aCells.begin(), aCells.end(), bCells.begin(), bCells.end(), [&](XMLNode x, XMLNode y) {
     return showSameText(x, a.contents, y, b.contents, comparison);
   });
 }
 
 TableReadBack::TableReadBack(const SourceTable* expected) : expected_(expected) {
-  // What is wrong with the expected table is said after what is wrong with the document's dimensions, but
-  // only a table that passes can be compared with.
+  // An error of the expected table is thrown after one of the document's dimensions, but only a valid table
+  // can be compared.
   if (expected != nullptr) {
     try {
-      DocumentEngine::validateInput(*expected, "Validation");
+      DocumentInputRules::checkTable(*expected, "Validation");
     } catch (const DocumentError& error) {
       refusal_ = error;
     }

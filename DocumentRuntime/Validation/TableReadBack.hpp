@@ -21,7 +21,7 @@ struct TableRow {
 bool showSameTexts(const TableRow& a, const TableRow& b);
 
 /// Checks the table of a document row by row, the header first, as its parts are read. Keeps counts and a
-/// verdict, and no row: what the document repeats is compared where it stands.
+/// result, and no rows.
 class TableReadBack {
  public:
   /// `expected` may be null, and must outlive this.

@@ -12,13 +12,12 @@
 namespace zelvo {
 namespace {
 
-/// The formula's text, where the cell has a formula whose stored result may be taken.
+/// The text of the cell's formula. Returns nullopt if there is none.
 std::optional<std::string> formulaOf(XMLNode element, const CellReader::Options& options,
                                      const std::string& name) {
   const auto formula = element.child("f");
   if (!formula) return std::nullopt;
-  // A shared or array formula's text stands in another cell, so that this one's provenance would be
-  // incomplete.
+  // The text of a shared or array formula is in another cell: the provenance of this one would be incomplete.
   if (formula->attribute("t").value_or("normal") != "normal") {
     throw DocumentError::unsupported("shared or array formula at " + name);
   }
@@ -40,7 +39,7 @@ SourceCellValue isoDate(std::string_view raw) {
   return SourceCellValue::date(std::string(raw));
 }
 
-/// An inline string: its own texts, and those inside every other child, in order.
+/// The texts of an inline string: its direct ones, and those inside every other child, in order.
 std::string stringValue(XMLNode inlineString) {
   std::string text;
   std::string scratch;
@@ -120,7 +119,7 @@ SourceCellValue CellReader::numeric(std::string_view raw, std::optional<std::str
     if (DocumentNumberFormat::isDate(*format) || DocumentNumberFormat::isTime(*format)) {
       return SourceCellValue::date(SerialDate::excelDate(raw, name, *format, uses1904Dates_));
     }
-    // Showing the number in any other way than the workbook does would be making a value up.
+    // An unsupported number format is refused, not approximated.
     if (!DocumentNumberFormat::numeric(*format)) throw DocumentError::unsupported("number format at " + name);
   }
   return SourceCellValue::number(std::string(raw));

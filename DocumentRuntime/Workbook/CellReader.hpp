@@ -13,8 +13,8 @@
 
 namespace zelvo {
 
-/// Types the cells of one workbook from their saved XML, refusing what it cannot reproduce faithfully.
-/// Nothing is recalculated.
+/// Converts cells of one workbook to typed values. Refuses values that it cannot reproduce exactly. Nothing
+/// is recalculated.
 ///
 /// Keeps references: the strings and styles must outlive it.
 class CellReader {
@@ -22,19 +22,19 @@ class CellReader {
   static constexpr std::size_t maximumTextCharacters = 2'000;
 
   struct Options {
-    bool hidden = false;              ///< the cell stands in a hidden row
-    bool allowCache = false;          ///< take the stored results of formulas
-    bool acceptEmptyFormula = false;  ///< take an empty stored result too
+    bool hidden = false;              ///< the cell is in a hidden row
+    bool allowCache = false;          ///< accept the stored results of formulas
+    bool acceptEmptyFormula = false;  ///< accept an empty stored result too
   };
 
   CellReader(const SharedStrings& sharedStrings, const CellStyles& styles, bool uses1904Dates)
       : sharedStrings_(sharedStrings), styles_(styles), uses1904Dates_(uses1904Dates) {}
 
-  /// The cell at `address`; no element is a missing value. Throws `DocumentError`, in this order of checks:
-  /// unsupported "shared or array formula at A1"; formulaValueUnavailable "A1"; invalidArchive "cell style
-  /// index"; then for the cell's type invalidArchive "shared string index", "boolean value", "ISO date" or
-  /// "numeric cell", unsupported "number format at A1", "Excel date at A1", "time value spans multiple days
-  /// at A1" or "cell type t"; last resourceLimit "selected cell text".
+  /// The cell at `address`; without an element, a missing value. Throws `DocumentError`, in this order of
+  /// checks: unsupported "shared or array formula at A1"; formulaValueUnavailable "A1"; invalidArchive "cell
+  /// style index"; then for the cell's type invalidArchive "shared string index", "boolean value", "ISO date"
+  /// or "numeric cell", unsupported "number format at A1", "Excel date at A1", "time value spans multiple
+  /// days at A1" or "cell type t"; last resourceLimit "selected cell text".
   SourceCell cell(std::optional<XMLNode> element, const CellAddress& address, const Options& options) const;
 
  private:

@@ -23,9 +23,9 @@ class CellStyles {
   static CellStyles read(XMLNode root);
 
   std::size_t size() const { return codeOfStyle_.size(); }
-  /// The code of the style at an index below `size()`; none when the style names no format. An id that stands
-  /// for no known code gives "unsupported-format-" and the id, which is refused where a cell uses it. Valid
-  /// while this lives.
+  /// The code of the style at an index below `size()`. Returns nullopt if the style has no format. For an
+  /// unknown id returns "unsupported-format-" and the id, which is refused if a cell uses it. Valid while
+  /// this lives.
   std::optional<std::string_view> operator[](std::size_t index) const;
 
  private:

@@ -7,13 +7,12 @@
 
 namespace zelvo {
 
-/// What reading a part gave: a value, or the error to throw when the value is asked for. Parts are read as
-/// they pass, in the order of their names, but the first failure that a caller sees must be that of the first
-/// rule, so errors wait here for their turn.
+/// The result of reading a part: a value, or the error to throw when the value is requested. Parts are read
+/// in the order of their names, but the error that is thrown must be that of the first rule that fails.
 template <typename Value>
 class Deferred {
  public:
-  /// Runs `read` and keeps its value or its `DocumentError`; everything else passes through.
+  /// Runs `read` and keeps its value or its `DocumentError`. Other exceptions are not caught.
   template <typename Read>
   static Deferred of(const Read& read) {
     try {
@@ -23,12 +22,12 @@ class Deferred {
     }
   }
 
-  /// The value, or its error thrown.
+  /// Returns the value, or throws the error.
   const Value& get() const {
     if (const auto* error = std::get_if<DocumentError>(&outcome_)) throw *error;
     return *std::get_if<Value>(&outcome_);
   }
-  /// The same, handing the value over.
+  /// The same, and moves the value.
   Value take() {
     static_cast<void>(get());
     return std::move(*std::get_if<Value>(&outcome_));

@@ -10,8 +10,7 @@ SharedStrings SharedStrings::read(XMLNode root) {
   std::string scratch;
   for (const XMLNode item : root.all("si")) {
     const std::size_t start = strings.text_.size();
-    // A plain text, or rich-text runs with a text each; phonetic runs are a reading aid and no part of the
-    // value.
+    // A plain text, or rich-text runs with a text each. Phonetic runs are not part of the value.
     for (const XMLNode piece : item.children()) {
       if (piece.name() == "t") {
         strings.text_ += piece.content(scratch);

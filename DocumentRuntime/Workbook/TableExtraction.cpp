@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "DocumentRuntime/Errors/Cancelled.hpp"
 #include "DocumentRuntime/Errors/DocumentError.hpp"
@@ -19,7 +20,7 @@ std::int64_t heightOf(const CellRange& range) {
   return range.last.row - range.first.row + 1;
 }
 
-/// What a worksheet says about one range: its cells in a grid, and what lies across it.
+/// Collects the cells of one range in a grid, and the features of the worksheet that affect it.
 class RangeCollector final : public WorksheetVisitor {
  public:
   explicit RangeCollector(const CellRange& range)
@@ -63,9 +64,8 @@ class RangeCollector final : public WorksheetVisitor {
   std::vector<bool> hiddenRows_;
 };
 
-/// What the texts of one table may hold together, in bytes: the size of the largest response. Cells share
-/// strings and formats, so that a small workbook of one enormous character could otherwise grow a
-/// thousandfold.
+/// Limit of all texts of one table, in bytes: the size of the largest response. Cells share strings and
+/// formats, so without this limit a table could be a thousand times larger than its workbook.
 constexpr std::size_t maximumTableBytes = std::size_t{40} * 1024 * 1024;
 
 std::size_t textBytes(const SourceCell& cell) {

@@ -4,10 +4,11 @@
 #include <utility>
 
 #include "DocumentRuntime/PackageIO/BoundedZIP.hpp"
-#include "DocumentRuntime/PackageIO/OOXMLSupport.hpp"
+#include "DocumentRuntime/PackageIO/PackageGate.hpp"
+#include "DocumentRuntime/PackageIO/Relationships.hpp"
 #include "DocumentRuntime/Workbook/CellReader.hpp"
 #include "DocumentRuntime/Workbook/TableExtraction.hpp"
-#include "DocumentRuntime/Workbook/WorkbookParts.hpp"
+#include "DocumentRuntime/Workbook/WorkbookStructure.hpp"
 
 namespace zelvo {
 namespace {
@@ -19,7 +20,7 @@ std::string_view lastPathComponent(std::string_view path) {
 
 }  // namespace
 
-/// What the parts said as the gate let them pass, in the order of their names, not of the rules.
+/// The parts as the gate passes them: in the order of their names, not of the rules.
 struct WorkbookReader::PassedParts {
   std::optional<Deferred<WorkbookStructure>> structure;
   std::optional<Deferred<RelationshipTargets>> relationships;
@@ -123,9 +124,9 @@ SourceTable WorkbookReader::table(const TableSelection& selection,
   }
   const CellRange range = TableExtraction::selectedRange(selection);
   const WorksheetPart& part = partOf(*sheet);
-  static_cast<void>(part.facts.get());  // throws what is wrong with the sheet
-  std::optional<XMLTree> parsedAgain;
-  const XMLNode worksheet = worksheetTrees_.root(part.name, *parts_.find(part.name), parsedAgain);
+  static_cast<void>(part.facts.get());  // throws the error of the sheet
+  std::optional<XMLTree> fallback;
+  const XMLNode worksheet = worksheetTrees_.root(part.name, *parts_.find(part.name), fallback);
 
   SourceTable table =
       TableExtraction::read(worksheet, range, selection, CellReader(sharedStrings_, styles_, uses1904Dates_),
@@ -139,7 +140,7 @@ SourceTable WorkbookReader::table(const TableSelection& selection,
 
 const WorkbookReader::WorksheetPart& WorkbookReader::partOf(const Sheet& sheet) const {
   if (!parts_.contains(sheet.path)) throw DocumentError::invalidArchive("missing worksheet");
-  // Parts come by in the order of their names, so that the list is sorted.
+  // The gate passes parts in the order of their names, so the list is sorted.
   const auto found = std::ranges::lower_bound(worksheets_, sheet.path, {}, &WorksheetPart::name);
   if (found == worksheets_.end() || found->name != sheet.path)
     throw DocumentError::unsupported("worksheet type");

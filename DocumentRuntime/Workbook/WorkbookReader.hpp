@@ -15,15 +15,14 @@
 #include "DocumentRuntime/Workbook/Deferred.hpp"
 #include "DocumentRuntime/Workbook/SharedStrings.hpp"
 #include "DocumentRuntime/Workbook/WorkbookStructure.hpp"
-#include "DocumentRuntime/Workbook/WorksheetFacts.hpp"
+#include "DocumentRuntime/Workbook/WorksheetWalk.hpp"
 
 namespace zelvo {
 
-/// A vetted view of one XLSX workbook (Transitional SpreadsheetML). Made once for a document; owns all that
-/// it shows.
+/// A vetted XLSX workbook (Transitional SpreadsheetML). Owns its data.
 ///
-/// Every part is parsed once, while the package is vetted. What a sheet says is kept as facts, or as the
-/// error to throw when that sheet is asked for.
+/// Every part is parsed once, while the package is vetted. The facts of each sheet, or its error, are kept
+/// until that sheet is requested.
 class WorkbookReader {
  public:
   static constexpr std::size_t maximumSourceNameBytes = 512;
@@ -31,12 +30,12 @@ class WorkbookReader {
   /// Opens and vets the workbook; `data` is freed as soon as its entries are expanded. Throws
   /// `DocumentError`: resourceLimit "source name", "worksheet count" or "shared strings"; unsupported "XLSX
   /// workbook structure" or "only Transitional XLSX is supported"; invalidArchive "worksheet identity" or
-  /// "number format"; what the package gate throws; and `Cancelled`. Worksheets whose trees exceed
-  /// `keptTreeBytes` together are parsed again when a table of theirs is read.
+  /// "number format"; what the package gate throws; and `Cancelled`. A worksheet
+  /// whose tree does not fit in the cache of `keptTreeBytes` is parsed again when a table is read from it.
   WorkbookReader(ByteBuffer data, std::string_view sourceName, const std::stop_token& stop = {},
                  std::size_t keptTreeBytes = OOXML::KeptTrees::defaultBudgetBytes);
 
-  /// The same for bytes that the caller keeps.
+  /// The same for bytes that the caller owns.
   WorkbookReader(ByteView data, std::string_view sourceName, const std::stop_token& stop = {});
 
   /// The last path component of the name that the caller gave.
@@ -50,10 +49,10 @@ class WorkbookReader {
   /// worksheet", unsupported "worksheet type", or what walking a worksheet throws.
   WorkbookInspection inspection() const;
 
-  /// Cuts the selected range out of one visible sheet. A cell whose address is in `acceptedEmptyFormulaCells`
-  /// may hold a formula with an empty stored result. Throws invalidSelection "unknown or hidden worksheet",
-  /// then what `TableExtraction::selectedRange`, the sheet itself (as above) and `TableExtraction::read`
-  /// throw, and `Cancelled`.
+  /// Extracts the selected range from one visible sheet. A cell whose address is in
+  /// `acceptedEmptyFormulaCells` may hold a formula with an empty stored result. Throws invalidSelection
+  /// "unknown or hidden worksheet", then what `TableExtraction::selectedRange`, the sheet itself (as above)
+  /// and `TableExtraction::read` throw, and `Cancelled`.
   SourceTable table(const TableSelection& selection,
                     const std::set<CellAddress>& acceptedEmptyFormulaCells = {},
                     const std::stop_token& stop = {}) const;

@@ -6,8 +6,7 @@
 #include <utility>
 
 #include "DocumentRuntime/Errors/DocumentError.hpp"
-#include "DocumentRuntime/PackageIO/OOXMLSupport.hpp"
-#include "DocumentRuntime/Workbook/WorkbookParts.hpp"
+#include "DocumentRuntime/PackageIO/Relationships.hpp"
 #include "DocumentRuntime/Workbook/XMLInteger.hpp"
 #include "Text/Unicode.hpp"
 
@@ -17,8 +16,7 @@ namespace {
 constexpr std::string_view transitionalNamespace =
     "http://schemas.openxmlformats.org/spreadsheetml/2006/main";
 
-/// Resolves each target once. Any number of sheets may share a relationship, whose target may be as long as
-/// its part.
+/// Resolves each target once: any number of sheets may share a relationship with a very long target.
 class SheetPaths {
  public:
   const std::string& of(std::string_view target) {
@@ -28,7 +26,7 @@ class SheetPaths {
   }
 
  private:
-  std::map<const char*, std::string> paths_;  ///< by where the target is stored
+  std::map<const char*, std::string> paths_;  ///< by the address of the target
 };
 
 }  // namespace
@@ -48,23 +46,6 @@ WorkbookStructure WorkbookStructure::read(XMLTree& tree) {
           .tree = std::move(tree)};
 }
 
-RelationshipTargets RelationshipTargets::read(XMLNode root) {
-  RelationshipTargets targets;
-  for (const XMLNode relationship : root.all("Relationship")) {
-    const auto identifier = relationship.attribute("Id");
-    const auto target = relationship.attribute("Target");
-    if (identifier && target) targets.entries_.push_back({std::string(*identifier), std::string(*target)});
-  }
-  std::ranges::sort(targets.entries_, {}, &Entry::identifier);
-  return targets;
-}
-
-std::optional<std::string_view> RelationshipTargets::find(std::string_view identifier) const {
-  const auto found = std::ranges::lower_bound(entries_, identifier, {}, &Entry::identifier);
-  if (found == entries_.end() || found->identifier != identifier) return std::nullopt;
-  return found->target;
-}
-
 std::vector<Sheet> listSheets(const WorkbookStructure& structure, const RelationshipTargets& targets) {
   std::vector<Sheet> sheets;
   std::size_t count = 0;
@@ -80,7 +61,7 @@ std::vector<Sheet> listSheets(const WorkbookStructure& structure, const Relation
         !namesInUse.insert(Unicode::lowercased(*name)).second || !target) {
       throw DocumentError::invalidArchive("worksheet identity");
     }
-    // Sheets past the limit are still checked, because their refusal comes before that of their number.
+    // Sheets above the limit are still checked, because an invalid one has priority over too many.
     if (++count > maximumSheets) continue;
     const bool hidden = sheet.attribute("state").value_or("visible") != "visible";
     sheets.push_back({std::string(*name), hidden, paths.of(*target)});

@@ -5,11 +5,22 @@
 #include <string_view>
 #include <vector>
 
+#include "DocumentRuntime/PackageIO/Relationships.hpp"
 #include "DocumentRuntime/PackageIO/XMLTree.hpp"
 
 namespace zelvo {
 
-/// What the workbook part says, before it is put together with the workbook's relationships.
+/// The names of the parts that are not worksheets.
+namespace WorkbookParts {
+
+inline constexpr std::string_view workbook = "xl/workbook.xml";
+inline constexpr std::string_view relationships = "xl/_rels/workbook.xml.rels";
+inline constexpr std::string_view sharedStrings = "xl/sharedStrings.xml";
+inline constexpr std::string_view styles = "xl/styles.xml";
+
+}  // namespace WorkbookParts
+
+/// The contents of the workbook part, before the relationships are resolved.
 struct WorkbookStructure {
   bool uses1904Dates = false;
   std::string calculationMode;
@@ -18,23 +29,6 @@ struct WorkbookStructure {
   /// Moves the tree out of `tree`, unless it throws `DocumentError` unsupported "only Transitional XLSX is
   /// supported".
   static WorkbookStructure read(XMLTree& tree);
-};
-
-/// The targets of a relationships part by identifier.
-class RelationshipTargets {
- public:
-  /// Relationships without identifier or target are passed over. The gate has refused repeated identifiers.
-  static RelationshipTargets read(XMLNode root);
-
-  /// Valid while this lives.
-  std::optional<std::string_view> find(std::string_view identifier) const;
-
- private:
-  struct Entry {
-    std::string identifier;
-    std::string target;
-  };
-  std::vector<Entry> entries_;  ///< sorted by identifier
 };
 
 /// One sheet of a workbook, in workbook order.
@@ -47,7 +41,7 @@ struct Sheet {
 inline constexpr std::size_t maximumSheets = 64;
 inline constexpr std::size_t maximumSheetNameCharacters = 64;
 
-/// Puts names, visibility and parts together. The package gate must have resolved the targets. Throws
+/// Lists the sheets with their parts. The package gate must have checked the targets. Throws
 /// `DocumentError` invalidArchive "worksheet identity" or resourceLimit "worksheet count".
 std::vector<Sheet> listSheets(const WorkbookStructure& structure, const RelationshipTargets& targets);
 

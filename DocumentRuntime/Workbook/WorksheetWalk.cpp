@@ -9,11 +9,11 @@
 namespace zelvo {
 namespace {
 
-/// Finds repeated rows, and cells repeated within a row: since a cell must stand in the row that its address
-/// names and rows are unique, cells of different rows never collide.
+/// Finds repeated rows, and repeated cells within a row. Cells of different rows are never equal, because
+/// rows are unique and a cell's address must match its row.
 class IdentityCheck {
  public:
-  /// `row` must lie in the sheet's bounds, which bound the memory used here; so must `column` below.
+  /// `row`, and `column` below, must be within the limits of a sheet, which bound the memory used here.
   bool isNewRow(std::int64_t row) {
     ++rowOrdinal_;
     std::vector<bool>::reference seen = at(seenRows_, row);
@@ -30,7 +30,7 @@ class IdentityCheck {
   }
 
  private:
-  /// Most sheets are small: room grows with the highest index met.
+  /// Most sheets are small: the capacity grows with the highest index.
   template <typename Items>
   static typename Items::reference at(Items& items, std::int64_t index) {
     const auto position = static_cast<std::size_t>(index);
@@ -75,6 +75,35 @@ void walkColumns(XMLNode columns, WorksheetVisitor& visitor) {
   }
 }
 
+void include(std::optional<CellRange>& range, const CellAddress& address) {
+  if (!range) {
+    range = CellRange{address, address};
+    return;
+  }
+  range->first = {std::min(range->first.column, address.column), std::min(range->first.row, address.row)};
+  range->last = {std::max(range->last.column, address.column), std::max(range->last.row, address.row)};
+}
+
+class FactsCollector final : public WorksheetVisitor {
+ public:
+  WorksheetFacts facts;
+
+  void row(const WorksheetRow& row) override { facts.hasHiddenRowsOrColumns |= row.hidden; }
+
+  void cell(const CellAddress& address, XMLNode cell) override {
+    include(facts.populatedRange, address);
+    ++facts.populatedCellCount;
+    if (!cell.child("f")) return;
+    ++facts.formulaCellCount;
+    const auto value = cell.child("v");
+    if (!value || !value->hasContent()) ++facts.formulasMissingCache;
+  }
+
+  void hiddenColumns(const ColumnSpan& /*columns*/) override { facts.hasHiddenRowsOrColumns = true; }
+  void mergedArea(const CellRange& /*area*/) override {}
+  void autoFilter() override { facts.hasAutoFilter = true; }
+};
+
 }  // namespace
 
 void walkWorksheet(XMLNode worksheet, WorksheetVisitor& visitor) {
@@ -86,6 +115,12 @@ void walkWorksheet(XMLNode worksheet, WorksheetVisitor& visitor) {
     }
   }
   if (worksheet.child("autoFilter")) visitor.autoFilter();
+}
+
+WorksheetFacts WorksheetFacts::read(XMLNode worksheet) {
+  FactsCollector collector;
+  walkWorksheet(worksheet, collector);
+  return collector.facts;
 }
 
 }  // namespace zelvo

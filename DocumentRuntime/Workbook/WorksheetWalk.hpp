@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 
 #include "DocumentRuntime/Cells/CellAddress.hpp"
 #include "DocumentRuntime/PackageIO/XMLTree.hpp"
@@ -14,14 +15,14 @@ struct WorksheetRow {
   bool hidden;
 };
 
-/// Columns from `first` to `last`, both included, one-based as far as the file is sane.
+/// Columns from `first` to `last`, both included, one-based. Not validated.
 struct ColumnSpan {
   std::int64_t first;
   std::int64_t last;
 };
 
-/// Is told what a worksheet holds, in document order: rows with their cells, then hidden columns, merged
-/// areas, the filter.
+/// Visitor of a worksheet. Called for rows with their cells, then hidden columns, merged areas and the
+/// filter, each in document order.
 class WorksheetVisitor {
  public:
   WorksheetVisitor() = default;
@@ -36,9 +37,22 @@ class WorksheetVisitor {
   virtual void autoFilter() = 0;
 };
 
-/// Walks a whole worksheet part and checks its identities on the way. Throws `DocumentError`: invalidArchive
-/// "worksheet row identity", "cell without address" or "duplicate cell or mismatched row", resourceLimit
-/// "populated cell count", and the errors of addresses and ranges.
+/// Walks a whole worksheet part, and checks that rows and cells are unique. Throws `DocumentError`:
+/// invalidArchive "worksheet row identity", "cell without address" or "duplicate cell or mismatched row",
+/// resourceLimit "populated cell count", and the errors of addresses and ranges.
 void walkWorksheet(XMLNode worksheet, WorksheetVisitor& visitor);
+
+/// The results of inspecting one worksheet.
+struct WorksheetFacts {
+  std::optional<CellRange> populatedRange;  ///< the smallest rectangle around all cells
+  std::int64_t populatedCellCount = 0;
+  std::int64_t formulaCellCount = 0;
+  std::int64_t formulasMissingCache = 0;
+  bool hasHiddenRowsOrColumns = false;
+  bool hasAutoFilter = false;
+
+  /// Reads a whole worksheet part. Throws what walking it throws.
+  static WorksheetFacts read(XMLNode worksheet);
+};
 
 }  // namespace zelvo

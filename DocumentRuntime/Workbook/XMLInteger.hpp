@@ -7,8 +7,8 @@
 
 namespace zelvo {
 
-/// An integer as attributes hold it: ASCII digits with an optional "-", within 64 bits; none for anything
-/// else.
+/// Parses an integer of an attribute: ASCII digits with an optional "-", within 64 bits. Returns nullopt for
+/// any other text.
 inline std::optional<std::int64_t> xmlInteger(std::string_view text) {
   std::int64_t value = 0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
@@ -20,7 +20,7 @@ inline std::optional<std::int64_t> xmlInteger(std::optional<std::string_view> te
   return text ? xmlInteger(*text) : std::nullopt;
 }
 
-/// A flag as attributes hold it: set by exactly "1" and "true".
+/// Parses a flag of an attribute: true for exactly "1" and "true".
 inline bool xmlFlag(std::optional<std::string_view> text) {
   return text == "1" || text == "true";
 }

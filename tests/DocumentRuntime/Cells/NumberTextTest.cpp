@@ -8,7 +8,6 @@
 
 #include <gtest/gtest.h>
 
-#include "DocumentRuntime/Cells/DoubleText.hpp"
 #include "DocumentRuntime/Cells/NumberText.hpp"
 #include "Support/Cases.hpp"
 

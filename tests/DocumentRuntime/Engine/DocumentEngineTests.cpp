@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "DocumentRuntime/Engine/DocumentEngine.hpp"
-#include "DocumentRuntime/PackageIO/OOXMLSupport.hpp"
+#include "DocumentRuntime/PackageIO/PackageGate.hpp"
 #include "DocumentRuntime/Validation/GeneratedDocumentValidation.hpp"
 #include "Support/Cost.hpp"
 #include "Support/PackageBuilder.hpp"

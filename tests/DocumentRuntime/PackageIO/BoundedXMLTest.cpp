@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include "DocumentRuntime/PackageIO/BoundedXML.hpp"
-#include "DocumentRuntime/PackageIO/DeclarationScan.hpp"
 #include "DocumentRuntime/PackageIO/XMLContents.hpp"
 #include "Support/ReferenceXML.hpp"
 #include "Support/RefusalTable.hpp"

@@ -3,7 +3,8 @@
 
 #include <gtest/gtest.h>
 
-#include "DocumentRuntime/PackageIO/OOXMLSupport.hpp"
+#include "DocumentRuntime/PackageIO/PartWriting.hpp"
+#include "DocumentRuntime/PackageIO/Relationships.hpp"
 #include "Support/RefusalTable.hpp"
 
 namespace zelvo {

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "Datasets.hpp"
-#include "DocumentRuntime/Cells/DoubleText.hpp"
+#include "DocumentRuntime/Cells/NumberText.hpp"
 #include "DocumentRuntime/Research/ResearchFormulaEvaluator.hpp"
 #include "DocumentRuntime/Research/ResearchSpreadsheetCoding.hpp"
 #include "Support/RefusalTable.hpp"

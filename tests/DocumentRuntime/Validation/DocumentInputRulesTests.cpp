@@ -29,7 +29,7 @@ struct Input {
 using I = Input&;
 
 void check(const Input& input) {
-  DocumentEngine::validateInput(input.table, input.title);
+  DocumentInputRules::checkTable(input.table, input.title);
 }
 
 TEST(InputRules, RefuseInTheirOrder) {
@@ -137,7 +137,7 @@ struct ChartInput {
 };
 
 void checkChart(const ChartInput& input) {
-  DocumentEngine::validateChart(input.chart, input.table);
+  DocumentInputRules::checkChart(input.chart, input.table);
 }
 
 TEST(ChartRules, RefuseInTheirOrder) {

@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "DocumentRuntime/Errors/Cancelled.hpp"
-#include "DocumentRuntime/PackageIO/OOXMLSupport.hpp"
+#include "DocumentRuntime/PackageIO/PackageGate.hpp"
 #include "DocumentRuntime/Validation/EditedDocument.hpp"
 #include "DocumentRuntime/Validation/GeneratedDocumentValidation.hpp"
 #include "Support/Cancellation.hpp"
@@ -143,7 +143,7 @@ TEST(WordValidation, TakesTablesUpToTheirBounds) {
 TEST(WordValidation, IsCancelled) {
   const ByteBuffer word = testing::wordDocument().package.bytes();
   const auto stop = testing::stopped();
-  EXPECT_THROW(DocumentEngine::validate(word.view(), DocumentFormat::docx, nullptr, nullptr, stop),
+  EXPECT_THROW(validateGeneratedDocument(word.view(), DocumentFormat::docx, nullptr, nullptr, stop),
                Cancelled);
 }
 

@@ -45,8 +45,8 @@ struct EditedDocument {
   }
 
   DocumentValidation validate() const {
-    return DocumentEngine::validate(package.bytes().view(), format, table ? &*table : nullptr,
-                                    chart ? &*chart : nullptr);
+    return validateGeneratedDocument(package.bytes().view(), format, table ? &*table : nullptr,
+                                     chart ? &*chart : nullptr);
   }
 };
 

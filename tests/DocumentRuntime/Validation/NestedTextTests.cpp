@@ -58,8 +58,8 @@ TEST(NestedText, CountsForEveryLevelAndCostsOne) {
     const ByteBuffer bytes = edited->package.bytes();
     const auto cost = testing::costOf([&] {
       EXPECT_EQ(outcomeOf([&] {
-                  DocumentEngine::validate(bytes.view(), edited->format, nullptr,
-                                           edited->chart ? &*edited->chart : nullptr);
+                  validateGeneratedDocument(bytes.view(), edited->format, nullptr,
+                                            edited->chart ? &*edited->chart : nullptr);
                 }),
                 expected);
     });

@@ -138,7 +138,7 @@ TEST(PresentationValidation, TakesDocumentsWithoutAnExpectedTable) {
   // The most slides that a table takes: twenty.
   const SourceTable table = testing::tableOf(1, 200);
   const ByteBuffer deck = DocumentAuthor::pptx(table, "Title", {});
-  EXPECT_NO_THROW(DocumentEngine::validate(deck.view(), DocumentFormat::pptx, &table, nullptr));
+  EXPECT_NO_THROW(validateGeneratedDocument(deck.view(), DocumentFormat::pptx, &table, nullptr));
 }
 
 }  // namespace

@@ -4,12 +4,17 @@
 #include <string_view>
 
 #include "DocumentRuntime/Records/DocumentModels.hpp"
-#include "DocumentRuntime/Validation/GeneratedPackage.hpp"
+#include "DocumentRuntime/Validation/GeneratedDocumentProfile.hpp"
 #include "DocumentRuntime/Validation/TableReadBack.hpp"
 
 namespace zelvo {
 
+inline constexpr std::string_view wordPartName = "word/document.xml";
 inline constexpr std::string_view presentationPartName = "ppt/presentation.xml";
+
+/// Reads the one table of a Word document into `table`. Throws `DocumentError` validationFailed "unexpected
+/// Word package part" or "Word table".
+void readWord(const GeneratedPackage& package, TableReadBack& table);
 
 /// Reads the table that a presentation shows over its slides into `table`, with the header that every slide
 /// repeats counted once, and verifies the chart. Throws `DocumentError` validationFailed, in this order:

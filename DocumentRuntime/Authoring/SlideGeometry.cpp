@@ -1,8 +1,10 @@
-#include "DocumentRuntime/Authoring/TextEstimate.hpp"
+#include "DocumentRuntime/Authoring/SlideGeometry.hpp"
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
+#include "DocumentRuntime/Errors/DocumentError.hpp"
 #include "Text/Unicode.hpp"
 
 namespace zelvo {
@@ -10,8 +12,8 @@ namespace {
 
 constexpr double wideCharacter = 1.0;  ///< ems
 constexpr double otherCharacter = 0.65;
-/// Combining marks, and all scripts from here on, are taken for full-width: too high a row is better than a
-/// cut one.
+/// Combining marks, and all scripts from here on, are assumed to be full-width: a row that is too high is
+/// better than a cut one.
 constexpr char32_t firstWideScalar = U'\u0300';
 
 constexpr double cellFontSize = 14;                 ///< points
@@ -19,6 +21,10 @@ constexpr double lineHeight = 18.9;                 ///< points
 constexpr double cellPadding = 7.2;                 ///< points, above and below the text together
 constexpr std::int64_t cellMargins = 182'880;       ///< EMU, left and right together
 constexpr std::int64_t minimumRowHeight = 411'480;  ///< EMU
+
+/// EMU available to the rows of one slide, the header included: from below the title to above the footer.
+constexpr std::int64_t pageHeight = 4'650'000;
+constexpr std::size_t maximumPages = 20;
 
 bool isWide(char32_t scalar) {
   return scalar >= firstWideScalar || scalar == U'W' || scalar == U'M' || scalar == U'@' || scalar == U'%';
@@ -56,6 +62,33 @@ std::int64_t DocumentAuthor::rowHeight(const std::vector<std::string>& cells) {
   }
   const double height = (static_cast<double>(lines) * lineHeight + cellPadding) * emuPerPoint;
   return std::max(minimumRowHeight, static_cast<std::int64_t>(height));
+}
+
+std::vector<DocumentAuthor::TablePage> DocumentAuthor::tablePages(const SourceTable& table) {
+  const std::int64_t headerHeight = rowHeight(table.columns);
+  std::vector<TablePage> pages;
+  TablePage page{table.columns};
+  std::int64_t used = headerHeight;
+  for (const auto& row : table.rows) {
+    std::vector<std::string> texts;
+    texts.reserve(row.size());
+    for (const SourceCell& cell : row)
+      texts.push_back(cell.displayText());
+    const std::int64_t height = rowHeight(texts);
+    if (headerHeight + height > pageHeight) {
+      throw DocumentError::unsupported(
+          "presentation cells need too much vertical space; use Word or fewer columns");
+    }
+    if (used + height > pageHeight) {
+      pages.push_back(std::exchange(page, {table.columns}));
+      used = headerHeight;
+    }
+    page.push_back(std::move(texts));
+    used += height;
+  }
+  if (page.size() > 1) pages.push_back(std::move(page));
+  if (pages.size() > maximumPages) throw DocumentError::resourceLimit("presentation exceeds 20 table slides");
+  return pages;
 }
 
 }  // namespace zelvo

@@ -1,22 +1,22 @@
-#include "DocumentRuntime/PackageIO/TargetResolver.hpp"
+#include "DocumentRuntime/PackageIO/Relationships.hpp"
 
 #include <algorithm>
 
 #include "DocumentRuntime/Errors/DocumentError.hpp"
 #include "DocumentRuntime/PackageIO/BoundedZIP.hpp"
+#include "Text/ASCII.hpp"
 #include "Text/Unicode.hpp"
 
-namespace zelvo::OOXML {
+namespace zelvo {
 namespace {
 
 std::optional<unsigned> hexDigit(char character) {
-  if (character >= '0' && character <= '9') return static_cast<unsigned>(character - '0');
-  if (character >= 'A' && character <= 'F') return static_cast<unsigned>(character - 'A') + 10;
-  if (character >= 'a' && character <= 'f') return static_cast<unsigned>(character - 'a') + 10;
-  return std::nullopt;
+  const std::size_t value = ASCII::hexDigits.find(ASCII::lower(character));
+  if (value == std::string_view::npos) return std::nullopt;
+  return static_cast<unsigned>(value);
 }
 
-/// The text behind the percent escapes, or nothing when an escape is broken or the bytes are no UTF-8.
+/// Decodes percent escapes. Returns nullopt for an incomplete escape, and if the result is not valid UTF-8.
 std::optional<std::string> percentDecoded(std::string_view text) {
   std::string decoded;
   decoded.reserve(text.size());
@@ -36,12 +36,12 @@ std::optional<std::string> percentDecoded(std::string_view text) {
   return decoded;
 }
 
-/// Schemes, drives, streams, fragments, queries, and what separates folders elsewhere.
+/// Characters of schemes, drives, streams, fragments and queries, the separator of other systems, controls.
 bool isRefused(char byte) {
   return byte == ':' || byte == '\\' || byte == '#' || byte == '?' || static_cast<unsigned char>(byte) < 0x20;
 }
 
-/// Takes the first non-empty piece between slashes off `path`; the result is empty when there is none.
+/// Removes the first non-empty piece between slashes from `path` and returns it. Empty if there is none.
 std::string_view takePiece(std::string_view& path) {
   path.remove_prefix(std::min(path.find_first_not_of('/'), path.size()));
   const std::string_view piece = path.substr(0, path.find('/'));
@@ -49,7 +49,7 @@ std::string_view takePiece(std::string_view& path) {
   return piece;
 }
 
-void appendPiece(std::string& path, std::string_view piece) {
+void appendFolder(std::string& path, std::string_view piece) {
   if (piece.empty()) return;
   if (!path.empty()) path += '/';
   path += piece;
@@ -63,7 +63,7 @@ void removeLastPiece(std::string& path) {
 std::optional<std::string> baseDirectory(std::string_view relationshipPart) {
   std::string path;
   while (!relationshipPart.empty())
-    appendPiece(path, takePiece(relationshipPart));
+    appendFolder(path, takePiece(relationshipPart));
   removeLastPiece(path);
   if (path != "_rels" && !path.ends_with("/_rels")) return std::nullopt;
   removeLastPiece(path);
@@ -72,10 +72,11 @@ std::optional<std::string> baseDirectory(std::string_view relationshipPart) {
 
 }  // namespace
 
-TargetResolver::TargetResolver(std::string_view relationshipPart) : base_(baseDirectory(relationshipPart)) {}
+OOXML::TargetResolver::TargetResolver(std::string_view relationshipPart)
+    : base_(baseDirectory(relationshipPart)) {}
 
-std::string TargetResolver::resolve(std::string_view target) const {
-  // Decoded before anything is looked at: %2F and %2E climb like the characters that they stand for.
+std::string OOXML::TargetResolver::resolve(std::string_view target) const {
+  // Decoded before any check: %2F and %2E have the effect of "/" and ".".
   const std::optional<std::string> decoded = percentDecoded(target);
   if (!decoded || std::any_of(decoded->begin(), decoded->end(), isRefused)) {
     throw DocumentError::unsafeContent("relationship URI");
@@ -91,11 +92,32 @@ std::string TargetResolver::resolve(std::string_view target) const {
       if (path.empty()) throw DocumentError::unsafeContent("relationship traversal");
       removeLastPiece(path);
     } else if (piece != ".") {
-      appendPiece(path, piece);
+      appendFolder(path, piece);
     }
   }
   if (!BoundedZIP::safeName(path)) throw DocumentError::unsafeContent("relationship path");
   return path;
 }
 
-}  // namespace zelvo::OOXML
+std::string OOXML::resolve(std::string_view target, std::string_view relationshipPart) {
+  return TargetResolver(relationshipPart).resolve(target);
+}
+
+RelationshipTargets RelationshipTargets::read(XMLNode root) {
+  RelationshipTargets targets;
+  for (const XMLNode relationship : root.all("Relationship")) {
+    const auto identifier = relationship.attribute("Id");
+    const auto target = relationship.attribute("Target");
+    if (identifier && target) targets.entries_.push_back({std::string(*identifier), std::string(*target)});
+  }
+  std::ranges::sort(targets.entries_, {}, &Entry::identifier);
+  return targets;
+}
+
+std::optional<std::string_view> RelationshipTargets::find(std::string_view identifier) const {
+  const auto found = std::ranges::lower_bound(entries_, identifier, {}, &Entry::identifier);
+  if (found == entries_.end() || found->identifier != identifier) return std::nullopt;
+  return found->target;
+}
+
+}  // namespace zelvo

@@ -1,4 +1,4 @@
-#include "DocumentRuntime/Validation/PresentationReadBack.hpp"
+#include "DocumentRuntime/Validation/DocumentReadBack.hpp"
 
 #include <algorithm>
 #include <array>
@@ -9,12 +9,17 @@
 
 #include "DocumentRuntime/Errors/Cancelled.hpp"
 #include "DocumentRuntime/Errors/DocumentError.hpp"
-#include "DocumentRuntime/PackageIO/OOXMLSupport.hpp"
+#include "DocumentRuntime/PackageIO/Relationships.hpp"
 #include "DocumentRuntime/Validation/ChartReadBack.hpp"
-#include "DocumentRuntime/Workbook/WorkbookStructure.hpp"
+#include "Text/ASCII.hpp"
 
 namespace zelvo {
 namespace {
+
+constexpr std::string_view wordNamespace = "http://schemas.openxmlformats.org/wordprocessingml/2006/main";
+
+/// Sorted.
+constexpr std::array<std::string_view, 3> wordParts = {"[Content_Types].xml", "_rels/.rels", wordPartName};
 
 constexpr std::string_view presentationNamespace =
     "http://schemas.openxmlformats.org/presentationml/2006/main";
@@ -38,19 +43,15 @@ constexpr std::array<std::string_view, 12> presentationParts = {
 };
 static_assert(std::ranges::is_sorted(presentationParts));
 
-bool dropPrefix(std::string_view& text, std::string_view prefix) {
-  if (!text.starts_with(prefix)) return false;
-  text.remove_prefix(prefix.size());
-  return true;
-}
-
-/// ppt/slides/slideN.xml, and its relationships in the folder's _rels, N having no leading zero. Either
-/// ending goes with either folder.
+/// ppt/slides/slideN.xml and the relationships in ppt/slides/_rels, where N has no leading zero. Both folders
+/// accept both extensions.
 bool isSlidePart(std::string_view name) {
-  if (!dropPrefix(name, "ppt/slides/")) return false;
-  dropPrefix(name, "_rels/");
-  if (!dropPrefix(name, "slide") || name.empty() || name.front() < '1' || name.front() > '9') return false;
-  name.remove_prefix(std::min(name.find_first_not_of("0123456789"), name.size()));
+  if (!ASCII::takePrefix(name, "ppt/slides/")) return false;
+  ASCII::takePrefix(name, "_rels/");
+  if (!ASCII::takePrefix(name, "slide") || name.empty() || name.front() < '1' || name.front() > '9')
+    return false;
+  while (!name.empty() && ASCII::isDigit(name.front()))
+    name.remove_prefix(1);
   return name == ".xml" || name == ".xml.rels";
 }
 
@@ -62,7 +63,7 @@ void checkParts(const PartMap& parts) {
   }
 }
 
-/// The part that an entry of the slide list leads to.
+/// The part that an entry of the slide list refers to.
 std::string slidePart(XMLNode entry, const RelationshipTargets& targets) {
   const auto identifier = entry.attribute("r:id");
   const auto target = identifier ? targets.find(*identifier) : std::nullopt;
@@ -70,7 +71,7 @@ std::string slidePart(XMLNode entry, const RelationshipTargets& targets) {
   return OOXML::resolve(*target, presentationRelationships);
 }
 
-/// A slide's tables, whose rows follow each other. Owns what its rows refer to.
+/// The tables of a slide, read as one. Owns the texts that its rows refer to.
 class Slide {
  public:
   Slide(const GeneratedPackage& package, std::string_view name)
@@ -79,7 +80,7 @@ class Slide {
   XMLNode root() const { return part_.root(); }
   XMLElements tables() const { return root().descendants("tbl"); }
 
-  /// The first row of all; none where there is none.
+  /// The first row of all tables. Returns nullopt if there is none.
   std::optional<TableRow> header() const {
     for (const XMLNode table : tables()) {
       if (const auto row = table.child("tr")) return TableRow{*row, contents_};
@@ -102,7 +103,7 @@ class Slide {
   XMLContents contents_;
 };
 
-/// Joins the tables of the slides, in slide order, into one, whose header each of them repeats.
+/// Joins the tables of the slides, in slide order. Each slide repeats the header.
 void readSlides(const GeneratedPackage& package, TableReadBack& table, const std::stop_token& stop) {
   const auto presentation = package.parsed(presentationPartName);
   const XMLNode root = presentation.root();
@@ -123,7 +124,7 @@ void readSlides(const GeneratedPackage& package, TableReadBack& table, const std
     if (!seen.insert(name).second) throw DocumentError::validationFailed("duplicate slide");
     Slide slide(package, name);
     if (slide.root().name() != "sld") throw DocumentError::validationFailed("slide root");
-    // A chart's slide has no table to join.
+    // The slide with the chart has no table.
     if (slide.tables().empty() && hasChartPart && !slide.root().descendants("chart").empty()) continue;
     const auto header = slide.header();
     if (!header || (first && !showSameTexts(*first->header(), *header))) {
@@ -135,6 +136,22 @@ void readSlides(const GeneratedPackage& package, TableReadBack& table, const std
 }
 
 }  // namespace
+
+void readWord(const GeneratedPackage& package, TableReadBack& table) {
+  if (!std::ranges::equal(package.parts(), wordParts, {}, &Part::name)) {
+    throw DocumentError::validationFailed("unexpected Word package part");
+  }
+  const auto document = package.parsed(wordPartName);
+  const XMLNode root = document.root();
+  const auto body = root.child("body");
+  const auto wordTable = body ? body->descendants("tbl").only() : std::nullopt;
+  if (root.name() != "document" || root.attribute("xmlns:w") != wordNamespace || !wordTable) {
+    throw DocumentError::validationFailed("Word table");
+  }
+  const XMLContents contents(root);
+  for (const XMLNode row : wordTable->all("tr"))
+    table.add({row, contents});
+}
 
 void readPresentation(const GeneratedPackage& package, TableReadBack& table, const SourceTable* expectedTable,
                       const ChartSelection* expectedChart, const std::stop_token& stop) {
