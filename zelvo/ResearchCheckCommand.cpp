@@ -3,8 +3,8 @@
 #include <string>
 #include <variant>
 
-#include "DocumentRuntime/Research/ResearchFormulaEvaluator.hpp"
-#include "DocumentRuntime/Research/ResearchSpreadsheetCoding.hpp"
+#include "DocumentRuntime/Research/Dataset/FormulaEvaluator.hpp"
+#include "DocumentRuntime/Research/Dataset/SpreadsheetCoding.hpp"
 #include "zelvo/ConfinedWork.hpp"
 #include "zelvo/Console.hpp"
 #include "zelvo/ResearchInput.hpp"

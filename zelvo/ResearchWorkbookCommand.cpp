@@ -4,7 +4,7 @@
 #include <variant>
 
 #include "DocumentRuntime/Errors/DocumentError.hpp"
-#include "DocumentRuntime/Research/ResearchWorkbook.hpp"
+#include "DocumentRuntime/Research/Workbook/DatasetWorkbook.hpp"
 #include "Text/Unicode.hpp"
 #include "zelvo/DocumentOutput.hpp"
 #include "zelvo/ResearchInput.hpp"

@@ -2,8 +2,8 @@
 
 #include "Datasets.hpp"
 #include "DocumentRuntime/Cells/DoubleText.hpp"
-#include "DocumentRuntime/Research/ResearchFormulaEvaluator.hpp"
-#include "DocumentRuntime/Research/ResearchSpreadsheetCoding.hpp"
+#include "DocumentRuntime/Research/Dataset/FormulaEvaluator.hpp"
+#include "DocumentRuntime/Research/Dataset/SpreadsheetCoding.hpp"
 #include "Support/RefusalTable.hpp"
 
 namespace zelvo {

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "Datasets.hpp"
-#include "DocumentRuntime/Research/ResearchFormulaEvaluator.hpp"
+#include "DocumentRuntime/Research/Dataset/FormulaEvaluator.hpp"
 
 namespace zelvo {
 namespace {

@@ -4,8 +4,8 @@
 #include <gtest/gtest.h>
 
 #include "Datasets.hpp"
-#include "DocumentRuntime/Research/FormulaUnits.hpp"
-#include "DocumentRuntime/Research/ResearchFormulaEvaluator.hpp"
+#include "DocumentRuntime/Research/Dataset/FormulaEvaluator.hpp"
+#include "DocumentRuntime/Research/Dataset/FormulaUnits.hpp"
 #include "Support/RefusalTable.hpp"
 
 namespace zelvo {

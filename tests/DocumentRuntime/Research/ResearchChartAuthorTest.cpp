@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "Datasets.hpp"
-#include "DocumentRuntime/Research/ResearchChartAuthor.hpp"
+#include "DocumentRuntime/Research/Charts/ChartAuthor.hpp"
 
 namespace zelvo {
 namespace {

@@ -6,8 +6,8 @@
 #include <gtest/gtest.h>
 
 #include "Datasets.hpp"
-#include "DocumentRuntime/Research/HostDatasets.hpp"
-#include "DocumentRuntime/Research/ResearchSpreadsheetCoding.hpp"
+#include "DocumentRuntime/Research/Dataset/SpreadsheetCoding.hpp"
+#include "DocumentRuntime/Research/PresentationModel/HostDatasets.hpp"
 #include "Support/RefusalTable.hpp"
 
 namespace zelvo {

@@ -10,9 +10,10 @@
 #include "Datasets.hpp"
 #include "DocumentRuntime/Errors/DocumentError.hpp"
 #include "DocumentRuntime/PackageIO/BoundedZIP.hpp"
-#include "DocumentRuntime/Research/DeliveryVerification.hpp"
-#include "DocumentRuntime/Research/ResearchPresentation.hpp"
-#include "DocumentRuntime/Research/SlideText.hpp"
+#include "DocumentRuntime/Research/PresentationModel/Presentation.hpp"
+#include "DocumentRuntime/Research/PresentationReadBack/ReadBack.hpp"
+#include "DocumentRuntime/Research/Slides/Renderer.hpp"
+#include "DocumentRuntime/Research/Slides/Text.hpp"
 #include "Support/ExpectedPackage.hpp"
 #include "Support/RefusalTable.hpp"
 
@@ -56,7 +57,7 @@ ResearchPresentation deck() {
 }
 
 TEST(ResearchPresentationRenderer, IsExactlyTheExpectedBytes) {
-  EXPECT_EQ(testing::differences(ResearchPresentation::make(deck(), 4, scope()), expected / "deck"), "");
+  EXPECT_EQ(testing::differences(renderPresentation(deck(), 4, scope()), expected / "deck"), "");
 }
 
 std::size_t countOf(std::string_view text, std::string_view piece) {
@@ -70,7 +71,7 @@ TEST(ResearchPresentationRenderer, GivesASourceOneLine) {
   ResearchPresentation repeating = deck();
   repeating.slides[0].sourceIDs = {{"a", "b", "a"}};
   repeating.slides[1].sources = {"https://h/2", "https://h/1", "https://h/2"};
-  const auto parts = BoundedZIP::read(ResearchPresentation::make(repeating, 4, {}).view());
+  const auto parts = BoundedZIP::read(renderPresentation(repeating, 4, {}).view());
   for (const char* name : {"ppt/slides/slide1.xml", "ppt/slides/slide2.xml"})
     EXPECT_EQ(countOf(parts.find(name)->text(), "name=\"Source "), 2U) << name;
   const std::string_view second = parts.find("ppt/slides/slide2.xml")->text();
@@ -91,9 +92,8 @@ TEST(ResearchPresentationRenderer, StopsWhereTheArchiveIsFull) {
     std::map<std::string, std::string> publicSources;
     for (const auto& row : crowded.dataset->rows)
       publicSources.emplace("p" + std::to_string(publicSources.size()), row.sources.at(0));
-    return testing::outcomeOf([&] {
-      ResearchPresentation::make(crowded, 4, ResearchSourceScope({"local-1"}, publicSources, {record}));
-    });
+    return testing::outcomeOf(
+        [&] { renderPresentation(crowded, 4, ResearchSourceScope({"local-1"}, publicSources, {record})); });
   };
   EXPECT_EQ(outcome(1000), "unsupported: slide text needs too much space");
   EXPECT_EQ(outcome(std::size_t{2} << 20), "resourceLimit: output archive");
@@ -166,8 +166,8 @@ TEST(DeliveryVerification, NamesWhatDidNotSurvive) {
       {"data", R"(<c r="B2"><v>0.1</v></c>)", R"(<c r="B2"><v>0.1</v></c><c r="C2"><v>7</v></c>)", chart},
       {"data", R"(<row r="3">)", R"(<row r="3"><c r="B3"><v>0</v></c>)", chart},
   };
-  const ByteBuffer written = ResearchPresentation::make(deck(), 4, scope());
-  EXPECT_NO_THROW(verifyDelivery(written.view(), deck(), scope()));
+  const ByteBuffer written = renderPresentation(deck(), 4, scope());
+  EXPECT_NO_THROW(readBackResearchPresentation(written.view(), deck(), scope()));
   for (const auto& [name, from, to, message] : breaks) {
     PartMap parts = BoundedZIP::read(written.view());
     const char* embedded = "ppt/embeddings/chart-data1.xlsx";
@@ -181,7 +181,7 @@ TEST(DeliveryVerification, NamesWhatDidNotSurvive) {
     target.set(part, ByteBuffer::copyOf(xml.replace(position, from.size(), to)));
     if (inside) parts.set(embedded, BoundedZIP::write(workbook));
     try {
-      verifyDelivery(BoundedZIP::write(parts).view(), deck(), scope());
+      readBackResearchPresentation(BoundedZIP::write(parts).view(), deck(), scope());
       ADD_FAILURE() << "delivered: " << to;
     } catch (const DocumentError& error) {
       EXPECT_EQ(error, DocumentError::validationFailed(message)) << to;

@@ -5,8 +5,8 @@
 #include <gtest/gtest.h>
 
 #include "Datasets.hpp"
-#include "DocumentRuntime/Research/PresentationRendererVersion.hpp"
-#include "DocumentRuntime/Research/ResearchPresentationCoding.hpp"
+#include "DocumentRuntime/Research/PresentationModel/Coding.hpp"
+#include "DocumentRuntime/Research/PresentationModel/RendererVersion.hpp"
 #include "Support/RefusalTable.hpp"
 
 namespace zelvo {

@@ -7,7 +7,7 @@
 #include <gtest/gtest.h>
 
 #include "DocumentRuntime/PackageIO/BoundedZIP.hpp"
-#include "DocumentRuntime/Research/ResearchWorkbook.hpp"
+#include "DocumentRuntime/Research/Workbook/DatasetWorkbook.hpp"
 #include "DocumentRuntime/Workbook/WorkbookReader.hpp"
 #include "Support/Cases.hpp"
 #include "Support/ExpectedPackage.hpp"

@@ -8,7 +8,7 @@
 #include "Datasets.hpp"
 #include "DocumentRuntime/Coding/DecodingError.hpp"
 #include "DocumentRuntime/Errors/DocumentError.hpp"
-#include "DocumentRuntime/Research/ResearchSourceScopeCoding.hpp"
+#include "DocumentRuntime/Research/Provenance/SourceScopeCoding.hpp"
 #include "Support/RefusalTable.hpp"
 #include "Support/Texts.hpp"
 

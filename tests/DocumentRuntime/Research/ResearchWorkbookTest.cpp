@@ -11,8 +11,8 @@
 #include "Datasets.hpp"
 #include "DocumentRuntime/Errors/DocumentError.hpp"
 #include "DocumentRuntime/PackageIO/BoundedZIP.hpp"
-#include "DocumentRuntime/Research/ResearchWorkbook.hpp"
-#include "DocumentRuntime/Research/ResearchWorkbookReadBack.hpp"
+#include "DocumentRuntime/Research/Workbook/DatasetWorkbook.hpp"
+#include "DocumentRuntime/Research/WorkbookReadBack/ReadBack.hpp"
 #include "Support/ExpectedPackage.hpp"
 #include "Support/RefusalTable.hpp"
 

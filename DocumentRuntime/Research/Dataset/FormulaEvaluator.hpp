@@ -1,0 +1,20 @@
+#pragma once
+
+#include <cstddef>
+#include <vector>
+
+#include "DocumentRuntime/Research/Dataset/Spreadsheet.hpp"
+
+/// Computes a dataset's calculations from its frozen cells.
+namespace zelvo::ResearchFormulaEvaluator {
+
+inline constexpr std::size_t maximumCalculations = 1000;
+/// Nodes evaluated for one dataset, all calculations together.
+inline constexpr std::size_t maximumNodes = 50'000;
+
+/// The calculations' values and formula texts, in the order of the list, whatever their order of dependency.
+/// Throws `DocumentError` for the first rule that is broken; budgets bound the work for any dataset, also one
+/// that was never validated.
+std::vector<ResolvedCalculation> resolve(const ResearchSpreadsheet& spreadsheet);
+
+}  // namespace zelvo::ResearchFormulaEvaluator
