@@ -21,7 +21,7 @@
 
 #include "DocumentRuntime/PackageIO/BoundedZIP.hpp"
 #include "DocumentRuntime/Research/Charts/ChartAuthor.hpp"
-#include "DocumentRuntime/Research/Workbook/Author.hpp"
+#include "DocumentRuntime/Research/Workbook/DatasetWorkbook.hpp"
 #include "benchmarks/LargestDataset.hpp"
 
 namespace {

@@ -33,7 +33,7 @@ std::string checked(ResearchInput& input, bool requiresChart) {
   result.dataset =
       ResearchSpreadsheet::decode(input.text, requiresChart, input.allowedSources, input.takeSourceScope());
   result.calculations = ResearchFormulaEvaluator::resolve(result.dataset);
-  result.cells = result.dataset.cellsWith(result.calculations);
+  result.cells = ResearchFormulaEvaluator::cellsWith(result.dataset, result.calculations);
   JsonWriter writer;
   encode(writer, result);
   return writer.take() + "\n";

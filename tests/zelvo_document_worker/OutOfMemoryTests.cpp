@@ -20,6 +20,7 @@
 #include "DocumentRuntime/Research/Provenance/SourceScopeCoding.hpp"
 #include "DocumentRuntime/Research/Slides/Renderer.hpp"
 #include "DocumentRuntime/Research/Workbook/DatasetWorkbook.hpp"
+#include "DocumentRuntime/Research/Workbook/ReportWorkbook.hpp"
 #include "FakeProcess.hpp"
 #include "Support/HeapUse.hpp"
 #include "Support/PackageBuilder.hpp"

@@ -84,7 +84,7 @@ void appendCategoryAxis(std::string& xml, const ResearchChartAuthor::Looks& look
   xml += R"(<c:crossAx val="200"/><c:crosses val="autoZero"/></c:catAx>)";
 }
 
-/// Pins the end of the axis that lies at zero; nothing where values stand on both sides of it, or nowhere.
+/// Pins the end of the axis that is at zero; empty if there are values on both sides of zero, or no values.
 std::string_view baseline(const Cells& cells, const std::vector<std::int64_t>& columns) {
   bool any = false;
   bool negative = false;

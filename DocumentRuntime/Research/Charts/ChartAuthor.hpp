@@ -11,19 +11,19 @@
 /// The native chart of a dataset, over a sheet named "Data" whose first row holds the headings.
 namespace zelvo::ResearchChartAuthor {
 
-/// What a chart says of its looks. Without a word of it, office programs turn crowded labels, draw them
-/// across bars below zero, and bend lines.
+/// The appearance of a chart. By default office programs rotate crowded labels, draw them across bars below
+/// zero, and smooth lines.
 struct Looks {
-  bool labelsBelow = false;    ///< category labels stand below all bars, not along the axis
+  bool labelsBelow = false;    ///< category labels are below all bars, not along the axis
   bool straightLines = false;  ///< lines run straight from point to point
-  int labelSize = 0;  ///< points of category labels that are wrapped, not turned; 0 for no word of it
+  int labelSize = 0;           ///< of wrapped category labels, in points; 0 = unset
 };
 
 /// The chart part, without the XML declaration. The dataset and the chart must have passed validation:
 /// `cells` are the resolved ones, one a column.
 ///
-/// `embedded` says that the sheet is in a workbook of its own, related to the part as "rId1". `columnMap`
-/// leads from the dataset's columns to the sheet's, where they differ, both zero-based. `zeroBaseline` pins
+/// `embedded`: the sheet is in a workbook of its own, related to the part as "rId1". `columnMap`
+/// maps the dataset's columns to the sheet's, where they differ, both zero-based. `zeroBaseline` pins
 /// the value axis of a bar chart at zero where all values lie on one side of it.
 std::string xml(const ResearchSpreadsheet& content,
                 const std::vector<std::vector<ResearchSpreadsheet::Cell>>& cells,

@@ -44,7 +44,7 @@ bool hasValidColumns(const Chart& chart, const std::vector<Column>& columns) {
   });
 }
 
-/// Rows without any value are no observations, whatever their category says.
+/// Rows without any value are no observations, whatever their category is.
 bool hasUniqueCategories(const Chart& chart, const std::vector<CellRow>& cells) {
   std::vector<std::string> labels;
   for (const CellRow& row : cells) {

@@ -4,7 +4,7 @@
 
 #include "DocumentRuntime/Research/Dataset/Spreadsheet.hpp"
 
-/// What makes a chart honest: comparable series, identified categories, observed values.
+/// The rules of charts: comparable series, identified categories, observed values.
 namespace zelvo::ResearchChartRules {
 
 /// Throws `DocumentError` validationFailed for the first rule that the chart breaks over the resolved cells,

@@ -35,7 +35,7 @@ struct Formula {
   std::optional<std::int64_t> endColumn;  ///< of a `range`, included
   std::optional<std::vector<Formula>> arguments;
 
-  /// None where there are no arguments.
+  /// Empty if there are no arguments.
   const std::vector<Formula>& argumentList() const {
     static const std::vector<Formula> none;
     return arguments ? *arguments : none;
@@ -53,7 +53,7 @@ struct Calculation {
   bool operator==(const Calculation&) const = default;
 };
 
-/// What a calculation came to.
+/// The result of a calculation.
 struct ResolvedCalculation {
   std::int64_t row = 0;
   std::int64_t column = 0;
@@ -63,7 +63,7 @@ struct ResolvedCalculation {
   bool operator==(const ResolvedCalculation&) const = default;
 };
 
-/// Where a dataset's cell stands on its sheet, whose first row holds the headings.
+/// The address of a dataset's cell on its sheet, whose first row holds the headings.
 constexpr CellAddress sheetAddress(std::int64_t row, std::int64_t column) {
   return {.column = column + 1, .row = row + 2};
 }

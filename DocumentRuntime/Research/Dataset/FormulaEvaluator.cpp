@@ -11,8 +11,7 @@
 #include "DocumentRuntime/Cells/DoubleText.hpp"
 #include "DocumentRuntime/Errors/DocumentError.hpp"
 #include "DocumentRuntime/Research/Dataset/FormulaOperations.hpp"
-#include "DocumentRuntime/Research/Dataset/FormulaShape.hpp"
-#include "DocumentRuntime/Research/Dataset/FormulaUnits.hpp"
+#include "DocumentRuntime/Research/Dataset/FormulaRules.hpp"
 
 namespace zelvo {
 namespace {
@@ -29,7 +28,7 @@ constexpr std::size_t maximumDepth = 32;
 /// whole table.
 constexpr std::size_t maximumCellReads = 200'000;
 /// Bytes of one node's text, which an arithmetic operation repeats twice: it doubles with every level. Also
-/// what a spreadsheet takes as one formula.
+/// the most that spreadsheets accept as one formula.
 constexpr std::size_t maximumTextBytes = 8192;
 
 bool isAdditive(Operation operation) {
@@ -120,7 +119,7 @@ class Resolution {
                         .arguments = {}});
   }
 
-  /// Takes the innermost node one step further: it ends, or another one comes on top of it.
+  /// Advances the innermost node by one step: it ends, or another node is pushed.
   void advance() {
     Node& node = waiting_.back();
     const Formula& formula = *node.formula;
@@ -179,7 +178,7 @@ class Resolution {
     return result;
   }
 
-  /// Hands the innermost node's result to whoever waits for it.
+  /// Passes the innermost node's result to the node that waits for it.
   void end(EvaluatedFormula result) {
     const std::size_t calculation = waiting_.back().calculation;
     const bool isRoot = waiting_.back().depth == 1;
@@ -220,7 +219,7 @@ class Resolution {
     return *cell.number();
   }
 
-  /// Whether the coordinates lead to a cell of a numeric column, in a row that has all its cells.
+  /// Whether the coordinates are those of a cell of a numeric column, in a row that has all its cells.
   bool isNumeric(Coordinates at) const {
     const auto rows = static_cast<std::int64_t>(spreadsheet_.rows.size());
     const auto columns = static_cast<std::int64_t>(spreadsheet_.columns.size());
@@ -253,8 +252,17 @@ std::vector<ResolvedCalculation> ResearchFormulaEvaluator::resolve(const Researc
   return Resolution(spreadsheet).run();
 }
 
-std::vector<std::vector<ResearchSpreadsheet::Cell>> ResearchSpreadsheet::resolvedCells() const {
-  return cellsWith(ResearchFormulaEvaluator::resolve(*this));
+std::vector<std::vector<Cell>> ResearchFormulaEvaluator::cellsWith(
+    const ResearchSpreadsheet& spreadsheet, const std::vector<ResolvedCalculation>& resolved) {
+  std::vector<std::vector<Cell>> cells;
+  cells.reserve(spreadsheet.rows.size());
+  for (const ResearchSpreadsheet::Row& row : spreadsheet.rows)
+    cells.push_back(row.cells);
+  for (const ResolvedCalculation& calculation : resolved) {
+    cells[static_cast<std::size_t>(calculation.row)][static_cast<std::size_t>(calculation.column)] =
+        calculation.value ? Cell(*calculation.value) : Cell();
+  }
+  return cells;
 }
 
 }  // namespace zelvo

@@ -17,4 +17,9 @@ inline constexpr std::size_t maximumNodes = 50'000;
 /// that was never validated.
 std::vector<ResolvedCalculation> resolve(const ResearchSpreadsheet& spreadsheet);
 
+/// The rows' cells with the values of the dataset's resolved calculations in their output cells; blank where
+/// there is no value.
+std::vector<std::vector<ResearchSpreadsheet::Cell>> cellsWith(
+    const ResearchSpreadsheet& spreadsheet, const std::vector<ResolvedCalculation>& resolved);
+
 }  // namespace zelvo::ResearchFormulaEvaluator

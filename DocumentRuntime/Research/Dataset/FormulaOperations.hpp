@@ -8,7 +8,8 @@
 
 namespace zelvo {
 
-/// What a node of a formula came to: its values, where a missing one is a blank input, and its text.
+/// The result of evaluating a formula node: its values, of which a missing one is a blank input, and its
+/// text.
 struct EvaluatedFormula {
   std::vector<std::optional<double>> values;
   std::string text;

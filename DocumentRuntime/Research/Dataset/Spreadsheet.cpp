@@ -4,8 +4,30 @@
 
 #include "DocumentRuntime/Cells/DoubleText.hpp"
 #include "DocumentRuntime/Cells/SerialDate.hpp"
+#include "DocumentRuntime/Errors/DocumentError.hpp"
+#include "DocumentRuntime/Research/Dataset/FormulaEvaluator.hpp"
+#include "DocumentRuntime/Research/Dataset/SpreadsheetCoding.hpp"
+#include "Text/Unicode.hpp"
 
 namespace zelvo {
+namespace {
+
+/// Bytes of JSON: a small multiple of the text of a few pages.
+constexpr std::size_t maximumResponseBytes = 240'000;
+
+constexpr std::string_view fence = "```";
+
+/// Without its code fence, whose first line may name a language. The line feed is in neither mark, so the two
+/// marks do not overlap.
+std::string_view withoutFence(std::string_view text) {
+  const std::size_t lineFeed = text.find('\n');
+  if (!text.starts_with(fence) || lineFeed == std::string_view::npos || !text.ends_with(fence)) return text;
+  text.remove_prefix(lineFeed + 1);
+  text.remove_suffix(fence.size());
+  return text;
+}
+
+}  // namespace
 
 std::string ResearchSpreadsheet::Column::headerLabel() const {
   return unit ? name + " (" + *unit + ")" : name;
@@ -29,17 +51,23 @@ std::string ResearchSpreadsheet::Row::provenanceText() const {
   return text;
 }
 
-std::vector<std::vector<ResearchSpreadsheet::Cell>> ResearchSpreadsheet::cellsWith(
-    const std::vector<ResolvedCalculation>& resolved) const {
-  std::vector<std::vector<Cell>> cells;
-  cells.reserve(rows.size());
-  for (const Row& row : rows)
-    cells.push_back(row.cells);
-  for (const ResolvedCalculation& calculation : resolved) {
-    cells[static_cast<std::size_t>(calculation.row)][static_cast<std::size_t>(calculation.column)] =
-        calculation.value ? Cell(*calculation.value) : Cell();
-  }
-  return cells;
+ResearchSpreadsheet ResearchSpreadsheet::decode(std::string_view text, bool requiresChart,
+                                                const AllowedSources& allowedSources,
+                                                const std::optional<ResearchSourceScope>& sourceScope) {
+  if (!Unicode::isValid(text)) throw DecodingError("The text is not UTF-8.");
+  const std::string_view json = withoutFence(Unicode::trimmed(text));
+  if (json.size() > maximumResponseBytes) throw DocumentError::resourceLimit("spreadsheet response");
+  auto spreadsheet = fromJson<ResearchSpreadsheet>(std::string(json));
+  spreadsheet.validate(requiresChart, allowedSources, sourceScope);
+  return spreadsheet;
+}
+
+std::vector<std::vector<ResearchSpreadsheet::Cell>> ResearchSpreadsheet::resolvedCells() const {
+  return ResearchFormulaEvaluator::cellsWith(*this, ResearchFormulaEvaluator::resolve(*this));
+}
+
+std::string ResearchSpreadsheet::encoded() const {
+  return toJson(*this);
 }
 
 bool ResearchSpreadsheet::validDate(std::string_view text) {

@@ -13,18 +13,15 @@
 
 namespace zelvo {
 
-/// The URLs that a host lets rows cite: none given is no rule, an empty list allows no URL at all.
-using AllowedSources = std::optional<std::vector<std::string>>;
-
-/// A bounded research dataset, as a language model hands it back: a report, a typed table whose rows carry
+/// A bounded research dataset, as a language model returns it: a report, a typed table whose rows carry
 /// their sources, charts, and calculations that fill blank cells. Nothing in it is trusted before `validate`.
 ///
-/// Texts are valid UTF-8, as the JSON reader sees to.
+/// Texts are valid UTF-8; the JSON reader checks that.
 struct ResearchSpreadsheet {
-  /// Magnitudes from here on are refused: below, a double still tells eighths apart.
+  /// Numbers of this magnitude and above are refused: below it a double still distinguishes eighths.
   static constexpr double numberBound = 1e15;
 
-  // What a workbook shows at a glance, and a bound on the work of everything that walks a dataset.
+  // They keep a workbook readable and bound the work of every function over a dataset.
   static constexpr std::size_t maximumColumns = 12;
   static constexpr std::size_t maximumRows = 500;
   static constexpr std::size_t maximumCharts = 4;
@@ -57,7 +54,7 @@ struct ResearchSpreadsheet {
     /// Null unless this is a number.
     const double* number() const { return std::get_if<double>(&value_); }
 
-    /// The text as it stands, the number's `DoubleText::shortest`, or the empty text.
+    /// The text itself, the number's `DoubleText::shortest`, or the empty text.
     std::string displayText() const;
 
     bool operator==(const Cell&) const = default;
@@ -103,7 +100,7 @@ struct ResearchSpreadsheet {
                                     const std::optional<ResearchSourceScope>& sourceScope);
 
   /// Throws `DocumentError` for the first rule that the dataset breaks. With a scope, sources are checked
-  /// against that, and `allowedSources` is not looked at.
+  /// against the scope only, not against `allowedSources`.
   void validate(bool requiresChart, const AllowedSources& allowedSources,
                 const std::optional<ResearchSourceScope>& sourceScope) const;
 
@@ -111,16 +108,13 @@ struct ResearchSpreadsheet {
   /// value. Throws what `ResearchFormulaEvaluator::resolve` throws.
   std::vector<std::vector<Cell>> resolvedCells() const;
 
-  /// The same, for who has what `ResearchFormulaEvaluator::resolve` gives of this dataset already.
-  std::vector<std::vector<Cell>> cellsWith(const std::vector<ResolvedCalculation>& resolved) const;
-
   /// The canonical JSON: compact, keys sorted, absent fields left out. Equal datasets give equal bytes.
   std::string encoded() const;
 
   /// Whether the text is a calendar date written exactly YYYY-MM-DD.
   static bool validDate(std::string_view text);
 
-  /// None where there are no calculations.
+  /// Empty if there are no calculations.
   const std::vector<Calculation>& calculationList() const;
 
   bool operator==(const ResearchSpreadsheet&) const = default;

@@ -38,7 +38,7 @@ void decode(JsonValue value, ResearchSpreadsheet::Chart::Kind& kind) {
   kind = decodeName<ResearchSpreadsheet::Chart::Kind>(value, chartKindNames);
 }
 
-// The fields stand in the order of their sorted keys, for the canonical encoding.
+// The fields are in the order of their sorted keys, for the canonical encoding.
 
 template <ConstOrNot<Formula> Record>
 void eachField(Record& formula, const auto& field) {
@@ -89,7 +89,7 @@ void eachField(Record& spreadsheet, const auto& field) {
   field("rows", spreadsheet.rows);
 }
 
-// A resolved calculation is only ever printed; its keys stand as a person reads them.
+// A resolved calculation is only printed; its keys are in a human-readable order.
 template <ConstOrNot<ResolvedCalculation> Record>
 void eachField(Record& calculation, const auto& field) {
   field("row", calculation.row);
@@ -166,10 +166,6 @@ void decode(JsonValue value, ResearchSpreadsheet::Chart& chart) {
 }
 void decode(JsonValue value, ResearchSpreadsheet& spreadsheet) {
   decodeFields(value, spreadsheet);
-}
-
-std::string ResearchSpreadsheet::encoded() const {
-  return toJson(*this);
 }
 
 }  // namespace zelvo

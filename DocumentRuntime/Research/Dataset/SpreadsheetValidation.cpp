@@ -1,4 +1,4 @@
-// The rules of a dataset, in the order in which they are checked; those of charts stand apart.
+// The rules of a dataset, in the order in which they are checked. Those of charts are in ChartRules.cpp.
 
 #include <algorithm>
 #include <cmath>

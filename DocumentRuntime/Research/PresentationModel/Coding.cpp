@@ -4,7 +4,7 @@
 
 namespace zelvo {
 
-// The fields stand in the order of their sorted keys, for the canonical encoding.
+// The fields are in the order of their sorted keys, for the canonical encoding.
 
 template <ConstOrNot<ResearchPresentation::ChartReference> Record>
 void eachField(Record& reference, const auto& field) {
@@ -61,10 +61,6 @@ void decode(JsonValue value, ResearchPresentation::Dataset& dataset) {
 }
 void decode(JsonValue value, ResearchPresentation& presentation) {
   decodeFields(value, presentation);
-}
-
-std::string ResearchPresentation::encoded() const {
-  return toJson(*this);
 }
 
 }  // namespace zelvo

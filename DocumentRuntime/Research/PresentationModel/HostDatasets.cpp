@@ -23,7 +23,7 @@ void checkColumns(JsonValue columns) {
   }
 }
 
-/// Gives the columns that the charts take their labels from.
+/// Returns the category columns of the charts.
 std::set<std::int64_t> checkCharts(JsonValue charts) {
   std::set<std::int64_t> labelColumns;
   for (const JsonValue chart : HostFileLimits::array(charts, ResearchSpreadsheet::maximumCharts)) {

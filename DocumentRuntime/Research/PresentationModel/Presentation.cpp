@@ -41,6 +41,10 @@ ResearchPresentation ResearchPresentation::decode(std::string_view text, const A
   return deck;
 }
 
+std::string ResearchPresentation::encoded() const {
+  return toJson(*this);
+}
+
 std::optional<ResearchPresentation::ChartReference> ResearchPresentation::Slide::namedChart() const {
   if (chartReference) return chartReference;
   if (chartIndex) return ChartReference{.datasetID = {}, .chartIndex = *chartIndex};

@@ -29,7 +29,7 @@ struct ResearchChartReference {
 /// (`datasets`, slides name dataset and chart by `chartReference`). Those are the host's: it attaches them,
 /// and a model may repeat them but never add or change one.
 ///
-/// Texts are valid UTF-8, as the JSON reader sees to.
+/// Texts are valid UTF-8; the JSON reader checks that.
 struct ResearchPresentation {
   /// Of a collection.
   static constexpr std::size_t maximumDatasets = 4;
@@ -44,7 +44,7 @@ struct ResearchPresentation {
     std::optional<std::int64_t> chartIndex;             ///< into the shared dataset's charts
     std::optional<ChartReference> chartReference;       ///< into the collection
 
-    /// The chart that the slide names, in whichever form; none for a slide of points.
+    /// The chart that the slide names, in either form; nullopt for a slide of points.
     std::optional<ChartReference> namedChart() const;
 
     bool operator==(const Slide&) const = default;
@@ -82,7 +82,7 @@ struct ResearchPresentation {
   std::optional<std::vector<Dataset>> datasets;
 
   /// Decodes and validates a deck, with the host's shared dataset attached where there is one; without, a
-  /// dataset that the text brings along is validated like any other. Throws `DocumentError` resourceLimit
+  /// dataset in the text is validated like any other. Throws `DocumentError` resourceLimit
   /// "presentation content", `DecodingError`, and what `attachingDataset` and `validate` throw.
   static ResearchPresentation decode(std::string_view text, const AllowedSources& allowedSources,
                                      std::optional<ResearchSpreadsheet> dataset,
@@ -112,14 +112,14 @@ struct ResearchPresentation {
   /// The datasets that the slides' chart references name.
   std::set<std::string> referencedChartDatasetIDs() const;
 
-  /// The dataset of the chart that a slide names; null when it names none, or one that is not there.
+  /// The dataset of the chart that a slide names; null if it names no chart, or one that does not exist.
   const ResearchSpreadsheet* chartDataset(const Slide& slide) const;
 
   /// One binding a chart slide, in the order of the slides. Throws `DocumentError` validationFailed for a
-  /// chart that is not there, and what `resolvedCells` throws; neither happens to a valid deck.
+  /// chart that does not exist, and what `resolvedCells` throws; neither happens with a valid deck.
   std::vector<ResolvedChartBinding> resolvedChartBindings() const;
 
-  /// The provenance records that a slide's references stand for; none without a scope.
+  /// The provenance records of a slide's references; empty without a scope.
   static std::vector<ResearchSourceScope::Record> sourceRecords(
       const Slide& slide, const std::optional<ResearchSourceScope>& scope);
 

@@ -4,8 +4,8 @@
 
 #include "DocumentRuntime/Research/PresentationModel/Presentation.hpp"
 
-/// What the versions of the presentation renderer can draw. A host names the version that it was built for,
-/// so that a deck keeps its looks when a newer renderer comes.
+/// The abilities of the versions of the presentation renderer. A host names the version that it was built
+/// for, so that a newer renderer does not change the appearance of its decks.
 namespace zelvo::PresentationRendererVersion {
 
 inline constexpr std::int64_t oldest = 1;

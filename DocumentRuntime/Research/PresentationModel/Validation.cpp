@@ -22,7 +22,7 @@ using Row = ResearchSpreadsheet::Row;
 using Scope = ResearchSourceScope;
 using Slide = ResearchPresentation::Slide;
 
-// What a slide shows at a glance. Lengths are in characters.
+// Limits of a readable slide. Lengths are in characters.
 constexpr std::size_t maximumTitleLength = 80;
 constexpr std::size_t maximumReportLength = 30'000;
 constexpr std::size_t minimumSlides = 3;
@@ -93,8 +93,8 @@ void checkSingleBinding(const Slide& slide) {
   require(!slide.chartIndex || !slide.chartReference, "Use one explicit chart binding per slide.");
 }
 
-/// A host that lists URLs speaks of no identifiers, so none can be trusted; one that gives neither list nor
-/// scope states no rule.
+/// A list of URLs names no identifiers, so no identifier can be trusted; without list and scope there is no
+/// rule.
 void checkEvidence(const Slide& slide, const AllowedSources& allowedSources,
                    const std::optional<Scope>& scope) {
   if (scope) {

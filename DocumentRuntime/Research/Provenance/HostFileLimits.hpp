@@ -4,8 +4,8 @@
 
 #include "DocumentRuntime/Coding/JsonValue.hpp"
 
-/// Limits on the files that a host gives beside a model's result. A model's result has a limit in bytes; a
-/// host's file has none, and a few of its bytes would otherwise become many, decoded or drawn on every slide.
+/// Limits on the files that a host supplies with a model's result. A model's result has a limit in bytes; a
+/// host's file has none, and a few of its bytes may become many when decoded or drawn on every slide.
 namespace zelvo::HostFileLimits {
 
 /// Bytes of a text that slides repeat: 2,000 characters, the most that a cell may hold, of four bytes each.

@@ -1,15 +1,42 @@
 #include "DocumentRuntime/Research/Provenance/SourceScope.hpp"
 
 #include <algorithm>
+#include <array>
 #include <numeric>
 #include <utility>
 
+#include "DocumentRuntime/Cells/SerialDate.hpp"
 #include "DocumentRuntime/Errors/DocumentError.hpp"
 #include "DocumentRuntime/Research/Provenance/SourceReferences.hpp"
 #include "Text/Unicode.hpp"
 
 namespace zelvo {
 namespace {
+
+using Record = ResearchSourceScope::Record;
+
+struct KindTexts {
+  std::string_view rawValue;
+  std::string_view label;
+};
+
+constexpr std::array<KindTexts, 4> kindTexts = {{
+    {"localSnapshot", "Local visible excerpt"},
+    {"publicSearch", "Public search snippet"},
+    {"publicPage", "Public page excerpt"},
+    {"publicURL", "Public source URL"},
+}};
+
+const KindTexts& textsOf(Record::Kind kind) {
+  return kindTexts[static_cast<std::size_t>(kind)];
+}
+
+std::string urlPart(const Record& record) {
+  if (!record.provenanceURL) return "No URL";
+  // A local excerpt is no permission to fetch its page.
+  const bool isLocal = record.kind == Record::Kind::localSnapshot;
+  return (isLocal ? "Provenance only: " : "") + *record.provenanceURL;
+}
 
 bool hasRepeats(std::vector<std::string> texts) {
   std::sort(texts.begin(), texts.end());
@@ -69,7 +96,7 @@ ResearchSourceScope::ResearchSourceScope(std::vector<std::string> localSnapshotI
   std::ranges::stable_sort(recordByURL_, {}, urlIn(records_));
 }
 
-/// Many identifiers may lead to one URL. Each is composed once: comparing two by `Unicode::sortsBefore` would
+/// Many identifiers may have one URL. Each is composed once: comparing two by `Unicode::sortsBefore` would
 /// compose a long one again for every other.
 void ResearchSourceScope::indexPublicSources() {
   const auto positions = sortedPositions(publicSources_.size(), textIn(publicSources_, &PublicSource::url));
@@ -154,6 +181,36 @@ std::optional<ResearchSourceScope::Record> ResearchSourceScope::recordOf(const s
                   .provenanceURL = source->url};
   }
   return std::nullopt;
+}
+
+std::string_view rawValue(Record::Kind kind) {
+  return textsOf(kind).rawValue;
+}
+
+std::optional<Record::Kind> evidenceKind(std::string_view rawValue) {
+  for (std::size_t i = 0; i < kindTexts.size(); ++i) {
+    if (kindTexts[i].rawValue == rawValue) return static_cast<Record::Kind>(i);
+  }
+  return std::nullopt;
+}
+
+std::string_view Record::kindLabel() const {
+  return textsOf(kind).label;
+}
+
+std::string Record::observedUTC() const {
+  return observedAt ? SerialDate::isoDateTimeText(*observedAt) : "Not recorded";
+}
+
+std::string Record::metadata() const {
+  constexpr std::string_view separator = " | ";
+  std::string text = id;
+  text.append(separator).append(rawValue(kind));
+  text.append(separator).append(label);
+  text.append(separator).append(observedUTC());
+  text.append(separator).append(coverage);
+  text.append(separator).append(urlPart(*this));
+  return text;
 }
 
 }  // namespace zelvo

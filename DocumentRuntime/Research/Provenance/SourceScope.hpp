@@ -10,7 +10,10 @@
 
 namespace zelvo {
 
-/// Which evidence a research result may cite: the host's own statement, never the model's. Local snapshots
+/// The URLs that a host lets a result cite: nullopt is no rule, an empty list allows no URL at all.
+using AllowedSources = std::optional<std::vector<std::string>>;
+
+/// The evidence that a research result may cite, as stated by the host, never by the model. Local snapshots
 /// are cited by identifier alone; public sources by identifier or URL.
 class ResearchSourceScope {
  public:
@@ -25,7 +28,7 @@ class ResearchSourceScope {
     std::string coverage;  ///< how much of the source the evidence covers
     std::optional<std::string> provenanceURL;
 
-    /// The kind for readers: "Local visible excerpt".
+    /// The human-readable kind: "Local visible excerpt".
     std::string_view kindLabel() const;
     /// "2024-02-29T12:00:00Z", or "Not recorded".
     std::string observedUTC() const;
@@ -35,7 +38,7 @@ class ResearchSourceScope {
     bool operator==(const Record&) const = default;
   };
 
-  /// `publicSources` leads from identifiers to URLs.
+  /// `publicSources` maps identifiers to URLs.
   ResearchSourceScope(std::vector<std::string> localSnapshotIDs,
                       std::map<std::string, std::string> publicSources, std::vector<Record> records);
 
@@ -45,8 +48,8 @@ class ResearchSourceScope {
   void validate(const std::optional<std::vector<std::string>>& ids, const std::vector<std::string>& urls,
                 bool requiresEvidence) const;
 
-  /// The records that references stand for, in ascending order of their identifiers, each once; made up from
-  /// what is known where the host gave none. References outside the scope add nothing.
+  /// The records of these references, in ascending order of their identifiers, each once. A reference without
+  /// a record of the host has one with default texts. References outside the scope add nothing.
   std::vector<Record> selectedRecords(const std::vector<std::string>& ids,
                                       const std::vector<std::string>& urls) const;
 
@@ -62,7 +65,7 @@ class ResearchSourceScope {
   std::optional<Record> recordOf(const std::string& id) const;
   void indexPublicSources();
 
-  // Every text is stored once: what it is looked up by are positions in these lists.
+  // Every text is stored once; the indexes hold positions in these lists.
   std::vector<std::string> localSnapshotIDs_;  ///< ascending, each once
   std::vector<PublicSource> publicSources_;    ///< ascending by identifier
   std::vector<Record> records_;                ///< in the host's order
@@ -72,7 +75,7 @@ class ResearchSourceScope {
   std::vector<std::size_t> recordByURL_;  ///< of the records with a URL, ascending by URL, then by position
 };
 
-/// The name by which JSON and metadata know a kind.
+/// The name of a kind in JSON and metadata.
 std::string_view rawValue(ResearchSourceScope::Record::Kind kind);
 std::optional<ResearchSourceScope::Record::Kind> evidenceKind(std::string_view rawValue);
 

@@ -1,6 +1,5 @@
 #include "DocumentRuntime/Research/Provenance/SourceScopeCoding.hpp"
 
-#include <charconv>
 #include <utility>
 
 #include "DocumentRuntime/Cells/SerialDate.hpp"
@@ -13,32 +12,10 @@ namespace {
 /// Of each list. A dataset cites at most 4,000 identifiers and as many URLs.
 constexpr std::size_t maximumEntries = 20'000;
 
-/// The number that the text has there, which is known to be digits.
-int digitsAt(std::string_view text, std::size_t position, std::size_t count) {
-  int number = 0;
-  std::from_chars(text.data() + position, text.data() + position + count, number);
-  return number;
-}
-
-/// The instant of a text that `isoDateTime` accepts: the places of its digits are fixed, those of the zone
-/// from the end.
-std::chrono::sys_seconds instantOf(std::string_view text) {
-  const std::chrono::year_month_day date(std::chrono::year(digitsAt(text, 0, 4)),
-                                         std::chrono::month(static_cast<unsigned>(digitsAt(text, 5, 2))),
-                                         std::chrono::day(static_cast<unsigned>(digitsAt(text, 8, 2))));
-  std::chrono::sys_seconds instant = std::chrono::sys_days(date);
-  instant += std::chrono::hours(digitsAt(text, 11, 2)) + std::chrono::minutes(digitsAt(text, 14, 2)) +
-             std::chrono::seconds(digitsAt(text, 17, 2));
-  if (text.ends_with('Z')) return instant;
-  const std::string_view zone = text.substr(text.size() - 6);
-  const auto offset = std::chrono::hours(digitsAt(zone, 1, 2)) + std::chrono::minutes(digitsAt(zone, 4, 2));
-  return zone.front() == '+' ? instant - offset : instant + offset;
-}
-
 std::chrono::sys_seconds decodedInstant(JsonValue value) {
-  const std::string_view text = value.string();
-  if (!SerialDate::isoDateTime(text)) value.fail("Expected an ISO 8601 date and time.");
-  return instantOf(text);
+  const auto instant = SerialDate::parseISODateTime(value.string());
+  if (!instant) value.fail("Expected an ISO 8601 date and time.");
+  return *instant;
 }
 
 std::map<std::string, std::string> decodedPublicSources(JsonObject object) {

@@ -110,7 +110,7 @@ class SlideDrawing {
     SlideShapes::appendText(xml_, identity, area, paragraphs, style);
   }
 
-  /// Each source has a line to itself, which is only as high as leaves room for the others.
+  /// Each source has a line of its own, lower where there are many.
   void source(const SlideSource& source, std::size_t index, std::size_t count) {
     const auto comfortable = static_cast<std::int64_t>(footerSize * SlideText::lineSpacing) * emuPerPoint;
     const std::int64_t height =

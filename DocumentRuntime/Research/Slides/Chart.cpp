@@ -13,7 +13,7 @@ namespace {
 
 using Binding = ResearchPresentation::ResolvedChartBinding;
 
-/// The room for all category labels, the size that office programs give them, and the one for labels of many
+/// The width for all category labels, their default size in office programs, and the size for labels of many
 /// lines, in points.
 constexpr double axisWidth = 780;
 constexpr int labelSize = 10;
@@ -30,16 +30,16 @@ bool showsNegativeValues(const Binding& binding) {
 
 /// The lines that the longest label takes at the usual size.
 double labelLines(const Binding& binding) {
-  const double roomEach = axisWidth / static_cast<double>(binding.cells->size());
+  const double widthEach = axisWidth / static_cast<double>(binding.cells->size());
   double most = 0;
   for (const auto& row : *binding.cells) {
     const std::string label = row[static_cast<std::size_t>(binding.chart().categoryColumn)].displayText();
-    most = std::max(most, SlideText::lines(ResearchChartAuthor::cleaned(label), roomEach / labelSize));
+    most = std::max(most, SlideText::lines(ResearchChartAuthor::cleaned(label), widthEach / labelSize));
   }
   return most;
 }
 
-/// None where every label has room beside the others.
+/// 0 if every label fits beside the others.
 int wrappedLabelSize(const Binding& binding) {
   const double lines = labelLines(binding);
   if (lines <= 1) return 0;

@@ -7,8 +7,8 @@
 namespace zelvo {
 
 /// The chart part of a slide, over the workbook of `ResearchChartWorkbook`. Lines run straight from point to
-/// point. Where a chart has values below zero its category labels stand below all bars, and where its labels
-/// have no room side by side they are wrapped, and small where they take many lines.
+/// point. In a chart with values below zero the category labels are below all bars. Labels that do not fit
+/// side by side are wrapped, and small if they need many lines.
 std::string slideChartXML(const ResearchPresentation::ResolvedChartBinding& binding);
 
 }  // namespace zelvo

@@ -16,16 +16,15 @@ struct Area {
   std::int64_t height;
 };
 
-/// What every shape says of itself; names are words of the program, descriptions are read out to those who
-/// cannot see the shape.
+/// The non-visual properties of a shape. Names are string literals; descriptions are for screen readers.
 struct Identity {
   int id;  ///< unique on the slide, above 1
   std::string name;
   std::string description = {};
-  bool isTitle = false;  ///< what outlines list and screen readers announce of the slide
+  bool isTitle = false;  ///< the slide's title in outlines and for screen readers
 };
 
-/// How a text stands in its area, which has no inner margins.
+/// The style and position of a text in its area, which has no inner margins.
 struct TextStyle {
   int size;                 ///< of the font, in points
   std::string_view colour;  ///< of the theme
@@ -35,18 +34,18 @@ struct TextStyle {
   std::string_view alignment = "l";  ///< "l", "ctr" or "r"
 };
 
-/// The room that bullets take left of their texts, in EMU.
+/// The width of bullets left of their texts, in EMU.
 inline constexpr std::int64_t bulletIndent = 342'900;
 
 /// A text box of these paragraphs, each one run.
 void appendText(std::string& xml, const Identity& identity, const Area& area,
                 const std::vector<std::string>& paragraphs, const TextStyle& style);
 
-/// A text box that holds the slide's number, kept up to date by whoever moves the slide.
+/// A text box with the slide's number, as a field that office programs update.
 void appendSlideNumber(std::string& xml, const Identity& identity, const Area& area, std::size_t number,
                        const TextStyle& style);
 
-/// A filled rectangle that says nothing.
+/// A filled rectangle without text.
 void appendRectangle(std::string& xml, const Identity& identity, const Area& area, std::string_view colour);
 
 /// The frame of the chart that the slide relates to as "rId2".

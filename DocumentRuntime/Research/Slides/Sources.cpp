@@ -7,8 +7,8 @@
 namespace zelvo {
 namespace {
 
-/// What readers can tell a source by. The label of a public source may be made up, the same for all; the page
-/// of a local excerpt is not for them to fetch.
+/// The name that distinguishes a source. The label of a public source may be the default one, the same for
+/// all, so its URL is added; the page of a local excerpt must not be fetched.
 std::string nameOf(const ResearchSourceScope::Record& record) {
   const bool isLocal = record.kind == ResearchSourceScope::Record::Kind::localSnapshot;
   const std::string name = std::string(record.kindLabel()) + ": " + record.label;

@@ -13,7 +13,7 @@ namespace {
 
 constexpr int smallestSize = 6;
 
-/// Capitals, "m" and "w" in bold; the estimate for tables, which has room to spare, takes them for narrower.
+/// Capitals, "m" and "w" in bold; the estimate for tables is narrower.
 constexpr double broadCharacter = 0.9;
 /// Ligatures, fractions and the like.
 constexpr double broadestCharacter = 1.0;
@@ -83,30 +83,30 @@ double SlideText::lines(std::string_view paragraph, double lineWidth) {
   return wrappedLines(wordWidths(paragraph), lineWidth);
 }
 
-int SlideText::fittedSize(const std::vector<std::string>& paragraphs, const Room& room) {
+int SlideText::fittedSize(const std::vector<std::string>& paragraphs, const Bounds& bounds) {
   std::vector<std::vector<double>> widths;
   widths.reserve(paragraphs.size());
   for (const std::string& paragraph : paragraphs)
     widths.push_back(wordWidths(paragraph));
   const double gaps = paragraphs.empty() ? 0 : static_cast<double>(paragraphs.size() - 1) * paragraphSpacing;
-  for (int size = room.largestSize; size >= smallestSize; --size) {
+  for (int size = bounds.largestSize; size >= smallestSize; --size) {
     double lines = 0;
     for (const auto& words : widths)
-      lines += wrappedLines(words, room.width / size);
-    if ((lines * lineSpacing + gaps) * size <= room.height) return size;
+      lines += wrappedLines(words, bounds.width / size);
+    if ((lines * lineSpacing + gaps) * size <= bounds.height) return size;
   }
   throw DocumentError::unsupported("slide text needs too much space");
 }
 
 std::string SlideText::abbreviated(std::string_view text, std::string_view ending, double lineWidth,
                                    double fontSize) {
-  const double room = lineWidth / fontSize - SlideText::width(ending);
+  const double available = lineWidth / fontSize - SlideText::width(ending);
   double used = 0;
-  std::size_t fitting = 0;  // bytes that leave room for the ellipsis
+  std::size_t fitting = 0;  // bytes that fit with the ellipsis
   for (std::size_t at = 0; at < text.size();) {
-    if (used + broadestCharacter <= room) fitting = at;
+    if (used + broadestCharacter <= available) fitting = at;
     used += characterWidth(Unicode::nextScalar(text, at));
-    if (used > room) {
+    if (used > available) {
       // The last character may be cut in its middle: what is sure to be whole ends before it.
       const std::size_t whole = Unicode::characterCount(text.substr(0, fitting));
       std::string cut(Unicode::prefix(text, whole > 0 ? whole - 1 : 0));

@@ -2,16 +2,21 @@
 
 #include <optional>
 #include <stop_token>
-#include <string>
 #include <string_view>
-#include <vector>
 
+#include "DocumentRuntime/PackageIO/PartMap.hpp"
 #include "DocumentRuntime/Records/ByteBuffer.hpp"
 #include "DocumentRuntime/Research/Dataset/Spreadsheet.hpp"
+#include "DocumentRuntime/Research/WorkbookReadBack/Content.hpp"
 
-/// Spreadsheets from research results. Everything that comes in is a language model's text and trusted for
-/// nothing; the same input always gives the same bytes.
-namespace zelvo::ResearchWorkbook {
+namespace zelvo {
+
+/// All parts of a dataset's workbook.
+PartMap researchWorkbookPackage(const ResearchWorkbookContent& content);
+
+/// Workbooks of research results. The input is untrusted text of a language model; the same input always
+/// gives the same bytes.
+namespace ResearchWorkbook {
 
 /// A workbook of a dataset: an overview with native charts where it has any, the data as a table with live
 /// formulas and their locally computed results, the report, and the sources with their provenance.
@@ -24,21 +29,6 @@ namespace zelvo::ResearchWorkbook {
 ByteBuffer make(std::string_view title, const ResearchSpreadsheet& content, const AllowedSources& sources,
                 const std::optional<ResearchSourceScope>& sourceScope, const std::stop_token& stop = {});
 
-/// Rows of texts; every row has as many.
-using ReportTable = std::vector<std::vector<std::string>>;
+}  // namespace ResearchWorkbook
 
-/// The first table of a Markdown report: of all delimited blocks in code fences, or else of all pipe tables,
-/// the first that has 2 to 501 rows of 2 to 24 cells of at most 2,000 characters.
-std::optional<ReportTable> firstTable(std::string_view text);
-bool hasTable(std::string_view text);
-
-/// A workbook of a report without a dataset: its first table, its text and its sources, without styles or
-/// formulas. It is not read back.
-///
-/// Throws `DocumentError` resourceLimit "research report"; validationFailed "The saved report has no table.
-/// Continue the task to prepare spreadsheet data."; resourceLimit for more lines than a sheet can hold; and
-/// what the ZIP writer throws. Throws `Cancelled`.
-ByteBuffer make(std::string_view title, std::string_view report, const std::vector<std::string>& sources,
-                const std::stop_token& stop = {});
-
-}  // namespace zelvo::ResearchWorkbook
+}  // namespace zelvo

@@ -2,7 +2,7 @@
 #include <cstddef>
 #include <utility>
 
-#include "DocumentRuntime/Research/Workbook/DatasetWorkbook.hpp"
+#include "DocumentRuntime/Research/Workbook/ReportWorkbook.hpp"
 #include "Text/Unicode.hpp"
 
 namespace zelvo {
@@ -16,7 +16,7 @@ constexpr std::size_t minimumRows = 2;  ///< a header and something below it
 constexpr std::size_t maximumRows = 501;
 constexpr std::size_t minimumCells = 2;
 constexpr std::size_t maximumCells = 24;
-constexpr std::size_t maximumCellCharacters = 2'000;  ///< what `WorkbookReader` gives out again
+constexpr std::size_t maximumCellCharacters = 2'000;  ///< the most that `WorkbookReader` accepts
 constexpr std::size_t minimumDashes = 3;              ///< in each cell of the line below a header
 
 constexpr std::string_view fence = "```";
@@ -29,17 +29,17 @@ std::string_view trimmed(std::string_view text) {
   return text.substr(first, text.find_last_not_of(" \t") - first + 1);
 }
 
-/// Rows that may turn out to be a table. Once they cannot be one, they are no longer kept.
+/// A candidate table; its rows are no longer kept once it is invalid.
 class TableBlock {
  public:
   void append(Row row) {
-    isSpoilt_ = isSpoilt_ || !fits(row);
-    if (!isSpoilt_) rows_.push_back(std::move(row));
+    isInvalid_ = isInvalid_ || !fits(row);
+    if (!isInvalid_) rows_.push_back(std::move(row));
   }
 
-  /// The table, if this is one; the block is then spent.
+  /// The table, if this is one. The block must not be used afterwards.
   std::optional<ReportTable> take() {
-    if (isSpoilt_ || rows_.size() < minimumRows) return std::nullopt;
+    if (isInvalid_ || rows_.size() < minimumRows) return std::nullopt;
     return std::move(rows_);
   }
 
@@ -53,10 +53,11 @@ class TableBlock {
   }
 
   ReportTable rows_;
-  bool isSpoilt_ = false;
+  bool isInvalid_ = false;
 };
 
-/// The fields of a line, of which quotes may hide separators. A line of too many is cut: no table takes it.
+/// The fields of a line; separators inside quotes are text. A line with too many fields is cut: it is in no
+/// table.
 Row delimited(std::string_view line, char separator) {
   Row fields;
   std::string field;
@@ -98,12 +99,12 @@ std::optional<ReportTable> firstFencedTable(const Lines& lines) {
   return std::nullopt;
 }
 
-/// What stands between the outer pipes; of a line that is one pipe only, nothing.
+/// The text between the outer pipes; empty for a line of one pipe.
 std::string_view betweenPipes(std::string_view line) {
   return line.size() < 2 ? std::string_view() : line.substr(1, line.size() - 2);
 }
 
-/// Whether `test` passes every cell; those behind the first that fails are not looked at.
+/// Whether `test` is true for every cell. Stops at the first for which it is false.
 template <typename Test>
 bool allCells(std::string_view cells, const Test& test) {
   for (;;) {
@@ -121,7 +122,7 @@ bool isDashes(std::string_view cell) {
   return cell.size() >= minimumDashes && cell.find_first_not_of('-') == std::string_view::npos;
 }
 
-/// Cut where it has too many, as above.
+/// The cells of a line, cut like a line of too many fields.
 Row rowOf(std::string_view cells) {
   Row row;
   allCells(cells, [&](std::string_view cell) {

@@ -1,3 +1,5 @@
+#include "DocumentRuntime/Research/Workbook/ReportWorkbook.hpp"
+
 #include <algorithm>
 #include <cstddef>
 #include <utility>
@@ -7,7 +9,6 @@
 #include "DocumentRuntime/PackageIO/BoundedZIP.hpp"
 #include "DocumentRuntime/PackageIO/XMLCharacters.hpp"
 #include "DocumentRuntime/PackageIO/XMLText.hpp"
-#include "DocumentRuntime/Research/Workbook/DatasetWorkbook.hpp"
 #include "DocumentRuntime/Research/Workbook/SheetLimits.hpp"
 #include "Text/Unicode.hpp"
 
@@ -50,7 +51,7 @@ std::string withPoint(std::string number) {
   return number;
 }
 
-/// Without what XML cannot carry, so that only what a cell shows counts toward its length.
+/// Without the characters that XML cannot carry, so that they do not count toward the length of a cell.
 std::string writable(std::string_view text) {
   std::string result;
   result.reserve(text.size());

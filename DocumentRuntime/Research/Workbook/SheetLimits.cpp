@@ -15,7 +15,7 @@ using Kind = ResearchSheet::Kind;
 /// Of a URL or identifier in a message.
 constexpr std::size_t maximumNameCharacters = 80;
 
-/// What a record says, column by column.
+/// The texts of a record, column by column.
 constexpr std::array<std::string_view, 6> recordTexts = {"identifier",  "kind",     "label",
                                                          "observation", "coverage", "URL"};
 

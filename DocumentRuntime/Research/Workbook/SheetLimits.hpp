@@ -6,8 +6,8 @@
 #include "DocumentRuntime/PackageIO/BoundedXML.hpp"
 #include "DocumentRuntime/Research/WorkbookReadBack/Content.hpp"
 
-/// What the sheets of a workbook may hold to be read again. The reader has these limits, too, but only a
-/// part's name for what exceeds them.
+/// The limits that `WorkbookReader` will apply to the written sheets, checked before writing: the reader's
+/// errors name only the part, these the text.
 namespace zelvo::ResearchSheetLimits {
 
 /// Rows of one text cell: four elements each (row, cell, inline string, text), and seven of the sheet itself.

@@ -60,7 +60,7 @@ ResearchSheet urlSheet(std::vector<std::string> urls) {
   return sheet;
 }
 
-/// What the URL of a record may be used for: nobody may take a local excerpt's for leave to fetch it.
+/// The URL with its permitted use: that of a local excerpt is no permission to fetch it.
 std::string urlText(const Record& record) {
   if (!record.provenanceURL) return "No URL";
   if (record.kind != Record::Kind::localSnapshot) return *record.provenanceURL;
@@ -124,7 +124,7 @@ ResearchWorkbookContent ResearchWorkbookContent::of(std::string_view title,
                                                     const std::optional<ResearchSourceScope>& sourceScope) {
   std::vector<ResolvedCalculation> resolved = ResearchFormulaEvaluator::resolve(dataset);
   ResearchWorkbookContent content{.dataset = &dataset,
-                                  .cells = dataset.cellsWith(resolved),
+                                  .cells = ResearchFormulaEvaluator::cellsWith(dataset, resolved),
                                   .calculations = byAddress(std::move(resolved)),
                                   .sheets = {},
                                   .hasScope = sourceScope.has_value()};

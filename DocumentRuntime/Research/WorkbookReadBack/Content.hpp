@@ -16,14 +16,14 @@ struct ResearchSheet {
   using Row = std::vector<ResearchSpreadsheet::Cell>;
 
   Kind kind;
-  std::string_view name;  ///< a word of the program
+  std::string_view name;  ///< a string literal
   std::vector<Row> rows;  ///< the heading first
 };
 
 /// Calculations by their cell on the Data sheet.
 using CalculationMap = std::map<CellAddress, ResolvedCalculation>;
 
-/// What a dataset's workbook is written from, and what it is compared with when it is read back.
+/// The content of a dataset's workbook: the source for writing, and the expectation for reading back.
 struct ResearchWorkbookContent {
   const ResearchSpreadsheet* dataset;     ///< must outlive this
   std::vector<ResearchSheet::Row> cells;  ///< the dataset's, resolved

@@ -9,17 +9,16 @@
 
 #include "DocumentRuntime/Cells/DoubleText.hpp"
 #include "DocumentRuntime/Errors/DocumentError.hpp"
-#include "DocumentRuntime/PackageIO/OOXMLSupport.hpp"
 #include "DocumentRuntime/Workbook/TableExtraction.hpp"
 #include "DocumentRuntime/Workbook/WorkbookReader.hpp"
+#include "Text/Unicode.hpp"
 
 namespace zelvo {
 namespace {
 
 using Kind = ResearchSheet::Kind;
 
-/// Calls `visit` with every cell of a rectangle from A1 on, in blocks of the size that the reader takes at
-/// once.
+/// Calls `visit` with every cell from A1 to `last`, in blocks of the largest size that the reader accepts.
 template <typename Visit>
 void readInBlocks(const WorkbookReader& reader, std::string_view sheet, const CellAddress& last,
                   const std::set<CellAddress>& acceptedEmptyFormulaCells, const std::stop_token& stop,
@@ -53,23 +52,25 @@ const ResearchSheet& sheetOf(const ResearchWorkbookContent& content, Kind kind) 
   return *std::ranges::find(content.sheets, kind, &ResearchSheet::kind);
 }
 
-/// The text with a line feed for each carriage return, alone or before a line feed: so XML is read.
-std::string withLineFeeds(std::string_view text) {
-  std::string normalized;
-  normalized.reserve(text.size());
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    if (text[i] != '\r')
-      normalized += text[i];
-    else if (text.substr(i, 2) != "\r\n")
-      normalized += '\n';
+/// The text that a reader finds in an element: without the characters that XML cannot carry, and with a line
+/// feed for each carriage return, alone or before a line feed. This check has its own rule, so that it does
+/// not repeat a mistake of the author.
+std::string asRead(std::string_view text) {
+  std::string kept;
+  for (std::size_t at = 0; at < text.size();) {
+    const char32_t scalar = Unicode::nextScalar(text, at);
+    const bool isControl = scalar < U' ' && scalar != U'\t' && scalar != U'\n' && scalar != U'\r';
+    if (!isControl && scalar != U'\uFFFE' && scalar != U'\uFFFF') Unicode::append(kept, scalar);
   }
-  return normalized;
+  std::string read;
+  for (std::size_t i = 0; i < kept.size(); ++i) {
+    if (kept.compare(i, 2, "\r\n") != 0) read += kept[i] == '\r' ? '\n' : kept[i];
+  }
+  return read;
 }
 
-/// As written, a text lacks the characters that XML cannot carry.
-bool saysAsWritten(const SourceCell& cell, std::string_view text) {
-  return cell.value.kind() == SourceCellValue::Kind::text &&
-         OOXML::escaped(cell.value.payload()) == withLineFeeds(OOXML::escaped(text));
+bool holdsText(const SourceCell& cell, std::string_view text) {
+  return cell.value.kind() == SourceCellValue::Kind::text && cell.value.payload() == asRead(text);
 }
 
 void checkSources(const WorkbookReader& reader, const ResearchSheet& sheet, const std::stop_token& stop) {
@@ -77,12 +78,12 @@ void checkSources(const WorkbookReader& reader, const ResearchSheet& sheet, cons
                [&](const CellAddress& address, const SourceCell& cell) {
                  const auto& written = sheet.rows[static_cast<std::size_t>(address.row - 1)]
                                                  [static_cast<std::size_t>(address.column - 1)];
-                 if (!saysAsWritten(cell, written.displayText()))
+                 if (!holdsText(cell, written.displayText()))
                    throw DocumentError::validationFailed("source provenance readback");
                });
 }
 
-/// The formula cells whose result is blank: the reader would refuse them in a stranger's workbook.
+/// The formula cells whose result is blank: the reader refuses them unless they are named.
 std::set<CellAddress> blankResults(const CalculationMap& calculations) {
   std::set<CellAddress> addresses;
   for (const auto& [address, calculation] : calculations) {
@@ -103,7 +104,7 @@ bool holdsNumber(const SourceCell& cell, double number) {
          cell.value.payload() == DoubleText::shortest(number);
 }
 
-/// The heading row and the column of sources say nothing that could be computed with.
+/// The heading row and the column of sources hold texts only.
 void checkData(const WorkbookReader& reader, const ResearchWorkbookContent& content,
                const std::stop_token& stop) {
   readInBlocks(reader, sheetOf(content, Kind::data).name,

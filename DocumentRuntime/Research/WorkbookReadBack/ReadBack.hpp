@@ -7,8 +7,8 @@
 
 namespace zelvo {
 
-/// Opens a written workbook as any stranger's and compares what it says with what was to be written: every
-/// text of the Sources sheet, after the line ends that XML normalises; on the Data sheet every number,
+/// Reads a written workbook through the same checks as untrusted input and compares it with its content:
+/// every text of the Sources sheet, with the line ends that XML normalises; on the Data sheet every number,
 /// formula and stored result, as stored.
 ///
 /// Throws `DocumentError` validationFailed "source provenance readback", "formula readback" or "numeric

@@ -88,15 +88,15 @@ TEST(SerialDate, ISODateTimes) {
   for (const auto& text : testing::words(R"(
       2024-02-29T23:59:59Z 2024-02-29T00:00:00.5Z 2024-02-29T00:00:00.123456789+14:00
       2024-02-29T12:00:00-00:30 2024-02-29T12:00:00+23:59)"))
-    EXPECT_TRUE(SerialDate::isoDateTime(text)) << text;
+    EXPECT_TRUE(SerialDate::parseISODateTime(text)) << text;
   for (const auto& text : testing::words(R"(
       2024-02-29 2024-02-29T12:00:00 2024-02-29T12:00Z 2024-02-29␠12:00:00Z 2024-02-29t12:00:00Z
       2024-02-29T12:00:00z 2023-02-29T12:00:00Z 2024-02-29T24:00:00Z 2024-02-29T12:60:00Z 2024-02-29T23:59:60Z
       2024-02-29T12:00:00.Z 2024-02-29T12:00:00.5 2024-02-29T12:00:00,5Z 2024-02-29T12:00:00+1:00
       2024-02-29T12:00:00+24:00 2024-02-29T12:00:00+00:60 2024-02-29T12:00:00+0100 2024-02-29T12:00:00+01
       2024-02-29T12:00:00ZZ 2024-02-29T12:00:00Z␠ 2024-02-29T12:00:00␠Z)"))
-    EXPECT_FALSE(SerialDate::isoDateTime(text)) << text;
-  EXPECT_FALSE(SerialDate::isoDateTime(""));
+    EXPECT_FALSE(SerialDate::parseISODateTime(text)) << text;
+  EXPECT_FALSE(SerialDate::parseISODateTime(""));
 }
 
 }  // namespace

@@ -1,3 +1,5 @@
+// Owns the values and texts of formulas.
+
 #include <gtest/gtest.h>
 
 #include "Datasets.hpp"

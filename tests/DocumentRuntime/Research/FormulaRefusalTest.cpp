@@ -1,3 +1,5 @@
+// Owns what the evaluator refuses.
+
 #include <cmath>
 #include <limits>
 
@@ -5,7 +7,7 @@
 
 #include "Datasets.hpp"
 #include "DocumentRuntime/Research/Dataset/FormulaEvaluator.hpp"
-#include "DocumentRuntime/Research/Dataset/FormulaUnits.hpp"
+#include "DocumentRuntime/Research/Dataset/FormulaRules.hpp"
 #include "Support/RefusalTable.hpp"
 
 namespace zelvo {

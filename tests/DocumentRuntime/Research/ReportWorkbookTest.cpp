@@ -1,3 +1,5 @@
+// Owns workbooks of reports and the tables that they take.
+
 #include <cstddef>
 #include <filesystem>
 #include <string>
@@ -7,7 +9,7 @@
 #include <gtest/gtest.h>
 
 #include "DocumentRuntime/PackageIO/BoundedZIP.hpp"
-#include "DocumentRuntime/Research/Workbook/DatasetWorkbook.hpp"
+#include "DocumentRuntime/Research/Workbook/ReportWorkbook.hpp"
 #include "DocumentRuntime/Workbook/WorkbookReader.hpp"
 #include "Support/Cases.hpp"
 #include "Support/ExpectedPackage.hpp"
@@ -76,19 +78,12 @@ TEST(ResearchReport, FindsTheFirstTable) {
 }
 
 TEST(ResearchReport, BoundsTables) {
-  struct Row {
+  const struct {
     std::size_t rows, cells, characters;
     bool isTable;
-  };
-  for (const Row& row : std::vector<Row>{{1, 2, 1, false},
-                                         {2, 2, 1, true},
-                                         {501, 2, 1, true},
-                                         {502, 2, 1, false},
-                                         {2, 1, 1, false},
-                                         {2, 24, 1, true},
-                                         {2, 25, 1, false},
-                                         {2, 2, 2000, true},
-                                         {2, 2, 2001, false}}) {
+  } bounds[] = {{1, 2, 1, false}, {2, 2, 1, true},   {501, 2, 1, true},  {502, 2, 1, false}, {2, 1, 1, false},
+                {2, 24, 1, true}, {2, 25, 1, false}, {2, 2, 2000, true}, {2, 2, 2001, false}};
+  for (const auto& row : bounds) {
     const std::string cell = characters(row.characters);
     const std::string fields = repeated(cell + ";", row.cells - 1) + cell;
     const std::string fenced = "```\n" + repeated(fields + "\n", row.rows) + "```";

@@ -1,3 +1,5 @@
+// Owns the rules of decks, their datasets and bindings.
+
 #include <algorithm>
 #include <functional>
 #include <map>

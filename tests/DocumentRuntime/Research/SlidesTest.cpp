@@ -1,8 +1,9 @@
+// Owns rendered presentations: their bytes, how texts fit, and what their read-back finds.
+
 #include <chrono>
 #include <filesystem>
 #include <map>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -12,6 +13,7 @@
 #include "DocumentRuntime/PackageIO/BoundedZIP.hpp"
 #include "DocumentRuntime/Research/PresentationModel/Presentation.hpp"
 #include "DocumentRuntime/Research/PresentationReadBack/ReadBack.hpp"
+#include "DocumentRuntime/Research/PresentationReadBack/Texts.hpp"
 #include "DocumentRuntime/Research/Slides/Renderer.hpp"
 #include "DocumentRuntime/Research/Slides/Text.hpp"
 #include "Support/ExpectedPackage.hpp"
@@ -19,8 +21,6 @@
 
 namespace zelvo {
 namespace {
-
-const std::filesystem::path expected = EXPECTED_FOLDER;
 
 ResearchSourceScope scope() {
   using Record = ResearchSourceScope::Record;
@@ -57,25 +57,8 @@ ResearchPresentation deck() {
 }
 
 TEST(ResearchPresentationRenderer, IsExactlyTheExpectedBytes) {
+  const std::filesystem::path expected = EXPECTED_FOLDER;
   EXPECT_EQ(testing::differences(renderPresentation(deck(), 4, scope()), expected / "deck"), "");
-}
-
-std::size_t countOf(std::string_view text, std::string_view piece) {
-  std::size_t count = 0;
-  for (std::size_t at = 0; (at = text.find(piece, at)) != std::string_view::npos; at += piece.size())
-    ++count;
-  return count;
-}
-
-TEST(ResearchPresentationRenderer, GivesASourceOneLine) {
-  ResearchPresentation repeating = deck();
-  repeating.slides[0].sourceIDs = {{"a", "b", "a"}};
-  repeating.slides[1].sources = {"https://h/2", "https://h/1", "https://h/2"};
-  const auto parts = BoundedZIP::read(renderPresentation(repeating, 4, {}).view());
-  for (const char* name : {"ppt/slides/slide1.xml", "ppt/slides/slide2.xml"})
-    EXPECT_EQ(countOf(parts.find(name)->text(), "name=\"Source "), 2U) << name;
-  const std::string_view second = parts.find("ppt/slides/slide2.xml")->text();
-  EXPECT_LT(second.find("https://h/2"), second.find("https://h/1"));
 }
 
 /// A text that every slide repeats, far beyond what a host's file may hold. The last slide, which cannot be
@@ -123,70 +106,65 @@ TEST(ResearchPresentationRenderer, FitsTextsOfAnyLength) {
   EXPECT_EQ(SlideText::abbreviated("xa\u0301\u0301b", "", 35, 10), "x…");
 }
 
-struct Break {
-  std::string part;
-  std::string from;
-  std::string to;
-  std::string message;
-};
-
-TEST(DeliveryVerification, NamesWhatDidNotSurvive) {
-  const std::string content = "Slide content did not survive delivery.";
-  const std::string identity = "Slide source identities did not survive delivery.";
-  const std::string observation =
-      "Trusted source coverage and observation time did not survive presentation delivery.";
-  const std::string chart = "Slide chart data did not survive delivery.";
-  const Break breaks[] = {
-      {"ppt/presentation.xml", R"(<p:sldId id="257" r:id="rId3"/>)", "", "A slide is missing."},
-      {"ppt/presentation.xml", R"(r:id="rId5")", R"(r:id="rId55")", "A slide is missing."},
-      {"ppt/presentation.xml", R"(r:id="rId4")", R"(r:id="rId3")", content},
-      {"ppt/slides/slide1.xml", "Cover of", "Cover off", content},
-      {"ppt/slides/slide2.xml", "<a:t>Two parts</a:t>", "<a:t>Two</a:t></a:r><a:r><a:t> parts</a:t>",
-       content},
-      {"ppt/slides/slide2.xml", "<a:t>Three</a:t>", "<a:t>Trhee</a:t>", content},
-      {"ppt/slides/slide2.xml", R"(type="slidenum"><a:rPr)", R"(><a:t>2</a:t><a:rPr)", content},
-      {"ppt/slides/slide1.xml", R"(descr="local-1 |)", R"(descr="local-2 |)", identity},
-      {"ppt/slides/slide2.xml", "name=\"Source 1\"", "name=\"Sauce 1\"", identity},
-      {"ppt/slides/slide3.xml", "name=\"Footer rule\"", "name=\"Source 1\"", identity},
-      {"ppt/slides/slide1.xml", "| page 1 |", "| page 2 |", observation},
-      {"ppt/slides/slide1.xml", "2024-02-29T00:00:00Z |", "2024-03-01T00:00:00Z |", observation},
-      {"ppt/slides/slide1.xml", " · 2024-02-29T00:00:00Z</a:t>", " · 2024-02-28T00:00:00Z</a:t>",
-       observation},
-      {"ppt/slides/_rels/slide4.xml.rels", "charts/chart1.xml", "slides/slide2.xml", chart},
-      {"ppt/slides/slide2.xml", "</p:spTree>", "<c:chart/></p:spTree>", chart},
-      {"ppt/charts/chart1.xml", "<c:v>0.1</c:v>", "<c:v>0.10</c:v>", chart},
-      {"ppt/charts/chart1.xml", R"(<c:pt idx="2"><c:v>-4.5)", R"(<c:pt idx="1"><c:v>-4.5)", chart},
-      {"ppt/charts/chart1.xml", "<c:v>2023</c:v>", "<c:v>2022</c:v>", chart},
-      {"ppt/charts/chart1.xml", "<c:v>A (USD)</c:v>", "<c:v>A</c:v>", chart},
-      {"ppt/charts/chart1.xml", "$B$2:$B$4", "$B$2:$B$5", chart},
-      {"ppt/charts/chart1.xml", "<a:t>Profit</a:t>", "<a:t>Loss</a:t>", chart},
-      {"ppt/charts/chart1.xml", "<c:externalData", "<c:ser/><c:externalData", chart},
-      {"data", "<v>-4.5</v>", "<v>4.5</v>", chart},
-      {"data", "A (USD)", "B (USD)", chart},
-      {"data", R"(<c r="B2"><v>0.1</v></c>)", R"(<c r="B2"><v>0.1</v></c><c r="C2"><v>7</v></c>)", chart},
-      {"data", R"(<row r="3">)", R"(<row r="3"><c r="B3"><v>0</v></c>)", chart},
-  };
+TEST(ResearchPresentationReadBack, NamesTheDifference) {
+  const std::map<std::string, std::string> messages = {
+      {"slide", "A slide is missing."},
+      {"content", "Slide content did not survive delivery."},
+      {"identity", "Slide source identities did not survive delivery."},
+      {"observation", "Trusted source coverage and observation time did not survive presentation delivery."},
+      {"chart", "Slide chart data did not survive delivery."}};
   const ByteBuffer written = renderPresentation(deck(), 4, scope());
-  EXPECT_NO_THROW(readBackResearchPresentation(written.view(), deck(), scope()));
-  for (const auto& [name, from, to, message] : breaks) {
+  const std::string embedded = "ppt/embeddings/chart-data1.xlsx";
+  for (const auto& [part, from, to, message] : testing::cases<4>(R"(
+      presentation | <p:sldId id="257" r:id="rId3"/>         |                                        => slide
+      presentation | r:id="rId5"                             | r:id="rId55"                           => slide
+      presentation | r:id="rId4"                             | r:id="rId3"                            => content
+      slides/slide1 | Cover of                               | Cover off                              => content
+      slides/slide2 | <a:t>Two parts</a:t>                   | <a:t>Two</a:t></a:r><a:r><a:t> parts</a:t> => content
+      slides/slide2 | <a:t>Three</a:t>                       | <a:t>Trhee</a:t>                       => content
+      slides/slide2 | type="slidenum"><a:rPr                 | ><a:t>2</a:t><a:rPr                    => content
+      slides/slide1 | descr="local-1                         | descr="local-2                         => identity
+      slides/slide2 | name="Source 1"                        | name="Sauce 1"                         => identity
+      slides/slide3 | name="Footer rule"                     | name="Source 1"                        => identity
+      slides/slide1 | page 1                                 | page 2                                 => observation
+      slides/slide1 | 2024-02-29T00:00:00Z                   | 2024-03-01T00:00:00Z                   => observation
+      slides/slide1 | ␠·␠2024-02-29T00:00:00Z</a:t>          | ␠·␠2024-02-28T00:00:00Z</a:t>          => observation
+      slides/_rels/slide4.xml.rels | charts/chart1.xml       | slides/slide2.xml                      => chart
+      slides/slide2 | </p:spTree>                            | <c:chart/></p:spTree>                  => chart
+      charts/chart1 | <c:v>0.1</c:v>                         | <c:v>0.10</c:v>                        => chart
+      charts/chart1 | <c:pt idx="2"><c:v>-4.5                | <c:pt idx="1"><c:v>-4.5                => chart
+      charts/chart1 | <c:v>2023</c:v>                        | <c:v>2022</c:v>                        => chart
+      charts/chart1 | <c:v>A (USD)</c:v>                     | <c:v>A</c:v>                           => chart
+      charts/chart1 | $B$2:$B$4                              | $B$2:$B$5                              => chart
+      charts/chart1 | <a:t>Profit</a:t>                      | <a:t>Loss</a:t>                        => chart
+      charts/chart1 | <c:externalData                        | <c:ser/><c:externalData                => chart
+      data         | <v>-4.5</v>                             | <v>4.5</v>                             => chart
+      data         | A (USD)                                 | B (USD)                                => chart
+      data         | <c r="B2"><v>0.1</v></c>                | <c r="B2"><v>0.1</v></c><c r="C2"><v>7</v></c> => chart
+      data         | <row r="3">                             | <row r="3"><c r="B3"><v>0</v></c>      => chart)")) {
     PartMap parts = BoundedZIP::read(written.view());
-    const char* embedded = "ppt/embeddings/chart-data1.xlsx";
-    const bool inside = name == "data";
     PartMap workbook = BoundedZIP::read(parts.find(embedded)->view());
+    const bool inside = part == "data";
     PartMap& target = inside ? workbook : parts;
-    const std::string part = inside ? "xl/worksheets/sheet1.xml" : name;
-    std::string xml(target.find(part)->text());
-    const std::size_t position = xml.find(from);
-    ASSERT_NE(position, std::string::npos) << from;
-    target.set(part, ByteBuffer::copyOf(xml.replace(position, from.size(), to)));
+    const std::string name =
+        inside ? "xl/worksheets/sheet1.xml" : "ppt/" + part + (part.ends_with(".rels") ? "" : ".xml");
+    target.set(name, ByteBuffer::copyOf(testing::replaced(std::string(target.find(name)->text()), from, to)));
     if (inside) parts.set(embedded, BoundedZIP::write(workbook));
-    try {
-      readBackResearchPresentation(BoundedZIP::write(parts).view(), deck(), scope());
-      ADD_FAILURE() << "delivered: " << to;
-    } catch (const DocumentError& error) {
-      EXPECT_EQ(error, DocumentError::validationFailed(message)) << to;
-    }
+    EXPECT_EQ(testing::outcomeOf(
+                  [&] { readBackResearchPresentation(BoundedZIP::write(parts).view(), deck(), scope()); }),
+              "validationFailed: " + messages.at(message))
+        << to;
   }
+}
+
+TEST(ResearchPresentationReadBack, ExpectsTextsByItsOwnRules) {
+  const auto name = [](const std::optional<std::string>& unit) {
+    return ReadBackTexts::seriesName({.name = "A", .kind = testing::Column::Kind::number, .unit = unit});
+  };
+  EXPECT_EQ(name("USD") + name("") + name({}), "A (USD)AA");
+  const std::string text = "a\r\nb\tc\u2028\vd\u0085\r\re\x01\x1f\u007f\uFFFE\uFFFF";
+  EXPECT_EQ(ReadBackTexts::onSlide(text), "a b c  d   e\u007f");
+  EXPECT_EQ(ReadBackTexts::inChart(text), "abc\u2028d\u0085e\u007f");
 }
 
 }  // namespace

@@ -1,3 +1,5 @@
+// Owns the JSON of datasets, of responses and of host files.
+
 #include <bit>
 #include <cmath>
 #include <cstdint>
