@@ -1,6 +1,6 @@
 #pragma once
 
-#include "DocumentRuntime/Research/ResearchSpreadsheet.hpp"
+#include "DocumentRuntime/Research/Dataset/Spreadsheet.hpp"
 
 namespace zelvo::benchmarks {
 

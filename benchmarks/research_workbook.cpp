@@ -20,8 +20,8 @@
 #include <zlib.h>
 
 #include "DocumentRuntime/PackageIO/BoundedZIP.hpp"
-#include "DocumentRuntime/Research/ResearchChartAuthor.hpp"
-#include "DocumentRuntime/Research/ResearchWorkbookAuthor.hpp"
+#include "DocumentRuntime/Research/Charts/ChartAuthor.hpp"
+#include "DocumentRuntime/Research/Workbook/DatasetWorkbook.hpp"
 #include "benchmarks/LargestDataset.hpp"
 
 namespace {

@@ -6,8 +6,8 @@
 #include <string_view>
 
 #include "DocumentRuntime/Errors/DocumentError.hpp"
-#include "DocumentRuntime/Research/ResearchFormulaEvaluator.hpp"
-#include "DocumentRuntime/Research/ResearchSpreadsheetCoding.hpp"
+#include "DocumentRuntime/Research/Dataset/FormulaEvaluator.hpp"
+#include "DocumentRuntime/Research/Dataset/SpreadsheetCoding.hpp"
 #include "fuzz/MemoryBound.hpp"
 #include "fuzz/Require.hpp"
 

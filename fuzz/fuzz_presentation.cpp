@@ -7,10 +7,10 @@
 
 #include "DocumentRuntime/Errors/DocumentError.hpp"
 #include "DocumentRuntime/Research/Datasets.hpp"
-#include "DocumentRuntime/Research/HostDatasets.hpp"
-#include "DocumentRuntime/Research/ResearchPresentationCoding.hpp"
-#include "DocumentRuntime/Research/ResearchSourceScopeCoding.hpp"
-#include "DocumentRuntime/Research/ResearchSpreadsheetCoding.hpp"
+#include "DocumentRuntime/Research/PresentationModel/Coding.hpp"
+#include "DocumentRuntime/Research/PresentationModel/HostDatasets.hpp"
+#include "DocumentRuntime/Research/Provenance/SourceScopeCoding.hpp"
+#include "DocumentRuntime/Research/Slides/Renderer.hpp"
 #include "fuzz/MemoryBound.hpp"
 #include "fuzz/Require.hpp"
 
@@ -91,8 +91,8 @@ void checkBindings(const ResearchPresentation& deck) {
 /// Drawing proves by itself that everything arrived; only text that no slide can hold is refused.
 void checkDelivery(const ResearchPresentation& deck, const std::optional<zelvo::ResearchSourceScope>& scope) {
   try {
-    const auto written = ResearchPresentation::make(deck, 4, scope);
-    ZELVO_REQUIRE(written == ResearchPresentation::make(deck, 4, scope));
+    const auto written = zelvo::renderPresentation(deck, 4, scope);
+    ZELVO_REQUIRE(written == zelvo::renderPresentation(deck, 4, scope));
   } catch (const zelvo::DocumentError& error) {
     ZELVO_REQUIRE(error == zelvo::DocumentError::unsupported("slide text needs too much space"));
   }

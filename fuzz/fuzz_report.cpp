@@ -8,7 +8,7 @@
 #include <utility>
 
 #include "DocumentRuntime/Errors/DocumentError.hpp"
-#include "DocumentRuntime/Research/ResearchWorkbook.hpp"
+#include "DocumentRuntime/Research/Workbook/ReportWorkbook.hpp"
 #include "DocumentRuntime/Workbook/WorkbookReader.hpp"
 #include "Text/Unicode.hpp"
 #include "fuzz/MemoryBound.hpp"

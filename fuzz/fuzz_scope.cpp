@@ -8,7 +8,7 @@
 
 #include "DocumentRuntime/Coding/DecodingError.hpp"
 #include "DocumentRuntime/Errors/DocumentError.hpp"
-#include "DocumentRuntime/Research/ResearchSourceScopeCoding.hpp"
+#include "DocumentRuntime/Research/Provenance/SourceScopeCoding.hpp"
 #include "fuzz/MemoryBound.hpp"
 #include "fuzz/Require.hpp"
 

@@ -3,8 +3,8 @@
 #include <string>
 #include <variant>
 
-#include "DocumentRuntime/Research/ResearchFormulaEvaluator.hpp"
-#include "DocumentRuntime/Research/ResearchSpreadsheetCoding.hpp"
+#include "DocumentRuntime/Research/Dataset/FormulaEvaluator.hpp"
+#include "DocumentRuntime/Research/Dataset/SpreadsheetCoding.hpp"
 #include "zelvo/ConfinedWork.hpp"
 #include "zelvo/Console.hpp"
 #include "zelvo/ResearchInput.hpp"
@@ -33,7 +33,7 @@ std::string checked(ResearchInput& input, bool requiresChart) {
   result.dataset =
       ResearchSpreadsheet::decode(input.text, requiresChart, input.allowedSources, input.takeSourceScope());
   result.calculations = ResearchFormulaEvaluator::resolve(result.dataset);
-  result.cells = result.dataset.cellsWith(result.calculations);
+  result.cells = ResearchFormulaEvaluator::cellsWith(result.dataset, result.calculations);
   JsonWriter writer;
   encode(writer, result);
   return writer.take() + "\n";

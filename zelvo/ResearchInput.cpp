@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <utility>
 
-#include "DocumentRuntime/Research/ResearchSourceScopeCoding.hpp"
+#include "DocumentRuntime/Research/Provenance/SourceScopeCoding.hpp"
 #include "zelvo/DocumentFile.hpp"
 
 namespace zelvo {

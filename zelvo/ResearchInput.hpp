@@ -6,7 +6,7 @@
 #include <variant>
 
 #include "DocumentRuntime/Coding/DecodingError.hpp"
-#include "DocumentRuntime/Research/ResearchSpreadsheet.hpp"
+#include "DocumentRuntime/Research/Dataset/Spreadsheet.hpp"
 #include "zelvo/Complaint.hpp"
 #include "zelvo/ResearchCommandLine.hpp"
 

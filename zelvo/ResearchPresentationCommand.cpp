@@ -6,8 +6,9 @@
 #include <variant>
 #include <vector>
 
-#include "DocumentRuntime/Research/HostDatasets.hpp"
-#include "DocumentRuntime/Research/PresentationRendererVersion.hpp"
+#include "DocumentRuntime/Research/PresentationModel/HostDatasets.hpp"
+#include "DocumentRuntime/Research/PresentationModel/RendererVersion.hpp"
+#include "DocumentRuntime/Research/Slides/Renderer.hpp"
 #include "zelvo/ConfinedWork.hpp"
 #include "zelvo/Console.hpp"
 #include "zelvo/DocumentOutput.hpp"
@@ -81,8 +82,7 @@ ExitStatus printEncoding(DeckInput& input, const ResearchPresentationArguments& 
 ExitStatus deliver(DeckInput& input, const ResearchPresentationArguments& arguments) {
   return DocumentOutput::deliverAuthored(arguments.output, "PowerPoint presentation", [&] {
     const Deck deck = decoded(input, arguments);
-    return ResearchPresentation::make(deck.presentation, PresentationRendererVersion::newest,
-                                      deck.sourceScope);
+    return renderPresentation(deck.presentation, PresentationRendererVersion::newest, deck.sourceScope);
   });
 }
 

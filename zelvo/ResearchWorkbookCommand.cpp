@@ -4,7 +4,8 @@
 #include <variant>
 
 #include "DocumentRuntime/Errors/DocumentError.hpp"
-#include "DocumentRuntime/Research/ResearchWorkbook.hpp"
+#include "DocumentRuntime/Research/Workbook/DatasetWorkbook.hpp"
+#include "DocumentRuntime/Research/Workbook/ReportWorkbook.hpp"
 #include "Text/Unicode.hpp"
 #include "zelvo/DocumentOutput.hpp"
 #include "zelvo/ResearchInput.hpp"

@@ -14,7 +14,9 @@ namespace zelvo::SerialDate {
 namespace {
 
 using std::chrono::days;
+using std::chrono::hours;
 using std::chrono::milliseconds;
+using std::chrono::minutes;
 using std::chrono::seconds;
 using std::chrono::sys_days;
 using std::chrono::sys_seconds;
@@ -77,9 +79,28 @@ bool isHourAndMinute(std::string_view text) {
   return hasShape(text, "00:00") && number(text.substr(0, 2)) < 24 && number(text.substr(3)) < 60;
 }
 
-bool isZone(std::string_view text) {
-  if (text == "Z") return true;
-  return (text.starts_with('+') || text.starts_with('-')) && isHourAndMinute(text.substr(1));
+/// Of a text that `isHourAndMinute` accepts.
+minutes minutesOf(std::string_view text) {
+  return hours(number(text.substr(0, 2))) + minutes(number(text.substr(3, 2)));
+}
+
+/// The offset from UTC of "Z" or ±hh:mm.
+std::optional<minutes> zoneOffset(std::string_view zone) {
+  if (zone == "Z") return minutes(0);
+  const bool isSigned = zone.starts_with('+') || zone.starts_with('-');
+  if (!isSigned || !isHourAndMinute(zone.substr(1))) return std::nullopt;
+  const minutes offset = minutesOf(zone.substr(1));
+  return zone.starts_with('-') ? -offset : offset;
+}
+
+std::optional<sys_days> dateOf(std::string_view text) {
+  if (!hasShape(text, "0000-00-00")) return std::nullopt;
+  const unsigned year = number(text.substr(0, 4));
+  const std::chrono::year_month_day date(std::chrono::year(static_cast<int>(year)),
+                                         std::chrono::month(number(text.substr(5, 2))),
+                                         std::chrono::day(number(text.substr(8))));
+  if (year == 0 || !date.ok()) return std::nullopt;
+  return sys_days(date);
 }
 
 }  // namespace
@@ -103,28 +124,30 @@ std::string excelDate(std::string_view raw, std::string_view cellName, std::stri
 }
 
 bool isoDateOnly(std::string_view text) {
-  if (!hasShape(text, "0000-00-00")) return false;
-  const unsigned year = number(text.substr(0, 4));
-  const std::chrono::year_month_day date(std::chrono::year(static_cast<int>(year)),
-                                         std::chrono::month(number(text.substr(5, 2))),
-                                         std::chrono::day(number(text.substr(8))));
-  return year > 0 && date.ok();
+  return dateOf(text).has_value();
 }
 
-bool isoDateTime(std::string_view text) {
+std::optional<sys_seconds> parseISODateTime(std::string_view text) {
   constexpr std::string_view shape = "0000-00-00T00:00:00";
-  if (!hasShape(text.substr(0, shape.size()), shape)) return false;
-  if (!isoDateOnly(text.substr(0, 10)) || !isHourAndMinute(text.substr(11, 5))) return false;
-  if (number(text.substr(17, 2)) > 59) return false;
+  if (!hasShape(text.substr(0, shape.size()), shape)) return std::nullopt;
+  const auto date = dateOf(text.substr(0, 10));
+  const unsigned second = number(text.substr(17, 2));
+  if (!date || !isHourAndMinute(text.substr(11, 5)) || second > 59) return std::nullopt;
 
-  std::string_view rest = text.substr(shape.size());
-  if (rest.starts_with('.')) {
-    rest.remove_prefix(1);
-    const std::size_t digits = std::min(rest.find_first_not_of("0123456789"), rest.size());
-    if (digits == 0) return false;
-    rest.remove_prefix(digits);
+  std::string_view zone = text.substr(shape.size());
+  if (zone.starts_with('.')) {
+    zone.remove_prefix(1);
+    const std::size_t digits = std::min(zone.find_first_not_of("0123456789"), zone.size());
+    if (digits == 0) return std::nullopt;
+    zone.remove_prefix(digits);
   }
-  return isZone(rest);
+  const auto offset = zoneOffset(zone);
+  if (!offset) return std::nullopt;
+  return *date + minutesOf(text.substr(11, 5)) + seconds(second) - *offset;
+}
+
+std::string isoDateTimeText(sys_seconds instant) {
+  return dateText(instant) + 'T' + timeText(instant) + 'Z';
 }
 
 }  // namespace zelvo::SerialDate

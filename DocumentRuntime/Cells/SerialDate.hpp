@@ -1,5 +1,7 @@
 #pragma once
 
+#include <chrono>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -18,8 +20,12 @@ std::string excelDate(std::string_view raw, std::string_view cellName, std::stri
 /// Whether the text is a calendar date from 0001-01-01 to 9999-12-31 written exactly YYYY-MM-DD.
 bool isoDateOnly(std::string_view text);
 
-/// Whether the text is such a date with a time of day and a zone: YYYY-MM-DDThh:mm:ss, an optional fraction,
-/// then "Z" or ±hh:mm. Hour 24 and second 60 are not accepted.
-bool isoDateTime(std::string_view text);
+/// The instant of such a date with a time of day and a zone: YYYY-MM-DDThh:mm:ss, an optional fraction, which
+/// is cut off, then "Z" or ±hh:mm. Returns nullopt for any other text; hour 24 and second 60 are not
+/// accepted.
+std::optional<std::chrono::sys_seconds> parseISODateTime(std::string_view text);
+
+/// The instant as YYYY-MM-DDThh:mm:ssZ.
+std::string isoDateTimeText(std::chrono::sys_seconds instant);
 
 }  // namespace zelvo::SerialDate

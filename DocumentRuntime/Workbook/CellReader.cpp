@@ -34,7 +34,7 @@ SourceCellValue booleanValue(std::string_view raw) {
 }
 
 SourceCellValue isoDate(std::string_view raw) {
-  if (!SerialDate::isoDateTime(raw) && !SerialDate::isoDateOnly(raw))
+  if (!SerialDate::parseISODateTime(raw) && !SerialDate::isoDateOnly(raw))
     throw DocumentError::invalidArchive("ISO date");
   return SourceCellValue::date(std::string(raw));
 }

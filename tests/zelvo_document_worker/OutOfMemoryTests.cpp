@@ -13,12 +13,14 @@
 
 #include <gtest/gtest.h>
 
+#include "DocumentRuntime/Research/Dataset/FormulaEvaluator.hpp"
+#include "DocumentRuntime/Research/Dataset/SpreadsheetCoding.hpp"
 #include "DocumentRuntime/Research/Datasets.hpp"
-#include "DocumentRuntime/Research/ResearchFormulaEvaluator.hpp"
-#include "DocumentRuntime/Research/ResearchPresentationCoding.hpp"
-#include "DocumentRuntime/Research/ResearchSourceScopeCoding.hpp"
-#include "DocumentRuntime/Research/ResearchSpreadsheetCoding.hpp"
-#include "DocumentRuntime/Research/ResearchWorkbook.hpp"
+#include "DocumentRuntime/Research/PresentationModel/Coding.hpp"
+#include "DocumentRuntime/Research/Provenance/SourceScopeCoding.hpp"
+#include "DocumentRuntime/Research/Slides/Renderer.hpp"
+#include "DocumentRuntime/Research/Workbook/DatasetWorkbook.hpp"
+#include "DocumentRuntime/Research/Workbook/ReportWorkbook.hpp"
 #include "FakeProcess.hpp"
 #include "Support/HeapUse.hpp"
 #include "Support/PackageBuilder.hpp"
@@ -147,7 +149,7 @@ struct Research {
     const auto parsedScope = researchSourceScopeFromJson(scope);
     const auto presentation =
         ResearchPresentation::decode(deck, {}, fromJson<ResearchSpreadsheet>(dataset), parsedScope);
-    return std::string(ResearchPresentation::make(presentation, 4, parsedScope).text());
+    return std::string(renderPresentation(presentation, 4, parsedScope).text());
   }
 };
 

@@ -5,8 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "DocumentRuntime/Authoring/DocumentAuthor.hpp"
-#include "DocumentRuntime/Authoring/TablePages.hpp"
-#include "DocumentRuntime/Authoring/TextEstimate.hpp"
+#include "DocumentRuntime/Authoring/SlideGeometry.hpp"
 #include "Support/RefusalTable.hpp"
 #include "Support/SampleTable.hpp"
 

@@ -71,15 +71,15 @@ TEST(SerialDate, ISODatesAndTimes) {
     EXPECT_FALSE(SerialDate::isoDateOnly(text)) << text;
   for (const auto& time :
        testing::words("23:59:59Z 00:00:00.5Z 00:00:00.123456789+14:00 12:00:00-00:30 12:00:00+23:59"))
-    EXPECT_TRUE(SerialDate::isoDateTime("2024-02-29T" + time)) << time;
+    EXPECT_TRUE(SerialDate::parseISODateTime("2024-02-29T" + time)) << time;
   for (const auto& time : testing::words(R"(
       12:00:00 12:00Z 12:00:00z 24:00:00Z 12:60:00Z 23:59:60Z 12:00:00.Z 12:00:00.5 12:00:00,5Z 12:00:00+1:00
       12:00:00+24:00 12:00:00+00:60 12:00:00+0100 12:00:00+01 12:00:00ZZ 12:00:00Z␠ 12:00:00␠Z)"))
-    EXPECT_FALSE(SerialDate::isoDateTime("2024-02-29T" + time)) << time;
+    EXPECT_FALSE(SerialDate::parseISODateTime("2024-02-29T" + time)) << time;
   for (const auto& text : testing::words(R"(
       2024-02-29 2024-02-29␠12:00:00Z 2024-02-29t12:00:00Z 2023-02-29T12:00:00Z)"))
-    EXPECT_FALSE(SerialDate::isoDateTime(text)) << text;
-  EXPECT_FALSE(SerialDate::isoDateOnly("") || SerialDate::isoDateTime(""));
+    EXPECT_FALSE(SerialDate::parseISODateTime(text)) << text;
+  EXPECT_FALSE(SerialDate::isoDateOnly("") || SerialDate::parseISODateTime(""));
 }
 
 }  // namespace

@@ -8,7 +8,7 @@
 
 #include "DocumentRuntime/Errors/Cancelled.hpp"
 #include "DocumentRuntime/PackageIO/BoundedZIP.hpp"
-#include "DocumentRuntime/PackageIO/OOXMLSupport.hpp"
+#include "DocumentRuntime/PackageIO/PackageGate.hpp"
 #include "Support/Cancellation.hpp"
 #include "Support/PackageBuilder.hpp"
 #include "Support/RefusalTable.hpp"

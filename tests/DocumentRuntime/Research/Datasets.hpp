@@ -5,7 +5,7 @@
 #include <utility>
 #include <vector>
 
-#include "DocumentRuntime/Research/ResearchSpreadsheet.hpp"
+#include "DocumentRuntime/Research/Dataset/Spreadsheet.hpp"
 #include "Support/Texts.hpp"
 
 /// Datasets and formulas in few words.

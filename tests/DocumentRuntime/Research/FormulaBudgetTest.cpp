@@ -1,9 +1,10 @@
+// Owns the budgets of formulas.
+
 #include <gtest/gtest.h>
 
 #include "Datasets.hpp"
 #include "DocumentRuntime/Cells/NumberText.hpp"
-#include "DocumentRuntime/Research/ResearchFormulaEvaluator.hpp"
-#include "DocumentRuntime/Research/ResearchSpreadsheetCoding.hpp"
+#include "DocumentRuntime/Research/Dataset/FormulaEvaluator.hpp"
 #include "Support/RefusalTable.hpp"
 
 namespace zelvo {
@@ -47,49 +48,47 @@ ResearchSpreadsheet tableOf(std::size_t count, const Formula& formula) {
   return dataset;
 }
 
-TEST(FormulaBudget, Calculations) {
-  ResearchSpreadsheet dataset = tableOf(1000, constant(1));
-  EXPECT_EQ(outcome(dataset), "");
-  addCalculations(dataset, 1, Formula{});
-  EXPECT_EQ(outcome(dataset), "resourceLimit: calculation count");
-}
-
-TEST(FormulaBudget, Depth) {
-  EXPECT_EQ(outcome(tableOf(1, nested(constant(1), 31))), "");
-  EXPECT_EQ(outcome(tableOf(1, nested(Formula{}, 32))), "resourceLimit: formula expression");
-}
-
-TEST(FormulaBudget, Nodes) {
-  // 1000 formulas of 50 nodes: the operation, 31 constants, and a count of 17.
-  std::vector<Formula> arguments(31, constant(1));
-  arguments.push_back(apply(count, std::vector<Formula>(17, constant(1))));
-  ResearchSpreadsheet dataset = tableOf(1000, apply(count, arguments));
-  EXPECT_EQ(outcome(dataset), "");
-  dataset.calculations->back().formula.arguments->back().arguments->push_back(Formula{});
-  EXPECT_EQ(outcome(dataset), "resourceLimit: formula expression");
-}
-
-TEST(FormulaBudget, CellReads) {
-  // 40 formulas that read 500 rows of ten columns.
-  ResearchSpreadsheet dataset = tableOf(40, apply(count, {rangeOf(0, 0, tallRows - 1, 9)}));
-  EXPECT_EQ(outcome(dataset), "");
-  addCalculations(dataset, 1, cellAt(-1, -1));
-  EXPECT_EQ(outcome(dataset), "resourceLimit: formula cell dependencies");
-}
-
-TEST(FormulaBudget, Text) {
-  const double widest = -1.2345678901234567e-300;
-  ASSERT_EQ(DoubleText::shortest(widest).size(), 24U);
-  const Formula block = apply(count, std::vector<Formula>(32, constant(widest)));
-  const auto endingIn = [&](double last) {
-    std::vector<Formula> arguments(10, block);
-    arguments.resize(14, constant(widest));
-    arguments.push_back(constant(last));
-    return tableOf(1, apply(count, arguments));
+TEST(FormulaBudget, HoldsAtEachBound) {
+  constexpr double widest = -1.2345678901234567e-300;  // 24 characters
+  const auto ones = [](std::size_t count) { return std::vector<Formula>(count, constant(1)); };
+  const auto nodes = [&](ResearchSpreadsheet& dataset, std::size_t innermost) {
+    std::vector<Formula> arguments = ones(31);
+    arguments.push_back(apply(count, ones(17)));
+    dataset = tableOf(999, apply(count, arguments));  // of 50 nodes each
+    arguments.back() = apply(count, ones(innermost - 33));
+    addCalculations(dataset, 1, apply(count, arguments));
   };
-  const ResearchSpreadsheet dataset = endingIn(123456789012.25);
-  EXPECT_EQ(ResearchFormulaEvaluator::resolve(dataset).at(0).formula.size(), 8192U);
-  EXPECT_EQ(outcome(endingIn(123456789012.125)), "resourceLimit: formula text or numeric result");
+  const auto text = [&](ResearchSpreadsheet& dataset, std::size_t bytes) {
+    std::vector<Formula> arguments(10, apply(count, std::vector<Formula>(32, constant(widest))));
+    arguments.resize(14, constant(widest));
+    arguments.push_back(constant(bytes == 8192 ? 123456789012.25 : 123456789012.125));
+    dataset = tableOf(1, apply(count, arguments));
+  };
+  const auto reads = [](ResearchSpreadsheet& dataset, std::size_t formulas) {
+    dataset = tableOf(40, apply(count, {rangeOf(0, 0, tallRows - 1, 9)}));
+    addCalculations(dataset, formulas - 40, cellAt(-1, -1));
+  };
+  // A dependency that is met at depth 32 must have been resolved before; its own formula begins at depth 1.
+  const auto dependency = [](ResearchSpreadsheet& dataset, std::size_t levels) {
+    dataset = tallTable();
+    dataset.calculations = {{0, 0, nested(cellAt(1, 0), static_cast<int>(levels))},
+                            {1, 0, nested(constant(1), 31)}};
+  };
+  const std::string circular = "validationFailed: Circular or deeply nested formula dependencies.";
+  expectLimits<ResearchSpreadsheet>(
+      {{"calculations", 1000, "resourceLimit: calculation count",
+        [](auto& dataset, std::size_t n) { dataset = tableOf(n, constant(1)); }},
+       {"depth", 31, "resourceLimit: formula expression",
+        [](auto& dataset, std::size_t n) { dataset = tableOf(1, nested(constant(1), static_cast<int>(n))); }},
+       {"nodes", 50, "resourceLimit: formula expression", nodes},
+       {"cell reads", 40, "resourceLimit: formula cell dependencies", reads},
+       {"text", 8192, "resourceLimit: formula text or numeric result", text},
+       {"depth of a dependency", 30, circular, dependency}},
+      ResearchFormulaEvaluator::resolve);
+  ResearchSpreadsheet resolvedBefore;
+  dependency(resolvedBefore, 31);
+  std::swap(resolvedBefore.calculations->front(), resolvedBefore.calculations->back());
+  EXPECT_EQ(outcome(resolvedBefore), "");
 }
 
 /// A dataset of 1000 calculations, each one more than the next, and 7 at the end.
@@ -117,21 +116,7 @@ TEST(FormulaBudget, LongChainsResolveFromEitherEnd) {
   EXPECT_EQ(outcome(circle), "validationFailed: Circular or deeply nested formula dependencies.");
 }
 
-// A dependency that is met at depth 32 must have been resolved before; its own formula begins at depth 1.
-TEST(FormulaBudget, DependenciesAtTheDeepestNode) {
-  const auto dataset = [](int levels, bool isResolvedBefore) {
-    ResearchSpreadsheet result = tallTable();
-    result.calculations = {{0, 0, nested(cellAt(1, 0), levels)}, {1, 0, nested(constant(1), 31)}};
-    if (isResolvedBefore) std::swap(result.calculations->front(), result.calculations->back());
-    return result;
-  };
-  EXPECT_EQ(outcome(dataset(30, false)), "");
-  EXPECT_EQ(outcome(dataset(31, false)), "validationFailed: Circular or deeply nested formula dependencies.");
-  EXPECT_EQ(outcome(dataset(31, true)), "");
-}
-
-// What the budgets leave to a response that means harm; whoever takes long here runs into the suite's
-// time limit.
+// The most work that the budgets allow; quadratic work exceeds the time limit of the suite.
 TEST(FormulaBudget, HostileDatasetsWithinTheBudgets) {
   Formula wide = apply(sum, std::vector<Formula>(17, constant(1)));
   for (int i = 0; i < 30; ++i)

@@ -1,7 +1,9 @@
+// Owns the values and texts of formulas.
+
 #include <gtest/gtest.h>
 
 #include "Datasets.hpp"
-#include "DocumentRuntime/Research/ResearchFormulaEvaluator.hpp"
+#include "DocumentRuntime/Research/Dataset/FormulaEvaluator.hpp"
 
 namespace zelvo {
 namespace {

@@ -1,11 +1,13 @@
+// Owns what the evaluator refuses.
+
 #include <cmath>
 #include <limits>
 
 #include <gtest/gtest.h>
 
 #include "Datasets.hpp"
-#include "DocumentRuntime/Research/FormulaUnits.hpp"
-#include "DocumentRuntime/Research/ResearchFormulaEvaluator.hpp"
+#include "DocumentRuntime/Research/Dataset/FormulaEvaluator.hpp"
+#include "DocumentRuntime/Research/Dataset/FormulaRules.hpp"
 #include "Support/RefusalTable.hpp"
 
 namespace zelvo {

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "DocumentRuntime/Research/Dataset/Spreadsheet.hpp"
+
+/// The native chart of a dataset, over a sheet named "Data" whose first row holds the headings.
+namespace zelvo::ResearchChartAuthor {
+
+/// The appearance of a chart. By default office programs rotate crowded labels, draw them across bars below
+/// zero, and smooth lines.
+struct Looks {
+  bool labelsBelow = false;    ///< category labels are below all bars, not along the axis
+  bool straightLines = false;  ///< lines run straight from point to point
+  int labelSize = 0;           ///< of wrapped category labels, in points; 0 = unset
+};
+
+/// The chart part, without the XML declaration. The dataset and the chart must have passed validation:
+/// `cells` are the resolved ones, one a column.
+///
+/// `embedded`: the sheet is in a workbook of its own, related to the part as "rId1". `columnMap`
+/// maps the dataset's columns to the sheet's, where they differ, both zero-based. `zeroBaseline` pins
+/// the value axis of a bar chart at zero where all values lie on one side of it.
+std::string xml(const ResearchSpreadsheet& content,
+                const std::vector<std::vector<ResearchSpreadsheet::Cell>>& cells,
+                const ResearchSpreadsheet::Chart& chart, bool embedded,
+                const std::map<std::int64_t, std::int64_t>& columnMap, bool zeroBaseline,
+                const Looks& looks = {});
+
+/// The letter of a zero-based column. One letter is enough: a dataset has at most twelve columns.
+char letter(std::int64_t index);
+
+/// The name of a series, as legends show it: the column's, with its unit, where that is not empty.
+std::string seriesName(const ResearchSpreadsheet::Column& column);
+
+/// A user's text as charts show it, unescaped: without control characters.
+std::string cleaned(std::string_view text);
+
+}  // namespace zelvo::ResearchChartAuthor

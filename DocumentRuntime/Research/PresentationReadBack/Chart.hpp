@@ -1,0 +1,18 @@
+#pragma once
+
+#include <stop_token>
+
+#include "DocumentRuntime/PackageIO/XMLTree.hpp"
+#include "DocumentRuntime/Records/ByteBuffer.hpp"
+#include "DocumentRuntime/Research/PresentationModel/Presentation.hpp"
+
+namespace zelvo {
+
+/// Compares the caches of a written chart part, and its workbook, with the data that the chart must show.
+/// Throws `DocumentError` validationFailed "Slide chart data did not survive delivery."; what
+/// `WorkbookReader` throws; `Cancelled`.
+void readBackSlideChart(XMLNode chartSpace, const ByteBuffer& workbook,
+                        const ResearchPresentation::ResolvedChartBinding& binding,
+                        const std::stop_token& stop = {});
+
+}  // namespace zelvo

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "DocumentRuntime/Research/Dataset/Spreadsheet.hpp"
+
+/// The texts that a written presentation must hold, by rules of its own: the check shares nothing with the
+/// authors that it checks, or their mistakes would pass. All are without the characters that XML cannot
+/// carry.
+namespace zelvo::ReadBackTexts {
+
+/// A text of the model on a slide: with one space for each line break and tab.
+std::string onSlide(std::string_view text);
+
+/// A text of the dataset in a chart or its workbook: without control characters, line breaks included.
+std::string inChart(std::string_view text);
+
+/// The name of a column as a series and as a heading: with its unit in parentheses, unless that is empty.
+std::string seriesName(const ResearchSpreadsheet::Column& column);
+
+}  // namespace zelvo::ReadBackTexts

@@ -1,0 +1,116 @@
+#include "DocumentRuntime/Research/Slides/Shapes.hpp"
+
+#include <cmath>
+
+#include "DocumentRuntime/PackageIO/PartWriting.hpp"
+#include "DocumentRuntime/Research/Slides/Text.hpp"
+
+namespace zelvo {
+namespace {
+
+using SlideShapes::Area;
+using SlideShapes::Identity;
+using SlideShapes::TextStyle;
+
+constexpr int hundredthsPerPoint = 100;
+
+int hundredths(double points) {
+  return static_cast<int>(std::lround(points * hundredthsPerPoint));
+}
+
+void appendIdentity(std::string& xml, const Identity& identity) {
+  OOXML::append(xml, R"(<p:cNvPr id=")", identity.id, R"(" name=")", identity.name, "\"");
+  if (!identity.description.empty())
+    OOXML::append(xml, R"( descr=")", OOXML::escaped(identity.description), "\"");
+  xml += "/>";
+}
+
+void appendArea(std::string& xml, const Area& area) {
+  OOXML::append(xml, R"(<a:off x=")", area.x, R"(" y=")", area.y, R"("/><a:ext cx=")", area.width,
+                R"(" cy=")", area.height, R"("/>)");
+}
+
+void appendFill(std::string& xml, std::string_view colour) {
+  OOXML::append(xml, R"(<a:solidFill><a:schemeClr val=")", colour, R"("/></a:solidFill>)");
+}
+
+void appendTextStart(std::string& xml, const Identity& identity, const Area& area, const TextStyle& style) {
+  xml += "<p:sp><p:nvSpPr>";
+  appendIdentity(xml, identity);
+  xml += identity.isTitle ? R"(<p:cNvSpPr/><p:nvPr><p:ph type="title"/></p:nvPr></p:nvSpPr><p:spPr><a:xfrm>)"
+                          : R"(<p:cNvSpPr txBox="1"/><p:nvPr/></p:nvSpPr><p:spPr><a:xfrm>)";
+  appendArea(xml, area);
+  OOXML::append(xml,
+                R"(</a:xfrm><a:prstGeom prst="rect"><a:avLst/></a:prstGeom><a:noFill/></p:spPr><p:txBody>)",
+                R"(<a:bodyPr wrap="square" lIns="0" tIns="0" rIns="0" bIns="0" anchor=")", style.anchor,
+                R"("><a:noAutofit/></a:bodyPr><a:lstStyle/>)");
+}
+
+/// Line heights are fixed, so that no fallback font with taller lines makes a text outgrow its area.
+void appendParagraphProperties(std::string& xml, const TextStyle& style, bool first) {
+  OOXML::append(xml, R"(<a:pPr algn=")", style.alignment, "\"");
+  if (style.bulleted) {
+    OOXML::append(xml, R"( marL=")", SlideShapes::bulletIndent, R"(" indent="-)", SlideShapes::bulletIndent,
+                  "\"");
+  }
+  OOXML::append(xml, R"(><a:lnSpc><a:spcPts val=")", hundredths(style.size * SlideText::lineSpacing),
+                R"("/></a:lnSpc><a:spcBef><a:spcPts val=")",
+                first ? 0 : hundredths(style.size * SlideText::paragraphSpacing), R"("/></a:spcBef>)");
+  xml +=
+      style.bulleted ? R"(<a:buFont typeface="Arial"/><a:buChar char="•"/></a:pPr>)" : "<a:buNone/></a:pPr>";
+}
+
+void appendRunProperties(std::string& xml, const TextStyle& style) {
+  OOXML::append(xml, R"(<a:rPr lang="en-US" sz=")", hundredths(style.size), R"(" b=")", style.bold ? 1 : 0,
+                R"(">)");
+  appendFill(xml, style.colour);
+  xml += R"(<a:latin typeface="Arial"/></a:rPr>)";
+}
+
+}  // namespace
+
+void SlideShapes::appendText(std::string& xml, const Identity& identity, const Area& area,
+                             const std::vector<std::string>& paragraphs, const TextStyle& style) {
+  appendTextStart(xml, identity, area, style);
+  for (std::size_t i = 0; i < paragraphs.size(); ++i) {
+    xml += "<a:p>";
+    appendParagraphProperties(xml, style, i == 0);
+    xml += "<a:r>";
+    appendRunProperties(xml, style);
+    OOXML::append(xml, "<a:t>", OOXML::escaped(paragraphs[i]), "</a:t></a:r></a:p>");
+  }
+  xml += "</p:txBody></p:sp>";
+}
+
+void SlideShapes::appendSlideNumber(std::string& xml, const Identity& identity, const Area& area,
+                                    std::size_t number, const TextStyle& style) {
+  appendTextStart(xml, identity, area, style);
+  xml += "<a:p>";
+  appendParagraphProperties(xml, style, true);
+  xml += R"(<a:fld id="{6E9C5C1B-0B4D-4A0E-9B0C-3F0E5A5D7C11}" type="slidenum">)";
+  appendRunProperties(xml, style);
+  OOXML::append(xml, "<a:t>", number, "</a:t></a:fld></a:p></p:txBody></p:sp>");
+}
+
+void SlideShapes::appendRectangle(std::string& xml, const Identity& identity, const Area& area,
+                                  std::string_view colour) {
+  xml += "<p:sp><p:nvSpPr>";
+  appendIdentity(xml, identity);
+  xml += "<p:cNvSpPr/><p:nvPr/></p:nvSpPr><p:spPr><a:xfrm>";
+  appendArea(xml, area);
+  xml += R"(</a:xfrm><a:prstGeom prst="rect"><a:avLst/></a:prstGeom>)";
+  appendFill(xml, colour);
+  xml += "<a:ln><a:noFill/></a:ln></p:spPr></p:sp>";
+}
+
+void SlideShapes::appendChart(std::string& xml, const Identity& identity, const Area& area) {
+  xml += "<p:graphicFrame><p:nvGraphicFramePr>";
+  appendIdentity(xml, identity);
+  xml += "<p:cNvGraphicFramePr/><p:nvPr/></p:nvGraphicFramePr><p:xfrm>";
+  appendArea(xml, area);
+  xml += R"(</p:xfrm><a:graphic><a:graphicData uri="http://schemas.openxmlformats.org/drawingml/2006/chart">)"
+         R"(<c:chart xmlns:c="http://schemas.openxmlformats.org/drawingml/2006/chart" r:id="rId2"/>)"
+         R"(</a:graphicData></a:graphic></p:graphicFrame>)";
+}
+
+}  // namespace zelvo
