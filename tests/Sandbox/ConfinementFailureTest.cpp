@@ -7,11 +7,11 @@
 
 #include <gtest/gtest.h>
 
+#include "Sandbox/ConfinedRun.hpp"
 #include "System/ForeignFilter.hpp"
 #include "System/ForkedChild.hpp"
 #include "System/StandardStreams.hpp"
 #include "System/SystemCallFilters.hpp"
-#include "zelvo_document_worker/WorkerConfinement.hpp"
 
 namespace zelvo {
 namespace {
