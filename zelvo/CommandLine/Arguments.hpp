@@ -6,23 +6,21 @@
 #include <vector>
 
 #include "DocumentRuntime/Records/DocumentModels.hpp"
-#include "zelvo/ExitStatus.hpp"
-#include "zelvo/ResearchCommandLine.hpp"
 
+// The arguments of each command. A file "-" is standard input, or standard output where it is an output.
 namespace zelvo {
 
-/// Everywhere, "-" as a file is standard input.
 struct InspectArguments {
   std::vector<std::string> files;  ///< at least one
   bool json = false;
 };
 
 struct ExtractArguments {
-  enum class Form { people, json, csv };
+  enum class Form { text, json, csv };
 
   std::string workbook;  ///< a file
   TableSelection selection;
-  Form form = Form::people;
+  Form form = Form::text;
 };
 
 /// A chart as the command line names it.
@@ -36,7 +34,7 @@ struct CreateArguments {
   TableSelection selection;
   std::string title;
   std::optional<ChartArguments> chart;
-  std::string output;  ///< a file, or "-" for standard output
+  std::string output;  ///< a file
   DocumentFormat format = DocumentFormat::docx;
 };
 
@@ -48,18 +46,45 @@ struct ValidateArguments {
   bool json = false;
 };
 
-/// What to do: one alternative a subcommand.
-using Command =
-    std::variant<InspectArguments, ExtractArguments, CreateArguments, ValidateArguments, ResearchCommand>;
-
-/// Nothing to do but to say this: help, the version, or what is wrong with the command line.
-struct Ending {
-  ExitStatus status;
-  std::string output;     ///< for standard output, with its line feeds
-  std::string complaint;  ///< a message without prefix and line feed; empty for none
+/// What rows and slides may cite.
+struct SourceArguments {
+  std::vector<std::string> sources;  ///< URLs
+  bool noSources = false;            ///< no URL may be cited; without it an empty list allows every URL
+  std::string scopeFile;             ///< empty for none
 };
 
-/// Every value comes out as it was given: nothing is split, expanded or taken from the environment.
-std::variant<Command, Ending> parseCommandLine(int count, const char* const* arguments);
+struct ResearchCheckArguments {
+  std::string dataset;  ///< a file
+  bool requireChart = false;
+  SourceArguments sources;
+};
+
+struct ResearchWorkbookArguments {
+  std::string dataset;  ///< a file
+  std::string title;
+  SourceArguments sources;
+  std::string output;  ///< a file
+};
+
+struct ResearchReportArguments {
+  std::string report;  ///< a file
+  std::string title;
+  std::vector<std::string> sources;  ///< URLs, in the order in which they are listed
+  std::string output;                ///< a file
+};
+
+struct ResearchPresentationArguments {
+  std::string deck;      ///< a file
+  std::string dataset;   ///< a file of one dataset; empty for none
+  std::string datasets;  ///< a file of several; empty for none, and if there is a `dataset`
+  std::vector<std::string> allowedDatasets;  ///< identifiers among `datasets`; empty for all
+  SourceArguments sources;
+  std::string output;  ///< a file; empty to print the deck as JSON
+};
+
+/// The arguments of the given command.
+using Command = std::variant<InspectArguments, ExtractArguments, CreateArguments, ValidateArguments,
+                             ResearchCheckArguments, ResearchWorkbookArguments, ResearchReportArguments,
+                             ResearchPresentationArguments>;
 
 }  // namespace zelvo

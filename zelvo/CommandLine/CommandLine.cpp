@@ -1,29 +1,29 @@
-#include "zelvo/CommandLine.hpp"
+#include "zelvo/CommandLine/CommandLine.hpp"
 
-#include <algorithm>
 #include <sstream>
 #include <string_view>
 #include <utility>
 
 #include <CLI/CLI.hpp>
 
-#include "zelvo/CommandLineValues.hpp"
+#include "Text/ASCII.hpp"
+#include "zelvo/CommandLine/OptionValues.hpp"
 
 namespace zelvo {
 namespace {
 
 constexpr const char* footer =
-    R"("-" as a file is standard input, and for -o standard output, which must not be a terminal. For create it
-has no ending to tell the format: it is a presentation with --chart, and a Word document without.
+    R"("-" as a file is standard input, and for -o standard output, which must not be a terminal. create -o -
+writes a presentation with --chart, and a Word document without.
 
-Exit status: 0 success, 1 a document was refused or a file could not be read or written, 2 wrong usage,
-3 the worker could not be run or broke; with several files the highest.)";
+Exit status: 0 success, 1 a document was refused or a file could not be read or written, 2 invalid command
+line, 3 the worker could not be run or failed; with several files the highest.)";
 
 /// The format that a file's ending names.
 std::optional<DocumentFormat> formatOf(std::string_view path) {
-  const std::string ending(path.substr(path.size() - std::min<std::size_t>(path.size(), 5)));
-  if (CLI::detail::to_lower(ending) == ".docx") return DocumentFormat::docx;
-  if (CLI::detail::to_lower(ending) == ".pptx") return DocumentFormat::pptx;
+  const std::string name = ASCII::lowercased(path);
+  if (name.ends_with(".docx")) return DocumentFormat::docx;
+  if (name.ends_with(".pptx")) return DocumentFormat::pptx;
   return std::nullopt;
 }
 
@@ -36,7 +36,7 @@ class InspectParser {
   explicit InspectParser(CLI::App& tool) {
     CLI::App* command = tool.add_subcommand("inspect", "Describe the sheets of XLSX workbooks");
     files_ = command->add_option("BOOK.xlsx", given_.files, "Workbooks")->required()->type_name("");
-    command->add_flag("--json", given_.json, "Print one JSON record a line");
+    command->add_flag("--json", given_.json, "Print one JSON record per line");
   }
   InspectParser(const InspectParser&) = delete;
   InspectParser& operator=(const InspectParser&) = delete;
@@ -49,16 +49,16 @@ class InspectParser {
   CLI::Option* files_ = nullptr;
 };
 
-/// Which table of which workbook.
+/// A workbook and a table in it.
 class SelectionOptions {
  public:
   explicit SelectionOptions(CLI::App& command)
       : workbook_(command.add_option("BOOK.xlsx", "Workbook")->required()->type_name("")),
         sheet_(addText(command, "--sheet", "The worksheet")->required()->type_name("NAME")),
         range_(addText(command, "--range", "The cells, like A1:D20")->required()->type_name("RANGE")),
-        noHeader_(addFlag(command, "--no-header", "The first row holds data, not the columns' titles")),
-        hidden_(addFlag(command, "--include-hidden", "Take hidden rows, too")),
-        cached_(addFlag(command, "--cached-formulas", "Take the saved results of formulas")) {}
+        noHeader_(addFlag(command, "--no-header", "The first row contains data, not column titles")),
+        hidden_(addFlag(command, "--include-hidden", "Include hidden rows")),
+        cached_(addFlag(command, "--cached-formulas", "Use the saved results of formulas")) {}
 
   std::string workbook() const { return value(*workbook_); }
   TableSelection selection() const {
@@ -81,8 +81,8 @@ class SelectionOptions {
 class ChartOptions {
  public:
   explicit ChartOptions(CLI::App& command)
-      : columns_(
-            addText(command, "--chart", "Columns of a chart, by title or zero-based index; Word has none")),
+      : columns_(addText(command, "--chart",
+                         "Columns of a chart, by title or zero-based index; ignored for Word")),
         title_(addText(command, "--chart-title", "The chart's title")->needs(columns_)) {
     columns_->type_name("CATEGORY:VALUE")->check([](const std::string& text) {
       return text.find(':') != std::string::npos ? "" : "The columns must be given as CATEGORY:VALUE";
@@ -104,13 +104,13 @@ class ExtractParser {
   explicit ExtractParser(CLI::App& tool)
       : command_(tool.add_subcommand("extract", "Show a table of an XLSX workbook")), table_(*command_) {
     json_ = addFlag(*command_, "--json", "Print the table's JSON record");
-    csv_ = addFlag(*command_, "--csv", "Print what the cells show as CSV")->excludes(json_);
+    csv_ = addFlag(*command_, "--csv", "Print the displayed cells as CSV")->excludes(json_);
   }
 
   bool isGiven() const { return command_->parsed(); }
   ExtractArguments arguments() const {
     using enum ExtractArguments::Form;
-    const auto form = !json_->empty() ? json : !csv_->empty() ? csv : people;
+    const auto form = !json_->empty() ? json : !csv_->empty() ? csv : text;
     return {.workbook = table_.workbook(), .selection = table_.selection(), .form = form};
   }
 
@@ -121,7 +121,7 @@ class ExtractParser {
   CLI::Option* csv_ = nullptr;
 };
 
-/// The format of the document in a file of that name, which has passed its check.
+/// The format of the document in a file with a checked name.
 DocumentFormat formatOf(const std::string& path, const std::optional<ChartArguments>& chart) {
   return formatOf(path).value_or(chart ? DocumentFormat::pptx : DocumentFormat::docx);
 }
@@ -133,7 +133,7 @@ class CreateParser {
         table_(*command_),
         title_(addText(*command_, "--title", "The document's title")->required()),
         chart_(*command_),
-        output_(command_->add_option("-o", "What to write")->required()) {
+        output_(command_->add_option("-o", "The output file")->required()) {
     output_->type_name("OUT.docx|OUT.pptx")->check(checkDocumentName);
   }
 
@@ -160,9 +160,10 @@ class CreateParser {
 class ValidateParser {
  public:
   explicit ValidateParser(CLI::App& tool)
-      : command_(tool.add_subcommand("validate", "Prove that a document is one that create wrote")),
+      : command_(tool.add_subcommand("validate", "Verify that a document is one that create wrote")),
         document_(command_->add_option("DOC.docx|DOC.pptx", "Document")->required()),
-        expected_(command_->add_option("--expect", "The table that it must show, from extract --json")),
+        expected_(
+            command_->add_option("--expect", "The table that the document must show, from extract --json")),
         chart_(*command_),
         json_(addFlag(*command_, "--json", "Print the JSON record")) {
     document_->type_name("")->check(checkDocumentName);
@@ -188,16 +189,19 @@ class ValidateParser {
   CLI::Option* json_;
 };
 
-Ending endingOf(const CLI::App& tool, const CLI::ParseError& end) {
+using ParsedCommandLine = std::variant<Command, Information>;
+
+/// CLI11 reports a request for help as an error, too.
+Result<ParsedCommandLine> resultOf(const CLI::App& tool, const CLI::ParseError& end) {
   std::ostringstream output;
   std::ostringstream errors;
-  if (tool.exit(end, output, errors) == 0) return {ExitStatus::success, output.str(), {}};
-  return {ExitStatus::usage, {}, withoutGuards(end.what()) + " (see zelvo --help)"};
+  if (tool.exit(end, output, errors) == 0) return ParsedCommandLine(Information{output.str()});
+  return CommandError{ExitStatus::usage, withoutGuards(end.what()) + " (see zelvo --help)"};
 }
 
 }  // namespace
 
-std::variant<Command, Ending> parseCommandLine(int count, const char* const* arguments) {
+Result<ParsedCommandLine> parseCommandLine(int count, const char* const* arguments) {
   CLI::App tool("Reads and writes office documents in a confined worker process.", "zelvo");
   tool.set_version_flag("--version", "zelvo " ZELVO_VERSION);
   tool.set_help_all_flag("--help-all", "Print the help of every subcommand and exit");
@@ -209,19 +213,22 @@ std::variant<Command, Ending> parseCommandLine(int count, const char* const* arg
   const ValidateParser validate(tool);
   const ResearchParser research(tool);
 
-  std::vector<std::string> reversed;  // as CLI11 wants it
+  std::vector<std::string> reversed;  // the order that CLI11 requires
   for (int i = count - 1; i > 0; --i)
     reversed.push_back(guarded(arguments[i]));
   try {
     tool.parse(std::move(reversed));
   } catch (const CLI::ParseError& end) {
-    return endingOf(tool, end);
+    return resultOf(tool, end);
   }
-  if (extract.isGiven()) return extract.arguments();
-  if (create.isGiven()) return create.arguments();
-  if (validate.isGiven()) return validate.arguments();
-  if (auto command = research.command()) return *std::move(command);
-  return inspect.arguments();
+  const auto command = [&]() -> Command {
+    if (extract.isGiven()) return extract.arguments();
+    if (create.isGiven()) return create.arguments();
+    if (validate.isGiven()) return validate.arguments();
+    if (auto given = research.command()) return *std::move(given);
+    return inspect.arguments();
+  };
+  return ParsedCommandLine(command());
 }
 
 }  // namespace zelvo

@@ -1,4 +1,4 @@
-#include "zelvo/CommandLineValues.hpp"
+#include "zelvo/CommandLine/OptionValues.hpp"
 
 #include <algorithm>
 
@@ -9,7 +9,7 @@
 namespace zelvo {
 namespace {
 
-/// CLI11 takes a list's value that looks like "[a,b]" apart. A NUL, which no argument can hold, hides the
+/// CLI11 splits a list's value that looks like "[a,b]". A NUL, which no argument can contain, hides the
 /// bracket.
 constexpr char guard = '\0';
 

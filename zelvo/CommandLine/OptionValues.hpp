@@ -9,20 +9,20 @@ class App;
 class Option;
 }  // namespace CLI
 
-/// The values of options exactly as they were given, past the conversions of the command line's parser.
+/// The values of options exactly as they were given, without the conversions of CLI11.
 namespace zelvo {
 
-/// An argument as the parser must see it to leave it alone.
+/// Marks an argument so that CLI11 does not split it.
 std::string guarded(std::string_view value);
-/// The value again, or a message that quotes it.
+/// Removes the marks from a value, or from a message that quotes it.
 std::string withoutGuards(std::string text);
 
-/// A list's values.
+/// All values of an option.
 std::vector<std::string> values(const CLI::Option& option);
-/// Empty for none.
+/// The last value of an option; empty if there is none.
 std::string value(const CLI::Option& option);
 
-/// Lets only UTF-8 pass: what goes into records and documents. File names may be any bytes.
+/// Makes the option accept only UTF-8, as records and documents need it. File names may be any bytes.
 CLI::Option* requireText(CLI::Option* option);
 CLI::Option* addText(CLI::App& command, const std::string& name, const std::string& description);
 CLI::Option* addFlag(CLI::App& command, const std::string& name, const std::string& description);

@@ -1,8 +1,8 @@
-#include "zelvo/ResearchCommandLine.hpp"
-
 #include <CLI/CLI.hpp>
 
-#include "zelvo/CommandLineValues.hpp"
+#include "Text/ASCII.hpp"
+#include "zelvo/CommandLine/CommandLine.hpp"
+#include "zelvo/CommandLine/OptionValues.hpp"
 
 namespace zelvo {
 namespace {
@@ -15,28 +15,28 @@ CLI::Option* addTitle(CLI::App& command) {
   return addText(command, "--title", "The document's title")->required();
 }
 
-/// One value each time: what follows may be a file.
+/// Takes one value per use, because a file may follow.
 CLI::Option* addSources(CLI::App& command, const std::string& description) {
   return addText(command, "--source", description)->type_name("URL")->take_all();
 }
 
 CLI::Option* addOutput(CLI::App& command, const std::string& ending) {
   const auto check = [ending](const std::string& path) {
-    const bool isGood = path == "-" || CLI::detail::to_lower(path).ends_with(ending);
+    const bool isGood = path == "-" || ASCII::lowercased(path).ends_with(ending);
     return isGood ? std::string() : "The file's name must end in " + ending;
   };
-  return command.add_option("-o", "What to write")->type_name("OUT" + ending)->check(check);
+  return command.add_option("-o", "The output file")->type_name("OUT" + ending)->check(check);
 }
 
-/// A file of the host's that says what is trusted. An empty name, as an unset variable of a script gives it,
-/// would pass for no such file, and so for less to check.
+/// A file that the host trusts. An empty name, such as an unset variable of a script, is refused: it would
+/// look like an absent option and disable a check.
 CLI::Option* addHostFile(CLI::App& command, const std::string& name, const std::string& description) {
   return command.add_option(name, description)->check([](const std::string& path) {
     return path.empty() ? "The file's name is empty" : "";
   });
 }
 
-/// What may be cited.
+/// The sources that may be cited.
 class SourceOptions {
  public:
   explicit SourceOptions(CLI::App& command)
@@ -61,7 +61,7 @@ class CheckParser {
         dataset_(addFile(*command_, "DATASET.json", "Dataset")),
         requireChart_(addFlag(*command_, "--require-chart", "Refuse a dataset without charts")),
         sources_(*command_) {
-    addFlag(*command_, "--json", "Print JSON, which is also the default here");
+    addFlag(*command_, "--json", "Print JSON (the default)");
   }
 
   bool isGiven() const { return command_->parsed(); }
@@ -134,7 +134,7 @@ class DatasetOptions {
   explicit DatasetOptions(CLI::App& command)
       : dataset_(addHostFile(command, "--dataset", "The dataset that the deck shares")),
         datasets_(addHostFile(command, "--datasets", "The datasets that the deck may name")),
-        allowed_(addText(command, "--allow-dataset", "One of them that it may show; all without")) {
+        allowed_(addText(command, "--allow-dataset", "A dataset that the deck may use; without it, all")) {
     dataset_->type_name("DATASET.json");
     datasets_->type_name("DATASETS.json")->excludes(dataset_);
     allowed_->type_name("ID")->take_all()->needs(datasets_);
@@ -153,7 +153,7 @@ class DatasetOptions {
 class PresentationParser {
  public:
   explicit PresentationParser(CLI::App& research)
-      : command_(research.add_subcommand("presentation", "Validate a deck and draw it as a presentation")),
+      : command_(research.add_subcommand("presentation", "Validate a deck and write it as a presentation")),
         deck_(addFile(*command_, "DECK.json", "Deck")),
         data_(*command_),
         sources_(*command_),
@@ -200,7 +200,7 @@ ResearchParser::ResearchParser(CLI::App& tool)
 
 ResearchParser::~ResearchParser() = default;
 
-std::optional<ResearchCommand> ResearchParser::command() const {
+std::optional<Command> ResearchParser::command() const {
   if (subcommands_->check.isGiven()) return subcommands_->check.arguments();
   if (subcommands_->workbook.isGiven()) return subcommands_->workbook.arguments();
   if (subcommands_->report.isGiven()) return subcommands_->report.arguments();

@@ -1,4 +1,4 @@
-#include "zelvo/ChartColumns.hpp"
+#include "zelvo/Commands/ChartColumns.hpp"
 
 #include <algorithm>
 #include <charconv>
@@ -17,7 +17,7 @@ std::optional<std::int64_t> indexIn(std::string_view text) {
   return index;
 }
 
-/// None also for a title that several columns have.
+/// Returns nullopt also if several columns have the title.
 std::optional<std::int64_t> columnOf(std::string_view text, const std::vector<std::string>& titles) {
   const auto count = std::ranges::count(titles, text);
   if (count == 0) return indexIn(text);
@@ -32,7 +32,7 @@ std::string listOf(const std::vector<std::string>& titles) {
   return list;
 }
 
-Complaint complaintAbout(const std::string& columns, const std::vector<std::string>& titles) {
+CommandError errorAbout(const std::string& columns, const std::vector<std::string>& titles) {
   if (titles.empty())
     return {ExitStatus::usage, "Without --expect, --chart takes indexes of columns only: " + columns};
   return {ExitStatus::refused,
@@ -41,8 +41,7 @@ Complaint complaintAbout(const std::string& columns, const std::vector<std::stri
 
 }  // namespace
 
-std::variant<ChartSelection, Complaint> chosenChart(const ChartArguments& arguments,
-                                                    const std::vector<std::string>& titles) {
+Result<ChartSelection> chosenChart(const ChartArguments& arguments, const std::vector<std::string>& titles) {
   const std::string_view columns = arguments.columns;
   for (std::size_t colon = columns.find(':'); colon != std::string_view::npos;
        colon = columns.find(':', colon + 1)) {
@@ -51,7 +50,7 @@ std::variant<ChartSelection, Complaint> chosenChart(const ChartArguments& argume
     if (category && value)
       return ChartSelection{.categoryColumn = *category, .valueColumn = *value, .title = arguments.title};
   }
-  return complaintAbout(arguments.columns, titles);
+  return errorAbout(arguments.columns, titles);
 }
 
 }  // namespace zelvo

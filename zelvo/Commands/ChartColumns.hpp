@@ -1,18 +1,17 @@
 #pragma once
 
 #include <string>
-#include <variant>
 #include <vector>
 
 #include "DocumentRuntime/Records/DocumentModels.hpp"
-#include "zelvo/CommandLine.hpp"
-#include "zelvo/Complaint.hpp"
+#include "zelvo/CommandLine/Arguments.hpp"
+#include "zelvo/Output/Result.hpp"
 
 namespace zelvo {
 
-/// The chart that the command line names, over columns of these titles. A title comes before an index that
-/// reads the same; an index is taken as it is, whether there is such a column or not. Titles may hold colons.
-std::variant<ChartSelection, Complaint> chosenChart(const ChartArguments& arguments,
-                                                    const std::vector<std::string>& titles);
+/// Resolves the chart of the command line against columns with these titles. A title takes precedence over an
+/// index that is written alike. An index is returned even if there is no such column. Titles may contain
+/// colons.
+Result<ChartSelection> chosenChart(const ChartArguments& arguments, const std::vector<std::string>& titles);
 
 }  // namespace zelvo

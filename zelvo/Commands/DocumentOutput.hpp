@@ -1,28 +1,25 @@
 #pragma once
 
 #include <functional>
-#include <optional>
 #include <string>
 #include <string_view>
 
 #include "DocumentRuntime/Records/ByteBuffer.hpp"
-#include "zelvo/Complaint.hpp"
+#include "zelvo/Output/Result.hpp"
 
-/// Where a command writes the document that it was asked for: a file, or "-" for standard output.
+/// The destination of a document: a file, or "-" for standard output.
 namespace zelvo::DocumentOutput {
 
-bool isStandardOutput(const std::string& path);
+/// Refuses standard output if it is a terminal. Called before anything is read.
+Failure check(const std::string& path);
 
-/// Why no document may be written there: to be looked at before anything is read.
-std::optional<Complaint> check(const std::string& path);
+/// Writes the document. For a file, prints its name and then `description`; to standard output nothing but
+/// the document is written. A file that cannot be written keeps its content.
+Failure write(const std::string& path, ByteView document, std::string_view description);
 
-/// Writes the document. Below the file's name, `description` is printed; on standard output nothing else
-/// stands. A file that cannot be written stays what it was.
-std::optional<Complaint> deliver(const std::string& path, ByteView document, std::string_view description);
-
-/// Delivers what `author` makes in a confined child (see `runConfined`); `format` names it to people. Says
-/// why there is no document, if so.
-ExitStatus deliverAuthored(const std::string& path, const std::string& format,
-                           const std::function<ByteBuffer()>& author);
+/// Writes the document that `author` makes in a confined child (see `runConfinedChild`), or reports why there
+/// is none. `format` is its name, like "Excel workbook".
+ExitStatus writeAuthored(const std::string& path, const std::string& format,
+                         const std::function<ByteBuffer()>& author);
 
 }  // namespace zelvo::DocumentOutput

@@ -1,28 +1,26 @@
-#include "zelvo/ExtractCommand.hpp"
-
 #include <string>
-#include <variant>
 
 #include "DocumentRuntime/Coding/RecordCoding.hpp"
 #include "DocumentRuntime/Errors/DocumentError.hpp"
 #include "DocumentRuntime/Workbook/TableExtraction.hpp"
-#include "zelvo/Console.hpp"
-#include "zelvo/TableText.hpp"
-#include "zelvo/TerminalText.hpp"
-#include "zelvo/WorkerExchange.hpp"
+#include "zelvo/Commands/Commands.hpp"
+#include "zelvo/Execution/WorkerExchange.hpp"
+#include "zelvo/Output/Console.hpp"
+#include "zelvo/Output/TableText.hpp"
+#include "zelvo/Output/TerminalText.hpp"
 
 namespace zelvo {
 namespace {
 
 using Operation = DocumentWorkerRequest::Operation;
 
-/// Whether the refusal is of the sheet or the range, and not of the workbook.
-bool isAboutSelection(const Complaint& complaint) {
+/// True if the sheet or the range was refused, and not the workbook.
+bool isAboutSelection(const CommandError& error) {
   static const std::string aboutUse = DocumentError::invalidSelection("").errorDescription();
   static const std::string aboutSize =
       DocumentError::resourceLimit(TableExtraction::selectionTooLarge).errorDescription();
-  return complaint.status == ExitStatus::refused &&
-         (complaint.message.starts_with(aboutUse) || complaint.message == aboutSize);
+  return error.status == ExitStatus::refused &&
+         (error.message.starts_with(aboutUse) || error.message == aboutSize);
 }
 
 /// "Visible sheets: Sales (A1:D20), Notes (empty)"
@@ -36,12 +34,11 @@ std::string selectable(const WorkbookInspection& inspection) {
   return "Visible sheets: " + (sheets.empty() ? "none" : sheets);
 }
 
-/// A workbook that cannot be inspected has been complained about already.
+/// Prints nothing if the workbook cannot be inspected.
 void hintAtSelectable(const DocumentWorkerHost& host, DocumentWorkerRequest& request) {
   request.operation = Operation::inspect;
-  const auto answer = ask(host, request);
-  if (const auto* response = std::get_if<DocumentWorkerResponse>(&answer))
-    Console::hint(selectable(*response->inspection));
+  const auto response = ask(host, request);
+  if (response) Console::printHint(selectable(*response->inspection));
 }
 
 void print(const SourceTable& table, const ExtractArguments& arguments) {
@@ -50,7 +47,7 @@ void print(const SourceTable& table, const ExtractArguments& arguments) {
       return Console::printJson(toJson(table) + "\n");
     case ExtractArguments::Form::csv:
       return Console::print(csv(table, Console::isTerminal()));
-    case ExtractArguments::Form::people:
+    case ExtractArguments::Form::text:
       return Console::print(printable(arguments.workbook) + "\n" + describe(table));
   }
 }
@@ -58,19 +55,18 @@ void print(const SourceTable& table, const ExtractArguments& arguments) {
 }  // namespace
 
 ExitStatus extract(const DocumentWorkerHost& host, const ExtractArguments& arguments) {
-  auto document = requestAbout(arguments.workbook);
-  if (const auto* complaint = std::get_if<Complaint>(&document)) return complain(*complaint);
-  auto& request = *std::get_if<DocumentWorkerRequest>(&document);
-  request.operation = Operation::extract;
-  request.selection = arguments.selection;
+  auto request = requestAbout(arguments.workbook);
+  if (!request) return Console::report(request.error());
+  request->operation = Operation::extract;
+  request->selection = arguments.selection;
 
-  const auto answer = ask(host, request);
-  if (const auto* complaint = std::get_if<Complaint>(&answer)) {
-    Console::complain(complaint->message);
-    if (isAboutSelection(*complaint)) hintAtSelectable(host, request);
-    return complaint->status;
+  const auto response = ask(host, *request);
+  if (!response) {
+    const ExitStatus status = Console::report(response.error());
+    if (isAboutSelection(response.error())) hintAtSelectable(host, *request);
+    return status;
   }
-  print(*std::get_if<DocumentWorkerResponse>(&answer)->table, arguments);
+  print(*response->table, arguments);
   return ExitStatus::success;
 }
 

@@ -1,45 +1,46 @@
-#include "zelvo/InspectCommand.hpp"
-
 #include <algorithm>
 #include <string>
-#include <variant>
 
 #include "DocumentRuntime/Coding/RecordCoding.hpp"
-#include "zelvo/Console.hpp"
-#include "zelvo/InspectionText.hpp"
-#include "zelvo/TerminalText.hpp"
-#include "zelvo/WorkerExchange.hpp"
+#include "zelvo/Commands/Commands.hpp"
+#include "zelvo/Execution/WorkerExchange.hpp"
+#include "zelvo/Output/Console.hpp"
+#include "zelvo/Output/RecordText.hpp"
+#include "zelvo/Output/TerminalText.hpp"
+#include "zelvo/Output/TextTable.hpp"
 
 namespace zelvo {
 namespace {
 
-/// Inspects one file after the other, and keeps their outputs apart.
+Result<DocumentWorkerResponse> inspected(const DocumentWorkerHost& host, const std::string& path) {
+  const auto request = requestAbout(path);  // whose default operation is to inspect
+  if (!request) return request.error();
+  return ask(host, *request);
+}
+
+/// Inspects one file after the other and separates their outputs.
 class Inspector {
  public:
   Inspector(const DocumentWorkerHost& host, const InspectArguments& arguments)
       : host_(host), json_(arguments.json), isOneOfSeveral_(arguments.files.size() > 1) {}
 
   ExitStatus inspect(const std::string& path) {
-    const auto request = requestAbout(path);  // inspecting is what a request asks for by itself
-    if (const auto* complaint = std::get_if<Complaint>(&request)) return complain(path, *complaint);
-    const auto answer = ask(host_, *std::get_if<DocumentWorkerRequest>(&request));
-    if (const auto* complaint = std::get_if<Complaint>(&answer)) return complain(path, *complaint);
-    const WorkbookInspection& inspection = *std::get_if<DocumentWorkerResponse>(&answer)->inspection;
+    const auto response = inspected(host_, path);
+    if (!response) return report(path, response.error());
     if (json_) {
-      Console::printJson(toJson(inspection) + "\n");
+      Console::printJson(toJson(*response->inspection) + "\n");
     } else {
-      printSection(path, describe(inspection));
+      printSection(path, describe(*response->inspection));
     }
     return ExitStatus::success;
   }
 
  private:
-  ExitStatus complain(const std::string& path, const Complaint& complaint) {
-    // Among several files the message alone would not say which one it is about.
+  ExitStatus report(const std::string& path, const CommandError& error) {
+    // With several files the message alone would not show which one failed.
     if (isOneOfSeveral_ && !json_)
-      printSection(path, "  Not inspected: " + printable(complaint.message) + "\n");
-    Console::complain(complaint.message);
-    return complaint.status;
+      printSection(path, indentedLine("Not inspected: " + printable(error.message)));
+    return Console::report(error);
   }
 
   void printSection(const std::string& path, const std::string& text) {

@@ -1,18 +1,16 @@
-#include "zelvo/ResearchCheckCommand.hpp"
-
 #include <string>
-#include <variant>
 
 #include "DocumentRuntime/Research/ResearchFormulaEvaluator.hpp"
 #include "DocumentRuntime/Research/ResearchSpreadsheetCoding.hpp"
-#include "zelvo/ConfinedWork.hpp"
-#include "zelvo/Console.hpp"
-#include "zelvo/ResearchInput.hpp"
+#include "zelvo/Commands/Commands.hpp"
+#include "zelvo/Commands/ResearchInput.hpp"
+#include "zelvo/Execution/ConfinedChild.hpp"
+#include "zelvo/Output/Console.hpp"
 
 namespace zelvo {
 namespace {
 
-/// The dataset once it has passed, what its cells came to, and how.
+/// A valid dataset, its cells with computed values, and its calculations.
 struct CheckedDataset {
   ResearchSpreadsheet dataset;
   std::vector<std::vector<ResearchSpreadsheet::Cell>> cells;
@@ -43,12 +41,10 @@ std::string checked(ResearchInput& input, bool requiresChart) {
 
 ExitStatus researchCheck(const ResearchCheckArguments& arguments) {
   auto input = readResearchInput(arguments.dataset, arguments.sources);
-  if (const auto* complaint = std::get_if<Complaint>(&input)) return complain(*complaint);
-
-  const auto answer =
-      runConfined([&] { return checked(*std::get_if<ResearchInput>(&input), arguments.requireChart); });
-  if (const auto* complaint = std::get_if<Complaint>(&answer)) return complain(*complaint);
-  Console::printJson(*std::get_if<std::string>(&answer));
+  if (!input) return Console::report(input.error());
+  const auto encoded = runConfinedChild([&] { return checked(*input, arguments.requireChart); });
+  if (!encoded) return Console::report(encoded.error());
+  Console::printJson(*encoded);
   return ExitStatus::success;
 }
 

@@ -1,33 +1,28 @@
-#include "zelvo/ResearchInput.hpp"
+#include "zelvo/Commands/ResearchInput.hpp"
 
 #include <cstddef>
-#include <utility>
 
 #include "DocumentRuntime/Research/ResearchSourceScopeCoding.hpp"
-#include "zelvo/DocumentFile.hpp"
+#include "zelvo/Execution/InputFile.hpp"
 
 namespace zelvo {
 namespace {
 
-/// Far above what any research input may hold, and little enough to read before knowing what it is.
-constexpr std::size_t maximumFileBytes = 16U << 20;
+/// Far more than any valid research input, and little enough to read before its kind is known.
+constexpr std::size_t maximumFileMebibytes = 16;
 
 }  // namespace
 
-std::variant<std::string, Complaint> readText(const std::string& path) {
-  auto file = readDocument(path, maximumFileBytes + 1);
-  if (auto* failure = std::get_if<std::string>(&file))
-    return Complaint{ExitStatus::refused, std::move(*failure)};
-  const auto& document = *std::get_if<DocumentFile>(&file);
-  if (document.data.size() > maximumFileBytes)
-    return Complaint{ExitStatus::refused, "The file is larger than 16 MiB: " + path};
-  return std::string(document.data.text());
+Result<std::string> readText(const std::string& path) {
+  const auto file = readWholeFile(path, maximumFileMebibytes);
+  if (!file) return file.error();
+  return std::string(file->text());
 }
 
-std::variant<HostFile, Complaint> readHostFile(const std::string& path) {
+Result<HostFile> readHostFile(const std::string& path) {
   auto text = readText(path);
-  if (auto* complaint = std::get_if<Complaint>(&text)) return std::move(*complaint);
-  return HostFile{path, std::move(*std::get_if<std::string>(&text))};
+  if (!text) return text.error();
+  return HostFile{path, *std::move(text)};
 }
 
 std::optional<ResearchSourceScope> ResearchInput::takeSourceScope() {
@@ -35,18 +30,17 @@ std::optional<ResearchSourceScope> ResearchInput::takeSourceScope() {
   return scopeFile->decoded(researchSourceScopeFromJson);
 }
 
-std::variant<ResearchInput, Complaint> readResearchInput(const std::string& path,
-                                                         const SourceArguments& sources) {
+Result<ResearchInput> readResearchInput(const std::string& path, const SourceArguments& sources) {
   ResearchInput input;
   auto text = readText(path);
-  if (auto* complaint = std::get_if<Complaint>(&text)) return std::move(*complaint);
-  input.text = std::move(*std::get_if<std::string>(&text));
+  if (!text) return text.error();
+  input.text = *std::move(text);
 
   if (sources.noSources || !sources.sources.empty()) input.allowedSources = sources.sources;
   if (sources.scopeFile.empty()) return input;
   auto scope = readHostFile(sources.scopeFile);
-  if (auto* complaint = std::get_if<Complaint>(&scope)) return std::move(*complaint);
-  input.scopeFile = std::move(*std::get_if<HostFile>(&scope));
+  if (!scope) return scope.error();
+  input.scopeFile = *std::move(scope);
   return input;
 }
 

@@ -3,24 +3,23 @@
 #include <optional>
 #include <string>
 #include <utility>
-#include <variant>
 
 #include "DocumentRuntime/Coding/DecodingError.hpp"
 #include "DocumentRuntime/Research/ResearchSpreadsheet.hpp"
-#include "zelvo/Complaint.hpp"
-#include "zelvo/ResearchCommandLine.hpp"
+#include "zelvo/CommandLine/Arguments.hpp"
+#include "zelvo/Output/Result.hpp"
 
 namespace zelvo {
 
-/// A file's text, as it is, or why it cannot be had.
-std::variant<std::string, Complaint> readText(const std::string& path);
+/// The unchanged text of a file.
+Result<std::string> readText(const std::string& path);
 
-/// A file that the host gives beside the model's result: only who is confined decodes it.
+/// A file of the host's. It is decoded in a confined child only.
 struct HostFile {
   std::string path;
   std::string text;
 
-  /// Gives the text up to `decode`. Throws `DecodingError`, which names the file.
+  /// Moves the text to `decode`. Throws a `DecodingError` that names the file.
   template <typename Decode>
   auto decoded(const Decode& decode) {
     try {
@@ -31,19 +30,18 @@ struct HostFile {
   }
 };
 
-std::variant<HostFile, Complaint> readHostFile(const std::string& path);
+Result<HostFile> readHostFile(const std::string& path);
 
-/// What a model has written and what it may cite, as the files' texts: only who is confined decodes them.
+/// The texts of a model's result and of what it may cite. They are decoded in a confined child only.
 struct ResearchInput {
   std::string text;
   AllowedSources allowedSources;
   std::optional<HostFile> scopeFile;
 
-  /// Gives up the file's text. Throws `DecodingError`.
+  /// Moves the scope file's text out. Throws `DecodingError`.
   std::optional<ResearchSourceScope> takeSourceScope();
 };
 
-std::variant<ResearchInput, Complaint> readResearchInput(const std::string& path,
-                                                         const SourceArguments& sources);
+Result<ResearchInput> readResearchInput(const std::string& path, const SourceArguments& sources);
 
 }  // namespace zelvo

@@ -1,17 +1,15 @@
-#include "zelvo/ResearchPresentationCommand.hpp"
-
 #include <optional>
 #include <string>
 #include <utility>
-#include <variant>
 #include <vector>
 
 #include "DocumentRuntime/Research/HostDatasets.hpp"
 #include "DocumentRuntime/Research/PresentationRendererVersion.hpp"
-#include "zelvo/ConfinedWork.hpp"
-#include "zelvo/Console.hpp"
-#include "zelvo/DocumentOutput.hpp"
-#include "zelvo/ResearchInput.hpp"
+#include "zelvo/Commands/Commands.hpp"
+#include "zelvo/Commands/DocumentOutput.hpp"
+#include "zelvo/Commands/ResearchInput.hpp"
+#include "zelvo/Execution/ConfinedChild.hpp"
+#include "zelvo/Output/Console.hpp"
 
 namespace zelvo {
 namespace {
@@ -20,19 +18,19 @@ using Dataset = ResearchPresentation::Dataset;
 
 struct DeckInput {
   ResearchInput deck;
-  HostFile data;  ///< the dataset or datasets, where there are any
+  HostFile data;  ///< the dataset or datasets; empty if there are none
 };
 
-std::variant<DeckInput, Complaint> readDeckInput(const ResearchPresentationArguments& arguments) {
+Result<DeckInput> readDeckInput(const ResearchPresentationArguments& arguments) {
   auto deck = readResearchInput(arguments.deck, arguments.sources);
-  if (auto* complaint = std::get_if<Complaint>(&deck)) return std::move(*complaint);
-  DeckInput input = {std::move(*std::get_if<ResearchInput>(&deck)), {}};
+  if (!deck) return deck.error();
+  DeckInput input = {*std::move(deck), {}};
 
   const std::string& file = arguments.dataset.empty() ? arguments.datasets : arguments.dataset;
   if (file.empty()) return input;
   auto data = readHostFile(file);
-  if (auto* complaint = std::get_if<Complaint>(&data)) return std::move(*complaint);
-  input.data = std::move(*std::get_if<HostFile>(&data));
+  if (!data) return data.error();
+  input.data = *std::move(data);
   return input;
 }
 
@@ -46,13 +44,13 @@ std::vector<std::string> allowedIDs(const ResearchPresentationArguments& argumen
   return all;
 }
 
-/// A valid deck with its data, and what its sources are known by.
+/// A valid deck with its data, and the scope of its sources.
 struct Deck {
   ResearchPresentation presentation;
   std::optional<ResearchSourceScope> sourceScope;
 };
 
-/// Gives up the texts of the host's files.
+/// Moves the texts of the host's files out of the input.
 Deck decoded(DeckInput& input, const ResearchPresentationArguments& arguments) {
   Deck deck;
   deck.sourceScope = input.deck.takeSourceScope();
@@ -72,14 +70,15 @@ Deck decoded(DeckInput& input, const ResearchPresentationArguments& arguments) {
 }
 
 ExitStatus printEncoding(DeckInput& input, const ResearchPresentationArguments& arguments) {
-  const auto answer = runConfined([&] { return decoded(input, arguments).presentation.encoded() + "\n"; });
-  if (const auto* complaint = std::get_if<Complaint>(&answer)) return complain(*complaint);
-  Console::printJson(*std::get_if<std::string>(&answer));
+  const auto encoded =
+      runConfinedChild([&] { return decoded(input, arguments).presentation.encoded() + "\n"; });
+  if (!encoded) return Console::report(encoded.error());
+  Console::printJson(*encoded);
   return ExitStatus::success;
 }
 
-ExitStatus deliver(DeckInput& input, const ResearchPresentationArguments& arguments) {
-  return DocumentOutput::deliverAuthored(arguments.output, "PowerPoint presentation", [&] {
+ExitStatus writePresentation(DeckInput& input, const ResearchPresentationArguments& arguments) {
+  return DocumentOutput::writeAuthored(arguments.output, "PowerPoint presentation", [&] {
     const Deck deck = decoded(input, arguments);
     return ResearchPresentation::make(deck.presentation, PresentationRendererVersion::newest,
                                       deck.sourceScope);
@@ -89,11 +88,10 @@ ExitStatus deliver(DeckInput& input, const ResearchPresentationArguments& argume
 }  // namespace
 
 ExitStatus researchPresentation(const ResearchPresentationArguments& arguments) {
-  if (const auto complaint = DocumentOutput::check(arguments.output)) return complain(*complaint);
-  auto read = readDeckInput(arguments);
-  if (const auto* complaint = std::get_if<Complaint>(&read)) return complain(*complaint);
-  DeckInput& input = *std::get_if<DeckInput>(&read);
-  return arguments.output.empty() ? printEncoding(input, arguments) : deliver(input, arguments);
+  if (const Failure failure = DocumentOutput::check(arguments.output)) return Console::report(*failure);
+  auto input = readDeckInput(arguments);
+  if (!input) return Console::report(input.error());
+  return arguments.output.empty() ? printEncoding(*input, arguments) : writePresentation(*input, arguments);
 }
 
 }  // namespace zelvo

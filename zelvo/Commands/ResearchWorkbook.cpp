@@ -1,13 +1,14 @@
-#include "zelvo/ResearchWorkbookCommand.hpp"
+#include "DocumentRuntime/Research/ResearchWorkbook.hpp"
 
 #include <string>
-#include <variant>
+#include <string_view>
 
 #include "DocumentRuntime/Errors/DocumentError.hpp"
-#include "DocumentRuntime/Research/ResearchWorkbook.hpp"
 #include "Text/Unicode.hpp"
-#include "zelvo/DocumentOutput.hpp"
-#include "zelvo/ResearchInput.hpp"
+#include "zelvo/Commands/Commands.hpp"
+#include "zelvo/Commands/DocumentOutput.hpp"
+#include "zelvo/Commands/ResearchInput.hpp"
+#include "zelvo/Output/Console.hpp"
 
 namespace zelvo {
 namespace {
@@ -22,8 +23,8 @@ ByteBuffer workbookOf(ResearchInput& input, const std::string& title) {
 
 constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 
-/// A file may hold anything. A byte order mark is none of the report's text; before a table it would hide its
-/// first line.
+/// The file's bytes are unchecked. A byte order mark is not part of the text; it would hide the first line of
+/// a table.
 ByteBuffer workbookOf(std::string_view report, const ResearchReportArguments& arguments) {
   if (report.starts_with(byteOrderMark)) report.remove_prefix(byteOrderMark.size());
   if (!Unicode::isValid(report)) throw DocumentError::unsupported("report is not UTF-8");
@@ -33,20 +34,19 @@ ByteBuffer workbookOf(std::string_view report, const ResearchReportArguments& ar
 }  // namespace
 
 ExitStatus researchWorkbook(const ResearchWorkbookArguments& arguments) {
-  if (const auto complaint = DocumentOutput::check(arguments.output)) return complain(*complaint);
+  if (const Failure failure = DocumentOutput::check(arguments.output)) return Console::report(*failure);
   auto input = readResearchInput(arguments.dataset, arguments.sources);
-  if (const auto* complaint = std::get_if<Complaint>(&input)) return complain(*complaint);
-  return DocumentOutput::deliverAuthored(arguments.output, format, [&] {
-    return workbookOf(*std::get_if<ResearchInput>(&input), arguments.title);
-  });
+  if (!input) return Console::report(input.error());
+  return DocumentOutput::writeAuthored(arguments.output, format,
+                                       [&] { return workbookOf(*input, arguments.title); });
 }
 
 ExitStatus researchReport(const ResearchReportArguments& arguments) {
-  if (const auto complaint = DocumentOutput::check(arguments.output)) return complain(*complaint);
+  if (const Failure failure = DocumentOutput::check(arguments.output)) return Console::report(*failure);
   const auto report = readText(arguments.report);
-  if (const auto* complaint = std::get_if<Complaint>(&report)) return complain(*complaint);
-  return DocumentOutput::deliverAuthored(
-      arguments.output, format, [&] { return workbookOf(*std::get_if<std::string>(&report), arguments); });
+  if (!report) return Console::report(report.error());
+  return DocumentOutput::writeAuthored(arguments.output, format,
+                                       [&] { return workbookOf(*report, arguments); });
 }
 
 }  // namespace zelvo

@@ -1,42 +1,30 @@
-#include "zelvo/ValidateCommand.hpp"
-
 #include <optional>
 #include <string>
 #include <utility>
-#include <variant>
 
 #include "DocumentRuntime/Coding/RecordCoding.hpp"
-#include "zelvo/ChartColumns.hpp"
-#include "zelvo/ConfinedWork.hpp"
-#include "zelvo/Console.hpp"
-#include "zelvo/DocumentFile.hpp"
-#include "zelvo/DocumentText.hpp"
-#include "zelvo/TerminalText.hpp"
-#include "zelvo/WorkerExchange.hpp"
+#include "zelvo/Commands/ChartColumns.hpp"
+#include "zelvo/Commands/Commands.hpp"
+#include "zelvo/Execution/ConfinedChild.hpp"
+#include "zelvo/Execution/InputFile.hpp"
+#include "zelvo/Execution/WorkerExchange.hpp"
+#include "zelvo/Output/Console.hpp"
+#include "zelvo/Output/RecordText.hpp"
+#include "zelvo/Output/TerminalText.hpp"
 
 namespace zelvo {
 namespace {
 
-/// As much as `extract` can have written.
-constexpr std::size_t maximumTableBytes = DocumentWorkerWire::maximumMessageBytes;
+/// The most that `extract` can have written.
+constexpr std::size_t maximumTableMebibytes = DocumentWorkerWire::maximumMessageBytes >> 20U;
 
-std::variant<ByteBuffer, Complaint> readTable(const std::string& path) {
-  auto file = readDocument(path, maximumTableBytes + 1);
-  if (auto* failure = std::get_if<std::string>(&file))
-    return Complaint{ExitStatus::refused, std::move(*failure)};
-  ByteBuffer& data = std::get_if<DocumentFile>(&file)->data;
-  if (data.size() > maximumTableBytes)
-    return Complaint{ExitStatus::refused, "The file is larger than 40 MiB: " + path};
-  return std::move(data);
-}
-
-/// The chart to expect, if any: a Word document has none.
+/// The chart to expect, if any. A Word document has none.
 using ExpectedChart = std::optional<ChartArguments>;
 
-/// The members of the request that say what to expect of the document. The table is decoded where it can do
-/// no harm; it gives the chart's columns their titles.
-std::variant<std::string, Complaint> expectation(const ByteBuffer& encodedTable, const ExpectedChart& chart) {
-  return runConfined([&]() -> std::variant<std::string, Complaint> {
+/// The request's members that tell what to expect of the document. The table is decoded in a confined child;
+/// its columns resolve the chart.
+Result<std::string> expectation(const ByteBuffer& encodedTable, const ExpectedChart& chart) {
+  return runConfinedChild([&]() -> Result<std::string> {
     const auto table = fromJson<SourceTable>(std::string(encodedTable.text()));
     JsonWriter writer(encodedTable.size());
     const FieldEncoder field(writer);
@@ -44,35 +32,33 @@ std::variant<std::string, Complaint> expectation(const ByteBuffer& encodedTable,
     field("expectedTable", table);
     if (chart) {
       const auto selection = chosenChart(*chart, table.columns);
-      if (const auto* complaint = std::get_if<Complaint>(&selection)) return *complaint;
-      field("chart", *std::get_if<ChartSelection>(&selection));
+      if (!selection) return selection.error();
+      field("chart", *selection);
     }
     return writer.take();
   });
 }
 
-std::variant<DocumentWorkerResponse, Complaint> validated(const DocumentWorkerHost& host,
-                                                          const ValidateArguments& arguments,
-                                                          const ExpectedChart& chart) {
-  auto document = requestAbout(arguments.document);
-  if (auto* complaint = std::get_if<Complaint>(&document)) return std::move(*complaint);
-  auto& request = *std::get_if<DocumentWorkerRequest>(&document);
-  request.operation = DocumentWorkerRequest::Operation::validate;
-  request.format = arguments.format;
+Result<DocumentWorkerResponse> validated(const DocumentWorkerHost& host, const ValidateArguments& arguments,
+                                         const ExpectedChart& chart) {
+  auto request = requestAbout(arguments.document);
+  if (!request) return request.error();
+  request->operation = DocumentWorkerRequest::Operation::validate;
+  request->format = arguments.format;
 
   if (!arguments.expectedTable.empty()) {
-    const auto table = readTable(arguments.expectedTable);
-    if (const auto* complaint = std::get_if<Complaint>(&table)) return *complaint;
-    auto members = expectation(*std::get_if<ByteBuffer>(&table), chart);
-    if (auto* complaint = std::get_if<Complaint>(&members)) return std::move(*complaint);
-    return ask(host, request, std::move(*std::get_if<std::string>(&members)));
+    const auto table = readWholeFile(arguments.expectedTable, maximumTableMebibytes);
+    if (!table) return table.error();
+    auto members = expectation(*table, chart);
+    if (!members) return members.error();
+    return ask(host, *request, *std::move(members));
   }
   if (chart) {
     auto selection = chosenChart(*chart, {});
-    if (auto* complaint = std::get_if<Complaint>(&selection)) return std::move(*complaint);
-    request.chart = std::move(*std::get_if<ChartSelection>(&selection));
+    if (!selection) return selection.error();
+    request->chart = *std::move(selection);
   }
-  return ask(host, request);
+  return ask(host, *request);
 }
 
 }  // namespace
@@ -80,9 +66,9 @@ std::variant<DocumentWorkerResponse, Complaint> validated(const DocumentWorkerHo
 ExitStatus validate(const DocumentWorkerHost& host, const ValidateArguments& arguments) {
   const bool canHaveChart = arguments.format == DocumentFormat::pptx;
   const ExpectedChart chart = canHaveChart ? arguments.chart : std::nullopt;
-  const auto answer = validated(host, arguments, chart);
-  if (const auto* complaint = std::get_if<Complaint>(&answer)) return complain(*complaint);
-  const DocumentValidation& validation = *std::get_if<DocumentWorkerResponse>(&answer)->validation;
+  const auto response = validated(host, arguments, chart);
+  if (!response) return Console::report(response.error());
+  const DocumentValidation& validation = *response->validation;
   if (arguments.json) {
     Console::printJson(toJson(validation) + "\n");
   } else {

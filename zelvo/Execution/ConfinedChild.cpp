@@ -1,4 +1,4 @@
-#include "zelvo/ConfinedWork.hpp"
+#include "zelvo/Execution/ConfinedChild.hpp"
 
 #include <exception>
 #include <new>
@@ -10,27 +10,26 @@
 
 #include "DocumentWorkerHost/DocumentWorkerHost.hpp"
 #include "DocumentWorkerProtocol/WorkerExitStatus.hpp"
-#include "System/Confinement.hpp"
+#include "Sandbox/ConfinedRun.hpp"
 #include "System/ForkedChild.hpp"
 #include "System/StandardStreams.hpp"
 #include "Text/Unicode.hpp"
-#include "zelvo/TerminalText.hpp"
-#include "zelvo_document_worker/WorkerConfinement.hpp"
+#include "zelvo/Execution/WorkerExchange.hpp"
+#include "zelvo/Output/TerminalText.hpp"
 
 namespace zelvo {
 namespace {
 
-using Work = std::function<std::variant<std::string, Complaint>()>;
+using Work = std::function<Result<std::string>()>;
 
 constexpr const char* childName = "The tool's confined child process";
 
-bool confineThisProcess() {
-  const Confinement confinement = enterConfinement();
-  return confineForWork(*confinement.entitlements, *confinement.limits);
-}
+/// A worker's, so that its failures are named alike.
+constexpr ConfinedStatuses statuses = {.notConfined = exitStatus::notConfined,
+                                       .failed = exitStatus::noResponse};
 
-/// Blocks of this size and more are returned to the system when they are freed. The allocator would raise its
-/// own threshold to the largest block freed, and then keep what the parts of a document took.
+/// Makes the allocator return freed blocks of this size and more to the system. By default it raises the
+/// threshold to the largest block freed, and then keeps the memory of a document's parts.
 void returnLargeBlocks() {
 #if defined(__GLIBC__)
   constexpr int largeBlockBytes = 1 << 20;
@@ -38,40 +37,29 @@ void returnLargeBlocks() {
 #endif
 }
 
-std::variant<std::string, Complaint> resultOf(const Work& work) {
+Result<std::string> resultOf(const Work& work) {
   try {
     return work();
   } catch (const std::bad_alloc&) {
     throw;
   } catch (const std::exception& refusal) {
-    return Complaint{ExitStatus::refused, refusal.what()};
+    return CommandError{ExitStatus::refused, refusal.what()};
   }
 }
 
-/// Writes the result and returns a worker's status, or writes the complaint and returns the tool's.
-int answer(const Work& work) {
+/// Writes the result and returns a worker's exit status, or writes the error's message and returns the
+/// tool's.
+int workAndAnswer(const Work& work) {
   StandardOutput output;
-  const auto result = resultOf(work);
-  if (const auto* complaint = std::get_if<Complaint>(&result)) {
-    const std::string message = wellFormed(complaint->message);
-    const bool isWritten = output.write(Unicode::prefix(message, DocumentWorkerWire::maximumErrorCharacters));
-    return isWritten ? static_cast<int>(complaint->status) : exitStatus::noResponse;
-  }
-  return output.write(*std::get_if<std::string>(&result)) ? exitStatus::answered : exitStatus::noResponse;
+  const Result<std::string> result = resultOf(work);
+  if (result) return output.write(*result) ? exitStatus::answered : exitStatus::noResponse;
+  const std::string message = wellFormed(result.error().message);
+  const bool isWritten = output.write(Unicode::prefix(message, DocumentWorkerWire::maximumErrorCharacters));
+  return isWritten ? static_cast<int>(result.error().status) : exitStatus::noResponse;
 }
 
-int confineAndAnswer(const Work& work) noexcept {
-  try {
-    returnLargeBlocks();
-    if (!confineThisProcess()) return exitStatus::notConfined;
-    return answer(work);
-  } catch (const std::exception&) {
-    return exitStatus::noResponse;
-  }
-}
-
-/// A sanitizer ends the child with such a status, too, but writes nothing there.
-bool isComplaint(const ChildResult& result) {
+/// True if the child wrote a message. A sanitizer ends a child with such a status, too, but without output.
+bool isError(const ChildResult& result) {
   const bool isStatus = result.code == static_cast<int>(ExitStatus::refused) ||
                         result.code == static_cast<int>(ExitStatus::usage);
   return result.outcome == ChildOutcome::exited && isStatus && !result.output.empty();
@@ -79,12 +67,15 @@ bool isComplaint(const ChildResult& result) {
 
 }  // namespace
 
-std::variant<std::string, Complaint> runConfined(const Work& work) {
-  ChildResult result =
-      runForkedChild([&work] { return confineAndAnswer(work); }, DocumentWorkerWire::maximumMessageBytes,
-                     DocumentWorkerHost::defaultTimeout);
-  if (isComplaint(result)) return Complaint{static_cast<ExitStatus>(result.code), std::move(result.output)};
-  if (const auto failure = WorkerFailure::of(result, {})) return complaintOf(*failure, childName);
+Result<std::string> runConfinedChild(const Work& work) {
+  const auto confineAndWork = [&work] {
+    returnLargeBlocks();
+    return runConfined(statuses, [&work] { return workAndAnswer(work); });
+  };
+  ChildResult result = runForkedChild(confineAndWork, DocumentWorkerWire::maximumMessageBytes,
+                                      DocumentWorkerHost::defaultTimeout);
+  if (isError(result)) return CommandError{static_cast<ExitStatus>(result.code), std::move(result.output)};
+  if (const auto failure = WorkerFailure::of(result, {})) return errorOf(*failure, childName);
   return std::move(result.output);
 }
 

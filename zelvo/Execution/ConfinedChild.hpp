@@ -2,19 +2,17 @@
 
 #include <functional>
 #include <string>
-#include <variant>
 
-#include "zelvo/Complaint.hpp"
+#include "zelvo/Output/Result.hpp"
 
 namespace zelvo {
 
-/// Runs `work` in a forked child that has confined itself as a worker does, within a worker's time, and gives
-/// the bytes that it returned. This is where untrusted input is parsed that no worker operation takes; the
-/// parent only carries bytes. A `DocumentError` or `DecodingError` that comes out of `work` is a refusal. A
-/// complaint's status is `refused` or `usage`.
+/// Runs `work` in a forked child that has confined itself as a worker does, within a worker's time, and
+/// returns the bytes that `work` returned. For untrusted input that no worker operation takes: the child
+/// parses it, the parent only carries bytes. An exception of `work` other than `std::bad_alloc` is a refusal.
+/// The errors of `work` have the status `refused` or `usage`.
 ///
-/// `work` reads what is in memory already; it can neither open nor start anything.
-std::variant<std::string, Complaint> runConfined(
-    const std::function<std::variant<std::string, Complaint>()>& work);
+/// `work` uses what is in memory already; it can neither open nor start anything.
+Result<std::string> runConfinedChild(const std::function<Result<std::string>()>& work);
 
 }  // namespace zelvo

@@ -1,4 +1,4 @@
-#include "zelvo/DocumentFile.hpp"
+#include "zelvo/Execution/InputFile.hpp"
 
 #include <algorithm>
 #include <array>
@@ -7,8 +7,9 @@
 #include <memory>
 #include <optional>
 #include <system_error>
+#include <utility>
 
-#include "zelvo/TerminalText.hpp"
+#include "zelvo/Output/TerminalText.hpp"
 
 namespace zelvo {
 namespace {
@@ -22,8 +23,9 @@ using File = std::unique_ptr<std::FILE, CloseFile>;
 
 constexpr std::string_view standardInput = "-";
 
-std::string failure(const std::string& path, int error) {
-  return "The file cannot be read: " + path + ": " + std::generic_category().message(error);
+CommandError unreadable(const std::string& path, int error) {
+  return {ExitStatus::refused,
+          "The file cannot be read: " + path + ": " + std::generic_category().message(error)};
 }
 
 std::string nameOf(const std::string& path) {
@@ -31,7 +33,7 @@ std::string nameOf(const std::string& path) {
   return wellFormed(path.substr(path.find_last_of('/') + 1));
 }
 
-/// At most `bound` bytes; none when reading fails.
+/// At most `bound` bytes; nullopt if reading fails.
 std::optional<std::string> contentOf(std::FILE* file, std::size_t bound) {
   std::string content;
   std::array<char, 65536> chunk;
@@ -47,12 +49,23 @@ std::optional<std::string> contentOf(std::FILE* file, std::size_t bound) {
 
 }  // namespace
 
-std::variant<DocumentFile, std::string> readDocument(const std::string& path, std::size_t bound) {
+Result<InputFile> readFile(const std::string& path, std::size_t bound) {
   const File file(path == standardInput ? stdin : std::fopen(path.c_str(), "rbe"));
-  if (!file) return failure(path, errno);
+  if (!file) return unreadable(path, errno);
   const std::optional<std::string> content = contentOf(file.get(), bound);
-  if (!content) return failure(path, errno);
-  return DocumentFile{nameOf(path), ByteBuffer::copyOf(*content)};
+  if (!content) return unreadable(path, errno);
+  return InputFile{nameOf(path), ByteBuffer::copyOf(*content)};
+}
+
+Result<ByteBuffer> readWholeFile(const std::string& path, std::size_t mebibytes) {
+  const std::size_t limit = mebibytes << 20U;
+  Result<InputFile> file = readFile(path, limit + 1);
+  if (!file) return file.error();
+  if (file->data.size() > limit) {
+    return CommandError{ExitStatus::refused,
+                        "The file is larger than " + std::to_string(mebibytes) + " MiB: " + path};
+  }
+  return std::move(file->data);
 }
 
 }  // namespace zelvo

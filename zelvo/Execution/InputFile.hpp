@@ -2,19 +2,22 @@
 
 #include <cstddef>
 #include <string>
-#include <variant>
 
 #include "DocumentRuntime/Records/ByteBuffer.hpp"
+#include "zelvo/Output/Result.hpp"
 
 namespace zelvo {
 
-struct DocumentFile {
-  std::string sourceName;  ///< the file's own name, without folders; well-formed UTF-8
+struct InputFile {
+  std::string sourceName;  ///< the file name without folders; well-formed UTF-8
   ByteBuffer data;
 };
 
-/// Reads a file, or standard input for "-", but stops after `bound` bytes: whoever gets that many knows that
-/// the file was too large. A failure is a message for people.
-std::variant<DocumentFile, std::string> readDocument(const std::string& path, std::size_t bound);
+/// Reads a file, or standard input for "-", but stops after `bound` bytes: a result of that size means that
+/// the file is too large.
+Result<InputFile> readFile(const std::string& path, std::size_t bound);
+
+/// Reads the whole file as above. A file of more than `mebibytes` MiB is an error.
+Result<ByteBuffer> readWholeFile(const std::string& path, std::size_t mebibytes);
 
 }  // namespace zelvo

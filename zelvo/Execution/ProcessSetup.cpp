@@ -1,4 +1,4 @@
-#include "zelvo/ProcessSetup.hpp"
+#include "zelvo/Execution/ProcessSetup.hpp"
 
 #include <array>
 #include <csignal>
@@ -13,12 +13,12 @@ namespace {
 void openStandardStreams() {
   struct Stream {
     int number;
-    int flags;  // the wrong way round, so that using the stream is an error as it was
+    int flags;  // opened in the wrong direction, so that using the stream is still an error
   };
   constexpr std::array<Stream, 3> streams = {
       {{STDIN_FILENO, O_WRONLY}, {STDOUT_FILENO, O_RDONLY}, {STDERR_FILENO, O_RDONLY}}};
   for (const auto [number, flags] : streams) {
-    // The lowest free number is taken, and those below are open by now.
+    // `open` takes the lowest free number, and all below this one are open.
     if (fcntl(number, F_GETFD) < 0) static_cast<void>(open("/dev/null", flags));
   }
 }

@@ -1,43 +1,76 @@
-#include "zelvo/WorkerExchange.hpp"
+#include "zelvo/Execution/WorkerExchange.hpp"
 
+#include <filesystem>
+#include <system_error>
 #include <utility>
+#include <variant>
 
-#include "zelvo/DocumentFile.hpp"
+#if defined(__APPLE__)
+#include <array>
+#include <mach-o/dyld.h>
+#endif
+
+#include "Sandbox/ConfinedRun.hpp"
+#include "zelvo/Execution/InputFile.hpp"
 
 namespace zelvo {
 namespace {
 
-std::variant<DocumentWorkerResponse, Complaint> resultOf(WorkerReply reply) {
-  if (const auto* failure = std::get_if<WorkerFailure>(&reply)) return complaintOf(*failure);
-  auto& response = *std::get_if<DocumentWorkerResponse>(&reply);
-  if (response.error) return Complaint{ExitStatus::refused, *std::move(response.error)};
+std::filesystem::path runningExecutable() {
+  std::error_code ignored;
+#if defined(__APPLE__)
+  std::array<char, 4096> path = {};
+  auto size = static_cast<std::uint32_t>(path.size());
+  if (_NSGetExecutablePath(path.data(), &size) != 0) return {};
+  return std::filesystem::canonical(path.data(), ignored);
+#else
+  return std::filesystem::read_symlink("/proc/self/exe", ignored);
+#endif
+}
+
+Result<DocumentWorkerResponse> resultOf(WorkerReply reply) {
+  if (const auto* failure = std::get_if<WorkerFailure>(&reply)) return errorOf(*failure);
+  auto& response = std::get<DocumentWorkerResponse>(reply);
+  if (response.error) return CommandError{ExitStatus::refused, *std::move(response.error)};
   return std::move(response);
 }
 
 }  // namespace
 
-std::variant<DocumentWorkerRequest, Complaint> requestAbout(const std::string& path) {
-  auto file = readDocument(path, DocumentWorkerHost::unsendableBytes);
-  if (auto* failure = std::get_if<std::string>(&file))
-    return Complaint{ExitStatus::refused, std::move(*failure)};
-  auto& document = *std::get_if<DocumentFile>(&file);
-  return DocumentWorkerRequest{.data = std::move(document.data),
-                               .sourceName = std::move(document.sourceName)};
+std::string workerBesideTool() {
+  // If the tool's path is unknown there is no folder. A name alone would be looked up in the current folder.
+  const std::filesystem::path tool = runningExecutable();
+  const std::filesystem::path folder = tool.empty() ? "/nonexistent" : tool.parent_path();
+  return (folder / "zelvo_document_worker").string();
 }
 
-std::variant<DocumentWorkerResponse, Complaint> ask(const DocumentWorkerHost& host,
-                                                    const DocumentWorkerRequest& request) {
+Result<DocumentWorkerRequest> requestAbout(const std::string& path) {
+  Result<InputFile> file = readFile(path, DocumentWorkerHost::unsendableBytes);
+  if (!file) return file.error();
+  return DocumentWorkerRequest{.data = std::move(file->data), .sourceName = std::move(file->sourceName)};
+}
+
+Result<DocumentWorkerResponse> ask(const DocumentWorkerHost& host, const DocumentWorkerRequest& request) {
   return resultOf(host.send(request));
 }
 
-std::variant<DocumentWorkerResponse, Complaint> ask(const DocumentWorkerHost& host,
-                                                    const DocumentWorkerRequest& request,
-                                                    std::string members) {
-  // The request's members come last, and of a key that stands twice the last one counts: nothing in
-  // `members` takes the place of the document or the operation.
+Result<DocumentWorkerResponse> ask(const DocumentWorkerHost& host, const DocumentWorkerRequest& request,
+                                   std::string members) {
+  // The request's own members come last. Of a duplicate key the last one counts, so `members` cannot replace
+  // the document or the operation.
   members += ',';
   members += std::string_view(toJson(request)).substr(1);
   return resultOf(host.sendEncoded(members, request.operation));
+}
+
+CommandError errorOf(const WorkerFailure& failure, const std::string& subject) {
+  using enum WorkerFailure::Kind;
+  std::string message = failure.message(subject);
+  if (failure.kind == notConfined || failure.kind == killedBeforeReading) {
+    const std::string explanation = explainConfinementFailure();
+    if (!explanation.empty()) message += " " + explanation;
+  }
+  return {failure.kind == requestTooLarge ? ExitStatus::refused : ExitStatus::workerFailed, message};
 }
 
 }  // namespace zelvo

@@ -1,16 +1,16 @@
-#include "zelvo/Console.hpp"
+#include "zelvo/Output/Console.hpp"
 
 #include <cstdio>
 #include <string>
 #include <unistd.h>
 
-#include "zelvo/TerminalText.hpp"
+#include "zelvo/Output/TerminalText.hpp"
 
 namespace zelvo::Console {
 namespace {
 
 void write(std::FILE* stream, std::string_view text) {
-  // A failure leaves its mark on the stream, and `finish` sees it.
+  // A failure sets the stream's error indicator, which `finish` checks.
   static_cast<void>(std::fwrite(text.data(), 1, text.size(), stream));
 }
 
@@ -24,12 +24,17 @@ void printJson(std::string_view json) {
   print(isTerminal() ? jsonForTerminal(json) : json);
 }
 
-void complain(std::string_view message) {
+void printError(std::string_view message) {
   static_cast<void>(std::fflush(stdout));
   write(stderr, "zelvo: " + printable(message) + "\n");
 }
 
-void hint(std::string_view text) {
+ExitStatus report(const CommandError& error) {
+  printError(error.message);
+  return error.status;
+}
+
+void printHint(std::string_view text) {
   write(stderr, printable(text) + "\n");
 }
 

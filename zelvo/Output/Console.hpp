@@ -2,7 +2,9 @@
 
 #include <string_view>
 
-/// Standard output and standard error, in the order in which a person is to read them.
+#include "zelvo/Output/Result.hpp"
+
+/// Standard output and standard error, kept in the order in which they are written.
 namespace zelvo::Console {
 
 void print(std::string_view text);
@@ -10,17 +12,20 @@ void print(std::string_view text);
 /// Prints a JSON text: exactly these bytes, or on a terminal `jsonForTerminal` of them.
 void printJson(std::string_view json);
 
-/// Writes "zelvo: ", the message and a line feed on standard error, after all that was printed before.
+/// Writes "zelvo: ", the message and a line feed to standard error, after all that was printed before.
 /// Characters that would move the cursor or reorder text are written as escapes.
-void complain(std::string_view message);
+void printError(std::string_view message);
 
-/// Writes a further line below a complaint, made harmless likewise.
-void hint(std::string_view text);
+/// Writes the error as above and returns its status.
+ExitStatus report(const CommandError& error);
 
-/// Whether standard output is a terminal.
+/// Writes a further line after an error, escaped in the same way.
+void printHint(std::string_view text);
+
+/// True if standard output is a terminal.
 bool isTerminal();
 
-/// Whether all that was printed has been written.
+/// Flushes standard output. False if any write to it failed.
 bool finish();
 
 }  // namespace zelvo::Console

@@ -1,17 +1,37 @@
-#include "zelvo/DocumentText.hpp"
-
-#include <vector>
+#include "zelvo/Output/RecordText.hpp"
 
 #include "Text/Digest.hpp"
-#include "zelvo/TerminalText.hpp"
-#include "zelvo/TextTable.hpp"
+#include "zelvo/Output/TextTable.hpp"
 
 namespace zelvo {
 namespace {
 
 using enum TextTable::Align;
 
-constexpr std::size_t indent = 2;
+std::string yesOrNo(bool value) {
+  return value ? "yes" : "no";
+}
+
+std::string sheetTable(const WorkbookInspection& inspection) {
+  TextTable table({left, left, left, right, right, right, left, left});
+  table.addRow({"Sheet", "Visibility", "Range", "Cells", "Formulas", "Without result",
+                "Hidden rows or columns", "Filter"});
+  for (const WorksheetInspection& sheet : inspection.sheets) {
+    table.addRow({sheet.name, sheet.hidden ? "hidden" : "visible", sheet.populatedRange.value_or("-"),
+                  std::to_string(sheet.populatedCellCount), std::to_string(sheet.formulaCellCount),
+                  std::to_string(sheet.formulasMissingCache), yesOrNo(sheet.hasHiddenRowsOrColumns),
+                  yesOrNo(sheet.hasAutoFilter)});
+  }
+  return table.text();
+}
+
+std::string factTable(const WorkbookInspection& inspection) {
+  TextTable table({left, left});
+  table.addRow({"Date system", inspection.dateSystem});
+  table.addRow({"Calculation mode", inspection.calculationMode});
+  table.addRow({"SHA-256", inspection.sourceSHA256});
+  return table.text();
+}
 
 std::string nameOf(DocumentFormat format) {
   return format == DocumentFormat::docx ? "Word document" : "PowerPoint presentation";
@@ -21,25 +41,22 @@ std::string sizeOf(ByteView document) {
   return std::to_string(document.size()) + " bytes";
 }
 
-std::string warningLines(const std::vector<std::string>& warnings) {
-  std::string text = warnings.empty() ? "" : "\n";
-  for (const std::string& warning : warnings)
-    text += std::string(indent, ' ') + "Warning: " + printable(warning) + "\n";
-  return text;
-}
-
-std::string provedOrNot(bool isProved) {
-  return isProved ? "proved" : "not proved";
+std::string verifiedOrNot(bool isVerified) {
+  return isVerified ? "verified" : "not verified";
 }
 
 std::string chartFinding(const ValidationScope& scope) {
-  if (scope.format == DocumentFormat::docx) return "not looked for: a Word document has none";
-  if (!scope.expectsChart) return "proved: there is none";
-  return scope.expectsTable ? "proved: it shows the columns of the expected table"
-                            : "proved to agree with its own workbook; not with a table (--expect)";
+  if (scope.format == DocumentFormat::docx) return "not checked: a Word document has none";
+  if (!scope.expectsChart) return "verified: there is none";
+  return scope.expectsTable ? "verified: it shows the columns of the expected table"
+                            : "verified against its own workbook, but not against a table (--expect)";
 }
 
 }  // namespace
+
+std::string describe(const WorkbookInspection& inspection) {
+  return sheetTable(inspection) + "\n" + factTable(inspection) + warningLines(inspection.warnings);
+}
 
 std::string describe(const GeneratedDocument& document, const SourceTable& table) {
   TextTable facts({left, left});
@@ -48,7 +65,7 @@ std::string describe(const GeneratedDocument& document, const SourceTable& table
   facts.addRow({"Table", std::to_string(table.rows.size()) + " rows, " +
                              std::to_string(table.columns.size()) + " columns"});
   facts.addRow({"SHA-256", document.validation.outputSHA256});
-  return facts.text(indent) + warningLines(document.validation.warnings);
+  return facts.text() + warningLines(document.validation.warnings);
 }
 
 std::string describe(const std::string& format, ByteView document) {
@@ -56,20 +73,20 @@ std::string describe(const std::string& format, ByteView document) {
   facts.addRow({"Format", format});
   facts.addRow({"Size", sizeOf(document)});
   facts.addRow({"SHA-256", Digest::sha256(document)});
-  return facts.text(indent);
+  return facts.text();
 }
 
 std::string describe(const DocumentValidation& validation, const ValidationScope& scope) {
   TextTable findings({left, left});
   findings.addRow({"Format", nameOf(scope.format)});
-  findings.addRow({"Structure", provedOrNot(validation.structurallyValid)});
-  findings.addRow({"Source values", provedOrNot(validation.sourceValuesVerified) +
+  findings.addRow({"Structure", verifiedOrNot(validation.structurallyValid)});
+  findings.addRow({"Source values", verifiedOrNot(validation.sourceValuesVerified) +
                                         (scope.expectsTable ? "" : ": no table was expected (--expect)")});
   findings.addRow({"Chart", chartFinding(scope)});
-  findings.addRow({"Appearance", provedOrNot(validation.visuallyVerified)});
+  findings.addRow({"Appearance", verifiedOrNot(validation.visuallyVerified)});
   findings.addRow({"Profile", validation.validatorVersion});
   findings.addRow({"SHA-256", validation.outputSHA256});
-  return findings.text(indent) + warningLines(validation.warnings);
+  return findings.text() + warningLines(validation.warnings);
 }
 
 }  // namespace zelvo

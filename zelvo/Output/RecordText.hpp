@@ -4,22 +4,26 @@
 
 #include "DocumentRuntime/Records/DocumentModels.hpp"
 
+// Records as human-readable text. Lines are indented, so that the file name can precede them.
 namespace zelvo {
 
-/// A document that was made of a table, for people.
+/// The sheets as a table, then the workbook's facts, then the warnings.
+std::string describe(const WorkbookInspection& inspection);
+
+/// A document that was created from a table.
 std::string describe(const GeneratedDocument& document, const SourceTable& table);
 
-/// A document that was authored of research results, for people.
+/// A document that was authored from research results. `format` is its name, like "Excel workbook".
 std::string describe(const std::string& format, ByteView document);
 
-/// What a validation was asked to prove.
+/// What a validation was asked to verify.
 struct ValidationScope {
   DocumentFormat format = DocumentFormat::docx;
   bool expectsTable = false;
   bool expectsChart = false;
 };
 
-/// What was proved of a document, and what was not, for people.
+/// What was verified and what was not.
 std::string describe(const DocumentValidation& validation, const ValidationScope& scope);
 
 }  // namespace zelvo

@@ -1,21 +1,21 @@
-#include "zelvo/TableText.hpp"
+#include "zelvo/Output/TableText.hpp"
 
 #include <algorithm>
 #include <string_view>
 #include <vector>
 
-#include "zelvo/TerminalText.hpp"
-#include "zelvo/TextTable.hpp"
+#include "Text/ASCII.hpp"
+#include "zelvo/Output/TerminalText.hpp"
+#include "zelvo/Output/TextTable.hpp"
 
 namespace zelvo {
 namespace {
 
 using enum TextTable::Align;
 
-constexpr std::size_t indent = 2;
 constexpr char cachedMark = '*';
 
-/// Numbers are read from their last digit, so that one is enough to align a column by it.
+/// Right if the column has a number, so that units stand below units.
 TextTable::Align alignOf(const SourceTable& table, std::size_t column) {
   const bool hasNumber = std::ranges::any_of(table.rows, [&](const std::vector<SourceCell>& row) {
     return column < row.size() && row[column].value.kind() == SourceCellValue::Kind::number;
@@ -29,18 +29,18 @@ bool hasCachedValue(const SourceTable& table, std::size_t column) {
   });
 }
 
-/// The number of the sheet's row.
+/// The row's number in the sheet.
 std::string rowNumber(const std::vector<SourceCell>& row) {
   const std::string_view address = row.empty() ? std::string_view() : row.front().address;
-  return std::string(address.substr(std::min(address.find_first_of("0123456789"), address.size())));
+  return std::string(address.substr(std::min(address.find_first_of(ASCII::decimalDigits), address.size())));
 }
 
 bool isHidden(const std::vector<SourceCell>& row) {
   return std::ranges::any_of(row, &SourceCell::hidden);
 }
 
-/// The cells under their titles. Where a column has marks, the other texts leave the mark's place free, so
-/// that digits stand below digits.
+/// The cells under their titles. In a column with marks, unmarked texts end with a space in place of the
+/// mark, so that digits are aligned.
 std::string cellTable(const SourceTable& table) {
   std::vector<TextTable::Align> aligns = {right};
   std::vector<bool> hasMarks;
@@ -66,17 +66,16 @@ std::string cellTable(const SourceTable& table) {
     texts.emplace_back(isHidden(row) ? "hidden" : "");
     rows.addRow(texts);
   }
-  return rows.text(indent);
+  return rows.text();
 }
 
 std::string footnotes(const SourceTable& table) {
   std::string text;
-  const auto add = [&](std::string_view note) { text.append(indent, ' ').append(note) += '\n'; };
   bool hasMark = false;
   for (std::size_t column = 0; column < table.columns.size(); ++column)
     hasMark |= hasCachedValue(table, column);
-  if (hasMark) add("* the saved result of a formula");
-  if (table.headerUsesCachedFormulaValues) add("Titles are saved results of formulas.");
+  if (hasMark) text += indentedLine("* the saved result of a formula");
+  if (table.headerUsesCachedFormulaValues) text += indentedLine("Titles are saved results of formulas.");
   return text.empty() ? text : "\n" + text;
 }
 
@@ -85,7 +84,7 @@ std::string factTable(const SourceTable& table) {
   facts.addRow({"Sheet", table.sheetName});
   facts.addRow({"Range", table.selectedRange});
   facts.addRow({"SHA-256", table.sourceSHA256});
-  return facts.text(indent);
+  return facts.text();
 }
 
 std::string csvField(const std::string& text, bool isForTerminal) {
@@ -97,7 +96,7 @@ std::string csvField(const std::string& text, bool isForTerminal) {
 }
 
 std::string csvLine(const std::vector<std::string>& texts, bool isForTerminal) {
-  // An empty line would be no record to many readers.
+  // Many readers skip an empty line.
   if (texts.size() == 1 && texts.front().empty()) return "\"\"\r\n";
   std::string line;
   for (const std::string& text : texts)
@@ -108,11 +107,7 @@ std::string csvLine(const std::vector<std::string>& texts, bool isForTerminal) {
 }  // namespace
 
 std::string describe(const SourceTable& table) {
-  std::string text = cellTable(table) + footnotes(table) + "\n" + factTable(table);
-  if (!table.warnings.empty()) text += "\n";
-  for (const std::string& warning : table.warnings)
-    text += std::string(indent, ' ') + "Warning: " + printable(warning) + "\n";
-  return text;
+  return cellTable(table) + footnotes(table) + "\n" + factTable(table) + warningLines(table.warnings);
 }
 
 std::string csv(const SourceTable& table, bool isForTerminal) {

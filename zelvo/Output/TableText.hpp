@@ -6,12 +6,12 @@
 
 namespace zelvo {
 
-/// An extracted table for people: what the cells show, with the rows' numbers; then the table's facts,
-/// warnings last. Lines are indented, so that the file's name can stand above them.
+/// An extracted table as text: the displayed cells with their row numbers, then the table's facts, then the
+/// warnings. Lines are indented, so that the file name can precede them.
 std::string describe(const SourceTable& table);
 
-/// What the titles and cells show, as RFC 4180 has it: the titles first, every line ended by CR LF. A
-/// terminal is given its control characters, line breaks among them, as escapes.
+/// The titles and the displayed cells as CSV (RFC 4180): the titles first, every line ended by CR LF. For a
+/// terminal, control characters including line breaks are written as escapes.
 std::string csv(const SourceTable& table, bool isForTerminal);
 
 }  // namespace zelvo

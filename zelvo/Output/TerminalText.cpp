@@ -1,4 +1,4 @@
-#include "zelvo/TerminalText.hpp"
+#include "zelvo/Output/TerminalText.hpp"
 
 #include <algorithm>
 #include <array>
@@ -19,7 +19,7 @@ struct ScalarSpan {
 constexpr std::array<ScalarSpan, 7> dangerous = {{
     {0x0000, 0x001F},  // C0 controls
     {0x007F, 0x009F},  // delete, and the C1 controls: U+009B begins a command as ESC [ does
-    {0x061C, 0x061C},  // marks of direction, here and below: they reorder what a row shows
+    {0x061C, 0x061C},  // marks of writing direction, here and below: they reorder the shown text
     {0x200E, 0x200F},
     {0x2028, 0x2029},  // line and paragraph separator
     {0x202A, 0x202E},
@@ -31,7 +31,7 @@ bool isDangerous(char32_t scalar) {
                      [&](ScalarSpan span) { return span.first <= scalar && scalar <= span.last; });
 }
 
-/// `escape` is a format for the scalar's number. All dangerous ones have at most four digits.
+/// `escape` is a printf format for the scalar value. Every dangerous one has at most four hexadecimal digits.
 template <std::predicate<char32_t> IsEscaped>
 std::string withEscapes(std::string_view bytes, const char* escape, IsEscaped isEscaped) {
   const std::string text = wellFormed(bytes);
@@ -51,7 +51,7 @@ std::string withEscapes(std::string_view bytes, const char* escape, IsEscaped is
   return shown;
 }
 
-/// The bytes of the well-formed character at the start; 0 when there is none.
+/// The length of the well-formed character at the start; 0 if there is none.
 std::size_t leadingCharacterBytes(std::string_view bytes) {
   constexpr std::size_t longest = 4;
   for (std::size_t count = 1; count <= std::min(longest, bytes.size()); ++count) {

@@ -2,28 +2,35 @@
 
 #include <cstddef>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
 namespace zelvo {
 
-/// A table for people: columns as wide on the terminal as their widest text, two spaces between them.
+/// The text as a line below a heading: two spaces, the text as it is, and a line feed.
+std::string indentedLine(std::string_view text);
+
+/// An empty line and one "Warning: ..." line per warning; empty if there are none.
+std::string warningLines(const std::vector<std::string>& warnings);
+
+/// A text table: each column is as wide on the terminal as its widest text, with two spaces between columns.
 class TextTable {
  public:
   enum class Align { left, right };
 
   explicit TextTable(std::vector<Align> columns) : aligns_(std::move(columns)), widths_(aligns_.size()) {}
 
-  /// One text a column. Whatever could drive a terminal is made harmless here.
+  /// Takes one text per column. Escapes them with `printable`.
   void addRow(const std::vector<std::string>& texts);
 
-  /// The rows, every line indented by so many spaces, without trailing ones, and ended by a line feed.
-  std::string text(std::size_t indent) const;
+  /// The rows: each line is indented like `indentedLine`, has no trailing spaces and ends with a line feed.
+  std::string text() const;
 
  private:
   struct Cell {
     std::string text;
-    std::size_t columns;  ///< of the terminal
+    std::size_t columns;  ///< width on the terminal
   };
 
   std::vector<Align> aligns_;
