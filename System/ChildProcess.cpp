@@ -178,8 +178,9 @@ std::uint64_t bytesIn(const Descriptor& pipe) {
 }
 
 /// Writes and reads until the child has closed both outputs. Says why the child has to be ended, if it has.
-std::optional<ChildOutcome> exchange(ChildStreams& streams, std::string_view& input, const ChildBounds& bounds,
-                                     Clock::time_point deadline, ChildResult& result) {
+std::optional<ChildOutcome> exchange(ChildStreams& streams, std::string_view& input,
+                                     const ChildBounds& bounds, Clock::time_point deadline,
+                                     ChildResult& result) {
   const auto failed = [&result] {
     result.code = errno;
     return ChildOutcome::failed;

@@ -1,23 +1,16 @@
-// The command-line tool: a host for people. Documents are never parsed here, only handed to a confined
-// worker or child, and whatever comes back from one is made harmless before a terminal sees it.
+// The command-line tool. It never parses a document: it passes documents to confined workers and children,
+// and escapes what they return before it is written to a terminal.
 
 #include <algorithm>
 #include <exception>
 #include <new>
 #include <variant>
 
-#include "zelvo/CommandLine.hpp"
-#include "zelvo/Console.hpp"
-#include "zelvo/CreateCommand.hpp"
-#include "zelvo/ExitStatus.hpp"
-#include "zelvo/ExtractCommand.hpp"
-#include "zelvo/InspectCommand.hpp"
-#include "zelvo/ProcessSetup.hpp"
-#include "zelvo/ResearchCheckCommand.hpp"
-#include "zelvo/ResearchPresentationCommand.hpp"
-#include "zelvo/ResearchWorkbookCommand.hpp"
-#include "zelvo/ValidateCommand.hpp"
-#include "zelvo/WorkerPath.hpp"
+#include "zelvo/CommandLine/CommandLine.hpp"
+#include "zelvo/Commands/Commands.hpp"
+#include "zelvo/Execution/ProcessSetup.hpp"
+#include "zelvo/Execution/WorkerExchange.hpp"
+#include "zelvo/Output/Console.hpp"
 
 namespace zelvo {
 namespace {
@@ -29,7 +22,6 @@ struct RunCommand {
   ExitStatus operator()(const ExtractArguments& arguments) const { return extract(host, arguments); }
   ExitStatus operator()(const CreateArguments& arguments) const { return create(host, arguments); }
   ExitStatus operator()(const ValidateArguments& arguments) const { return validate(host, arguments); }
-  ExitStatus operator()(const ResearchCommand& command) const { return std::visit(*this, command); }
   ExitStatus operator()(const ResearchCheckArguments& arguments) const { return researchCheck(arguments); }
   ExitStatus operator()(const ResearchWorkbookArguments& arguments) const {
     return researchWorkbook(arguments);
@@ -40,23 +32,21 @@ struct RunCommand {
   }
 };
 
-ExitStatus end(const Ending& ending) {
-  Console::print(ending.output);
-  if (!ending.complaint.empty()) Console::complain(ending.complaint);
-  return ending.status;
-}
-
 ExitStatus run(int count, const char* const* arguments) {
   const auto parsed = parseCommandLine(count, arguments);
-  if (const auto* ending = std::get_if<Ending>(&parsed)) return end(*ending);
+  if (!parsed) return Console::report(parsed.error());
+  if (const auto* information = std::get_if<Information>(&*parsed)) {
+    Console::print(information->text);
+    return ExitStatus::success;
+  }
   const DocumentWorkerHost host(workerBesideTool());
-  return std::visit(RunCommand{host}, *std::get_if<Command>(&parsed));
+  return std::visit(RunCommand{host}, std::get<Command>(*parsed));
 }
 
 ExitStatus runAndFinish(int count, const char* const* arguments) {
   const ExitStatus status = run(count, arguments);
   if (Console::finish()) return status;
-  Console::complain("Standard output cannot be written.");
+  Console::printError("Standard output cannot be written.");
   return std::max(status, ExitStatus::refused);
 }
 
@@ -69,9 +59,9 @@ int main(int count, char** arguments) {
   try {
     return static_cast<int>(zelvo::runAndFinish(count, arguments));
   } catch (const std::bad_alloc&) {
-    zelvo::Console::complain("Memory ran out.");
+    zelvo::Console::printError("Out of memory.");
   } catch (const std::exception& error) {
-    zelvo::Console::complain(error.what());
+    zelvo::Console::printError(error.what());
   }
   return static_cast<int>(ExitStatus::workerFailed);
 }

@@ -4,6 +4,7 @@
 
 #include "DocumentRuntime/Engine/DocumentEngine.hpp"
 #include "DocumentRuntime/Errors/DocumentError.hpp"
+#include "zelvo_document_worker/WorkerEntry.hpp"
 
 namespace zelvo {
 namespace {
@@ -36,7 +37,7 @@ DocumentWorkerResponse create(DocumentWorkerRequest request) {
   DocumentWorkerResponse response;
   response.table =
       DocumentEngine::extractTable(std::move(request.data), request.sourceName, *request.selection);
-  // A Word document never carries a chart: one that is asked for is ignored.
+  // A Word document never carries a chart: the request's is ignored.
   response.document = *request.format == DocumentFormat::docx
                           ? DocumentEngine::createDOCX(*response.table, *request.title)
                           : DocumentEngine::createPPTX(*response.table, *request.title, request.chart);
@@ -65,6 +66,19 @@ DocumentWorkerResponse run(DocumentWorkerRequest&& request) {
       return validate(std::move(request));
   }
   return {};
+}
+
+std::optional<std::string> answerDocumentRequest(std::string request) {
+  auto decoded = fromJson<DocumentWorkerRequest>(std::move(request));
+  try {
+    return toJson(run(std::move(decoded)));
+  } catch (const ResponseTooLarge&) {
+    throw;
+  } catch (const DocumentError& error) {
+    DocumentWorkerResponse response;
+    response.error = reportedError(error);
+    return toJson(response);
+  }
 }
 
 }  // namespace zelvo

@@ -1,18 +1,13 @@
 #include "zelvo_document_worker/WorkerEntry.hpp"
 
 #include <cstddef>
-#include <exception>
 #include <memory>
-#include <optional>
-#include <string>
 #include <utility>
 
-#include "DocumentRuntime/Errors/DocumentError.hpp"
 #include "DocumentWorkerProtocol/DocumentWorkerMessage.hpp"
 #include "DocumentWorkerProtocol/WorkerExitStatus.hpp"
+#include "Sandbox/ConfinedRun.hpp"
 #include "Text/Unicode.hpp"
-#include "zelvo_document_worker/Dispatcher.hpp"
-#include "zelvo_document_worker/WorkerConfinement.hpp"
 
 namespace zelvo {
 namespace {
@@ -20,11 +15,14 @@ namespace {
 constexpr std::size_t maximumMessageBytes = DocumentWorkerWire::maximumMessageBytes;
 constexpr std::size_t readChunkBytes = 65'536;
 
-/// The whole input; none when reading fails or a chunk would pass the bound.
+constexpr ConfinedStatuses statuses = {.notConfined = exitStatus::notConfined,
+                                       .failed = exitStatus::noResponse};
+
+/// Returns the whole input, or nullopt if reading fails or a chunk would exceed the bound.
 std::optional<std::string> readRequest(Input& input) {
   std::string request;
-  // Room for the largest request, of which only the pages that are written ever become resident: nothing is
-  // copied for growth.
+  // Reserved for the largest request, so that nothing is copied as it grows. Only pages that are written
+  // become resident.
   request.reserve(maximumMessageBytes);
   // Not on the stack, whose limit a parent may have set to as little as 64 KiB.
   const auto chunk = std::make_unique_for_overwrite<char[]>(readChunkBytes);
@@ -37,44 +35,33 @@ std::optional<std::string> readRequest(Input& input) {
   }
 }
 
-/// An operation that fails is answered too: with the error alone. Throws `ResponseTooLarge`.
-DocumentWorkerResponse answer(DocumentWorkerRequest request) {
-  try {
-    return run(std::move(request));
-  } catch (const ResponseTooLarge&) {
-    throw;
-  } catch (const DocumentError& error) {
-    DocumentWorkerResponse response;
-    response.error = Unicode::prefix(error.errorDescription(), DocumentWorkerWire::maximumErrorCharacters);
-    return response;
-  }
-}
-
-/// The response's text; none when it is too large to be sent.
-std::optional<std::string> encoded(const DocumentWorkerResponse& response) {
-  std::string text = toJson(response);
-  if (text.size() > maximumMessageBytes) return std::nullopt;
-  return text;
-}
-
-bool serve(Input& input, Output& output) {
+/// If `handle` throws (the request cannot be decoded, the response would be too large, or memory ran out),
+/// nothing has been written: writing comes last and throws nothing.
+int serve(Input& input, Output& output, RequestHandler handle) {
   std::optional<std::string> request = readRequest(input);
-  if (!request) return false;
-  const auto response = encoded(answer(fromJson<DocumentWorkerRequest>(*std::move(request))));
-  return response && output.write(*response);
+  if (!request) return exitStatus::noResponse;
+  const std::optional<std::string> response = handle(*std::move(request));
+  const bool isWritten = response && response->size() <= maximumMessageBytes && output.write(*response);
+  return isWritten ? exitStatus::answered : exitStatus::noResponse;
 }
 
 }  // namespace
 
-int runWorker(EntitlementReader& entitlements, Limits& limits, Input& input, Output& output) noexcept {
-  try {
-    if (!confineForWork(entitlements, limits)) return exitStatus::notConfined;
-    return serve(input, output) ? exitStatus::answered : exitStatus::noResponse;
-  } catch (const std::exception&) {
-    // The request cannot be decoded, the response would be too large, or memory ran out. Writing comes last
-    // and throws nothing, so nothing was written.
-    return exitStatus::noResponse;
-  }
+int runWorker(EntitlementReader& entitlements, Limits& limits, Input& input, Output& output,
+              RequestHandler handle) noexcept {
+  return runConfined(entitlements, limits, statuses, [&] { return serve(input, output, handle); });
+}
+
+int runWorkerProcess(RequestHandler handle) noexcept {
+  return runConfined(statuses, [handle] {
+    StandardInput input;
+    StandardOutput output;
+    return serve(input, output, handle);
+  });
+}
+
+std::string reportedError(const DocumentError& error) {
+  return std::string(Unicode::prefix(error.errorDescription(), DocumentWorkerWire::maximumErrorCharacters));
 }
 
 }  // namespace zelvo

@@ -21,7 +21,7 @@ constexpr std::string_view ringY = "\u1E99";
 bool startsWithUpper(std::string_view text, std::string_view word) {
   for (std::size_t i = 0; i < word.size(); ++i) {
     if (text.empty()) return false;
-    if (ASCII::lower(text.front()) == word[i]) {
+    if (ASCII::lowercased(text.front()) == word[i]) {
       text.remove_prefix(1);
     } else if (word[i] == 'i' && text.starts_with(dotlessI)) {
       text.remove_prefix(dotlessI.size());

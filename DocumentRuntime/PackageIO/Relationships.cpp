@@ -11,7 +11,7 @@ namespace zelvo {
 namespace {
 
 std::optional<unsigned> hexDigit(char character) {
-  const std::size_t value = ASCII::hexDigits.find(ASCII::lower(character));
+  const std::size_t value = ASCII::hexDigits.find(ASCII::lowercased(character));
   if (value == std::string_view::npos) return std::nullopt;
   return static_cast<unsigned>(value);
 }

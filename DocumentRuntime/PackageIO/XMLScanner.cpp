@@ -323,7 +323,7 @@ char32_t XMLScanner::characterReference() {
   const std::size_t start = position_;
   for (; peek() != ';'; ++position_) {
     const char c = peek();
-    const std::size_t digit = ASCII::hexDigits.find(ASCII::lower(c));
+    const std::size_t digit = ASCII::hexDigits.find(ASCII::lowercased(c));
     require(digit < base);
     scalar = scalar * base + static_cast<char32_t>(digit);
     require(scalar <= 0x10FFFF);  // after every digit, so that nothing wraps

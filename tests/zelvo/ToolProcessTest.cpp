@@ -1,61 +1,91 @@
-// The tool as a process: signals, limits and streams that it inherits, and what a terminal receives.
+// Owns the tool as a process: the command line, inherited signals, limits and streams, and terminal output.
 
 #include <csignal>
-#include <filesystem>
-#include <string>
 #include <sys/prctl.h>
 #include <sys/wait.h>
-#include <vector>
-
-#include <gtest/gtest.h>
 
 #include "ToolRunner.hpp"
 
 namespace zelvo::testing {
 namespace {
 
-const std::string book = EXAMPLE_WORKBOOK;
+using ToolProcess = ToolTest;
 
-TEST(ToolProcess, EndsItsWorkerWhenASignalEndsIt) {
-  prctl(PR_SET_CHILD_SUBREAPER, 1);  // a worker that is left becomes a child of this process
-  const DisplacedTool tool;
-  const std::string worker =
-      tool.folder().write("zelvo_document_worker", "#!/bin/sh\nkill -TERM $PPID; exec sleep 60");
-  std::filesystem::permissions(worker, std::filesystem::perms::owner_all);
-  const ChildResult result = runChildProcess({tool.folder().path("zelvo"), {"inspect", book}}, {},
+TEST_F(ToolProcess, RefusesAnInvalidCommandLine) {
+  for (const auto& [arguments, message] : cases<2>(R"(
+      => A subcommand is required ; inspect => BOOK.xlsx is required ; inspect -x => BOOK.xlsx is required
+      inspect --jsno a.xlsx => The following argument was not expected: --jsno
+      --json inspect a.xlsx => The following argument was not expected: --json
+      extract a.xlsx --sheet S => --range is required
+      extract a.xlsx --range A1 --sheet)"
+                                                   " \xff"
+                                                   R"( => --sheet: The text is not UTF-8
+      extract - --sheet S --sheet T --range A1 => --sheet: At Most 1 required but received 2
+      extract - --sheet S --range A1 --json --csv => --json excludes --csv
+      create - --sheet S --range A1 --title t => -o is required
+      create - --sheet S --range A1 --title t -o docx => -o: The file's name must end in .docx or .pptx
+      validate a.xlsx => DOC.docx|DOC.pptx: The file's name must end in .docx or .pptx
+      validate a.pptx --chart 0 => --chart: The columns must be given as CATEGORY:VALUE
+      validate a.pptx --chart-title t => --chart-title requires --chart)"))
+    EXPECT_EQ(zelvo(arguments), failure(2, message + " (see zelvo --help)"));
+}
+
+TEST_F(ToolProcess, PrintsHelpToStandardOutput) {
+  EXPECT_EQ(zelvo("--version"), (ToolRun{0, "zelvo " ZELVO_VERSION "\n", ""}));
+  for (const char* arguments : {"--help", "inspect --help"}) {
+    const ToolRun help = zelvo(arguments);
+    EXPECT_EQ(help.status, 0);
+    EXPECT_EQ(help.errors, "");
+    EXPECT_NE(help.output.find("\nExit status: 0 success, "), std::string::npos) << help;
+  }
+  EXPECT_EQ(runAfter("exec >/dev/full", "--version"), failure(1, "Standard output cannot be written."));
+}
+
+// A list that CLI11 splits, names of the tool's own words, and names that look like an option.
+TEST_F(ToolProcess, TakesFileNamesAsTheyAre) {
+  std::vector<std::string> arguments = {"inspect", "--json", "--"};
+  std::string errors;
+  for (const std::string name : {"[a,b]", "[]", "a,b", "{}", "inspect", "", "-x", "--", "--json"}) {
+    arguments.push_back(name);
+    errors += "zelvo: The file cannot be read: " + name + ": No such file or directory\n";
+  }
+  EXPECT_EQ(run(TOOL, arguments), (ToolRun{1, "", errors}));
+}
+
+TEST_F(ToolProcess, EndsItsWorkerIfASignalEndsIt) {
+  prctl(PR_SET_CHILD_SUBREAPER, 1);  // an orphaned worker becomes a child of this process
+  displace();
+  std::filesystem::permissions(
+      folder.write("zelvo_document_worker", "#!/bin/sh\nkill -TERM $PPID; exec sleep 60"),
+      std::filesystem::perms::owner_all);
+  const ChildResult result = runChildProcess({folder.path("zelvo"), {"inspect", book}}, {},
                                              {.outputBytes = 0, .wallClock = std::chrono::seconds(30)});
   EXPECT_EQ(result.outcome, ChildOutcome::killed);
   EXPECT_EQ(result.code, SIGTERM);
-  EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1) << "the worker was left behind";
+  EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1) << "the worker is still there";
 }
 
-/// Runs the tool, its arguments as a shell takes them, after a command of the shell.
-ToolRun runAfter(const std::string& command, const std::string& arguments, std::string_view input = {}) {
-  return run("/bin/sh", {"-c", command + "; exec \"$0\" " + arguments, TOOL}, input);
-}
-
-TEST(ToolProcess, NamesTheProcessThatFailed) {
-  const TemporaryFolder folder;
-  const std::string word = folder.path("a.docx");
-  const std::string table = book + " --sheet Quarter --range A1:B5 --cached-formulas";
-  ASSERT_EQ(runAfter(":", "create --title t " + table + " -o " + word).status, 0);
-  const std::string expected = folder.write("t.json", runAfter(":", "extract --json " + table).output);
-  // The processor time that is left is too short for a confined process.
-  for (const auto& [arguments, process] :
-       cases<2>("inspect " + book + " => The worker\nvalidate " + word + " => The worker\nvalidate " + word +
-                " --expect " + expected + " => The tool's confined child process\nresearch check " +
-                EXAMPLE_DATASET " => The tool's confined child process")) {
-    const ToolRun failed = runAfter("ulimit -t 20", arguments);
+TEST_F(ToolProcess, NamesTheProcessThatFailed) {
+  const std::string table = " $book --sheet Quarter --range A1:B5 --cached-formulas";
+  ASSERT_EQ(zelvo("create --title t -o @a.docx" + table).status, 0);
+  folder.write("t.json", zelvo("extract --json" + table).output);
+  // Less processor time is left than a confined process needs.
+  for (const auto& [arguments, process] : cases<2>(R"(
+      validate @a.docx => The worker
+      validate @a.docx --expect @t.json => The tool's confined child process
+      research check )" EXAMPLE_DATASET " => The tool's confined child process")) {
+    const ToolRun failed = runAfter("ulimit -t 20", expanded(arguments));
     EXPECT_EQ(failed.status, 3) << failed;
     EXPECT_TRUE(failed.errors.starts_with(
-        "zelvo: " + process + " refused to work because it could not confine itself (status 78)."))
+        "zelvo: " + process +
+        " refused to work because it could not confine itself (status 78). The limit of 45 "))
         << failed;
   }
 }
 
-TEST(ToolProcess, WorksWithWhatItsParentLeavesIt) {
+TEST_F(ToolProcess, WorksWithInheritedStreamsAndSignals) {
   const std::string inspect = "inspect " + book;
-  const ToolRun inspected = zelvo({"inspect", book});
+  const ToolRun inspected = zelvo(inspect);
   EXPECT_EQ(run("/usr/bin/env", {"--ignore-signal=CHLD", TOOL, "inspect", book}), inspected);
   EXPECT_EQ(runAfter("exec 2>&-", inspect), inspected);
   EXPECT_EQ(runAfter("exec <&-", inspect), inspected);
@@ -63,8 +93,8 @@ TEST(ToolProcess, WorksWithWhatItsParentLeavesIt) {
   EXPECT_EQ(runAfter("exec >&-", inspect), failure(1, "Standard output cannot be written."));
 }
 
-// Characters that drive a terminal or reorder its text; JSON may hold them as they are.
-TEST(ToolProcess, EscapesJSONForTerminals) {
+// JSON may contain these characters unescaped.
+TEST_F(ToolProcess, EscapesJSONForTerminals) {
   const std::string raw = "\u007f\u0080\u009b\u009f\u061c\u200e\u202e\u2066\u2069";
   const std::string escaped = R"(\u007f\u0080\u009b\u009f\u061c\u200e\u202e\u2066\u2069)";
   const std::string dataset = replaced(contentOf(EXAMPLE_DATASET), R"("report": ")", R"("report": ")" + raw);
@@ -77,6 +107,7 @@ TEST(ToolProcess, EscapesJSONForTerminals) {
       R"({"structurallyValid":true,"sourceValuesVerified":true,"visuallyVerified":)"
       R"(false,"validatorVersion":"1","warnings":[")" +
       raw + R"("],"outputSHA256":""})";
+  displace();
   const struct {
     std::string arguments;
     std::string input;
@@ -95,10 +126,10 @@ TEST(ToolProcess, EscapesJSONForTerminals) {
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.arguments);
-    const DisplacedTool tool("say " + row.answer);
-    const ToolRun piped = tool.run(words(row.arguments), row.input);
+    placeFakeWorker(folder, "say " + row.answer);
+    const ToolRun piped = displaced(row.arguments, row.input);
     EXPECT_EQ(piped.status, 0) << piped;
-    EXPECT_EQ(onTerminal(row.arguments, row.input, tool.folder().path("zelvo")),
+    EXPECT_EQ(onTerminal(row.arguments, row.input, folder.path("zelvo")),
               (ToolRun{0, replaced(piped.output, raw, escaped), ""}));
   }
 }

@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <fcntl.h>
 #include <filesystem>
+#include <set>
 #include <string>
 #include <string_view>
 #include <termios.h>
@@ -12,16 +13,19 @@
 
 #include <gtest/gtest.h>
 
+#include "DocumentRuntime/Records/ByteBuffer.hpp"
 #include "Support/Cases.hpp"
 #include "Support/FakeWorker.hpp"
 #include "Support/TemporaryFolder.hpp"
 #include "Support/Texts.hpp"
 #include "System/ChildProcess.hpp"
 #include "System/Descriptor.hpp"
+#include "Text/Digest.hpp"
 
 namespace zelvo::testing {
 
-/// What a run of the tool did.
+const std::string book = EXAMPLE_WORKBOOK;
+
 struct ToolRun {
   int status;
   std::string output;
@@ -30,42 +34,39 @@ struct ToolRun {
   bool operator==(const ToolRun&) const = default;
 };
 
-/// A run that says nothing but why it failed.
-inline ToolRun failure(int status, const std::string& message) {
-  return {status, "", "zelvo: " + message + "\n"};
-}
-
 inline std::ostream& operator<<(std::ostream& stream, const ToolRun& run) {
   return stream << "status " << run.status << "\n--- output\n"
                 << run.output << "\n--- errors\n"
                 << run.errors;
 }
 
+/// A run that prints one error and nothing else.
+inline ToolRun failure(int status, const std::string& message) {
+  return {status, "", "zelvo: " + message + "\n"};
+}
+
 inline ToolRun run(const std::string& program, const std::vector<std::string>& arguments,
                    std::string_view input = {}) {
-  constexpr std::size_t outputBytes = 1 << 20;
-  const ChildResult result =
-      runChildProcess({.program = program, .arguments = arguments}, input,
-                      {.outputBytes = outputBytes, .wallClock = std::chrono::seconds(60)});
+  const ChildResult result = runChildProcess({.program = program, .arguments = arguments}, input,
+                                             {.outputBytes = 1 << 20, .wallClock = std::chrono::seconds(60)});
   EXPECT_EQ(result.outcome, ChildOutcome::exited) << "code " << result.code;
   return {result.code, result.output, result.errorOutput};
 }
 
-/// Runs the tool beside the real worker.
-inline ToolRun zelvo(const std::vector<std::string>& arguments, std::string_view input = {}) {
-  return run(TOOL, arguments, input);
+/// Runs the tool, with arguments as a shell takes them, after a shell command.
+inline ToolRun runAfter(const std::string& command, const std::string& arguments, std::string_view input = {},
+                        const std::string& tool = TOOL) {
+  return run("/bin/sh", {"-c", command + "; exec \"$0\" " + arguments, tool}, input);
 }
 
-/// Runs the tool, its arguments as a shell takes them, with a terminal as standard output, which receives
-/// less than a terminal holds.
+/// The same with a terminal as standard output. It must hold all of the output.
 inline ToolRun onTerminal(const std::string& arguments, std::string_view input = {},
                           const std::string& tool = TOOL) {
   const Descriptor terminal(posix_openpt(O_RDWR | O_NOCTTY));
   EXPECT_EQ(grantpt(terminal.number()) | unlockpt(terminal.number()), 0);
-  termios raw = {};  // the bytes stay as they are
+  termios raw = {};  // no byte is converted
   EXPECT_EQ(tcsetattr(terminal.number(), TCSANOW, &raw), 0);
-  ToolRun result =
-      run("/bin/sh", {"-c", "\"$0\" " + arguments + " >" + ptsname(terminal.number()), tool}, input);
+  ToolRun result = runAfter(":", arguments + " >" + ptsname(terminal.number()), input, tool);
   std::array<char, 4096> received;
   ssize_t count = 0;
   while ((count = read(terminal.number(), received.data(), received.size())) > 0)
@@ -73,20 +74,59 @@ inline ToolRun onTerminal(const std::string& arguments, std::string_view input =
   return result;
 }
 
-/// The tool in a folder of its own, where a test puts the worker of its choice, or none.
-class DisplacedTool {
- public:
-  DisplacedTool() { std::filesystem::create_hard_link(TOOL, path_); }
-  explicit DisplacedTool(std::string_view act) : DisplacedTool() { placeFakeWorker(folder_, act); }
+/// The tool in a folder of its own, with a fake worker or none. In commands, messages and tables "@" is the
+/// folder and "$book" the example workbook.
+class ToolTest : public ::testing::Test {
+ protected:
+  TemporaryFolder folder;
 
-  const TemporaryFolder& folder() const { return folder_; }
-  ToolRun run(const std::vector<std::string>& arguments, std::string_view input = {}) const {
-    return testing::run(path_, arguments, input);
+  std::string expanded(std::string text) const {
+    for (const auto& [name, value] : {std::pair("@", folder.path("")), std::pair("$book", book)})
+      for (std::size_t at = 0; (at = text.find(name, at)) != std::string::npos; at += value.size())
+        text.replace(at, std::string_view(name).size(), value);
+    return text;
+  }
+  ToolRun zelvo(const std::string& arguments, std::string_view input = {}) const {
+    return run(TOOL, words(expanded(arguments)), input);
+  }
+
+  void displace() const { std::filesystem::create_hard_link(TOOL, folder.path("zelvo")); }
+  void displace(std::string_view act) const {
+    displace();
+    placeFakeWorker(folder, act);
+  }
+  ToolRun displaced(const std::string& arguments, std::string_view input = {}) const {
+    return run(folder.path("zelvo"), words(expanded(arguments)), input);
+  }
+
+  /// Each case: arguments => status | message. No file of the folder may be added, changed or removed.
+  void expectFailures(std::string_view table, std::string_view input = {}) const {
+    const std::string before = content();
+    for (const auto& [arguments, status, message] : cases<3>(table))
+      EXPECT_EQ(zelvo(arguments, input), failure(std::stoi(status), expanded(message))) << arguments;
+    EXPECT_EQ(content(), before);
+  }
+
+  /// The command writes the same document to a file as to standard output, and describes it. Returns it.
+  std::string expectWritten(const std::string& command, const std::string& name, const std::string& format,
+                            const std::string& facts = "", std::string_view input = {},
+                            const std::string& notes = "") const {
+    const ToolRun written = zelvo(command + " -o @" + name, input);
+    std::string document = contentOf(folder.path(name));
+    EXPECT_EQ(written.output, expanded("@" + name) + "\n  Format   " + format + "\n  Size     " +
+                                  std::to_string(document.size()) + " bytes\n" + facts + "  SHA-256  " +
+                                  Digest::sha256(bytesOf(document)) + "\n" + notes);
+    EXPECT_EQ(zelvo(command + " -o -", input), (ToolRun{0, document, ""}));
+    return document;
   }
 
  private:
-  TemporaryFolder folder_;
-  std::string path_ = folder_.path("zelvo");
+  std::string content() const {
+    std::string all;
+    for (const auto& file : std::set(std::filesystem::directory_iterator(folder.path("")), {}))
+      all += file.path().string() + (file.is_regular_file() ? contentOf(file.path()) : "folder") + "\n";
+    return all;
+  }
 };
 
 }  // namespace zelvo::testing

@@ -1,0 +1,147 @@
+// Owns the research commands: their output, and that a failure writes nothing.
+
+#include "ToolRunner.hpp"
+
+namespace zelvo::testing {
+namespace {
+
+const std::string dataset =
+    R"({"report":"R","columns":[{"name":"A","kind":"text"},{"name":"B","kind":"number"}],"charts":[],)"
+    R"("rows":[{"cells":["x",0.5],"sources":["http://h/1"]},{"cells":["y",null],"sources":[],"sourceIDs":["local"]}],)"
+    R"("calculations":[{"row":1,"column":1,"formula":{"op":"cell","row":0,"column":1}}]})";
+const std::string points =
+    R"({"title":"T","slides":[{"sources":[],"title":"A","body":["a"]},{"title":"B","body":["b"],)"
+    R"("sources":["http://h/1"]},{"title":"C","body":["c"],"sources":[]}],"report":"R"})";
+const std::string chartData =
+    R"({"report":"R","columns":[{"name":"K","kind":"text"},{"name":"V","kind":"number"}],)"
+    R"("rows":[{"cells":["x",0.5],"sources":["http://h/1"]}],)"
+    R"("charts":[{"title":"D","kind":"bar","categoryColumn":0,"valueColumns":[1]}]})";
+
+/// The deck with a chart on its last slide.
+std::string withChart(const std::string& binding) {
+  return replaced(points, R"("title":"C")", binding + R"(,"title":"C")");
+}
+
+struct ResearchCommands : ToolTest {
+  ResearchCommands() {
+    folder.write("scope.json",
+                 R"({"localSnapshotIDs":["local"],"publicSources":{"web":"http://h/1"},"records":[]})");
+    folder.write("empty.json", R"({"localSnapshotIDs":[],"publicSources":{},"records":[]})");
+    folder.write("one.json", chartData);
+    folder.write("two.json",
+                 R"([{"id":"d","content":)" + chartData + R"(},{"id":"e","content":)" + chartData + "}]");
+    for (const char* old : {"old.xlsx", "old.pptx"})
+      folder.write(old, "old");
+  }
+
+  /// The displayed cells of a column, without a title.
+  std::string cellsOf(const std::string& workbook, const std::string& sheetAndRange) const {
+    return zelvo("extract - --no-header --csv --sheet " + sheetAndRange, workbook).output;
+  }
+};
+
+TEST_F(ResearchCommands, CheckPrintsTheDataset) {
+  const ToolRun expected = {
+      0,
+      R"({"dataset":{"calculations":[{"column":1,"formula":{"column":1,"op":"cell","row":0},"row":1}],"charts":[],)"
+      R"("columns":[{"kind":"text","name":"A"},{"kind":"number","name":"B"}],"report":"R",)"
+      R"("rows":[{"cells":["x",0.5],"sources":["http://h/1"]},{"cells":["y",null],"sourceIDs":["local"],"sources":[]}]},)"
+      R"("cells":[["x",0.5],["y",0.5]],)"
+      R"json("calculations":[{"row":1,"column":1,"formula":"IF(ISNUMBER(B2),B2,\"\")","value":0.5}]})json"
+      "\n",
+      ""};
+  EXPECT_EQ(zelvo("research check - --json", "```json\n" + dataset + "\n```\n"), expected);
+  EXPECT_EQ(zelvo("research check --scope @scope.json -", dataset), expected);
+  EXPECT_EQ(zelvo("research check --require-chart " EXAMPLE_DATASET).status, 0);
+}
+
+TEST_F(ResearchCommands, WorkbookAndReportWriteWorkbooks) {
+  const std::string book = expectWritten("research workbook - --title [a,b] --scope @scope.json", "a.XLSX",
+                                         "Excel workbook", "", dataset);
+  EXPECT_EQ(cellsOf(book, "Data --range A2:B2"), "Column A,Column B\r\nx,0.50\r\n");
+  EXPECT_EQ(cellsOf(book, "Report --range A1:A2"), "Column A\r\n\"[a,b]\"\r\nR\r\n");
+  EXPECT_EQ(cellsOf(book, "Sources --range A2:A3"), "Column A\r\nlocal\r\nweb\r\n");
+  expectWritten("research workbook --title T " EXAMPLE_DATASET, "b.xlsx", "Excel workbook");
+
+  const std::string report =
+      expectWritten("research report --title T --source [a,b] --source http://h/ -", "c.xlsx",
+                    "Excel workbook", "", "\xEF\xBB\xBF|City|Sold|\r\n|---|---|\r\n|Bonn|1,5|\r\n\r\nText");
+  EXPECT_EQ(cellsOf(report, "Data --range A1:B2"), "Column A,Column B\r\nCity,Sold\r\nBonn,1.5\r\n");
+  EXPECT_EQ(cellsOf(report, "Report --range A1:A1"), "Column A\r\nT\r\n");
+  EXPECT_EQ(cellsOf(report, "Sources --range A2:A3"), "Column A\r\n\"[a,b]\"\r\nhttp://h/\r\n");
+  expectWritten("research report --title T " EXAMPLE_REPORT, "d.xlsx", "Excel workbook");
+}
+
+TEST_F(ResearchCommands, PresentationPrintsOrWritesTheDeck) {
+  const std::string shared = withChart(R"("chartIndex":0)");
+  const std::string referring = withChart(R"("chartReference":{"datasetID":"d","chartIndex":0})");
+  EXPECT_EQ(
+      zelvo("research presentation - --source http://h/1", points).output,
+      R"({"report":"R","slides":[{"body":["a"],"sources":[],"title":"A"},{"body":["b"],"sources":["http://h/1"],)"
+      R"("title":"B"},{"body":["c"],"sources":[],"title":"C"}],"title":"T"})"
+      "\n");
+  // The printed deck is valid again with the datasets that were attached to it.
+  const ToolRun attached = zelvo("research presentation - --datasets @two.json", referring);
+  EXPECT_TRUE(attached.output.starts_with(R"({"datasets":[{"content":{"charts":[)")) << attached;
+  EXPECT_EQ(zelvo("research presentation - --datasets @two.json", attached.output), attached);
+
+  for (const auto& [options, deck, hasChart] :
+       {std::tuple("", points, false),
+        {" --dataset @one.json", shared, true},
+        {" --datasets @two.json --allow-dataset e --allow-dataset d", referring, true}}) {
+    const std::string document = expectWritten(std::string("research presentation -") + options, "deck.PPTX",
+                                               "PowerPoint presentation", "", deck);
+    EXPECT_EQ(document.find("ppt/charts/chart1.xml") != std::string::npos, hasChart) << options;
+  }
+  expectFailures(
+      "research presentation - -o @old.pptx --datasets @two.json --allow-dataset e => 1 | The generated "
+      "document did not pass "
+      "validation: The presentation references a dataset outside its declared result scope.",
+      referring);
+}
+
+TEST_F(ResearchCommands, WriteNothingIfTheyFail) {
+  const std::string invalid = "The generated document did not pass validation: ";
+  std::string datasets = R"(
+      check - --require-chart => 1 | $invalid The requested chart is missing.
+      check - --no-sources => 1 | $invalid $notReturned
+      check --source http://h/2 --source [http://h/1,b] - => 1 | $invalid $notReturned
+      check --source http://h/1 - => 1 | $invalid $notReturned
+      check --scope @empty.json --no-sources - => 1 | $invalid Use exact trusted local snapshot IDs or accepted public evidence; local evidence needs no public URL.
+      check --scope @one.json - => 1 | @one.json: The key "localSnapshotIDs" is missing.
+      check @absent => 1 | The file cannot be read: @absent: No such file or directory
+      check /dev/zero => 1 | The file is larger than 16 MiB: /dev/zero
+      workbook - --title T -o @old.xlsx --no-sources => 1 | $invalid $notReturned
+      workbook --title T -o @old.xlsx => 2 | DATASET.json is required (see zelvo --help)
+      report - --title T -o @old.xlsx => 1 | $invalid The saved report has no table. Continue the task to prepare spreadsheet data.
+      report @absent --title T -o @old.xlsx => 1 | The file cannot be read: @absent: No such file or directory
+      report - --title T -o a.docx => 2 | -o: The file's name must end in .xlsx (see zelvo --help)
+      report - --title T -o @old.xlsx --source)"
+                         " \xff => 2 | --source: The text is not UTF-8 (see zelvo --help)"
+                         R"(
+      presentation - -o @old.pptx --datasets @one.json => 1 | @one.json: Expected an array, found an object.
+      presentation - --dataset @one.json --allow-dataset d => 2 | --allow-dataset requires --datasets (see zelvo --help)
+      presentation - --dataset @one.json --datasets @two.json => 2 | --dataset excludes --datasets (see zelvo --help)
+      check - --source http://h --no-sources => 2 | --source excludes --no-sources (see zelvo --help))";
+  replaceAll(datasets, "\n      ", "\nresearch ");
+  replaceAll(datasets, "$invalid", "The generated document did not pass validation:");
+  replaceAll(datasets, "$notReturned",
+             "Each researched row needs an exact URL returned by the research tools.");
+  expectFailures(datasets, dataset);
+  expectFailures("research presentation - -o @old.pptx --no-sources => 1 | " + invalid +
+                     "Slide sources must be returned research URLs.",
+                 points);
+  expectFailures(
+      "research report - --title T -o @old.xlsx => 1 | This document feature is not supported yet: report is "
+      "not UTF-8",
+      "\xff");
+  for (const char* option : {"--dataset", "--datasets", "--scope"})
+    EXPECT_EQ(run(TOOL, {"research", "presentation", "-", option, ""}, points),
+              failure(2, std::string(option) + ": The file's name is empty (see zelvo --help)"));
+  for (const std::string command : {"workbook - --title t", "report - --title t", "presentation -"})
+    EXPECT_EQ(onTerminal("research " + command + " -o -"),
+              failure(2, "A document is not written to a terminal."));
+}
+
+}  // namespace
+}  // namespace zelvo::testing

@@ -1,0 +1,234 @@
+#include "zelvo/CommandLine/CommandLine.hpp"
+
+#include <sstream>
+#include <string_view>
+#include <utility>
+
+#include <CLI/CLI.hpp>
+
+#include "Text/ASCII.hpp"
+#include "zelvo/CommandLine/OptionValues.hpp"
+
+namespace zelvo {
+namespace {
+
+constexpr const char* footer =
+    R"("-" as a file is standard input, and for -o standard output, which must not be a terminal. create -o -
+writes a presentation with --chart, and a Word document without.
+
+Exit status: 0 success, 1 a document was refused or a file could not be read or written, 2 invalid command
+line, 3 the worker could not be run or failed; with several files the highest.)";
+
+/// The format that a file's ending names.
+std::optional<DocumentFormat> formatOf(std::string_view path) {
+  const std::string name = ASCII::lowercased(path);
+  if (name.ends_with(".docx")) return DocumentFormat::docx;
+  if (name.ends_with(".pptx")) return DocumentFormat::pptx;
+  return std::nullopt;
+}
+
+std::string checkDocumentName(const std::string& path) {
+  return path == "-" || formatOf(path) ? "" : "The file's name must end in .docx or .pptx";
+}
+
+class InspectParser {
+ public:
+  explicit InspectParser(CLI::App& tool) {
+    CLI::App* command = tool.add_subcommand("inspect", "Describe the sheets of XLSX workbooks");
+    files_ = command->add_option("BOOK.xlsx", given_.files, "Workbooks")->required()->type_name("");
+    command->add_flag("--json", given_.json, "Print one JSON record per line");
+  }
+  InspectParser(const InspectParser&) = delete;
+  InspectParser& operator=(const InspectParser&) = delete;
+  ~InspectParser() = default;
+
+  InspectArguments arguments() const { return {.files = values(*files_), .json = given_.json}; }
+
+ private:
+  InspectArguments given_;
+  CLI::Option* files_ = nullptr;
+};
+
+/// A workbook and a table in it.
+class SelectionOptions {
+ public:
+  explicit SelectionOptions(CLI::App& command)
+      : workbook_(command.add_option("BOOK.xlsx", "Workbook")->required()->type_name("")),
+        sheet_(addText(command, "--sheet", "The worksheet")->required()->type_name("NAME")),
+        range_(addText(command, "--range", "The cells, like A1:D20")->required()->type_name("RANGE")),
+        noHeader_(addFlag(command, "--no-header", "The first row contains data, not column titles")),
+        hidden_(addFlag(command, "--include-hidden", "Include hidden rows")),
+        cached_(addFlag(command, "--cached-formulas", "Use the saved results of formulas")) {}
+
+  std::string workbook() const { return value(*workbook_); }
+  TableSelection selection() const {
+    return {.sheetName = value(*sheet_),
+            .range = value(*range_),
+            .firstRowIsHeader = noHeader_->empty(),
+            .includeHiddenRows = !hidden_->empty(),
+            .allowCachedFormulaValues = !cached_->empty()};
+  }
+
+ private:
+  CLI::Option* workbook_;
+  CLI::Option* sheet_;
+  CLI::Option* range_;
+  CLI::Option* noHeader_;
+  CLI::Option* hidden_;
+  CLI::Option* cached_;
+};
+
+class ChartOptions {
+ public:
+  explicit ChartOptions(CLI::App& command)
+      : columns_(addText(command, "--chart",
+                         "Columns of a chart, by title or zero-based index; ignored for Word")),
+        title_(addText(command, "--chart-title", "The chart's title")->needs(columns_)) {
+    columns_->type_name("CATEGORY:VALUE")->check([](const std::string& text) {
+      return text.find(':') != std::string::npos ? "" : "The columns must be given as CATEGORY:VALUE";
+    });
+  }
+
+  std::optional<ChartArguments> arguments() const {
+    if (columns_->empty()) return std::nullopt;
+    return ChartArguments{.columns = value(*columns_), .title = value(*title_)};
+  }
+
+ private:
+  CLI::Option* columns_;
+  CLI::Option* title_;
+};
+
+class ExtractParser {
+ public:
+  explicit ExtractParser(CLI::App& tool)
+      : command_(tool.add_subcommand("extract", "Show a table of an XLSX workbook")), table_(*command_) {
+    json_ = addFlag(*command_, "--json", "Print the table's JSON record");
+    csv_ = addFlag(*command_, "--csv", "Print the displayed cells as CSV")->excludes(json_);
+  }
+
+  bool isGiven() const { return command_->parsed(); }
+  ExtractArguments arguments() const {
+    using enum ExtractArguments::Form;
+    const auto form = !json_->empty() ? json : !csv_->empty() ? csv : text;
+    return {.workbook = table_.workbook(), .selection = table_.selection(), .form = form};
+  }
+
+ private:
+  CLI::App* command_;
+  SelectionOptions table_;
+  CLI::Option* json_ = nullptr;
+  CLI::Option* csv_ = nullptr;
+};
+
+/// The format of the document in a file with a checked name.
+DocumentFormat formatOf(const std::string& path, const std::optional<ChartArguments>& chart) {
+  return formatOf(path).value_or(chart ? DocumentFormat::pptx : DocumentFormat::docx);
+}
+
+class CreateParser {
+ public:
+  explicit CreateParser(CLI::App& tool)
+      : command_(tool.add_subcommand("create", "Write a table as a Word document or a presentation")),
+        table_(*command_),
+        title_(addText(*command_, "--title", "The document's title")->required()),
+        chart_(*command_),
+        output_(command_->add_option("-o", "The output file")->required()) {
+    output_->type_name("OUT.docx|OUT.pptx")->check(checkDocumentName);
+  }
+
+  bool isGiven() const { return command_->parsed(); }
+  CreateArguments arguments() const {
+    const auto chart = chart_.arguments();
+    const std::string output = value(*output_);
+    return {.workbook = table_.workbook(),
+            .selection = table_.selection(),
+            .title = value(*title_),
+            .chart = chart,
+            .output = output,
+            .format = formatOf(output, chart)};
+  }
+
+ private:
+  CLI::App* command_;
+  SelectionOptions table_;
+  CLI::Option* title_;
+  ChartOptions chart_;
+  CLI::Option* output_;
+};
+
+class ValidateParser {
+ public:
+  explicit ValidateParser(CLI::App& tool)
+      : command_(tool.add_subcommand("validate", "Verify that a document is one that create wrote")),
+        document_(command_->add_option("DOC.docx|DOC.pptx", "Document")->required()),
+        expected_(
+            command_->add_option("--expect", "The table that the document must show, from extract --json")),
+        chart_(*command_),
+        json_(addFlag(*command_, "--json", "Print the JSON record")) {
+    document_->type_name("")->check(checkDocumentName);
+    expected_->type_name("TABLE.json");
+  }
+
+  bool isGiven() const { return command_->parsed(); }
+  ValidateArguments arguments() const {
+    const auto chart = chart_.arguments();
+    const std::string document = value(*document_);
+    return {.document = document,
+            .format = formatOf(document, chart),
+            .expectedTable = value(*expected_),
+            .chart = chart,
+            .json = !json_->empty()};
+  }
+
+ private:
+  CLI::App* command_;
+  CLI::Option* document_;
+  CLI::Option* expected_;
+  ChartOptions chart_;
+  CLI::Option* json_;
+};
+
+using ParsedCommandLine = std::variant<Command, Information>;
+
+/// CLI11 reports a request for help as an error, too.
+Result<ParsedCommandLine> resultOf(const CLI::App& tool, const CLI::ParseError& end) {
+  std::ostringstream output;
+  std::ostringstream errors;
+  if (tool.exit(end, output, errors) == 0) return ParsedCommandLine(Information{output.str()});
+  return CommandError{ExitStatus::usage, withoutGuards(end.what()) + " (see zelvo --help)"};
+}
+
+}  // namespace
+
+Result<ParsedCommandLine> parseCommandLine(int count, const char* const* arguments) {
+  CLI::App tool("Reads and writes office documents in a confined worker process.", "zelvo");
+  tool.set_version_flag("--version", "zelvo " ZELVO_VERSION);
+  tool.set_help_all_flag("--help-all", "Print the help of every subcommand and exit");
+  tool.require_subcommand(1);
+  tool.footer(footer);
+  const InspectParser inspect(tool);
+  const ExtractParser extract(tool);
+  const CreateParser create(tool);
+  const ValidateParser validate(tool);
+  const ResearchParser research(tool);
+
+  std::vector<std::string> reversed;  // the order that CLI11 requires
+  for (int i = count - 1; i > 0; --i)
+    reversed.push_back(guarded(arguments[i]));
+  try {
+    tool.parse(std::move(reversed));
+  } catch (const CLI::ParseError& end) {
+    return resultOf(tool, end);
+  }
+  const auto command = [&]() -> Command {
+    if (extract.isGiven()) return extract.arguments();
+    if (create.isGiven()) return create.arguments();
+    if (validate.isGiven()) return validate.arguments();
+    if (auto given = research.command()) return *std::move(given);
+    return inspect.arguments();
+  };
+  return ParsedCommandLine(command());
+}
+
+}  // namespace zelvo

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <variant>
+
+#include "zelvo/CommandLine/Arguments.hpp"
+#include "zelvo/Output/Result.hpp"
+
+namespace CLI {
+class App;
+}
+
+namespace zelvo {
+
+/// A text that the command line asks to print in place of a command: the help or the version.
+struct Information {
+  std::string text;  ///< with its line feeds
+};
+
+/// Parses the command line. Values are returned as they were given: nothing is split, expanded or taken from
+/// the environment. The error's status is `usage`.
+Result<std::variant<Command, Information>> parseCommandLine(int count, const char* const* arguments);
+
+/// Adds `research` and its subcommands to a command line.
+class ResearchParser {
+ public:
+  explicit ResearchParser(CLI::App& tool);
+  ResearchParser(const ResearchParser&) = delete;
+  ResearchParser& operator=(const ResearchParser&) = delete;
+  ~ResearchParser();
+
+  /// After parsing: the given subcommand; nullopt if there is none.
+  std::optional<Command> command() const;
+
+ private:
+  struct Subcommands;
+
+  std::unique_ptr<const Subcommands> subcommands_;
+};
+
+}  // namespace zelvo

@@ -1,0 +1,53 @@
+#include "zelvo/CommandLine/OptionValues.hpp"
+
+#include <algorithm>
+
+#include <CLI/CLI.hpp>
+
+#include "Text/Unicode.hpp"
+
+namespace zelvo {
+namespace {
+
+/// CLI11 splits a list's value that looks like "[a,b]". A NUL, which no argument can contain, hides the
+/// bracket.
+constexpr char guard = '\0';
+
+}  // namespace
+
+std::string guarded(std::string_view value) {
+  std::string text(value);
+  if (text.starts_with('[') && text.ends_with(']')) text += guard;
+  return text;
+}
+
+std::string withoutGuards(std::string text) {
+  std::erase(text, guard);
+  return text;
+}
+
+std::vector<std::string> values(const CLI::Option& option) {
+  std::vector<std::string> list = option.results();
+  std::transform(list.begin(), list.end(), list.begin(), withoutGuards);
+  return list;
+}
+
+std::string value(const CLI::Option& option) {
+  return option.empty() ? std::string() : withoutGuards(option.results().back());
+}
+
+CLI::Option* requireText(CLI::Option* option) {
+  return option->check([](const std::string& text) {
+    return Unicode::isValid(text) ? std::string() : std::string("The text is not UTF-8");
+  });
+}
+
+CLI::Option* addText(CLI::App& command, const std::string& name, const std::string& description) {
+  return requireText(command.add_option(name, description)->type_name("TEXT"));
+}
+
+CLI::Option* addFlag(CLI::App& command, const std::string& name, const std::string& description) {
+  return command.add_flag(name, description);
+}
+
+}  // namespace zelvo

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace CLI {
+class App;
+class Option;
+}  // namespace CLI
+
+/// The values of options exactly as they were given, without the conversions of CLI11.
+namespace zelvo {
+
+/// Marks an argument so that CLI11 does not split it.
+std::string guarded(std::string_view value);
+/// Removes the marks from a value, or from a message that quotes it.
+std::string withoutGuards(std::string text);
+
+/// All values of an option.
+std::vector<std::string> values(const CLI::Option& option);
+/// The last value of an option; empty if there is none.
+std::string value(const CLI::Option& option);
+
+/// Makes the option accept only UTF-8, as records and documents need it. File names may be any bytes.
+CLI::Option* requireText(CLI::Option* option);
+CLI::Option* addText(CLI::App& command, const std::string& name, const std::string& description);
+CLI::Option* addFlag(CLI::App& command, const std::string& name, const std::string& description);
+
+}  // namespace zelvo

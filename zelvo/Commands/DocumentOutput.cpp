@@ -1,0 +1,48 @@
+#include "zelvo/Commands/DocumentOutput.hpp"
+
+#include <system_error>
+
+#include "System/OutputFile.hpp"
+#include "zelvo/Execution/ConfinedChild.hpp"
+#include "zelvo/Output/Console.hpp"
+#include "zelvo/Output/RecordText.hpp"
+#include "zelvo/Output/TerminalText.hpp"
+
+namespace zelvo {
+namespace {
+
+bool isStandardOutput(const std::string& path) {
+  return path == "-";
+}
+
+}  // namespace
+
+Failure DocumentOutput::check(const std::string& path) {
+  if (!isStandardOutput(path) || !Console::isTerminal()) return std::nullopt;
+  return CommandError{ExitStatus::usage, "A document is not written to a terminal."};
+}
+
+Failure DocumentOutput::write(const std::string& path, ByteView document, std::string_view description) {
+  if (isStandardOutput(path)) {
+    Console::print(textOf(document));
+    return std::nullopt;
+  }
+  if (const int error = writeOutputFile(path, textOf(document)); error != 0) {
+    return CommandError{ExitStatus::refused, "The file cannot be written: " + path + ": " +
+                                                 std::generic_category().message(error)};
+  }
+  Console::print(printable(path) + "\n");
+  Console::print(description);
+  return std::nullopt;
+}
+
+ExitStatus DocumentOutput::writeAuthored(const std::string& path, const std::string& format,
+                                         const std::function<ByteBuffer()>& author) {
+  const auto authored = runConfinedChild([&] { return std::string(author().text()); });
+  if (!authored) return Console::report(authored.error());
+  const ByteView document = bytesOf(*authored);
+  const Failure failure = write(path, document, describe(format, document));
+  return failure ? Console::report(*failure) : ExitStatus::success;
+}
+
+}  // namespace zelvo

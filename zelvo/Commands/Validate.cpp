@@ -1,0 +1,83 @@
+#include <optional>
+#include <string>
+#include <utility>
+
+#include "DocumentRuntime/Coding/RecordCoding.hpp"
+#include "zelvo/Commands/ChartColumns.hpp"
+#include "zelvo/Commands/Commands.hpp"
+#include "zelvo/Execution/ConfinedChild.hpp"
+#include "zelvo/Execution/InputFile.hpp"
+#include "zelvo/Execution/WorkerExchange.hpp"
+#include "zelvo/Output/Console.hpp"
+#include "zelvo/Output/RecordText.hpp"
+#include "zelvo/Output/TerminalText.hpp"
+
+namespace zelvo {
+namespace {
+
+/// The most that `extract` can have written.
+constexpr std::size_t maximumTableMebibytes = DocumentWorkerWire::maximumMessageBytes >> 20U;
+
+/// The chart to expect, if any. A Word document has none.
+using ExpectedChart = std::optional<ChartArguments>;
+
+/// The request's members that tell what to expect of the document. The table is decoded in a confined child;
+/// its columns resolve the chart.
+Result<std::string> expectation(const ByteBuffer& encodedTable, const ExpectedChart& chart) {
+  return runConfinedChild([&]() -> Result<std::string> {
+    const auto table = fromJson<SourceTable>(std::string(encodedTable.text()));
+    JsonWriter writer(encodedTable.size());
+    const FieldEncoder field(writer);
+    writer.beginObject();
+    field("expectedTable", table);
+    if (chart) {
+      const auto selection = chosenChart(*chart, table.columns);
+      if (!selection) return selection.error();
+      field("chart", *selection);
+    }
+    return writer.take();
+  });
+}
+
+Result<DocumentWorkerResponse> validated(const DocumentWorkerHost& host, const ValidateArguments& arguments,
+                                         const ExpectedChart& chart) {
+  auto request = requestAbout(arguments.document);
+  if (!request) return request.error();
+  request->operation = DocumentWorkerRequest::Operation::validate;
+  request->format = arguments.format;
+
+  if (!arguments.expectedTable.empty()) {
+    const auto table = readWholeFile(arguments.expectedTable, maximumTableMebibytes);
+    if (!table) return table.error();
+    auto members = expectation(*table, chart);
+    if (!members) return members.error();
+    return ask(host, *request, *std::move(members));
+  }
+  if (chart) {
+    auto selection = chosenChart(*chart, {});
+    if (!selection) return selection.error();
+    request->chart = *std::move(selection);
+  }
+  return ask(host, *request);
+}
+
+}  // namespace
+
+ExitStatus validate(const DocumentWorkerHost& host, const ValidateArguments& arguments) {
+  const bool canHaveChart = arguments.format == DocumentFormat::pptx;
+  const ExpectedChart chart = canHaveChart ? arguments.chart : std::nullopt;
+  const auto response = validated(host, arguments, chart);
+  if (!response) return Console::report(response.error());
+  const DocumentValidation& validation = *response->validation;
+  if (arguments.json) {
+    Console::printJson(toJson(validation) + "\n");
+  } else {
+    const ValidationScope scope = {.format = arguments.format,
+                                   .expectsTable = !arguments.expectedTable.empty(),
+                                   .expectsChart = chart.has_value()};
+    Console::print(printable(arguments.document) + "\n" + describe(validation, scope));
+  }
+  return ExitStatus::success;
+}
+
+}  // namespace zelvo
