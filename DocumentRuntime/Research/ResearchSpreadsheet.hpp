@@ -4,7 +4,6 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <variant>
 #include <vector>
 
 #include "DocumentRuntime/Research/ResearchFormula.hpp"
@@ -42,14 +41,14 @@ struct ResearchSpreadsheet {
   class Cell {
    public:
     Cell() = default;  ///< blank
-    explicit Cell(std::string text) : value_(std::move(text)) {}
-    explicit Cell(double number) : value_(number) {}
+    explicit Cell(std::string text) : kind_(Kind::text), text_(std::move(text)) {}
+    explicit Cell(double number) : kind_(Kind::number), number_(number) {}
 
-    bool isBlank() const { return std::holds_alternative<std::monostate>(value_); }
+    bool isBlank() const { return kind_ == Kind::blank; }
     /// Null unless this is a text.
-    const std::string* text() const { return std::get_if<std::string>(&value_); }
+    const std::string* text() const { return kind_ == Kind::text ? &text_ : nullptr; }
     /// Null unless this is a number.
-    const double* number() const { return std::get_if<double>(&value_); }
+    const double* number() const { return kind_ == Kind::number ? &number_ : nullptr; }
 
     /// The text as it stands, the number's `DoubleText::shortest`, or the empty text.
     std::string displayText() const;
@@ -57,7 +56,13 @@ struct ResearchSpreadsheet {
     bool operator==(const Cell&) const = default;
 
    private:
-    std::variant<std::monostate, double, std::string> value_;
+    // No std::variant: when memory runs out while a text is copied into one, GCC 12's destroys a value that is
+    // not there.
+    enum class Kind : std::uint8_t { blank, number, text };
+
+    Kind kind_ = Kind::blank;
+    double number_ = 0;
+    std::string text_;
   };
 
   struct Row {
