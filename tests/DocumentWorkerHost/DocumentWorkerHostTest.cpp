@@ -186,7 +186,7 @@ TEST(DocumentWorkerHost, RefusesListsThatNoOperationGives) {
     return table(1, 1, 1, 1) + R"(,"document":{"data":"","format":"docx","sourceSHA256":"",)" +
            validation(warnings) + "}";
   };
-  using enum Operation;
+  using enum DocumentWorkerRequest::Operation;
   const struct {
     Operation operation;
     std::string members;

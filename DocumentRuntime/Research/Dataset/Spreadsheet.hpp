@@ -5,7 +5,6 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <variant>
 #include <vector>
 
 #include "DocumentRuntime/Research/Dataset/Formula.hpp"
@@ -45,14 +44,14 @@ struct ResearchSpreadsheet {
   class Cell {
    public:
     Cell() = default;  ///< blank
-    explicit Cell(std::string text) : value_(std::move(text)) {}
-    explicit Cell(double number) : value_(number) {}
+    explicit Cell(std::string text) : kind_(Kind::text), text_(std::move(text)) {}
+    explicit Cell(double number) : kind_(Kind::number), number_(number) {}
 
-    bool isBlank() const { return std::holds_alternative<std::monostate>(value_); }
+    bool isBlank() const { return kind_ == Kind::blank; }
     /// Null unless this is a text.
-    const std::string* text() const { return std::get_if<std::string>(&value_); }
+    const std::string* text() const { return kind_ == Kind::text ? &text_ : nullptr; }
     /// Null unless this is a number.
-    const double* number() const { return std::get_if<double>(&value_); }
+    const double* number() const { return kind_ == Kind::number ? &number_ : nullptr; }
 
     /// The text itself, the number's `DoubleText::shortest`, or the empty text.
     std::string displayText() const;
@@ -60,7 +59,13 @@ struct ResearchSpreadsheet {
     bool operator==(const Cell&) const = default;
 
    private:
-    std::variant<std::monostate, double, std::string> value_;
+    // No std::variant: when memory runs out while a text is copied into one, GCC 12's destroys a value that is
+    // not there.
+    enum class Kind : std::uint8_t { blank, number, text };
+
+    Kind kind_ = Kind::blank;
+    double number_ = 0;
+    std::string text_;
   };
 
   struct Row {
