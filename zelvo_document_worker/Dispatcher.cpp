@@ -5,6 +5,7 @@
 #include "DocumentRuntime/Engine/DocumentEngine.hpp"
 #include "DocumentRuntime/Errors/DocumentError.hpp"
 #include "DocumentRuntime/Validation/GeneratedDocumentValidation.hpp"
+#include "zelvo_document_worker/WorkerEntry.hpp"
 
 namespace zelvo {
 namespace {
@@ -66,6 +67,17 @@ DocumentWorkerResponse run(DocumentWorkerRequest&& request) {
       return validate(std::move(request));
   }
   return {};
+}
+
+std::optional<std::string> answerDocumentRequest(std::string request) {
+  auto decoded = fromJson<DocumentWorkerRequest>(std::move(request));
+  try {
+    return toJson(run(std::move(decoded)));
+  } catch (const DocumentError& error) {
+    DocumentWorkerResponse response;
+    response.error = reportedError(error);
+    return toJson(response);
+  }
 }
 
 }  // namespace zelvo

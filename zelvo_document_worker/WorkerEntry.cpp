@@ -7,11 +7,10 @@
 #include <string>
 #include <utility>
 
-#include "DocumentRuntime/Errors/DocumentError.hpp"
 #include "DocumentWorkerProtocol/DocumentWorkerMessage.hpp"
 #include "DocumentWorkerProtocol/WorkerExitStatus.hpp"
+#include "System/Confinement.hpp"
 #include "Text/Unicode.hpp"
-#include "zelvo_document_worker/Dispatcher.hpp"
 #include "zelvo_document_worker/WorkerConfinement.hpp"
 
 namespace zelvo {
@@ -39,42 +38,42 @@ std::optional<std::string> readRequest(Input& input) {
   }
 }
 
-/// An operation that fails is answered too: with the error alone.
-DocumentWorkerResponse answer(DocumentWorkerRequest request) {
-  try {
-    return run(std::move(request));
-  } catch (const DocumentError& error) {
-    DocumentWorkerResponse response;
-    response.error = Unicode::prefix(error.errorDescription(), maximumErrorCharacters);
-    return response;
-  }
-}
-
-/// The response's text; none when it is too large to be sent.
-std::optional<std::string> encoded(const DocumentWorkerResponse& response) {
-  std::string text = toJson(response);
-  if (text.size() > maximumMessageBytes) return std::nullopt;
-  return text;
-}
-
-bool serve(Input& input, Output& output) {
+bool serve(Input& input, Output& output, RequestHandler handle) {
   std::optional<std::string> request = readRequest(input);
   if (!request) return false;
-  const auto response = encoded(answer(fromJson<DocumentWorkerRequest>(*std::move(request))));
-  return response && output.write(*response);
+  const auto response = handle(*std::move(request));
+  return response && response->size() <= maximumMessageBytes && output.write(*response);
 }
 
 }  // namespace
 
-int runWorker(EntitlementReader& entitlements, Limits& limits, Input& input, Output& output) noexcept {
+int runWorker(EntitlementReader& entitlements, Limits& limits, Input& input, Output& output,
+              RequestHandler handle) noexcept {
   try {
     if (!confineForWork(entitlements, limits)) return exitStatus::notConfined;
-    return serve(input, output) ? exitStatus::answered : exitStatus::noResponse;
+    return serve(input, output, handle) ? exitStatus::answered : exitStatus::noResponse;
   } catch (const std::exception&) {
     // The request cannot be decoded, or memory ran out. Writing comes last and throws nothing, so nothing was
     // written.
     return exitStatus::noResponse;
   }
+}
+
+int runWorkerProcess(RequestHandler handle) noexcept {
+  try {
+    warmUpUnwinder();
+    const Confinement confinement = enterConfinement();
+    StandardInput input;
+    StandardOutput output;
+    return runWorker(*confinement.entitlements, *confinement.limits, input, output, handle);
+  } catch (const std::exception&) {
+    // Memory ran out before anything was read.
+    return exitStatus::notConfined;
+  }
+}
+
+std::string reportedError(const DocumentError& error) {
+  return std::string(Unicode::prefix(error.errorDescription(), maximumErrorCharacters));
 }
 
 }  // namespace zelvo

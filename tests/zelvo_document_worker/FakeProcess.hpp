@@ -11,6 +11,7 @@
 #include "System/EntitlementReader.hpp"
 #include "System/ResourceLimits.hpp"
 #include "System/StandardStreams.hpp"
+#include "zelvo_document_worker/Dispatcher.hpp"
 #include "zelvo_document_worker/WorkerEntry.hpp"
 
 namespace zelvo::testing {
@@ -32,7 +33,7 @@ class FakeProcess : private EntitlementReader, private Limits, private Input, pr
   std::vector<std::string> events;
   std::string output;
 
-  int run() { return runWorker(*this, *this, *this, *this); }
+  int run() { return runWorker(*this, *this, *this, *this, answerDocumentRequest); }
 
   std::size_t count(std::string_view event) const {
     return static_cast<std::size_t>(std::count(events.begin(), events.end(), event));
