@@ -2,30 +2,16 @@
 
 #include <algorithm>
 #include <initializer_list>
-#include <optional>
 #include <utility>
 
-#include "DocumentRuntime/Coding/Base64.hpp"
 #include "DocumentRuntime/Coding/JsonCoding.hpp"
-#include "System/ChildProcess.hpp"
+#include "DocumentWorkerHost/MessageExchange.hpp"
 
 namespace zelvo {
 namespace {
 
 using Kind = WorkerFailure::Kind;
 using Operation = DocumentWorkerRequest::Operation;
-
-constexpr std::size_t maximumMessageBytes = DocumentWorkerWire::maximumMessageBytes;
-
-/// None when the request is larger than a message may be.
-std::optional<std::string> encoded(const DocumentWorkerRequest& request) {
-  const std::size_t documentBytes = request.data.size();
-  if (documentBytes >= DocumentWorkerHost::unsendableBytes) return std::nullopt;
-  constexpr std::size_t roomForTheRest = 4096;
-  std::string text = toJson(request, Base64::encodedSize(documentBytes) + roomForTheRest);
-  if (text.size() > maximumMessageBytes) return std::nullopt;
-  return text;
-}
 
 /// Whether the response is a refusal and nothing else, or exactly what the operation gives.
 bool answers(const DocumentWorkerResponse& response, Operation operation) {
@@ -55,13 +41,9 @@ DocumentWorkerHost::DocumentWorkerHost(std::string workerPath, std::chrono::mill
     : workerPath_(std::move(workerPath)), timeout_(timeout) {}
 
 WorkerReply DocumentWorkerHost::send(const DocumentWorkerRequest& request) const {
-  const std::optional<std::string> input = encoded(request);
-  if (!input) return WorkerFailure{Kind::requestTooLarge};
-
-  ChildResult result = runChildProcess({.program = workerPath_, .arguments = {}}, *input,
-                                       {.outputBytes = maximumMessageBytes, .wallClock = timeout_});
-  if (auto failure = WorkerFailure::of(result, workerPath_)) return *std::move(failure);
-  return decoded(std::move(result.output), request.operation);
+  auto output = exchange(workerPath_, encodedRequest(request), timeout_);
+  if (auto* const failure = std::get_if<WorkerFailure>(&output)) return std::move(*failure);
+  return decoded(std::move(*std::get_if<std::string>(&output)), request.operation);
 }
 
 }  // namespace zelvo

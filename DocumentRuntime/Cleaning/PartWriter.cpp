@@ -85,6 +85,7 @@ void PartWriter::attribute(Attribute attribute, std::string_view value) {
 }
 
 void PartWriter::text(std::string_view text) {
+  if (text.empty()) return;
   closeStartTag();
   appendEscaped(text, textEntity);
 }

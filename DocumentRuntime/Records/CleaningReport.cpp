@@ -67,7 +67,7 @@ constexpr KindText kindTexts[] = {
     {workbookType, "workbook type", "written as a plain workbook", "written as a plain workbook"},
     {sharedFormulas, "shared formulas written out", "1 shared formula written out", "# shared formulas written out"},
     {sharedFormulasWithoutMaster, "shared formulas without a master", "1 shared formula without its text", "# shared formulas without their text"},
-    {impliedPositions, "implied positions", "1 position implied", "# positions implied"},
+    {impliedPositions, "implied positions"},
     {sheetStates, "sheet states", "1 sheet hidden for its unknown state", "# sheets hidden for their unknown states"},
     {numberFormats, "number formats", "replaced in 1 cell", "replaced in # cells"},
     {mergedAreas, "merged areas removed", "1 merged area removed", "# merged areas removed"},
