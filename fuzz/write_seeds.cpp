@@ -10,6 +10,7 @@
 #include "DocumentRuntime/Research/Datasets.hpp"
 #include "DocumentRuntime/Validation/EditedDocument.hpp"
 #include "Support/PackageBuilder.hpp"
+#include "Support/Texts.hpp"
 
 namespace {
 
@@ -40,6 +41,25 @@ void addWorkbooks(Seeds& seeds) {
   seeds.add(zelvo::testing::workbookPackage(zelvo::testing::plainWorkbook(
       "<row r='1'><c r='A1' t='str'><v>a</v></c></row><row r='2'><c r='A2'><v>1</v></c></row>")));
   seeds.add(zelvo::testing::minimalPackage());
+}
+
+/// What the reader refuses and the cleaner takes.
+void addUncleanWorkbooks(Seeds& seeds) {
+  using namespace zelvo::testing;
+  addWorkbooks(seeds);
+  PackageBuilder package = workbookPackage(plainWorkbook(
+      "<row><c><f t='shared' si='0' ref='A1:A3'>SUM(A$1:$B2)+S!A1+'a "
+      "b'!B:C+[1]x!A1+T[[a]]&amp;\"A1\"</f><v>1</v></c></row>"
+      "<row ht='9'><c r='B2' t='str'><f t='shared' si='0'/><v> x</v></c><c "
+      "t='inlineStr'><is><r><t>r</t></r></is></c></row>"
+      "<row r='9' hidden='1'/><row><c t='b' vm='1'><f t='array' ref='A10:A11'>1</f><v>1</v></c></row>"));
+  package.part("xl/media/image1.png").text = "picture";
+  replace(
+      package.part("xl/worksheets/sheet1.xml").text, "</worksheet>",
+      "<mergeCells><mergeCell ref='A1:B2'/></mergeCells><hyperlinks><hyperlink/></hyperlinks></worksheet>");
+  replace(package.part("xl/workbook.xml").text, "</sheets>",
+          "<sheet name='C' r:id='rId1' state='x'/></sheets>");
+  seeds.add(package);
 }
 
 void addDocuments(Seeds& seeds) {
@@ -124,6 +144,7 @@ int main(int argc, char** argv) {
   }
   const std::string_view target = argv[1];
   Seeds seeds(argv[2]);
+  if (target == "fuzz_clean") addUncleanWorkbooks(seeds);
   if (target == "fuzz_package" || target == "fuzz_extract") addWorkbooks(seeds);
   if (target == "fuzz_dataset") addDatasets(seeds);
   if (target == "fuzz_presentation") addPresentations(seeds);

@@ -48,8 +48,9 @@ std::int64_t countCoveredCells(std::vector<CellRange> areas, std::vector<CellAdd
       cover.add(areas[started], 1);
     for (; ended < byLastRow.size() && byLastRow[ended].last.row < cell.row; ++ended)
       cover.add(byLastRow[ended], -1);
-    const auto own = std::ranges::equal_range(areas, cell, {}, firstCell);
-    if (cover.over(cell.column) > std::ssize(own)) ++covered;
+    const auto ownAreas = std::ranges::upper_bound(areas, cell, {}, firstCell) -
+                          std::ranges::lower_bound(areas, cell, {}, firstCell);
+    if (cover.over(cell.column) > ownAreas) ++covered;
   }
   return covered;
 }
