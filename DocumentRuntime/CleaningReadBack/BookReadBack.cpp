@@ -13,10 +13,20 @@ using Entry = OOXML::ArchiveTrees::Entry;
 using OOXML::Namespace;
 
 struct Link {
-  std::string type;
+  std::string type;  ///< the last word of a known type, else empty
   std::string target;
 };
 using Links = std::map<std::string, Link, std::less<>>;
+
+std::string linkType(std::string_view type) {
+  for (const std::string_view folder :
+       {"http://schemas.openxmlformats.org/officeDocument/2006/relationships/",
+        "http://purl.oclc.org/ooxml/officeDocument/relationships/",
+        "http://schemas.microsoft.com/office/2006/relationships/"}) {
+    if (type.starts_with(folder)) return std::string(type.substr(folder.size()));
+  }
+  return {};
+}
 
 Links readLinks(OOXML::ArchiveTrees& trees, const std::string& part) {
   Links links;
@@ -26,7 +36,7 @@ Links readLinks(OOXML::ArchiveTrees& trees, const std::string& part) {
   for (const XMLNode link : root.element().children()) {
     if (Element(root, link).name().space != Namespace::packageRelationships) continue;
     links.emplace(link.attribute("Id").value_or(""),
-                  Link{std::string(link.attribute("Type").value_or("")),
+                  Link{linkType(link.attribute("Type").value_or("")),
                        std::string(link.attribute("Target").value_or(""))});
   }
   return links;
@@ -40,13 +50,14 @@ const Entry* target(OOXML::ArchiveTrees& trees, const std::string& part, const L
 const Entry* linked(OOXML::ArchiveTrees& trees, const std::string& part, const Links& links,
                     std::string_view type, std::string_view usualName) {
   for (const auto& [identifier, link] : links) {
-    if (link.type.ends_with(type)) return target(trees, part, link);
+    if (link.type == type) return target(trees, part, link);
   }
   return trees.archive().find(usualName);
 }
 
 bool isOtherSheet(std::string_view type) {
-  return type.ends_with("/chartsheet") || type.ends_with("/dialogsheet") || type.ends_with("acrosheet");
+  return type == "chartsheet" || type == "dialogsheet" || type == "xlMacrosheet" ||
+         type == "xlIntlMacrosheet";
 }
 
 std::string relationshipID(const Element& sheet) {
@@ -87,14 +98,14 @@ bool isTrue(std::optional<std::string_view> text) {
 
 Book::Book(OOXML::ArchiveTrees& trees) {
   const Entry* const workbook =
-      linked(trees, "_rels/.rels", readLinks(trees, "_rels/.rels"), "/officeDocument", "xl/workbook.xml");
+      linked(trees, "_rels/.rels", readLinks(trees, "_rels/.rels"), "officeDocument", "xl/workbook.xml");
   if (workbook == nullptr) throw DocumentError::validationFailed("no workbook part");
   std::string part(workbook->name);
   part.insert(part.rfind('/') + 1, "_rels/");
   part += ".rels";
   const Links links = readLinks(trees, part);
-  strings = linked(trees, part, links, "/sharedStrings", "xl/sharedStrings.xml");
-  styles = linked(trees, part, links, "/styles", "xl/styles.xml");
+  strings = linked(trees, part, links, "sharedStrings", "xl/sharedStrings.xml");
+  styles = linked(trees, part, links, "styles", "xl/styles.xml");
 
   const Element root(trees.root(*workbook));
   for (const XMLNode properties : named(root, "workbookPr"))
