@@ -2,12 +2,10 @@
 
 #include <algorithm>
 #include <initializer_list>
-#include <optional>
 #include <utility>
 
-#include "DocumentRuntime/Coding/Base64.hpp"
 #include "DocumentRuntime/Coding/JsonCoding.hpp"
-#include "System/ChildProcess.hpp"
+#include "DocumentWorkerHost/MessageExchange.hpp"
 
 namespace zelvo {
 namespace {
@@ -15,23 +13,13 @@ namespace {
 using Kind = WorkerFailure::Kind;
 using Operation = DocumentWorkerRequest::Operation;
 
-constexpr std::size_t maximumMessageBytes = DocumentWorkerWire::maximumMessageBytes;
-
-// What an operation can give at most. A worker that has been taken over may answer anything: its lists are
-// counted before any memory is spent on their elements.
+// What an operation can give at most. A compromised worker may answer anything: its lists are counted before
+// any memory is spent on their elements.
 constexpr std::size_t maximumSheets = 64;
 constexpr std::size_t maximumColumns = 8;
 constexpr std::size_t maximumRows = 201;  ///< without a header row
 /// Validation gives the most: the 16 that the rules allow the expected table, and its own.
 constexpr std::size_t maximumWarnings = 17;
-
-/// None when the request is larger than a message may be.
-std::optional<std::string> encoded(const DocumentWorkerRequest& request) {
-  const std::size_t documentBytes = request.data.size();
-  if (documentBytes >= DocumentWorkerHost::unsendableBytes) return std::nullopt;
-  constexpr std::size_t roomForTheRest = 4096;
-  return toJson(request, Base64::encodedSize(documentBytes) + roomForTheRest);
-}
 
 /// Whether the response is a refusal and nothing else, or exactly what the operation gives.
 bool answers(const DocumentWorkerResponse& response, Operation operation) {
@@ -90,17 +78,15 @@ DocumentWorkerHost::DocumentWorkerHost(std::string workerPath, std::chrono::mill
     : workerPath_(std::move(workerPath)), timeout_(timeout) {}
 
 WorkerReply DocumentWorkerHost::send(const DocumentWorkerRequest& request) const {
-  const std::optional<std::string> input = encoded(request);
+  const std::optional<std::string> input = encodedRequest(request);
   if (!input) return WorkerFailure{Kind::requestTooLarge};
   return sendEncoded(*input, request.operation);
 }
 
 WorkerReply DocumentWorkerHost::sendEncoded(std::string_view request, Operation operation) const {
-  if (request.size() > maximumMessageBytes) return WorkerFailure{Kind::requestTooLarge};
-  ChildResult result = runChildProcess({.program = workerPath_, .arguments = {}}, request,
-                                       {.outputBytes = maximumMessageBytes, .wallClock = timeout_});
-  if (auto failure = WorkerFailure::of(result, workerPath_)) return *std::move(failure);
-  return decoded(std::move(result.output), operation);
+  auto output = exchange(workerPath_, request, timeout_);
+  if (auto* const failure = std::get_if<WorkerFailure>(&output)) return std::move(*failure);
+  return decoded(std::move(*std::get_if<std::string>(&output)), operation);
 }
 
 }  // namespace zelvo

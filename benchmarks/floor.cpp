@@ -138,7 +138,8 @@ std::uint32_t walkArchive(std::vector<std::uint8_t>& archive) {
 
 }  // namespace
 
-int main() {
+/// With an argument, stops after the digest: what a reader does that expands nothing.
+int main(int argc, char** /*argv*/) {
   boost::json::basic_parser<DataHandler> parser(boost::json::parse_options{});
   {
     const std::string input = readInput();
@@ -151,5 +152,6 @@ int main() {
   sha256_update(&context, archive.size(), archive.data());
   std::array<std::uint8_t, SHA256_DIGEST_SIZE> digest{};
   sha256_digest(&context, digest.size(), digest.data());
+  if (argc > 1) _exit(0);
   _exit(walkArchive(archive) == digest[0] ? 1 : 0);
 }

@@ -26,7 +26,7 @@ class Bench:
         self.binaries, self.folder, self.runs = binaries, folder, runs
 
     def request(self, workload, **fields):
-        path = self.folder / f"{workload}.{fields['operation']}.json"
+        path = self.folder / f"{workload}.{fields.get('operation', 'clean')}.json"
         data = base64.b64encode((self.folder / f"{workload}.xlsx").read_bytes()).decode()
         path.write_text(json.dumps({**fields, "data": data, "sourceName": f"{workload}.xlsx"}))
         return path
@@ -113,6 +113,26 @@ def create_rows(bench):
         yield [label, f"{base['cpu'] * 1000:.2f}", f"{ours['cpu'] * 1000:.2f}", f"{ours['cpu'] / base['cpu']:.2f}"]
 
 
+def clean_rows(bench):
+    cleaner, floor = bench.program("zelvo_document_cleaner"), bench.program("floor")
+    for name in ("cells-50000", "near-limit.half", "shared-formula"):
+        stdin = bench.request(name, version=1)
+        base, ours = bench.measure(stdin, floor, cleaner)
+        expanded = expanded_bytes(bench.folder / f"{name}.xlsx")
+        # The parts that are written are about as large as those that are read, but for a formula that grows up to its limit.
+        result = expanded if name != "shared-formula" else 16 * MIB
+        allowed = stdin.stat().st_size * 3 + expanded * 3 + result * 2 + 32 * MIB
+        yield [name, milliseconds(base["cpu"]), milliseconds(ours["cpu"]), f"{ours['cpu ratio']:.2f}",
+               f"{ours['peak'] / MIB:.0f}", f"{allowed / MIB:.0f}"]
+
+
+def picture_rows(bench):
+    cleaner = bench.program("zelvo_document_cleaner")
+    alone = bench.measure(bench.request("pictures-25-mb.none", version=1), cleaner)[0]
+    digest, ours = bench.measure(bench.request("pictures-25-mb", version=1), [*bench.program("floor"), "digest"], cleaner)
+    yield [*map(milliseconds, (alone["cpu"], digest["cpu"], ours["cpu"])), f"{ours['cpu'] / (alone['cpu'] + digest['cpu']):.2f}"]
+
+
 def research_workbook_rows(bench):
     line = [*bench.program("research_workbook"), str(bench.runs), str(bench.folder)]
     runs = {}
@@ -160,6 +180,9 @@ def main():
                                     "worker peak MiB"], extract_rows(bench))
     table("Create, validation included, against extract of the same range",
           ["document", "extract CPU ms", "create CPU ms", "ratio"], create_rows(bench))
+    table("Clean against the floor", ["workload", "floor CPU ms", "cleaner CPU ms", "ratio", "peak MiB", "allowed MiB"], clean_rows(bench))
+    table("Clean a workbook with 25 MB of pictures, against its sheets alone and the floor's base64 and SHA-256",
+          ["without pictures CPU ms", "base64 and SHA-256 CPU ms", "cleaner CPU ms", "ratio to the sum"], picture_rows(bench))
     table("The workbook of the largest dataset, not read back, against libxlsxwriter",
           ["writer", "CPU ms", "ratio", "package KiB"], research_workbook_rows(bench))
     table("Growth: CPU ms at an eighth, a quarter, a half and the whole",

@@ -32,6 +32,11 @@ def noise(state):
         yield state >> 33
 
 
+def noise_bytes(size, seed):
+    random = noise(seed)
+    return b"".join((next(random) % 2**32).to_bytes(4, "little") for _ in range(size // 4))
+
+
 def worksheet(rows):
     return f'<worksheet xmlns="{MAIN}"><sheetData>{"".join(rows)}</sheetData></worksheet>'
 
@@ -160,6 +165,14 @@ WORKLOADS = {
     "empty-elements-refused": lambda: {"": workbook(
         [worksheet(mixed_rows(2, 2, 2))], ["a", "b"],
         {f"xl/e{i:03}.xml": "<a>" + "<b/>" * 199_999 + "</a>" for i in range(300)})},
+    # What the cleaner passes over, and the same workbook without it.
+    "pictures-25-mb": lambda: {"": workbook([worksheet(mixed_rows(2000, 8, 500))], words(500, 24),
+                                            {f"xl/media/image{i}.png": noise_bytes(5_000_000, i) for i in range(5)}),
+                               ".none": workbook([worksheet(mixed_rows(2000, 8, 500))], words(500, 24))},
+    # A formula of 8,000 characters that 50,000 cells share: written out it would be 400 MB.
+    "shared-formula": lambda: {"": workbook([worksheet([
+        f'<row r="1"><c r="A1"><f t="shared" si="0" ref="A1:A50000">{"A$1+" * 2000}1</f></c></row>',
+        *(f'<row r="{row}"><c r="A{row}"><f t="shared" si="0"/></c></row>' for row in range(2, 50_001))])])},
     "attributes-64": lambda: {"": workbook([worksheet(mixed_rows(2, 2, 2))], ["a", "b"], {
         f"xl/a{i}.xml": "<a>" + "".join(many_attributes(30_000, i)) + "</a>" for i in range(3)})},
     "distinct-attributes": lambda: {"": workbook([worksheet(mixed_rows(2, 2, 2))], ["a", "b"], {

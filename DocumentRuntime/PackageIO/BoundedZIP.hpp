@@ -3,7 +3,9 @@
 #include <cstddef>
 #include <cstdint>
 #include <stop_token>
+#include <string>
 #include <string_view>
+#include <vector>
 
 #include "DocumentRuntime/PackageIO/PartMap.hpp"
 #include "DocumentRuntime/Records/ByteBuffer.hpp"
@@ -50,6 +52,22 @@ class OutputSize {
 /// The names must be valid UTF-8. Throws `DocumentError` resourceLimit "part count", "output part" or "output
 /// archive", or `Cancelled` (looked at once per entry).
 ByteBuffer write(const PartMap& parts, const std::stop_token& stop = {});
+
+/// One part as `writePacked` puts it into an archive.
+struct PackedPart {
+  std::string name;
+  std::uint32_t crc = 0;
+  std::size_t expandedBytes = 0;
+  bool isDeflated = false;  ///< otherwise stored
+  ByteBuffer data;
+};
+
+/// Deflates a part at one fixed level: the same bytes always give the same result. A part that does not
+/// shrink, or that would break the reader's rule on the ratio, is stored. At most `maximumEntryBytes`.
+PackedPart packed(std::string name, ByteView bytes);
+
+/// As `write`, of parts that are packed already.
+ByteBuffer writePacked(const std::vector<PackedPart>& parts, const std::stop_token& stop = {});
 
 /// Whether a name may stand in an archive: 1 to 256 bytes, relative, no "\", ":", "%" or control character,
 /// no empty piece but a last one, no "." or ".." piece. `name` must be valid UTF-8.

@@ -8,6 +8,7 @@
 #include "DocumentRuntime/Errors/Cancelled.hpp"
 #include "DocumentRuntime/Errors/DocumentError.hpp"
 #include "DocumentRuntime/PackageIO/BoundedZIP.hpp"
+#include "DocumentRuntime/PackageIO/BoundedZIPArchive.hpp"
 #include "DocumentRuntime/PackageIO/ZIPCodec.hpp"
 #include "Text/Unicode.hpp"
 
@@ -48,19 +49,7 @@ struct Directory {
   Size entries;
 };
 
-/// One entry as the central directory describes it.
-struct Entry {
-  std::uint32_t flags;
-  std::uint32_t method;
-  std::uint32_t crc;
-  std::uint32_t compressedSize;
-  std::uint32_t uncompressedSize;
-  std::uint32_t diskStart;
-  std::uint32_t externalAttributes;
-  std::uint32_t localOffset;
-  std::string_view name;
-  Size next;  ///< the position of the following directory entry
-};
+using Entry = Archive::Entry;
 
 /// The bytes of an archive that one entry takes up, from its local header to the end of its data.
 struct Span {
@@ -126,15 +115,29 @@ Entry directoryEntry(ByteView archive, const Directory& directory, Size cursor) 
           .next = next};
 }
 
-void checkKind(const Entry& entry) {
+void checkMethod(const Entry& entry) {
   if ((entry.flags & encryptionFlags) != 0 ||
       (entry.method != storedMethod && entry.method != deflatedMethod) || entry.diskStart != 0) {
     throw DocumentError::unsupported("encrypted archive or compression method");
   }
+}
+
+void checkFileType(const Entry& entry) {
   const std::uint32_t fileType = (entry.externalAttributes >> 16) & fileTypeMask;
   if (fileType != noFileType && fileType != regularFileType && fileType != directoryType) {
     throw DocumentError::unsafeContent("archive link or special file");
   }
+}
+
+/// Stands before anything is expanded: no memory is spent on a bomb. Adds the entry to what was expanded
+/// before it.
+void checkExpansion(const Entry& entry, Size& expandedBytes) {
+  if (entry.uncompressedSize > maximumEntryBytes ||
+      expandedBytes + entry.uncompressedSize > maximumExpandedBytes ||
+      entry.uncompressedSize > entry.compressedSize * maximumExpansionRatio + expansionAllowanceBytes) {
+    throw DocumentError::resourceLimit("expanded archive size or compression ratio");
+  }
+  expandedBytes += entry.uncompressedSize;
 }
 
 class Reader {
@@ -142,17 +145,19 @@ class Reader {
   explicit Reader(ByteView archive) : archive_(archive), directory_(findDirectory(archive)) {}
 
   PartMap read(const std::stop_token& stop);
+  std::vector<Entry> list(const std::stop_token& stop);
 
  private:
+  /// Calls take(entry) for every entry of the directory.
+  template <typename Take>
+  void eachEntry(const std::stop_token& stop, const Take& take);
   void checkName(const Entry& entry);
-  void checkExpansion(const Entry& entry);
   ByteView localData(const Entry& entry);
 
   ByteView archive_;
   Directory directory_;
   std::set<std::string>
       seenNames_;  ///< in lower case: file systems and readers differ on whether case counts
-  Size expandedBytes_ = 0;
   std::vector<Span> spans_;
 };
 
@@ -161,16 +166,6 @@ void Reader::checkName(const Entry& entry) {
       !seenNames_.insert(Unicode::lowercased(entry.name)).second) {
     throw DocumentError::unsafeContent("duplicate or unsafe archive path");
   }
-}
-
-/// Stands before anything is expanded: no memory is spent on a bomb.
-void Reader::checkExpansion(const Entry& entry) {
-  if (entry.uncompressedSize > maximumEntryBytes ||
-      expandedBytes_ + entry.uncompressedSize > maximumExpandedBytes ||
-      entry.uncompressedSize > entry.compressedSize * maximumExpansionRatio + expansionAllowanceBytes) {
-    throw DocumentError::resourceLimit("expanded archive size or compression ratio");
-  }
-  expandedBytes_ += entry.uncompressedSize;
 }
 
 /// The entry's compressed bytes, once its local header has told the same story as the directory. Programs
@@ -221,28 +216,68 @@ ByteBuffer expanded(const Entry& entry, ByteView data) {
   return bytes;
 }
 
-PartMap Reader::read(const std::stop_token& stop) {
-  std::vector<Part> parts;
+template <typename Take>
+void Reader::eachEntry(const std::stop_token& stop, const Take& take) {
   Size cursor = directory_.offset;
   for (Size i = 0; i < directory_.entries; ++i) {
     throwIfCancelled(stop);
-    const Entry entry = directoryEntry(archive_, directory_, cursor);
-    checkKind(entry);
+    Entry entry = directoryEntry(archive_, directory_, cursor);
+    cursor = entry.next;
+    take(entry);
+  }
+  if (cursor != directory_.end) throw DocumentError::invalidArchive("directory size mismatch");
+}
+
+PartMap Reader::read(const std::stop_token& stop) {
+  std::vector<Part> parts;
+  Size expandedBytes = 0;
+  eachEntry(stop, [&](const Entry& entry) {
+    checkMethod(entry);
+    checkFileType(entry);
     checkName(entry);
-    checkExpansion(entry);
+    checkExpansion(entry, expandedBytes);
     ByteBuffer bytes = expanded(entry, localData(entry));
     const bool isDirectory = entry.name.ends_with('/');
     if (!isDirectory) parts.push_back({.name = std::string(entry.name), .bytes = std::move(bytes)});
-    cursor = entry.next;
-  }
-  if (cursor != directory_.end) throw DocumentError::invalidArchive("directory size mismatch");
+  });
   return PartMap(std::move(parts));
+}
+
+std::vector<Entry> Reader::list(const std::stop_token& stop) {
+  std::vector<Entry> entries;
+  eachEntry(stop, [&](Entry& entry) {
+    checkFileType(entry);
+    checkName(entry);
+    entry.data = localData(entry);
+    const bool isDirectory = entry.name.ends_with('/');
+    if (!isDirectory) entries.push_back(entry);
+  });
+  return entries;
 }
 
 }  // namespace
 
 PartMap read(ByteView archive, const std::stop_token& stop) {
   return Reader(archive).read(stop);
+}
+
+Archive::Archive(ByteView bytes, const std::stop_token& stop)
+    : entries_(Reader(bytes).list(stop)), isCounted_(entries_.size()) {
+  for (std::size_t i = 0; i < entries_.size(); ++i)
+    byLowerCaseName_.emplace(Unicode::lowercased(entries_[i].name), i);
+}
+
+const Archive::Entry* Archive::find(std::string_view name) const {
+  const auto found = byLowerCaseName_.find(Unicode::lowercased(name));
+  return found == byLowerCaseName_.end() ? nullptr : &entries_[found->second];
+}
+
+ByteBuffer Archive::expand(const Entry& entry) {
+  const auto index = static_cast<std::size_t>(&entry - entries_.data());
+  checkMethod(entry);
+  if (!isCounted_[index]) checkExpansion(entry, expandedBytes_);
+  isCounted_[index] = true;
+  return expanded(entry, entry.data);
 }
 
 }  // namespace zelvo::BoundedZIP

@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "DocumentRuntime/Errors/Cancelled.hpp"
@@ -18,9 +19,12 @@ constexpr std::uint16_t january1st1980 = 0x21;  ///< the first day that the form
 
 /// An entry and where it goes. Sizes and offsets fit 32 bits, because the whole archive is at most 32 MiB.
 struct Record {
-  const Part* part;
-  std::size_t localOffset = 0;
+  std::string_view name;
+  ByteView data;  ///< as it stands in the archive
+  std::size_t expandedBytes = 0;
+  std::uint16_t method = storedMethod;
   std::uint32_t crc = 0;
+  std::size_t localOffset = 0;
 };
 
 struct Layout {
@@ -30,23 +34,19 @@ struct Layout {
 
 /// Puts the parts in order and gives each its place. Everything that can be refused is refused here, before
 /// the archive takes any memory.
-Layout layOut(const PartMap& parts, const std::stop_token& stop) {
-  if (parts.size() == 0 || parts.size() > maximumEntries) throw DocumentError::resourceLimit("part count");
+Layout layOut(std::vector<Record> records, const std::stop_token& stop) {
+  if (records.empty() || records.size() > maximumEntries) throw DocumentError::resourceLimit("part count");
 
-  Layout layout;
-  layout.records.reserve(parts.size());
-  for (const Part& part : parts)
-    layout.records.push_back({.part = &part});
-  std::stable_sort(layout.records.begin(), layout.records.end(), [](const Record& a, const Record& b) {
-    return Unicode::sortsBefore(a.part->name, b.part->name);
-  });
+  Layout layout{.records = std::move(records), .size = {}};
+  std::stable_sort(layout.records.begin(), layout.records.end(),
+                   [](const Record& a, const Record& b) { return Unicode::sortsBefore(a.name, b.name); });
 
   for (Record& record : layout.records) {
     throwIfCancelled(stop);
-    const auto& [name, bytes] = *record.part;
-    if (!safeName(name)) throw DocumentError::resourceLimit("output part");
+    if (!safeName(record.name) || record.expandedBytes > maximumEntryBytes)
+      throw DocumentError::resourceLimit("output part");
     record.localOffset = layout.size.localBytes();
-    layout.size.add(name.size(), bytes.size());
+    layout.size.add(record.name.size(), record.data.size());
   }
   return layout;
 }
@@ -72,24 +72,23 @@ class Output {
 
 /// The run of fields that local and central headers share.
 void appendSharedFields(Output& out, const Record& record) {
-  const auto& [name, bytes] = *record.part;
   out.le16(version20);  // needed to extract
   out.le16(utf8NamesFlag);
-  out.le16(storedMethod);
+  out.le16(record.method);
   out.le16(midnight);
   out.le16(january1st1980);
   out.le32(record.crc);
-  out.le32(bytes.size());  // compressed
-  out.le32(bytes.size());  // uncompressed
-  out.le16(static_cast<std::uint16_t>(name.size()));
+  out.le32(record.data.size());
+  out.le32(record.expandedBytes);
+  out.le16(static_cast<std::uint16_t>(record.name.size()));
   out.le16(0);  // extra field length
 }
 
 void appendLocalEntry(Output& out, const Record& record) {
   out.le32(localSignature);
   appendSharedFields(out, record);
-  out.append(bytesOf(record.part->name));
-  out.append(record.part->bytes.view());
+  out.append(bytesOf(record.name));
+  out.append(record.data);
 }
 
 void appendCentralHeader(Output& out, const Record& record) {
@@ -101,7 +100,7 @@ void appendCentralHeader(Output& out, const Record& record) {
   out.le16(0);  // internal attributes
   out.le32(0);  // external attributes
   out.le32(record.localOffset);
-  out.append(bytesOf(record.part->name));
+  out.append(bytesOf(record.name));
 }
 
 void appendEndRecord(Output& out, const Layout& layout) {
@@ -114,6 +113,24 @@ void appendEndRecord(Output& out, const Layout& layout) {
   out.le32(layout.size.centralBytes());
   out.le32(layout.size.localBytes());
   out.le16(0);  // comment length
+}
+
+ByteBuffer archiveOf(const Layout& layout, const std::stop_token& stop) {
+  ByteBuffer archive(layout.size.archiveBytes());
+  Output out(archive);
+  for (const Record& record : layout.records) {
+    throwIfCancelled(stop);
+    appendLocalEntry(out, record);
+  }
+  for (const Record& record : layout.records)
+    appendCentralHeader(out, record);
+  appendEndRecord(out, layout);
+  return archive;
+}
+
+/// Whether the reader takes so many bytes out of so few.
+bool keepsRatio(std::size_t expandedBytes, std::size_t compressedBytes) {
+  return expandedBytes <= compressedBytes * maximumExpansionRatio + expansionAllowanceBytes;
 }
 
 }  // namespace
@@ -134,18 +151,39 @@ std::size_t OutputSize::archiveBytes() const {
 }
 
 ByteBuffer write(const PartMap& parts, const std::stop_token& stop) {
-  Layout layout = layOut(parts, stop);
-  ByteBuffer archive(layout.size.archiveBytes());
-  Output out(archive);
-  for (Record& record : layout.records) {
-    throwIfCancelled(stop);
-    record.crc = checksum(record.part->bytes.view());
-    appendLocalEntry(out, record);
+  std::vector<Record> records;
+  records.reserve(parts.size());
+  for (const auto& [name, bytes] : parts)
+    records.push_back({.name = name, .data = bytes.view(), .expandedBytes = bytes.size()});
+  Layout layout = layOut(std::move(records), stop);
+  for (Record& record : layout.records)
+    record.crc = checksum(record.data);
+  return archiveOf(layout, stop);
+}
+
+PackedPart packed(std::string name, ByteView bytes) {
+  PackedPart part{.name = std::move(name), .crc = checksum(bytes), .expandedBytes = bytes.size()};
+  auto deflated = deflateRaw(bytes);
+  if (deflated && keepsRatio(bytes.size(), deflated->size())) {
+    part.isDeflated = true;
+    part.data = *std::move(deflated);
+  } else {
+    part.data = ByteBuffer::copyOf(bytes);
   }
-  for (const Record& record : layout.records)
-    appendCentralHeader(out, record);
-  appendEndRecord(out, layout);
-  return archive;
+  return part;
+}
+
+ByteBuffer writePacked(const std::vector<PackedPart>& parts, const std::stop_token& stop) {
+  std::vector<Record> records;
+  records.reserve(parts.size());
+  for (const PackedPart& part : parts) {
+    records.push_back({.name = part.name,
+                       .data = part.data.view(),
+                       .expandedBytes = part.expandedBytes,
+                       .method = part.isDeflated ? deflatedMethod : storedMethod,
+                       .crc = part.crc});
+  }
+  return archiveOf(layOut(std::move(records), stop), stop);
 }
 
 }  // namespace zelvo::BoundedZIP

@@ -15,8 +15,15 @@ namespace {
 /// Raw deflate with the full window: no header, no trailer.
 constexpr int rawWindowBits = -15;
 
+/// The quickest level: a quarter more bytes than the usual one, in a quarter of its time.
+constexpr int deflateLevel = 1;
+constexpr int defaultMemoryLevel = 8;
+
 struct InflateEnd {
   void operator()(z_stream* stream) const { inflateEnd(stream); }
+};
+struct DeflateEnd {
+  void operator()(z_stream* stream) const { deflateEnd(stream); }
 };
 
 }  // namespace
@@ -42,6 +49,26 @@ ByteBuffer inflateRaw(ByteView input, std::size_t size) {
     throw DocumentError::invalidArchive("deflate length mismatch");
   }
   return output;
+}
+
+std::optional<ByteBuffer> deflateRaw(ByteView input) {
+  if (input.empty()) return std::nullopt;
+  z_stream stream{};
+  // With constant parameters only memory can be wanting.
+  if (deflateInit2(&stream, deflateLevel, Z_DEFLATED, rawWindowBits, defaultMemoryLevel,
+                   Z_DEFAULT_STRATEGY) != Z_OK) {
+    throw std::bad_alloc();
+  }
+  const std::unique_ptr<z_stream, DeflateEnd> ending(&stream);
+
+  ByteBuffer output(input.size() - 1);
+  std::uint8_t spare = 0;  // no room at all must still be an address
+  stream.next_in = input.data();
+  stream.avail_in = static_cast<uInt>(input.size());
+  stream.next_out = output.size() == 0 ? &spare : output.data();
+  stream.avail_out = static_cast<uInt>(output.size());
+  if (deflate(&stream, Z_FINISH) != Z_STREAM_END) return std::nullopt;
+  return ByteBuffer::copyOf(output.view().first(stream.total_out));
 }
 
 std::uint32_t checksum(ByteView bytes) {

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 
 #include "DocumentRuntime/Records/ByteBuffer.hpp"
 
@@ -25,6 +26,9 @@ inline constexpr std::uint16_t deflatedMethod = 8;
 /// Expands a raw deflate stream that must yield exactly `size` bytes and consume all of `input`. Throws
 /// `DocumentError` invalidArchive "decompressor initialization" or "deflate length mismatch".
 ByteBuffer inflateRaw(ByteView input, std::size_t size);
+
+/// A raw deflate stream of `input` at one fixed level; none unless it is shorter than `input`.
+std::optional<ByteBuffer> deflateRaw(ByteView input);
 
 /// The CRC-32 that archives store.
 std::uint32_t checksum(ByteView bytes);

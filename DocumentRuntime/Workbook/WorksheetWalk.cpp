@@ -1,48 +1,11 @@
 #include "DocumentRuntime/Workbook/WorksheetWalk.hpp"
 
-#include <algorithm>
-#include <vector>
-
+#include "DocumentRuntime/Cells/IdentityCheck.hpp"
 #include "DocumentRuntime/Errors/DocumentError.hpp"
 #include "DocumentRuntime/Workbook/XMLInteger.hpp"
 
 namespace zelvo {
 namespace {
-
-/// Finds repeated rows, and repeated cells within a row. Cells of different rows are never equal, because
-/// rows are unique and a cell's address must match its row.
-class IdentityCheck {
- public:
-  /// `row`, and `column` below, must be within the limits of a sheet, which bound the memory used here.
-  bool isNewRow(std::int64_t row) {
-    ++rowOrdinal_;
-    std::vector<bool>::reference seen = at(seenRows_, row);
-    const bool isNew = !seen;
-    seen = true;
-    return isNew;
-  }
-
-  bool isNewCellInRow(std::int64_t column) {
-    std::uint32_t& lastRow = at(lastRowWith_, column);
-    const bool isNew = lastRow != rowOrdinal_;
-    lastRow = rowOrdinal_;
-    return isNew;
-  }
-
- private:
-  /// Most sheets are small: the capacity grows with the highest index.
-  template <typename Items>
-  static typename Items::reference at(Items& items, std::int64_t index) {
-    const auto position = static_cast<std::size_t>(index);
-    if (position >= items.size()) items.resize(std::max(position + 1, 2 * items.size()));
-    return items[position];
-  }
-
-  std::vector<bool> seenRows_;
-  /// By column: the ordinal of the last row that had a cell there. Saves clearing a bitmap for every row.
-  std::vector<std::uint32_t> lastRowWith_;
-  std::uint32_t rowOrdinal_ = 0;
-};
 
 void walkRows(XMLNode sheetData, WorksheetVisitor& visitor) {
   IdentityCheck identities;

@@ -1,0 +1,54 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "DocumentRuntime/Records/CleaningReport.hpp"
+
+namespace zelvo::Cleaning {
+
+/// Gathers what the cleaner leaves out and changes, kind by kind.
+class Findings {
+ public:
+  /// What is counted from now on stands in this sheet of the result.
+  void enterSheet(std::string_view name);
+  /// What is counted from now on stands in no sheet.
+  void leaveSheet() { sheet_ = none; }
+  /// The counts of the sheet that was entered last.
+  CleanedSheet& sheet() { return report_.sheets.back(); }
+
+  /// The sheet entered last has the content of an earlier one.
+  void copyCounts(std::size_t earlierSheet);
+
+  void add(CleaningKind kind, std::int64_t count = 1);
+  void addPart(CleaningKind kind, std::string_view part);
+  /// A sheet that is left out.
+  void addSheet(CleaningKind kind, std::string_view name);
+  /// A number format that was replaced, with the cells that use it.
+  void addFormat(ChangedContent format) { formats_.push_back(std::move(format)); }
+
+  /// Leaves this empty.
+  CleaningReport report();
+
+ private:
+  static constexpr std::int64_t none = -1;
+
+  struct Finding {
+    std::int64_t count = 0;
+    std::vector<std::string> parts;
+    std::vector<std::string> names;
+    std::vector<SheetCount> sheets;
+  };
+  Finding& at(CleaningKind kind) { return findings_[static_cast<std::size_t>(kind)]; }
+
+  CleaningReport report_;
+  std::array<Finding, cleaningKindCount> findings_;
+  std::vector<ChangedContent> formats_;
+  std::int64_t sheet_ = none;
+};
+
+}  // namespace zelvo::Cleaning

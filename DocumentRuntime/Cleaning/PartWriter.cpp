@@ -1,0 +1,139 @@
+#include "DocumentRuntime/Cleaning/PartWriter.hpp"
+
+#include <charconv>
+#include <utility>
+
+#include "DocumentRuntime/Errors/DocumentError.hpp"
+#include "DocumentRuntime/PackageIO/BoundedXML.hpp"
+
+namespace zelvo::Cleaning {
+namespace {
+
+constexpr std::string_view declaration = R"(<?xml version="1.0" encoding="UTF-8" standalone="yes"?>)";
+
+/// What stands for a character in text, nothing for one that stands for itself. A raw carriage return would
+/// be read as a line feed.
+std::string_view textEntity(char character) {
+  switch (character) {
+    case '&':
+      return "&amp;";
+    case '<':
+      return "&lt;";
+    case '>':
+      return "&gt;";
+    case '\r':
+      return "&#13;";
+    default:
+      return {};
+  }
+}
+
+/// The same between double quotes, where a raw tab or line feed would be read as a space.
+std::string_view valueEntity(char character) {
+  switch (character) {
+    case '"':
+      return "&quot;";
+    case '\t':
+      return "&#9;";
+    case '\n':
+      return "&#10;";
+    default:
+      return textEntity(character);
+  }
+}
+
+}  // namespace
+
+// The largest part needs this much; pages that are never written are never resident, and nothing is copied
+// for growth.
+PartWriter::PartWriter() {
+  xml_.reserve(OOXML::maximumXMLBytes);
+}
+
+void PartWriter::begin(Tag root, std::string place) {
+  xml_.clear();
+  elements_ = 0;
+  isTagOpen_ = false;
+  root_ = root;
+  place_ = std::move(place);
+  detail_.clear();
+  append(declaration);
+  start(root);
+  append(namespaceDeclarations(root));
+}
+
+std::string_view PartWriter::finish() {
+  end(root_);
+  return xml_;
+}
+
+void PartWriter::start(Tag tag) {
+  closeStartTag();
+  if (++elements_ > OOXML::maximumXMLElements)
+    throw DocumentError::resourceLimit("more than 200,000 XML elements in " + place_ + detail_);
+  append("<");
+  append(rule(tag).name);
+  isTagOpen_ = true;
+}
+
+void PartWriter::attribute(Attribute attribute, std::string_view value) {
+  append(" ");
+  append(name(attribute));
+  append("=\"");
+  appendEscaped(value, valueEntity);
+  append("\"");
+}
+
+void PartWriter::text(std::string_view text) {
+  if (text.empty()) return;
+  closeStartTag();
+  appendEscaped(text, textEntity);
+}
+
+void PartWriter::end(Tag tag) {
+  if (isTagOpen_) {
+    append("/>");
+    isTagOpen_ = false;
+    return;
+  }
+  append("</");
+  append(rule(tag).name);
+  append(">");
+}
+
+void PartWriter::requireRoom(std::size_t bytes) const {
+  if (bytes > OOXML::maximumXMLBytes - xml_.size())
+    throw DocumentError::resourceLimit("more than 16 MiB of XML in " + place_ + detail_);
+}
+
+void PartWriter::number(Attribute attribute, std::int64_t value) {
+  char digits[24];
+  const char* const end = std::to_chars(digits, digits + sizeof digits, value).ptr;
+  this->attribute(attribute, std::string_view(digits, static_cast<std::size_t>(end - digits)));
+}
+
+void PartWriter::closeStartTag() {
+  if (!isTagOpen_) return;
+  append(">");
+  isTagOpen_ = false;
+}
+
+void PartWriter::append(std::string_view fixed) {
+  requireRoom(fixed.size());
+  xml_ += fixed;
+}
+
+template <typename Entity>
+void PartWriter::appendEscaped(std::string_view text, const Entity& entity) {
+  std::size_t run = 0;  // what lies between here and `i` is copied as it is
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const std::string_view replacement = entity(text[i]);
+    if (replacement.empty()) continue;
+    append(text.substr(run, i - run));
+    append(replacement);
+    run = i + 1;
+  }
+  append(text.substr(run));
+}
+
+}  // namespace zelvo::Cleaning

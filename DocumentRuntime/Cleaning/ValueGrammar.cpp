@@ -1,0 +1,67 @@
+#include "DocumentRuntime/Cleaning/ValueGrammar.hpp"
+
+#include <algorithm>
+#include <initializer_list>
+
+#include "DocumentRuntime/Cells/NumberText.hpp"
+#include "DocumentRuntime/Errors/DocumentError.hpp"
+#include "DocumentRuntime/Workbook/XMLInteger.hpp"
+#include "Text/Unicode.hpp"
+
+namespace zelvo::Cleaning {
+namespace {
+
+bool isOneOf(std::string_view value, std::initializer_list<std::string_view> choices) {
+  return std::find(choices.begin(), choices.end(), value) != choices.end();
+}
+
+}  // namespace
+
+std::optional<CellRange> areaOf(std::string_view value) {
+  // A few letters outside ASCII have one of A to Z in upper case; programs differ on whether they name a
+  // column.
+  if (!Unicode::isASCII(value)) return std::nullopt;
+  try {
+    return CellRange::parse(value);
+  } catch (const DocumentError&) {
+    return std::nullopt;
+  }
+}
+
+bool matches(Grammar grammar, std::string_view value) {
+  switch (grammar) {
+    case Grammar::text:
+      return true;
+    case Grammar::flag:
+      return isOneOf(value, {"0", "1", "false", "true"});
+    case Grammar::measure:
+      return NumberText::isValid(value) && !value.starts_with('-');
+    case Grammar::integer:
+      return xmlInteger(value).has_value();
+    case Grammar::index:
+      return xmlInteger(value).value_or(-1) >= 0;
+    case Grammar::rowNumber: {
+      const std::int64_t number = xmlInteger(value).value_or(0);
+      return number >= 1 && number <= CellAddress::maximumRow;
+    }
+    case Grammar::cell:
+      return value.find(':') == std::string_view::npos && areaOf(value).has_value();
+    case Grammar::area:
+      return areaOf(value).has_value();
+    case Grammar::cellType:
+      return isOneOf(value, {"", "b", "d", "e", "inlineStr", "n", "s", "str"});
+    case Grammar::formulaType:
+      return isOneOf(value, {"normal", "array", "dataTable", "shared"});
+    case Grammar::sheetState:
+      return isOneOf(value, {"visible", "hidden", "veryHidden"});
+    case Grammar::calculationMode:
+      return isOneOf(value, {"auto", "autoNoTable", "manual"});
+    case Grammar::patternType:
+      return isOneOf(value, {"none", "gray125"});
+    case Grammar::preserve:
+      return value == "preserve";
+  }
+  return false;
+}
+
+}  // namespace zelvo::Cleaning

@@ -1,0 +1,60 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "DocumentRuntime/Coding/CleaningCoding.hpp"
+#include "DocumentRuntime/Records/ByteBuffer.hpp"
+#include "DocumentRuntime/Records/CleaningReport.hpp"
+
+/// The one request and the one response that pass between a host and the workbook cleaner, as JSON objects of
+/// their fields in the order of declaration: `toJson`, `fromJson`. The bounds on messages are the worker's.
+namespace zelvo {
+
+namespace DocumentCleanerWire {
+
+/// Of the messages: a cleaner refuses a request of another version.
+inline constexpr std::int64_t version = 1;
+
+}  // namespace DocumentCleanerWire
+
+/// What is asked of the cleaner. Move-only.
+struct DocumentCleanerRequest {
+  std::int64_t version = DocumentCleanerWire::version;
+  std::string sourceName;
+  ByteBuffer data;                                 ///< the workbook
+  std::optional<std::vector<std::string>> sheets;  ///< the worksheets to keep; all if absent
+  std::optional<bool> unmerge;
+  std::optional<bool> plainFormats;
+
+  bool operator==(const DocumentCleanerRequest&) const = default;
+};
+
+struct CleanedDocument {
+  ByteBuffer data;
+  std::string sourceSHA256;  ///< 64 lower-case hexadecimal digits
+  std::string outputSHA256;
+
+  bool operator==(const CleanedDocument&) const = default;
+};
+
+/// What the cleaner answers: version, document and report, or the error alone. Move-only.
+struct DocumentCleanerResponse {
+  std::optional<std::int64_t> version;
+  std::optional<CleanedDocument> document;
+  std::optional<CleaningReport> report;
+  std::optional<std::string> error;  ///< a sentence for the user
+
+  bool operator==(const DocumentCleanerResponse&) const = default;
+};
+
+void encode(JsonWriter& writer, const DocumentCleanerRequest& request);
+void decode(JsonValue value, DocumentCleanerRequest& request);
+void encode(JsonWriter& writer, const CleanedDocument& document);
+void decode(JsonValue value, CleanedDocument& document);
+void encode(JsonWriter& writer, const DocumentCleanerResponse& response);
+void decode(JsonValue value, DocumentCleanerResponse& response);
+
+}  // namespace zelvo

@@ -1,0 +1,431 @@
+// Whole workbooks: what is followed, reported, refused and verified.
+
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "DocumentRuntime/Cleaning/CleanedBook.hpp"
+#include "DocumentRuntime/Cleaning/CoveredCells.hpp"
+#include "DocumentRuntime/Cleaning/PlainFormats.hpp"
+#include "DocumentRuntime/CleaningReadBack/CleaningReadBack.hpp"
+#include "DocumentRuntime/Errors/Cancelled.hpp"
+#include "Support/Cancellation.hpp"
+#include "Support/Cases.hpp"
+#include "Support/TableDump.hpp"
+#include "Text/Digest.hpp"
+
+namespace zelvo {
+namespace {
+
+using testing::clean;
+using testing::CleanedBook;
+using testing::PackageBuilder;
+using testing::refusalOf;
+using testing::replace;
+using testing::replaceAll;
+using testing::replaced;
+using testing::WorkbookText;
+
+const std::string workbookPart = "xl/workbook.xml";
+const std::string workbookLinks = "xl/_rels/workbook.xml.rels";
+
+PackageBuilder rich() {
+  return testing::workbookPackage(testing::richWorkbook());
+}
+
+/// The text of a cell, as XML, in a sheet of its own.
+std::string cell(const std::string& xml) {
+  return "<sheetData><row r='1'>" + xml + "</row></sheetData>";
+}
+
+void addPart(PackageBuilder& package, const std::string& name, const std::string& type,
+             const std::string& text = "x") {
+  package.part(name).text = text;
+  replace(package.part("[Content_Types].xml").text, "</Types>",
+          R"(<Override PartName="/)" + name + R"(" ContentType=")" + type + R"("/></Types>)");
+}
+
+TEST(WorkbookCleaning, KeepsWhatTheReaderReads) {
+  const PackageBuilder source = rich();
+  const CleanedBook book = clean(source);
+  EXPECT_EQ(book.report(), "Sales 19/2; Hidden 1/0; Empty & last 0/0; phonetic runs 1; empty cells 1 1@0");
+  EXPECT_EQ(book.cleaned.sourceSHA256, Digest::sha256(source.bytes().view()));
+  EXPECT_EQ(book.cleaned.outputSHA256, Digest::sha256(book.cleaned.data.view()));
+  const WorkbookReader before(source.bytes(), "book.xlsx");
+  const WorkbookReader after(ByteBuffer::copyOf(book.cleaned.data.view()), "book.xlsx");
+  for (const char* range : {"A1:E3", "A2:D4", "B4:C4", "A5:H5", "A6:B6"}) {
+    const TableSelection selection{.sheetName = "Sales", .range = range, .allowCachedFormulaValues = true};
+    const auto read = [&](const WorkbookReader& reader) {
+      std::string table;
+      const auto refusal = testing::outcomeOf([&] { table = testing::dump(reader.table(selection)); });
+      return refusal.text + table;
+    };
+    EXPECT_EQ(read(before), read(after)) << range;
+  }
+}
+
+TEST(WorkbookCleaning, ReportsWhatItLeavesOut) {
+  PackageBuilder package = rich();
+  const std::string office = "application/vnd.openxmlformats-officedocument.";
+  addPart(package, "xl/media/image1.png", "image/png");
+  addPart(package, "xl/media/image2.png", "image/png");
+  addPart(package, "docProps/thumbnail.jpeg", "image/jpeg");
+  addPart(package, "xl/printerSettings/printerSettings1.bin", office + "spreadsheetml.printerSettings");
+  addPart(package, "xl/comments1.xml", office + "spreadsheetml.comments+xml");
+  addPart(package, "xl/vbaProject.bin", "application/vnd.ms-office.vbaProject");
+  addPart(package, "xl/strange.bin", "application/octet-stream");
+  addPart(package, "xl/drawings/vmlDrawing1.vml", "application/unknown");
+  addPart(package, "xl/worksheets/_rels/sheet1.xml.rels", "application/xml", "<not & parsed");
+  replace(
+      package.part("xl/worksheets/sheet1.xml").text, "</worksheet>",
+      "<hyperlinks><hyperlink/><hyperlink/></hyperlinks><headerFooter/><sheetProtection sheet='1'/><drawing/>"
+      "<x:new xmlns:x='u'/><surprise/><extLst/></worksheet>");
+  replace(package.part(workbookPart).text, "</workbook>",
+          "<definedNames><definedName/></definedNames></workbook>");
+  const CleanedBook book = clean(package);
+  EXPECT_EQ(
+      book.report(),
+      "Sales 19/2; Hidden 1/0; Empty & last 0/0; pictures 2 [xl/media/image1.png] [xl/media/image2.png]; "
+      "comments 1 [xl/comments1.xml]; legacy drawings 1 [xl/drawings/vmlDrawing1.vml]; "
+      "printer settings 1 [xl/printerSettings/printerSettings1.bin]; macros 1 [xl/vbaProject.bin]; "
+      "document properties 1 [docProps/thumbnail.jpeg]; relationships 1 "
+      "[xl/worksheets/_rels/sheet1.xml.rels]; "
+      "other parts 1 [xl/strange.bin]; hyperlinks 2 2@0; defined names 1; protection 1 1@0; phonetic runs 1; "
+      "empty cells 1 1@0; extension lists 1 1@0; foreign elements 1 1@0; other elements 1 1@0");
+  EXPECT_EQ(
+      droppedInWords(book.cleaned.report),
+      "2 pictures, comments of 1 sheet, printer settings of 1 sheet, macros, 1 other part, 2 hyperlinks, "
+      "1 defined name, protection, 1 phonetic run, 1 other element");
+  EXPECT_EQ(
+      droppedInWords({.dropped = {{.kind = "hyperlinks", .count = 11'672}, {.kind = "later", .count = 2}}}),
+      "11,672 hyperlinks, 2 later");
+}
+
+TEST(WorkbookCleaning, ReportsFormulasThatNeedWhatIsGone) {
+  const auto book = clean({.sheets = {{"Data", cell("<c><f>Rate*Gone!A1</f></c><c><f>WEBSERVICE(T[A])</f></c>"
+                                                    "<c vm='1'><f>[1]S!A1</f></c>")}}});
+  EXPECT_EQ(book.report(),
+            "Data 3/3; rich values 1 1@0; implied positions 3 3@0; formulas that name other workbooks 1 1@0; "
+            "formulas that use "
+            "defined names 1 "
+            "1@0; formulas that use tables 1 1@0; formulas that name dropped sheets 1 1@0; formulas that "
+            "reach out 1 1@0");
+  EXPECT_EQ(changedInWords(book.cleaned.report).substr(0, 38), "1 formula that names another workbook,");
+}
+
+/// A source workbook, what is kept of its own part, and the report or the refusal.
+struct Kind {
+  std::string name;
+  std::function<void(PackageBuilder&)> make;
+  std::string kept;
+  std::string expected;
+};
+
+TEST(WorkbookCleaning, TakesEveryKindOfWorkbook) {
+  const std::string counts = "Sales 19/2; Hidden 1/0; Empty & last 0/0";
+  const std::string usual = "; phonetic runs 1; empty cells 1 1@0";
+  const auto edit = [](const std::string& part, const std::string& from, const std::string& to) {
+    return [=](PackageBuilder& package) { replace(package.part(part).text, from, to); };
+  };
+  const std::string mainType = "officedocument.spreadsheetml.sheet.main+xml";
+  const Kind kinds[] = {
+      {"1904", edit(workbookPart, "date1904=\"0\"", "date1904=\"true\""), "<workbookPr date1904=\"true\"/>",
+       counts + usual},
+      {"1904 misspelt", edit(workbookPart, "date1904=\"0\"", "date1904=\"on\""),
+       "main\" xmlns:r=", counts + "; phonetic runs 1; empty cells 1 1@0; attributes with a wrong value 1"},
+      {"Strict",
+       [](PackageBuilder& package) {
+         for (auto& part : package.parts) {
+           for (const auto& [from, to] : {std::pair("schemas.openxmlformats.org/spreadsheetml/2006/main",
+                                                    "purl.oclc.org/ooxml/spreadsheetml/main"),
+                                          {"schemas.openxmlformats.org/officeDocument/2006/relationships",
+                                           "purl.oclc.org/ooxml/officeDocument/relationships"}})
+             if (part.text.find(from) != std::string::npos) replaceAll(part.text, from, to);
+         }
+       },
+       "schemas.openxmlformats.org/spreadsheetml/2006/main", counts + usual + "; strict conformance 1"},
+      {"macros",
+       edit("[Content_Types].xml", "vnd.openxmlformats-" + mainType,
+            "vnd.ms-excel.sheet.macroEnabled.main+xml"),
+       "<sheets>", counts + usual + "; workbook type 1"},
+      {"template", edit("[Content_Types].xml", mainType, "officedocument.spreadsheetml.template.main+xml"),
+       "<sheets>", counts + usual + "; workbook type 1"},
+      {"very hidden", edit(workbookPart, "state=\"hidden\"", "state=\"veryHidden\""),
+       R"(<sheet name="Hidden" sheetId="2" state="veryHidden" r:id="rId2"/>)", counts + usual},
+      {"unknown state", edit(workbookPart, "state=\"hidden\"", "state=\"shown\""),
+       R"(<sheet name="Hidden" sheetId="2" state="hidden" r:id="rId2"/>)",
+       counts + usual + "; sheet states 1"},
+      {"first sheet hidden", edit(workbookPart, "name=\"Sales\"", "state='hidden' name=\"Sales\""),
+       "<workbookView activeTab=\"2\"/>", counts + usual},
+      {"prefixes", edit(workbookPart, "xmlns:r=", "xmlns:q="), "", "invalidArchive: worksheet identity"},
+      {"another name",
+       [](PackageBuilder& p) {
+         p.part(workbookPart).name = "xl/Book.XML";
+         replace(p.part("_rels/.rels").text, workbookPart, "/xl/book.xml");
+         p.part(workbookLinks).name = "xl/_rels/book.xml.rels";
+         replaceAll(p.part("[Content_Types].xml").text, "workbook.xml", "book.xml");
+       },
+       "<sheets>", counts + usual},
+      {"no relationship to it", edit("_rels/.rels", "/officeDocument\"", "/other\""), "<sheets>",
+       counts + usual},
+      {"relationship of an unknown type",
+       edit("_rels/.rels",
+            "http://schemas.openxmlformats.org/officeDocument/2006/relationships/officeDocument\" Target=\"",
+            "urn:officeDocument\" Target=\"no"),
+       "<sheets>", counts + usual},
+      {"two workbooks", edit("_rels/.rels", "xl/workbook.xml", "xl/styles.xml"), "",
+       "invalidArchive: two parts of the type officeDocument"},
+      {"chart sheet",
+       edit(workbookLinks, "relationships/worksheet\" Target=\"worksheets/sheet1",
+            "relationships/chartsheet\" Target=\"worksheets/sheet1"),
+       R"(<sheet name="Hidden" sheetId="1" state="hidden" r:id="rId1"/>)",
+       "Hidden 1/0; Empty & last 0/0; worksheets 1 [xl/worksheets/sheet1.xml]; chart sheets 1 \"Sales\"; "
+       "phonetic runs 1"},
+      {"only charts",
+       [](PackageBuilder& p) { replaceAll(p.part(workbookLinks).text, "/worksheet\"", "/chartsheet\""); }, "",
+       "unsupported: no worksheet is left"},
+      {"a part of two sheets", edit(workbookLinks, "sheet3.xml", "sheet1.xml"), "<sheets>",
+       "Sales 19/2; Hidden 1/0; Empty & last 19/2; worksheets 1 [xl/worksheets/sheet3.xml]" + usual},
+      {"external sheet", edit(workbookLinks, "sheet1.xml\"", "sheet1.xml\" TargetMode=\"External\""), "",
+       "unsafeContent: external or ambiguous relationship"},
+      {"repeated identifier", edit(workbookLinks, "Id=\"rId2\"", "Id=\"rId1\""), "",
+       "unsafeContent: external or ambiguous relationship"},
+      {"no target", edit(workbookLinks, "sheet1.xml", "sheet9.xml"), "",
+       "invalidArchive: missing relationship target"},
+      {"repeated name", edit(workbookPart, "\"Hidden\"", "\"SALES\""), "",
+       "invalidArchive: too long or repeated name of sheet SALES"},
+      {"two lists", edit(workbookPart, "<sheets>", "<sheets/><sheets>"), "",
+       "invalidArchive: repeated element \"sheets\" in the workbook"},
+      {"a root of another kind", edit("xl/worksheets/sheet1.xml", "<worksheet", "<chartsheet"), "",
+       "invalidArchive: malformed XML in sheet Sales"},
+      {"binary",
+       edit("[Content_Types].xml", "vnd.openxmlformats-" + mainType,
+            "vnd.ms-excel.sheet.binary.macroEnabled.main"),
+       "", "unsupported: binary workbook (.xlsb)"},
+      {"no package", [](PackageBuilder& p) { p.remove("_rels/.rels"); }, "",
+       "invalidArchive: not an OOXML package"},
+      {"format defined twice",
+       edit("xl/styles.xml", "</numFmts>", "<numFmt numFmtId='164' formatCode='0'/></numFmts>"), "",
+       "invalidArchive: number format 164 in the styles"},
+      {"unused format defined twice",
+       edit("xl/styles.xml", "</numFmts>", "<numFmt numFmtId='9'/><numFmt numFmtId='9'/></numFmts>"),
+       "<sheets>", counts + usual},
+      {"used format without a code", edit("xl/styles.xml", "</numFmts>", "<numFmt numFmtId='10'/></numFmts>"),
+       "", "invalidArchive: number format 10 in the styles"},
+      {"unknown in a style",
+       edit("xl/styles.xml", "<xf numFmtId=\"14\"/>", "<xf numFmtId=\"14\"><value/></xf>"), "",
+       "unsupported: unknown element in cell style 2"},
+      {"unknown in a string", edit("xl/sharedStrings.xml", "<t>Region</t>", "<t>Region</t><u/>"), "",
+       "unsupported: unknown element in shared string 1"},
+  };
+  for (const Kind& kind : kinds) {
+    PackageBuilder package = rich();
+    kind.make(package);
+    std::string outcome;
+    const auto refusal = testing::outcomeOf([&] {
+      const CleanedBook book = clean(package);
+      outcome = book.report();
+      EXPECT_NE(book.parts.find(workbookPart)->text().find(kind.kept), std::string::npos) << kind.name;
+    });
+    EXPECT_EQ(refusal.text + outcome, kind.expected) << kind.name;
+  }
+  EXPECT_EQ(testing::outcomeOf([] {
+              cleanWorkbook(ByteBuffer::copyOf("\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1 and more"), "a.xlsx");
+            }),
+            "unsupported: encrypted or old binary workbook (compound file)");
+  EXPECT_EQ(testing::outcomeOf([] { cleanWorkbook({}, std::string(513, 'a')); }),
+            "resourceLimit: source name");
+  EXPECT_THROW(cleanWorkbook(rich().bytes(), "a.xlsx", {}, testing::stopped()), Cancelled);
+}
+
+TEST(WorkbookCleaning, KeepsTheSheetsThatAreAskedFor) {
+  PackageBuilder package = rich();
+  package.part("xl/worksheets/sheet1.xml").text = "<no & XML";
+  EXPECT_EQ(refusalOf(package), "invalidArchive: malformed XML in sheet Sales");
+  EXPECT_EQ(clean(package, {.sheets = {{"Hidden"}}}).report(),
+            "Hidden 1/0; worksheets 2 [xl/worksheets/sheet1.xml] [xl/worksheets/sheet3.xml] \"Sales\" "
+            "\"Empty & last\"; "
+            "phonetic runs 1");
+  EXPECT_EQ(refusalOf(package, {.sheets = {{"Hidden", "hidden"}}}),
+            "invalidSelection: no worksheet is named hidden");
+  EXPECT_EQ(refusalOf(package, {.sheets = std::vector<std::string>()}), "unsupported: no worksheet is left");
+}
+
+TEST(WorkbookCleaning, RemovesMergedAreasAndCountsWhatTheyCovered) {
+  const CleanedBook book = clean(
+      {.sheets = {{"Data", cell("<c><v>1</v></c><c><v>2</v></c><c/>") +
+                               "<mergeCells><mergeCell ref='A1:C1'/><mergeCell ref='B1:B9'/></mergeCells>"}}},
+      {.unmerge = true});
+  EXPECT_EQ(book.report(),
+            "Data 2/0; empty cells 1 1@0; implied positions 3 3@0; merged areas removed 2 2@0; covered cells "
+            "1 1@0");
+  EXPECT_EQ(book.part("xl/worksheets/sheet1.xml", "</sheetData>", ""), "</worksheet>");
+
+  // Every cell of a small sheet against every area in turn.
+  std::vector<CellRange> areas;
+  std::vector<CellAddress> cells;
+  std::int64_t expected = 0;
+  for (std::int64_t i = 1; i <= 7; ++i)
+    areas.push_back({{i, i}, {i + i % 3, i + i * 5 % 4}});
+  for (std::int64_t row = 11; row-- > 1;) {
+    for (std::int64_t column = 1; column <= 10; ++column) {
+      const CellAddress& at = cells.emplace_back(CellAddress{column, row});
+      const auto covers = [&](const CellRange& area) { return area.contains(at) && area.first != at; };
+      expected += std::any_of(areas.begin(), areas.end(), covers) ? 1 : 0;
+    }
+  }
+  EXPECT_GT(expected, 5);
+  EXPECT_EQ(Cleaning::countCoveredCells(areas, cells), expected);
+}
+
+TEST(WorkbookCleaning, ReplacesFormatsThatTheReaderCannotShow) {
+  for (const auto& [code, expected] : testing::cases<2>(R"(
+      0.00 => ; General => ; @ => ; dd.mm.yy => ; h:mm => ; "$"0 => ; m/d/yyyy => yyyy-mm-dd ; mmmm => yyyy-mm-dd
+      d/m h:mm => yyyy-mm-dd hh:mm:ss ; yyyy\-mm\-dd\ hh:mm;@ => yyyy-mm-dd hh:mm:ss ; mmm h => yyyy-mm-dd hh:mm:ss
+      [$-409]h:mm AM/PM;@ => h:mm:ss ; mmss.0 => h:mm:ss ; h"x"mm => h:mm:ss ; H.MM => h:mm:ss ; a/p h => h:mm:ss
+      [h]:mm => ; [MM]:ss => ; [s] => ; [hm] => General ; [Red]0 => General ; 0.00E+00 => General ; # ?/? => General
+      0;yyyy => General ; 0" days" => General ; 0\d => General ; 0_d => General ; *d0 => General ; "d => General
+      [d => General ; GENERAL => General ; #,##0.00;[Red]-#,##0.00 => General)"))
+    EXPECT_EQ(Cleaning::plainCode(code).value_or(""), expected) << code;
+
+  WorkbookText workbook = {
+      .sheets = {{"A", cell("<c s='1'><v>45000</v></c><c s='1'/><c s='2'><v>2</v></c>")},
+                 {"B", cell("<c s='1'><v>1</v></c><c s='3'><v>3</v></c><c s='4'><v>3</v></c>")}},
+      .styles = R"(<numFmts><numFmt numFmtId="164" formatCode="m/d/yyyy"/>
+                             <numFmt numFmtId="165" formatCode="[h]:mm"/></numFmts><cellXfs><xf numFmtId="0"/>
+                             <xf numFmtId="164"/><xf numFmtId="44"/><xf numFmtId="165"/><xf numFmtId="31"/><xf/></cellXfs>)"};
+  const CleanedBook book = clean(workbook, {.plainFormats = true});
+  EXPECT_EQ(book.report(),
+            "A 2/0; B 3/0; empty cells 1 1@0; implied positions 6 3@0 3@1; number formats 2 1@0 1@1 "
+            "{m/d/yyyy}; number formats 1 1@0 "
+            "{built-in format 44}; number formats 1 1@1 {built-in format 31}");
+  EXPECT_EQ(changedInWords(book.cleaned.report).substr(0, 46),
+            "number format m/d/yyyy replaced in 2 cells, nu");
+  EXPECT_EQ(book.part("xl/styles.xml", "<numFmts>", "</numFmts>"),
+            R"(<numFmt numFmtId="165" formatCode="[h]:mm"/><numFmt numFmtId="166" formatCode="yyyy-mm-dd"/>)"
+            R"(<numFmt numFmtId="167" formatCode="General"/>)");
+  EXPECT_EQ(
+      book.part("xl/styles.xml", "<cellXfs>", "</cellXfs>"),
+      R"(<xf numFmtId="0"/><xf numFmtId="166" applyNumberFormat="1"/><xf numFmtId="167" applyNumberFormat="1"/>)"
+      R"(<xf numFmtId="165" applyNumberFormat="1"/><xf numFmtId="166" applyNumberFormat="1"/><xf/>)");
+}
+
+TEST(WorkbookCleaning, StopsAtTheReadersLimitsAndNamesTheSheet) {
+  using Size = std::size_t;
+  const auto repeatedCells = [](Size count) {
+    std::string rows;
+    for (Size row = 0; count > 0; ++row) {
+      rows += "<row>" + testing::repeated("<c><v>1</v></c>", std::min<Size>(count, 5'000)) + "</row>";
+      count -= std::min<Size>(count, 5'000);
+    }
+    return testing::plainWorkbook(rows);
+  };
+  const auto strings = [](Size count, const std::string& text) {
+    return WorkbookText{.sheets = {{"Data", ""}}, .sharedStrings = {count, "<t>" + text + "</t>"}};
+  };
+  const auto sheets = [](Size count) {
+    WorkbookText workbook;
+    for (Size i = 0; i < count; ++i)
+      workbook.sheets.push_back({"S" + std::to_string(i), ""});
+    return workbook;
+  };
+  const auto code = [](Size size) {
+    return WorkbookText{.sheets = {{"Data", ""}},
+                        .styles = "<numFmts><numFmt numFmtId='164' formatCode='" + std::string(size, '0') +
+                                  "'/></numFmts><cellXfs><xf numFmtId='164'/></cellXfs>"};
+  };
+  using W = WorkbookText&;
+  testing::expectLimits<WorkbookText>(
+      {{"cells", 50'000, "resourceLimit: more than 50,000 cells in sheet Data",
+        [&](W w, Size n) { w = repeatedCells(n); }},
+       {"strings", 50'000, "resourceLimit: more than 50,000 shared strings",
+        [&](W w, Size n) { w = strings(n, "a"); }},
+       {"string", 32'768, "resourceLimit: more than 32,768 characters in shared string 1",
+        [&](W w, Size n) { w = strings(1, std::string(n, 'a')); }},
+       {"sheets", 64, "resourceLimit: more than 64 worksheets", [&](W w, Size n) { w = sheets(n); }},
+       {"name", 64, "invalidArchive: too long or repeated name of sheet " + testing::characters(65),
+        [&](W w, Size n) {
+          w = {.sheets = {{testing::characters(n), ""}}};
+        }},
+       {"code", 256, "resourceLimit: more than 256 characters in number format 164",
+        [&](W w, Size n) { w = code(n); }}},
+      [](const WorkbookText& workbook) {
+        cleanWorkbook(testing::workbookPackage(workbook).bytes(), "a.xlsx");
+      });
+
+  EXPECT_EQ(refusalOf(testing::plainWorkbook("<row>" + testing::repeated("<c/>", 200'001) + "</row>")),
+            "resourceLimit: XML structure in sheet Data");
+  // A sheet that is not kept does not stand in the way, nor do formatted cells that are empty.
+  WorkbookText two = repeatedCells(50'001);
+  two.sheets.push_back(
+      {"Other", "<sheetData><row>" + testing::repeated("<c/>", 16'384) + "</row></sheetData>"});
+  EXPECT_EQ(refusalOf(two, {.sheets = {{"Other"}}}), "");
+  EXPECT_EQ(refusalOf(testing::plainWorkbook("<row><c t='str'><v><![CDATA[" + std::string(5'000'000, '<') +
+                                             "]]></v></c></row>")),
+            "resourceLimit: more than 16 MiB of XML in sheet Data");
+}
+
+/// What the second reader sees in a result whose part was changed.
+std::string difference(const std::string& part, const std::string& from, const std::string& to,
+                       const CleaningReadBack::Expectation& expectation = {}) {
+  PackageBuilder source = rich();
+  replace(
+      source.part("xl/worksheets/sheet2.xml").text, "</row>",
+      "</row><row><c><f t='shared' si='1' ref='A10'>A1</f></c><c r='C10'><f t='shared' si='1'/></c></row>");
+  const CleanedBook book = clean(source);
+  PackageBuilder result;
+  for (const auto& [name, bytes] : book.parts)
+    result.part(name).text = bytes.text();
+  if (!part.empty()) replace(result.part(part).text, from, to);
+  const ByteBuffer sourceBytes = source.bytes();
+  const ByteBuffer resultBytes = result.bytes();
+  OOXML::ArchiveTrees sourceTrees(sourceBytes.view());
+  OOXML::ArchiveTrees resultTrees(resultBytes.view());
+  return CleaningReadBack::difference(sourceTrees, resultTrees, expectation).value_or("");
+}
+
+TEST(CleaningReadBack, SeesEveryDifference) {
+  EXPECT_EQ(difference("", "", ""), "");
+  const std::string cellB2 = "cell in row 2, column 2 of sheet Sales";
+  for (const auto& [part, from, to, expected] : testing::cases<4>(R"(
+workbook | name="Sales" | name="Sale" | name or visibility of sheet Sales
+workbook | state="hidden" | state="visible" | name or visibility of sheet Hidden
+workbook | date1904="0" | date1904="1" | date system
+workbook | <sheet name="Sales" sheetId="1" r:id="rId1"/> | | number of sheets
+sharedStrings | Region | Regiom | shared string 0
+sharedStrings | enue | enue␠ | shared string 1
+sharedStrings | <si> | <si/><si> | number of shared strings
+styles | numFmtId="14" | numFmtId="15" | number format of cell style 2
+styles | formatCode="&quot;$ | formatCode="&quot;€ | number format of cell style 1
+styles | <xf numFmtId="10" applyNumberFormat="1"/> | | number of cell styles
+worksheets/sheet1 | hidden="1"/></cols> | /></cols> | hidden columns of sheet Sales
+worksheets/sheet1 | A6:B6 | A6:B7 | merged areas of sheet Sales
+worksheets/sheet1 | <autoFilter ref="A1:E4"/> | | filter of sheet Sales
+worksheets/sheet1 | <row r="3" hidden="1"> | <row r="3"> | cell in row 3, column 2 of sheet Sales
+worksheets/sheet1 | 1234.5 | 1234.6 | cell in row 2, column 2 of sheet Sales
+worksheets/sheet1 | <c r="B2" s="1"> | <c r="B2" s="2"> | cell in row 2, column 2 of sheet Sales
+worksheets/sheet1 | <c r="B2" s="1"> | <c r="B2"> | cell in row 2, column 2 of sheet Sales
+worksheets/sheet1 | <c r="B2" s="1"> | <c r="B2" s="1" t="str"> | cell in row 2, column 2 of sheet Sales
+worksheets/sheet1 | <c r="B2" | <c r="B7" | cell in row 2, column 2 of sheet Sales
+worksheets/sheet1 | B4*2 | B4*3 | cell in row 5, column 2 of sheet Sales
+worksheets/sheet1 | <f>B4*2</f> | <v>1</v> | cell in row 5, column 2 of sheet Sales
+worksheets/sheet1 | <v>1227.5</v> | | cell in row 4, column 2 of sheet Sales
+worksheets/sheet1 | >Open< | >Open␠< | cell in row 1, column 3 of sheet Sales
+worksheets/sheet1 | <row r="5"> | <row r="7"/><row r="5"> | cell in row 5, column 8 of sheet Sales
+worksheets/sheet2 | <f>C1</f> | <f>B1</f> | cell in row 10, column 3 of sheet Hidden
+worksheets/sheet2 | </sheetData> | <row r="11"/></sheetData> | number of rows of sheet Hidden
+)"))
+    EXPECT_EQ(difference("xl/" + part + ".xml", from, to), expected) << from;
+  const std::vector<std::string> sales = {"Sales"};
+  EXPECT_EQ(difference("", "", "", {.sheets = &sales}), "number of sheets");
+  EXPECT_EQ(difference("", "", "", {.unmerge = true}), "merged areas of sheet Sales");
+  EXPECT_EQ(difference("xl/styles.xml", "formatCode=\"&quot;$&quot;#,##0.00", "formatCode=\"General",
+                       {.plainFormats = true}),
+            "");
+  EXPECT_EQ(difference("xl/styles.xml", "formatCode=\"&quot;$&quot;#,##0.00", "formatCode=\"h:mm:ss",
+                       {.plainFormats = true}),
+            "number format of cell style 1");
+}
+
+}  // namespace
+}  // namespace zelvo

@@ -1,0 +1,138 @@
+// The built cleaner, confined, over real pipes, and its host.
+
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "DocumentWorkerHost/DocumentCleanerHost.hpp"
+#include "DocumentWorkerHost/DocumentWorkerHost.hpp"
+#include "Support/FakeWorker.hpp"
+#include "Support/PackageBuilder.hpp"
+#include "Support/Texts.hpp"
+#include "System/ChildProcess.hpp"
+
+namespace zelvo {
+namespace {
+
+using Kind = WorkerFailure::Kind;
+
+constexpr ChildBounds ample = {.outputBytes = 2 * DocumentWorkerWire::maximumMessageBytes,
+                               .wallClock = std::chrono::seconds(100)};
+
+DocumentCleanerRequest requestOf(std::string_view workbook) {
+  return {.sourceName = "book.xlsx", .data = ByteBuffer::copyOf(workbook)};
+}
+
+DocumentCleanerResponse responseTo(const DocumentCleanerRequest& request) {
+  CleanerReply reply = DocumentCleanerHost(CLEANER).send(request);
+  if (const auto* failure = std::get_if<WorkerFailure>(&reply)) {
+    ADD_FAILURE() << failure->message();
+    return {};
+  }
+  return std::move(*std::get_if<DocumentCleanerResponse>(&reply));
+}
+
+TEST(CleanerProcess, CleansForTheWorker) {
+  auto package = testing::workbookPackage(testing::richWorkbook());
+  package.part("xl/media/image1.png").text = "picture";
+  const auto inspect = [](ByteBuffer data) {
+    WorkerReply reply =
+        DocumentWorkerHost(WORKER).send({.operation = DocumentWorkerRequest::Operation::inspect,
+                                         .data = std::move(data),
+                                         .sourceName = "b.xlsx"});
+    return std::get<DocumentWorkerResponse>(std::move(reply));
+  };
+  const ByteBuffer source = package.bytes();
+  EXPECT_EQ(inspect(ByteBuffer::copyOf(source.view())).error,
+            "This document feature is not supported yet: non-XML package part");
+
+  DocumentCleanerResponse response = responseTo(requestOf(source.text()));
+  ASSERT_TRUE(response.document && response.report) << response.error.value_or("");
+  EXPECT_EQ(droppedInWords(*response.report), "1 picture, 1 phonetic run");
+  EXPECT_EQ(inspect(std::move(response.document->data)).inspection->sourceSHA256,
+            response.document->outputSHA256);
+
+  DocumentCleanerRequest request = requestOf(source.text());
+  request.sheets = {"Sales"};
+  request.unmerge = true;
+  request.plainFormats = true;
+  const auto chosen = responseTo(request);
+  ASSERT_TRUE(chosen.report) << chosen.error.value_or("");
+  EXPECT_EQ(chosen.report->sheets, (std::vector<CleanedSheet>{{"Sales", 19, 2}}));
+  EXPECT_EQ(changedInWords(*chosen.report), "1 merged area removed");
+}
+
+TEST(CleanerProcess, RefusalsAreAnsweredAndUnusableRequestsAreNot) {
+  const std::pair<std::string, std::string> answers[] = {
+      {R"({"version":1,"sourceName":"a","data":""})",
+       R"({"error":"The document exceeds a safe processing limit: archive size"})"},
+      {R"({"version":2,"sourceName":"a","data":""})",
+       R"({"error":"This document feature is not supported yet: request version 2"})"},
+      {"", ""},
+      {"{", ""},
+      {R"({"sourceName":"a","data":""})", ""},
+      {R"({"version":1,"data":""})", ""},
+      {R"({"version":1,"sourceName":"a","data":"","sheets":"A"})", ""},
+      {R"({"version":1,"sourceName":"a","data":"","unmerge":1})", ""},
+  };
+  for (const auto& [request, expected] : answers) {
+    const ChildResult result = runChildProcess({CLEANER, {}}, request, ample);
+    EXPECT_EQ(result.outcome, ChildOutcome::exited) << request;
+    EXPECT_EQ(result.code, expected.empty() ? 65 : 0) << request;
+    EXPECT_EQ(result.output, expected);
+    EXPECT_EQ(result.errorOutput, "");
+  }
+  for (const std::string mode : {"seccomp-fails", "prlimit-pretends"}) {
+    const ChildResult result = runChildProcess({HOSTILE_PARENT, {mode, CLEANER}}, answers[0].first, ample);
+    EXPECT_EQ(result.code, 78) << mode;
+  }
+}
+
+TEST(CleanerProcess, AFormulaThatGrowsStaysWithinItsMemory) {
+  std::string rows =
+      "<row><c><f t='shared' si='0' ref='A1'>" + testing::repeated("A$1+", 2'000) + "1</f></c></row>";
+  for (int i = 1; i < 50'000; ++i)
+    rows += "<row><c><f t='shared' si='0'/></c></row>";
+  const auto package = testing::workbookPackage(testing::plainWorkbook(rows));
+  const std::string input = toJson(requestOf(package.archive().bytes()));
+  const ChildResult result = runChildProcess({CLEANER, {}}, input, ample);
+  EXPECT_EQ(result.code, 0);
+  EXPECT_NE(result.output.find("more than 16 MiB of XML in sheet Data, written out up to cell A"),
+            std::string::npos)
+      << result.output.substr(0, 300);
+#if !defined(ZELVO_SANITIZE)
+  EXPECT_LT(result.peakMemoryBytes,
+            std::uint64_t{input.size()} * 3 + std::uint64_t{rows.size()} * 3 + 2 * (16U << 20) + (32U << 20));
+#endif
+}
+
+TEST(CleanerHost, AcceptsOnlyWholeResponses) {
+  const std::string document = R"("document":{"data":"","sourceSHA256":"","outputSHA256":""})";
+  const std::string report = R"("report":{"sheets":[],"dropped":[],"changed":[]})";
+  const std::string parts = R"({"kind":"","count":1,"parts":[)" + testing::repeated("\"\",", 512) + "\"\"]}";
+  const std::pair<std::string, bool> rows[] = {
+      {R"({"version":1,)" + document + "," + report + "}", true},
+      {R"({"error":"no"})", true},
+      {R"({"version":2,)" + document + "," + report + "}", false},
+      {R"({"version":1,)" + document + "}", false},
+      {R"({"version":1,"error":"no"})", false},
+      {R"({"version":1,)" + document + R"(,"report":{"sheets":[],"dropped":[)" + parts +
+           R"(],"changed":[]}})",
+       false},
+      {"{}", false},
+  };
+  for (const auto& [response, isAccepted] : rows) {
+    const testing::TemporaryFolder folder;
+    const DocumentCleanerHost host(testing::placeFakeWorker(folder, "say " + response));
+    const CleanerReply reply = host.send(requestOf("x"));
+    EXPECT_EQ(std::holds_alternative<DocumentCleanerResponse>(reply), isAccepted) << response.substr(0, 100);
+  }
+  const CleanerReply missing = DocumentCleanerHost("/none").send(requestOf("x"));
+  EXPECT_EQ(std::get<WorkerFailure>(missing).kind, Kind::notFound);
+  const std::string unsendable(DocumentWorkerHost::unsendableBytes, 'x');
+  EXPECT_EQ(std::get<WorkerFailure>(DocumentCleanerHost("/none").send(requestOf(unsendable))).kind,
+            Kind::requestTooLarge);
+}
+
+}  // namespace
+}  // namespace zelvo
