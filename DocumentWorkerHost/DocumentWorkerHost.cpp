@@ -48,7 +48,7 @@ bool answers(const DocumentWorkerResponse& response, Operation operation) {
 void requireAtMost(std::size_t limit, JsonValue list) {
   std::size_t count = 0;
   for (const JsonValue element : list.array()) {
-    if (++count > limit) element.fail("No operation gives so long a list.");
+    if (++count > limit) element.fail("No operation returns so long a list.");
   }
 }
 
