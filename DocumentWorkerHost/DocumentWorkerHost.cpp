@@ -17,23 +17,23 @@ using Operation = DocumentWorkerRequest::Operation;
 
 constexpr std::size_t maximumMessageBytes = DocumentWorkerWire::maximumMessageBytes;
 
-// What an operation can give at most. A worker that has been taken over may answer anything: its lists are
-// counted before any memory is spent on their elements.
+// The most that an operation can return. A compromised worker can return anything: its lists are counted
+// before memory is allocated for their elements.
 constexpr std::size_t maximumSheets = 64;
 constexpr std::size_t maximumColumns = 8;
 constexpr std::size_t maximumRows = 201;  ///< without a header row
-/// Validation gives the most: the 16 that the rules allow the expected table, and its own.
+/// Validation returns the most: the 16 that the rules allow the expected table, and its own.
 constexpr std::size_t maximumWarnings = 17;
 
-/// None when the request is larger than a message may be.
+/// Returns nullopt if the request is larger than a message may be.
 std::optional<std::string> encoded(const DocumentWorkerRequest& request) {
   const std::size_t documentBytes = request.data.size();
   if (documentBytes >= DocumentWorkerHost::unsendableBytes) return std::nullopt;
-  constexpr std::size_t roomForTheRest = 4096;
-  return toJson(request, Base64::encodedSize(documentBytes) + roomForTheRest);
+  constexpr std::size_t bytesOfOtherFields = 4096;
+  return toJson(request, Base64::encodedSize(documentBytes) + bytesOfOtherFields);
 }
 
-/// Whether the response is a refusal and nothing else, or exactly what the operation gives.
+/// True if the response is a refusal and nothing else, or exactly what the operation returns.
 bool answers(const DocumentWorkerResponse& response, Operation operation) {
   const bool isRefusal = response.error.has_value();
   const auto isDue = [&](std::initializer_list<Operation> operations) {
