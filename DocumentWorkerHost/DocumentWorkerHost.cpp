@@ -13,15 +13,15 @@ namespace {
 using Kind = WorkerFailure::Kind;
 using Operation = DocumentWorkerRequest::Operation;
 
-// What an operation can give at most. A compromised worker may answer anything: its lists are counted before
-// any memory is spent on their elements.
+// The most that an operation can return. A compromised worker can return anything: its lists are counted
+// before memory is allocated for their elements.
 constexpr std::size_t maximumSheets = 64;
 constexpr std::size_t maximumColumns = 8;
 constexpr std::size_t maximumRows = 201;  ///< without a header row
-/// Validation gives the most: the 16 that the rules allow the expected table, and its own.
+/// Validation returns the most: the 16 that the rules allow the expected table, and its own.
 constexpr std::size_t maximumWarnings = 17;
 
-/// Whether the response is a refusal and nothing else, or exactly what the operation gives.
+/// True if the response is a refusal and nothing else, or exactly what the operation returns.
 bool answers(const DocumentWorkerResponse& response, Operation operation) {
   const bool isRefusal = response.error.has_value();
   const auto isDue = [&](std::initializer_list<Operation> operations) {
@@ -36,7 +36,7 @@ bool answers(const DocumentWorkerResponse& response, Operation operation) {
 void requireAtMost(std::size_t limit, JsonValue list) {
   std::size_t count = 0;
   for (const JsonValue element : list.array()) {
-    if (++count > limit) element.fail("No operation gives so long a list.");
+    if (++count > limit) element.fail("No operation returns so long a list.");
   }
 }
 

@@ -11,10 +11,10 @@
 
 namespace zelvo {
 
-/// What came of a request: the worker's response, which may be a refusal (`error`), or why there is none.
+/// The result of a request: the worker's response, which may be a refusal (`error`), or why there is none.
 using WorkerReply = std::variant<DocumentWorkerResponse, WorkerFailure>;
 
-/// Has documents read and written by confined workers, one process a request.
+/// Sends requests to confined workers, one process per request.
 ///
 ///     const DocumentWorkerHost host("/usr/lib/zelvo/zelvo_document_worker");
 ///     const WorkerReply reply = host.send({.operation = DocumentWorkerRequest::Operation::inspect,
@@ -27,16 +27,17 @@ class DocumentWorkerHost {
   /// The worker may use 45 seconds of processor time; on a busy machine that takes longer.
   static constexpr std::chrono::seconds defaultTimeout{180};
 
-  /// No document of this size fits into a request: base64 alone fills it. Who reads a document from elsewhere
-  /// can stop here.
+  /// No document of this size fits into a request: base64 alone fills it. A caller that reads a document can
+  /// stop here.
   static constexpr std::size_t unsendableBytes = DocumentWorkerWire::maximumMessageBytes / 4 * 3;
 
-  /// `workerPath` is the worker's executable; it is not searched for. `timeout` is wall-clock time a request.
+  /// `workerPath` is the worker's executable; it is not searched for. `timeout` is wall-clock time per
+  /// request.
   explicit DocumentWorkerHost(std::string workerPath, std::chrono::milliseconds timeout = defaultTimeout);
 
   /// Sends a request, whose texts are valid UTF-8, and waits for the reply. A response holds exactly what its
   /// operation promises, or `error` alone; its texts come from the document and are as trustworthy as that.
-  /// `std::bad_alloc` comes out, no other error.
+  /// Throws only `std::bad_alloc`.
   WorkerReply send(const DocumentWorkerRequest& request) const;
 
   /// The same for a request that is encoded already and asks for `operation`.

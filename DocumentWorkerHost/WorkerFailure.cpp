@@ -60,7 +60,7 @@ std::string sentence(Kind kind, int code, const std::string& subject) {
   return subject + " failed.";
 }
 
-/// The first line of a program's complaint: what a loader or a sanitizer says. The worker itself writes none.
+/// The first line of standard error, as a loader or a sanitizer writes it. The worker itself writes nothing.
 std::string firstLine(const std::string& errorOutput) {
   constexpr std::size_t longest = 200;
   return errorOutput.substr(0, errorOutput.find('\n')).substr(0, longest);

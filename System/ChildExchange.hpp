@@ -12,7 +12,7 @@ namespace zelvo {
 /// The starting process's ends of a child's pipes. They do not block. An empty one is not used.
 struct ChildStreams {
   Descriptor input;
-  Descriptor unreadInput;  ///< the read end of the same pipe, which is never read; none if not known
+  Descriptor unreadInput;  ///< the read end of the same pipe, which is never read; empty if not known
   Descriptor output;
   Descriptor errors;
 };

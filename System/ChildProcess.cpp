@@ -25,22 +25,22 @@ using Clock = std::chrono::steady_clock;
 
 /// What a pipe holds by default.
 constexpr std::size_t readBytes = 65536;
-/// A message for a person is shorter; a child that floods standard error is read on, and forgotten.
+/// Longer than any error message. Further output is read and discarded.
 constexpr std::size_t keptErrorBytes = 65536;
 /// Keeps sums with the clock's time in range.
 constexpr std::chrono::milliseconds longestWallClock = std::chrono::hours(24 * 365);
 
-/// Keeps SIGPIPE from this thread, so that writing to a child that has ended fails with EPIPE and the host
-/// lives, whatever it does with the signal otherwise.
-class SigpipeHeldBack {
+/// Blocks SIGPIPE in this thread, so that writing to a child that has ended fails with EPIPE and does not end
+/// the host, whatever its handling of the signal.
+class SigpipeBlocker {
  public:
-  SigpipeHeldBack() : wasPending_(isPending()) {
+  SigpipeBlocker() : wasPending_(isPending()) {
     const sigset_t sigpipe = only();
     pthread_sigmask(SIG_BLOCK, &sigpipe, &before_);
   }
-  SigpipeHeldBack(const SigpipeHeldBack&) = delete;
-  SigpipeHeldBack& operator=(const SigpipeHeldBack&) = delete;
-  ~SigpipeHeldBack() {
+  SigpipeBlocker(const SigpipeBlocker&) = delete;
+  SigpipeBlocker& operator=(const SigpipeBlocker&) = delete;
+  ~SigpipeBlocker() {
     const sigset_t sigpipe = only();
     int taken = 0;
     if (!wasPending_ && isPending()) sigwait(&sigpipe, &taken);
@@ -65,7 +65,7 @@ class SigpipeHeldBack {
   sigset_t before_ = {};
 };
 
-/// A started child. One that has not ended with its owner's interest in it is killed.
+/// A started child. The destructor kills it if it is still running.
 class Child {
  public:
   explicit Child(pid_t id) : id_(id), cleanup_(id) {}
@@ -75,7 +75,7 @@ class Child {
 
   bool isGone() const { return isGone_; }
 
-  /// Looks whether the child has ended, or waits until it has.
+  /// Checks whether the child has ended, or waits for its end, as `options` of `wait4` say.
   void look(int options) {
     const SignalCleanup::Hold hold;  // once waited for, the number may be another process's
     pid_t found = 0;
@@ -105,7 +105,7 @@ class Child {
     look(0);
   }
 
-  /// Once it is gone: how it ended, if nobody ended it, and what it used.
+  /// After its end: writes its exit status or signal and its resource usage to the result.
   void report(ChildResult& result) const {
     if (error_ != 0) {
       result.outcome = ChildOutcome::failed;
@@ -177,7 +177,8 @@ std::uint64_t bytesIn(const Descriptor& pipe) {
   return ioctl(pipe.number(), FIONREAD, &count) == 0 ? static_cast<std::uint64_t>(count) : 0;
 }
 
-/// Writes and reads until the child has closed both outputs. Says why the child has to be ended, if it has.
+/// Writes and reads until the child has closed both outputs. Returns why the child must be killed, if it
+/// must.
 std::optional<ChildOutcome> exchange(ChildStreams& streams, std::string_view& input,
                                      const ChildBounds& bounds, Clock::time_point deadline,
                                      ChildResult& result) {
@@ -217,7 +218,7 @@ ChildResult runChild(const ChildStart& start, std::string_view input, const Chil
   ChildResult result = {};
   result.outcome = ChildOutcome::failed;
   const Clock::time_point deadline = Clock::now() + std::min(bounds.wallClock, longestWallClock);
-  const SigpipeHeldBack held;
+  const SigpipeBlocker held;
 
   ChildStreams streams;
   pid_t id = 0;

@@ -24,20 +24,20 @@ enum class ChildOutcome {
   failed,          ///< it was not started, or the system failed under way; `code` is the error number
   exited,          ///< by itself; `code` is the exit status
   killed,          ///< by a signal that was not ours; `code` is the signal
-  timedOut,        ///< ended by us, `code` is 0
-  outputTooLarge,  ///< ended by us, `code` is 0
+  timedOut,        ///< killed by this process, `code` is 0
+  outputTooLarge,  ///< killed by this process, `code` is 0
 };
 
 struct ChildResult {
   ChildOutcome outcome;
   int code;
-  std::string output;       ///< what came on standard output, within its bound
+  std::string output;       ///< standard output, up to its bound
   std::string errorOutput;  ///< the first 64 KiB of standard error
   std::chrono::microseconds cpuTime;
   /// The largest resident set. Linux counts what the starting process held at that moment too: an upper
   /// bound.
   std::uint64_t peakMemoryBytes;
-  /// How much of its input the child has read; nullopt if it has no input of its own.
+  /// The bytes of its input that the child has read; nullopt if it has no input of its own.
   std::optional<std::uint64_t> inputBytesRead;
 };
 
@@ -46,9 +46,8 @@ struct ChildResult {
 /// the other; a child that does not read its input is no error. When the bounds are passed, the child is
 /// killed.
 ///
-/// May be called from several threads at once. The caller must leave its children to be waited for: under an
-/// ignored SIGCHLD the outcome is `failed`. `std::bad_alloc` comes out, no other error, and leaves no child
-/// behind.
+/// May be called from several threads at once. SIGCHLD must not be ignored: the child could not be waited
+/// for, and the outcome would be `failed`. Throws only `std::bad_alloc`, and leaves no child.
 ChildResult runChildProcess(const ChildCommand& command, std::string_view input, const ChildBounds& bounds);
 
 }  // namespace zelvo

@@ -5,7 +5,7 @@
 
 namespace zelvo {
 
-/// Owns a file descriptor, or none.
+/// Owns a file descriptor, or is empty.
 class Descriptor {
  public:
   Descriptor() = default;

@@ -4,7 +4,7 @@
 
 namespace zelvo {
 
-/// The keys by which the platform knows the entitlements that matter here.
+/// The platform's keys of the entitlements that are checked.
 namespace entitlement {
 inline constexpr std::string_view appSandbox = "com.apple.security.app-sandbox";
 inline constexpr std::string_view networkClient = "com.apple.security.network.client";
@@ -14,7 +14,7 @@ inline constexpr std::string_view userSelectedFiles = "com.apple.security.files.
 inline constexpr std::string_view appleEvents = "com.apple.security.automation.apple-events";
 }  // namespace entitlement
 
-/// What the platform says of one entitlement of the running process.
+/// The platform's value of one entitlement of the running process.
 enum class EntitlementValue {
   absent,
   denied,   ///< the boolean false
@@ -22,7 +22,7 @@ enum class EntitlementValue {
   other,    ///< a value of another type, which grants nothing
 };
 
-/// The one seam between the sandbox check and the platform.
+/// The interface between the sandbox check and the platform.
 class EntitlementReader {
  public:
   EntitlementReader() = default;

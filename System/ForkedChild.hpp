@@ -14,8 +14,8 @@ namespace zelvo {
 /// and when it has not ended after `wallClock`. It reads what was in memory at the fork; what it changes
 /// there stays its own.
 ///
-/// The calling process must have one thread only, its three standard streams open, and leave its children to
-/// be waited for. Throws only `std::bad_alloc`, and leaves no child behind.
+/// The calling process must have one thread only, its three standard streams open, and must not ignore
+/// SIGCHLD. Throws only `std::bad_alloc`, and leaves no child.
 ChildResult runForkedChild(const std::function<int()>& work, std::size_t outputBytes,
                            std::chrono::milliseconds wallClock = std::chrono::seconds(180));
 

@@ -23,7 +23,7 @@ static_assert(std::atomic<int>::is_always_lock_free && std::atomic<bool>::is_alw
 thread_local int holdsOfThisThread = 0;
 
 /// The list is changed under a `Hold` and the lock, and read by the handler once no thread holds anything
-/// back: then nobody is changing it.
+/// back: then no thread is changing it.
 std::mutex listLock;
 Record::Entry* firstEntry = nullptr;
 

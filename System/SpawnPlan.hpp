@@ -9,7 +9,7 @@
 
 namespace zelvo {
 
-/// How a child will start: nothing comes from its parent but the pipes that are asked for here.
+/// How a child will start: it inherits nothing from its parent except the pipes requested here.
 class SpawnPlan {
  public:
   SpawnPlan();
@@ -31,7 +31,7 @@ class SpawnPlan {
   /// a failure the end is empty, and `start` fails.
   Descriptor pipeFrom(int standardStream);
 
-  /// Starts the child. The error number, or 0.
+  /// Starts the child. Returns 0 or the error number.
   int start(const ChildCommand& command, pid_t& id);
 
  private:

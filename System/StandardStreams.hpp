@@ -16,11 +16,11 @@ class Input {
   Input& operator=(const Input&) = delete;
   virtual ~Input() = default;
 
-  /// Reads at most `buffer.size()` bytes and says how many; 0 is the end, none a failure.
+  /// Reads at most `buffer.size()` bytes. Returns their count, 0 at the end, or nullopt after a failure.
   virtual std::optional<std::size_t> read(std::span<char> buffer) = 0;
 };
 
-/// Where the one answer goes.
+/// The destination of the one response.
 class Output {
  public:
   Output() = default;
@@ -28,7 +28,7 @@ class Output {
   Output& operator=(const Output&) = delete;
   virtual ~Output() = default;
 
-  /// Writes all bytes; false when that failed.
+  /// Writes all bytes. Returns false if that failed.
   virtual bool write(std::string_view bytes) = 0;
 };
 

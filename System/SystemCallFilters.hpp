@@ -7,7 +7,7 @@ namespace zelvo {
 
 /// The error number with which the first filter answers every call that is not on its list. The kernel's own
 /// numbers end far below, and 4095 is the largest that it returns: a process that gets this answer was
-/// refused by this filter, not by the kernel and not by a filter that somebody else loaded.
+/// refused by this filter, not by the kernel and not by a filter of another program.
 inline constexpr int refusedByUs = 4000;
 
 /// The error number with which the second filter answers a read from descriptor -1, so that the process can

@@ -31,7 +31,7 @@ bool isYesOrNo(std::string_view value) {
 
 /// Names that XML reserves, in any case.
 bool isReservedTarget(std::string_view target) {
-  return std::ranges::equal(target, std::string_view("xml"), {}, ASCII::lowercased);
+  return std::ranges::equal(target, std::string_view("xml"), {}, [](char c) { return ASCII::lowercased(c); });
 }
 
 /// Only speeds up the comparison of the names of one tag.

@@ -1,3 +1,5 @@
+// Owns the exchange with a worker, the names of its failures, and which responses are accepted.
+
 #include <atomic>
 #include <cerrno>
 #include <chrono>
@@ -10,9 +12,8 @@
 
 #include "DocumentRuntime/Coding/JsonCoding.hpp"
 #include "DocumentWorkerHost/DocumentWorkerHost.hpp"
-#include "DocumentWorkerHost/WorkerFailure.hpp"
+#include "Support/Cases.hpp"
 #include "Support/FakeWorker.hpp"
-#include "Support/TemporaryFolder.hpp"
 #include "Support/Texts.hpp"
 #include "System/ChildProcess.hpp"
 
@@ -21,147 +22,87 @@ namespace {
 
 using namespace std::chrono_literals;
 using Kind = WorkerFailure::Kind;
-using Operation = DocumentWorkerRequest::Operation;
+using enum DocumentWorkerRequest::Operation;
 
-DocumentWorkerRequest requestOf(std::string_view document, Operation operation = Operation::inspect) {
-  DocumentWorkerRequest request;
-  request.operation = operation;
-  request.data = ByteBuffer::copyOf(document);
-  request.sourceName = "book.xlsx";
-  return request;
+DocumentWorkerRequest requestOf(std::string_view document,
+                                DocumentWorkerRequest::Operation operation = inspect) {
+  return {.operation = operation, .data = ByteBuffer::copyOf(document), .sourceName = "book.xlsx"};
 }
 
-/// What the host makes of a worker that breaks like this.
-WorkerReply replyOf(const std::string& act, const DocumentWorkerRequest& request,
-                    std::chrono::milliseconds timeout = 60s) {
+WorkerReply replyOf(const std::string& act, const DocumentWorkerRequest& request) {
   const testing::TemporaryFolder folder;
+  const auto timeout = act == "hang" ? 200ms : 60s;
   return DocumentWorkerHost(testing::placeFakeWorker(folder, act), timeout).send(request);
 }
 
-const WorkerFailure& failureIn(const WorkerReply& reply) {
-  static const WorkerFailure none = {Kind::notRun, 0, "there is a response"};
+/// The message, or nothing if there is a response.
+std::string messageOf(const WorkerReply& reply) {
   const auto* failure = std::get_if<WorkerFailure>(&reply);
-  return failure != nullptr ? *failure : none;
+  return failure != nullptr ? failure->message() : "";
 }
 
-TEST(DocumentWorkerHost, NamesEveryWayInWhichAWorkerBreaks) {
-  const struct {
-    std::string act;
-    Kind expected;
-    std::string message;
-  } rows[] = {
-      {"exit 65", Kind::gaveNoResponse,
-       "The worker gave no response (status 65): it could not use the request, "
-       "the response was too large, or memory ran out."},
-      {"exit 78", Kind::notConfined,
-       "The worker refused to work because it could not confine itself (status 78)."},
-      {"exit 3", Kind::unknownStatus, "The worker ended with the unknown status 3. (fake worker: exit)"},
-      {"signal 24", Kind::cpuTimeUsedUp, "The worker used up its processor time."},
-      {"signal 9", Kind::killed, "The worker was killed (SIGKILL). Memory may have run out."},
-      {"signal 31", Kind::killedBeforeReading,
-       "The worker was killed by a seccomp filter (SIGSYS) before it read the request. The likely cause is "
-       "an "
-       "outer filter, of a service manager or a container, that kills instead of returning an error."},
-      {"signal 11", Kind::crashed, "The worker crashed (signal 11)."},
-      {"hang", Kind::timedOut, "The worker did not end in time and was stopped."},
-      {"flood", Kind::responseTooLarge, "The worker wrote more than the largest response and was stopped."},
-      {"say {}", Kind::unreadableResponse,
-       "The worker's response cannot be read. (It does not answer the request.)"},
-  };
-  // Larger than any pipe, and no fake reads it: neither side may wait for the other.
+TEST(DocumentWorkerHost, NamesEveryFailureOfAWorker) {
+  // Larger than a pipe, and the fake worker never reads it: neither side may wait for the other.
   const DocumentWorkerRequest request = requestOf(std::string(5'000'000, 'x'));
-  for (const auto& row : rows) {
-    const WorkerReply reply = replyOf(row.act, request, row.act == "hang" ? 200ms : 60s);
-    EXPECT_EQ(failureIn(reply).kind, row.expected) << row.act;
-    EXPECT_EQ(failureIn(reply).message(), row.message);
-  }
-  for (const std::string response : {"", "{\"inspection\":", "{\"error\":1}", "{\"error\":\"\xff\"}"})
-    EXPECT_EQ(failureIn(replyOf("say " + response, request)).kind, Kind::unreadableResponse) << response;
+  for (const auto& [act, message] : testing::cases<2>(R"(
+      exit 65 => gave no response (status 65): it could not use the request, the response was too large, or memory ran out.
+      exit 78 => refused to work because it could not confine itself (status 78).
+      exit 3 => ended with the unknown status 3. (fake worker: exit)
+      signal 24 => used up its processor time.
+      signal 9 => was killed (SIGKILL). Memory may have run out.
+      signal 31 => was killed by a seccomp filter (SIGSYS) before it read the request. The likely cause is an outer filter, of a service manager or a container, that kills instead of returning an error.
+      signal 11 => crashed (signal 11).
+      hang => did not end in time and was stopped.
+      flood => wrote more than the largest response and was stopped.)"))
+    EXPECT_EQ(messageOf(replyOf(act, request)), "The worker " + message);
+  for (const std::string response : {"", "{\"inspection\":", "{\"error\":1}", "{\"error\":\"\xff\"}", "{}"})
+    EXPECT_TRUE(messageOf(replyOf("say " + response, request))
+                    .starts_with("The worker's response cannot be read. ("));
+
+  const testing::TemporaryFolder folder;
+  const std::string text = folder.write("text", "no program");
+  EXPECT_EQ(messageOf(DocumentWorkerHost(text).send(request)),
+            "The worker could not be run: Permission denied. (" + text + ")");
+  EXPECT_EQ(messageOf(DocumentWorkerHost("/none").send(request)), "The worker was not found. (/none)");
 }
 
-// What cannot be staged cheaply with a real process.
-TEST(WorkerFailure, TellsTheCausesOfASignalApart) {
+// Causes that cost too much with a real process.
+TEST(WorkerFailure, DistinguishesCausesOfASignal) {
   using enum ChildOutcome;
   const std::pair<ChildResult, Kind> rows[] = {
-      {{.outcome = killed, .code = SIGKILL, .cpuTime = 1s}, Kind::killed},
       {{.outcome = killed, .code = SIGKILL, .cpuTime = 34s}, Kind::killed},
       {{.outcome = killed, .code = SIGKILL, .cpuTime = 41s}, Kind::cpuTimeUsedUp},
       {{.outcome = killed, .code = SIGSYS, .inputBytesRead = 1}, Kind::brokenInvariant},
       {{.outcome = killed, .code = SIGSYS}, Kind::brokenInvariant},
       {{.outcome = killed, .code = SIGSEGV, .cpuTime = 45s}, Kind::crashed},
       {{.outcome = failed, .code = EMFILE}, Kind::notRun},
+      {runChildProcess({HOSTILE_PARENT, {"ptrace-kills", REAL_WORKER}}, std::string(5'000'000, ' '),
+                       {1, 60s}),
+       Kind::killedBeforeReading},
   };
-  for (const auto& [result, expected] : rows) {
-    const auto failure = WorkerFailure::of(result, "/worker");
-    ASSERT_TRUE(failure);
-    EXPECT_EQ(failure->kind, expected) << failure->message();
-  }
+  for (const auto& [result, expected] : rows)
+    EXPECT_EQ(WorkerFailure::of(result, "/worker").value().kind, expected) << result.code;
   EXPECT_FALSE(WorkerFailure::of({.outcome = exited, .code = 0}, "/worker"));
 }
 
-TEST(WorkerFailure, NamesAnOuterFilterThatKillsTheWorkerAtItsStart) {
-  for (const std::size_t size : {100U, 5'000'000U}) {
-    const ChildResult result = runChildProcess({HOSTILE_PARENT, {"ptrace-kills", REAL_WORKER}},
-                                               std::string(size, ' '), {.outputBytes = 1, .wallClock = 60s});
-    EXPECT_EQ(WorkerFailure::of(result, "")->kind, Kind::killedBeforeReading) << size;
-  }
-}
-
-TEST(DocumentWorkerHost, SaysThatThereIsNoWorker) {
-  const testing::TemporaryFolder folder;
-  const WorkerReply missing = DocumentWorkerHost(folder.path("none")).send(requestOf("x"));
-  EXPECT_EQ(failureIn(missing).kind, Kind::notFound);
-  EXPECT_EQ(failureIn(missing).message(), "The worker was not found. (" + folder.path("none") + ")");
-
-  const std::string text = folder.write("text", "no program");
-  EXPECT_EQ(failureIn(DocumentWorkerHost(text).send(requestOf("x"))).message(),
-            "The worker could not be run: Permission denied. (" + text + ")");
-}
-
 TEST(DocumentWorkerHost, SendsTheLargestRequestAndStartsNothingForALargerOne) {
-  const testing::TemporaryFolder folder;
-  const DocumentWorkerHost host(testing::placeFakeWorker(folder, "exit 65"));
-  const std::size_t overhead = toJson(requestOf("")).size();
-  constexpr std::size_t padding = 1000;  // room to meet the bound to the byte
-  const std::size_t documentBytes = (DocumentWorkerWire::maximumMessageBytes - overhead - padding) / 4 * 3;
-
-  DocumentWorkerRequest request = requestOf(std::string(documentBytes, 'x'));
-  const std::size_t spare = DocumentWorkerWire::maximumMessageBytes - toJson(request).size();
-  request.sourceName.append(spare, 'x');
-  EXPECT_EQ(failureIn(host.send(request)).kind, Kind::gaveNoResponse);
-
+  constexpr std::size_t bound = DocumentWorkerWire::maximumMessageBytes;
+  constexpr std::size_t padding = 1000;  // to reach the bound to the byte
+  DocumentWorkerRequest request = requestOf(std::string((bound - padding) / 4 * 3, 'x'));
+  request.sourceName.append(bound - toJson(request).size(), 'x');
+  EXPECT_NE(messageOf(replyOf("exit 65", request)).find("status 65"), std::string::npos);
   request.sourceName += 'x';
-  EXPECT_EQ(failureIn(host.send(request)).kind, Kind::requestTooLarge);
-  EXPECT_EQ(failureIn(host.send(requestOf(std::string(DocumentWorkerHost::unsendableBytes, 'x')))).message(),
-            "The document is too large: a request to the worker carries less than 30 MiB.");
+  const std::string tooLarge = "The document is too large: a request to the worker carries less than 30 MiB.";
+  EXPECT_EQ(messageOf(replyOf("exit 65", request)), tooLarge);
+  request.data = ByteBuffer::copyOf(std::string(DocumentWorkerHost::unsendableBytes, 'x'));
+  EXPECT_EQ(messageOf(replyOf("exit 65", request)), tooLarge);
 }
 
-TEST(DocumentWorkerHost, AcceptsOnlyWhatTheOperationPromises) {
-  const std::string validation =
-      R"("validation":{"structurallyValid":true,"sourceValuesVerified":true,"visuallyVerified":false,)"
-      R"("validatorVersion":"1","warnings":[],"outputSHA256":""})";
-  const std::string error = R"("error":"no")";
-  const struct {
-    Operation operation;
-    std::string members;
-    bool isAccepted;
-  } rows[] = {
-      {Operation::validate, validation, true},
-      {Operation::validate, error, true},
-      {Operation::validate, validation + "," + error, false},
-      {Operation::inspect, validation, false},
-      {Operation::create, error, true},
-  };
-  for (const auto& row : rows) {
-    const WorkerReply reply = replyOf("say {" + row.members + "}", requestOf("x", row.operation));
-    EXPECT_EQ(std::holds_alternative<DocumentWorkerResponse>(reply), row.isAccepted) << row.members;
-  }
+std::string listOf(std::size_t count, const std::string& element) {
+  return "[" + testing::repeated(element + ",", count - 1) + element + "]";
 }
 
-TEST(DocumentWorkerHost, RefusesListsThatNoOperationGives) {
-  const auto listOf = [](std::size_t count, const std::string& element) {
-    return "[" + testing::repeated(element + ",", count - 1) + element + "]";
-  };
+TEST(DocumentWorkerHost, AcceptsOnlyWhatTheOperationCanReturn) {
   const std::string w = R"("w")";
   const std::string sheet =
       R"({"name":"S","hidden":false,"populatedCellCount":0,"formulaCellCount":0,"formulasMissingCache":0,)"
@@ -182,16 +123,22 @@ TEST(DocumentWorkerHost, RefusesListsThatNoOperationGives) {
            R"("validatorVersion":"","outputSHA256":"","warnings":)" +
            listOf(warnings, w) + "}";
   };
-  const auto created = [&](std::size_t warnings) {
-    return table(1, 1, 1, 1) + R"(,"document":{"data":"","format":"docx","sourceSHA256":"",)" +
-           validation(warnings) + "}";
+  const auto document = [&](std::size_t warnings) {
+    return R"(,"document":{"data":"","format":"docx","sourceSHA256":"",)" + validation(warnings) + "}";
   };
   using enum DocumentWorkerRequest::Operation;
+  const std::string error = R"("error":"no")";
+  const std::string noAnswer = "It does not answer the request.";
   const struct {
-    Operation operation;
+    DocumentWorkerRequest::Operation operation;
     std::string members;
-    std::string place;  ///< of the first element too many
+    std::string detail;  ///< of the failure: a message, or the first element too many
   } rows[] = {
+      {validate, error, ""},
+      {create, error, ""},
+      {validate, validation(1) + "," + error, noAnswer},
+      {inspect, validation(1), noAnswer},
+      {create, table(1, 1, 1, 1), noAnswer},
       {inspect, inspection(64, 17), ""},
       {inspect, inspection(65, 1), "inspection.sheets[64]"},
       {inspect, inspection(1, 18), "inspection.warnings[17]"},
@@ -202,33 +149,31 @@ TEST(DocumentWorkerHost, RefusesListsThatNoOperationGives) {
       {extract, table(1, 1, 1, 18), "table.warnings[17]"},
       {validate, validation(17), ""},
       {validate, validation(18), "validation.warnings[17]"},
-      {create, created(17), ""},
-      {create, created(18), "document.validation.warnings[17]"},
+      {create, table(1, 1, 1, 1) + document(17), ""},
+      {create, table(1, 1, 1, 1) + document(18), "document.validation.warnings[17]"},
   };
   for (const auto& row : rows) {
     const WorkerReply reply = replyOf("say {" + row.members + "}", requestOf("x", row.operation));
-    EXPECT_EQ(std::holds_alternative<DocumentWorkerResponse>(reply), row.place.empty());
-    if (!row.place.empty()) {
-      EXPECT_EQ(failureIn(reply).detail, row.place + ": No operation gives so long a list.");
-    }
+    const auto* failure = std::get_if<WorkerFailure>(&reply);
+    const bool isList = row.detail.ends_with("]");
+    EXPECT_EQ(failure != nullptr ? failure->detail : "",
+              row.detail + (isList ? ": No operation returns so long a list." : ""));
   }
 }
 
-TEST(DocumentWorkerHost, MayBeUsedBySeveralThreadsAtOnce) {
+TEST(DocumentWorkerHost, CanBeUsedBySeveralThreads) {
   const DocumentWorkerHost host(REAL_WORKER);
-  const testing::TemporaryFolder folder;
-  const DocumentWorkerHost broken(testing::placeFakeWorker(folder, "exit 65"));
   const std::string workbook = testing::contentOf(EXAMPLE_WORKBOOK);
   std::atomic<int> right = 0;
   const auto work = [&](int thread) {
     for (int i = 0; i < 4; ++i) {
-      DocumentWorkerRequest request = requestOf(workbook);
+      DocumentWorkerRequest request = requestOf(i == 3 ? "no workbook, but longer than 22 bytes" : workbook);
       request.sourceName = std::to_string(thread) + "-" + std::to_string(i);
       const WorkerReply reply = host.send(request);
       const auto* response = std::get_if<DocumentWorkerResponse>(&reply);
-      right += response != nullptr && response->inspection &&
-               response->inspection->sourceName == request.sourceName;
-      right += failureIn(broken.send(request)).kind == Kind::gaveNoResponse;
+      right += response != nullptr &&
+               (i == 3 ? response->error == "The document archive is invalid: missing ZIP directory"
+                       : response->inspection && response->inspection->sourceName == request.sourceName);
     }
   };
   std::vector<std::thread> threads;
@@ -236,23 +181,7 @@ TEST(DocumentWorkerHost, MayBeUsedBySeveralThreadsAtOnce) {
     threads.emplace_back(work, thread);
   for (std::thread& thread : threads)
     thread.join();
-  EXPECT_EQ(right, 6 * 4 * 2);
-}
-
-TEST(DocumentWorkerHost, SpeaksToTheRealWorker) {
-  const DocumentWorkerHost host(REAL_WORKER);
-  const WorkerReply refused = host.send(requestOf("no workbook, but longer than 22 bytes"));
-  const auto* response = std::get_if<DocumentWorkerResponse>(&refused);
-  ASSERT_NE(response, nullptr) << failureIn(refused).message();
-  EXPECT_EQ(response->error, "The document archive is invalid: missing ZIP directory");
-
-  const WorkerReply inspected = host.send(requestOf(testing::contentOf(EXAMPLE_WORKBOOK)));
-  response = std::get_if<DocumentWorkerResponse>(&inspected);
-  ASSERT_NE(response, nullptr) << failureIn(inspected).message();
-  ASSERT_TRUE(response->inspection) << response->error.value_or("");
-  ASSERT_EQ(response->inspection->sheets.size(), 5U);
-  EXPECT_EQ(response->inspection->sheets[1],
-            (WorksheetInspection{"Orders", false, "A1:H25", 200, 48, 0, true, true}));
+  EXPECT_EQ(right, 6 * 4);
 }
 
 }  // namespace

@@ -1,3 +1,5 @@
+// Owns the confinement as a process meets it: what it still allows, what kills, and hostile parents.
+
 #include <algorithm>
 #include <array>
 #include <cerrno>
@@ -23,7 +25,7 @@ namespace {
 
 constexpr ChildBounds bounds = {.outputBytes = 4096, .wallClock = std::chrono::seconds(60)};
 
-/// Does something in a child of this process, which nothing can undo, and returns what the child says of it.
+/// The answer to the question in a child, since a filter cannot be unloaded.
 bool holdsInChild(const std::function<bool()>& question) {
   const pid_t child = fork();
   if (child == 0) _exit(question() ? 0 : 1);
@@ -33,14 +35,14 @@ bool holdsInChild(const std::function<bool()>& question) {
   return status == 0;
 }
 
-TEST(Confinement, leavesWhatAWorkerNeeds) {
+TEST(Confinement, LeavesWhatAWorkerNeeds) {
   const ChildResult result = runChildProcess({CONFINED_PROGRAM, {"work"}}, "zero ", bounds);
   EXPECT_EQ(result.outcome, ChildOutcome::exited);
   EXPECT_EQ(result.code, 0) << result.errorOutput;
   EXPECT_EQ(result.output, "zero one two");
 }
 
-TEST(Confinement, refusesEverySystemCallThatIsNotOnTheList) {
+TEST(Confinement, RefusesEverySystemCallThatIsNotOnTheList) {
 #if defined(ZELVO_SANITIZE)
   GTEST_SKIP() << "the sanitizers need more";
 #endif
@@ -49,7 +51,7 @@ TEST(Confinement, refusesEverySystemCallThatIsNotOnTheList) {
   EXPECT_EQ(result.output, std::to_string(first) + ' ' + std::to_string(second) + ' ');
 }
 
-TEST(Confinement, forbiddenActsDieInTheirSystemCall) {
+TEST(Confinement, KillsAtTheForbiddenSystemCall) {
   for (const auto& act : testing::forbiddenActs) {
     SCOPED_TRACE(act.name);
     const auto end = testing::runTraced(CONFINED_PROGRAM, std::string(act.name).c_str());
@@ -58,7 +60,7 @@ TEST(Confinement, forbiddenActsDieInTheirSystemCall) {
   }
 }
 
-TEST(Confinement, noticesAParentThatKeepsItFromConfiningItself) {
+TEST(Confinement, DetectsAParentThatPreventsIt) {
   for (const std::string call : {"seccomp", "prlimit", "prctl"}) {
     for (const std::string answer : {"-fails", "-pretends"}) {
       SCOPED_TRACE(call + answer);
@@ -71,7 +73,7 @@ TEST(Confinement, noticesAParentThatKeepsItFromConfiningItself) {
   }
 }
 
-TEST(Confinement, noticesASealThatIsOnlyPretended) {
+TEST(Confinement, DetectsAPretendedSeal) {
   EXPECT_TRUE(holdsInChild([] {
     const Confinement confinement = enterConfinement();
     return confinement.failure.empty() && testing::loadForeignFilter({{SYS_seccomp, 0}}) &&
@@ -79,7 +81,7 @@ TEST(Confinement, noticesASealThatIsOnlyPretended) {
   }));
 }
 
-TEST(SandboxProbes, rejectErrorNumbersOfOtherFilters) {
+TEST(SandboxProbes, RejectErrorNumbersOfOtherFilters) {
   constexpr std::string_view keys[] = {entitlement::appSandbox,        entitlement::networkClient,
                                        entitlement::networkServer,     entitlement::inherit,
                                        entitlement::userSelectedFiles, entitlement::appleEvents};
@@ -95,7 +97,7 @@ TEST(SandboxProbes, rejectErrorNumbersOfOtherFilters) {
   }
 }
 
-TEST(SandboxProbes, seeOurFilterAboveOneThatPretends) {
+TEST(SandboxProbes, SeeOurFilterAboveOneThatPretends) {
   EXPECT_TRUE(holdsInChild([] {
     if (!testing::loadForeignFilter({{SYS_openat, 0}, {SYS_connect, 0}, {SYS_kill, EPERM}})) return false;
     const Confinement confinement = enterConfinement();
@@ -105,7 +107,7 @@ TEST(SandboxProbes, seeOurFilterAboveOneThatPretends) {
   }));
 }
 
-TEST(SandboxProbes, detectAnInheritedFilterThatImitatesOurs) {
+TEST(SandboxProbes, DetectAnInheritedFilterThatImitatesOurs) {
   EXPECT_TRUE(holdsInChild([] {
     if (!testing::loadForeignFilter({{SYS_connect, refusedByUs}})) return false;
     const Confinement confinement = enterConfinement();
@@ -114,7 +116,7 @@ TEST(SandboxProbes, detectAnInheritedFilterThatImitatesOurs) {
   }));
 }
 
-/// What the kernel says of a process: "Name:\tvalue" lines.
+/// The kernel's status of a process: "Name:\tvalue" lines.
 std::map<std::string, std::string> statusOf(pid_t process) {
   std::ifstream file("/proc/" + std::to_string(process) + "/status");
   std::map<std::string, std::string> fields;
@@ -123,7 +125,7 @@ std::map<std::string, std::string> statusOf(pid_t process) {
   return fields;
 }
 
-TEST(Confinement, canBeSeenFromOutside) {
+TEST(Confinement, ShowsInTheKernelsStatus) {
   std::array<int, 2> input = {};
   std::array<int, 2> leaked = {};
   ASSERT_EQ(pipe(input.data()) | pipe(leaked.data()), 0);
@@ -157,7 +159,7 @@ TEST(Confinement, canBeSeenFromOutside) {
 }
 
 #if defined(ZELVO_SANITIZE)
-TEST(Confinement, letsASanitizerReport) {
+TEST(Confinement, LetsASanitizerReport) {
   const ChildResult result = runChildProcess({CONFINED_PROGRAM, {"overflow"}}, "", bounds);
   EXPECT_NE(result.errorOutput.find("SUMMARY: AddressSanitizer: heap-buffer-overflow"), std::string::npos)
       << result.errorOutput;

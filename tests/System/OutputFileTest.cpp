@@ -1,4 +1,4 @@
-// Writing an output file: what is replaced, what is kept, and what is left after a failure.
+// Owns writing an output file: what is replaced and kept, and the state after a failure.
 
 #include <cerrno>
 #include <filesystem>
@@ -36,7 +36,7 @@ std::ptrdiff_t filesIn(const TemporaryFolder& folder) {
   return std::distance(fs::directory_iterator(folder.path("")), {});
 }
 
-TEST(OutputFile, replacesFilesAndFollowsLinks) {
+TEST(OutputFile, ReplacesFilesAndFollowsLinks) {
   const struct {
     const char* name;
     const char* written;  // in a folder with these: file, link -> file, chain -> link, dangling -> new,
@@ -83,7 +83,7 @@ TEST(OutputFile, replacesFilesAndFollowsLinks) {
   }
 }
 
-TEST(OutputFile, givesPermissions) {
+TEST(OutputFile, SetsPermissions) {
   const TemporaryFolder folder;
   const mode_t before = umask(027);
   EXPECT_EQ(writeOutputFile(folder.path("new"), "x"), 0);
@@ -98,7 +98,7 @@ TEST(OutputFile, givesPermissions) {
 }
 
 // The members of a group that the new file cannot have must not be exchanged for those of another.
-TEST(OutputFile, keepsTheGroupOrTakesItsPermissions) {
+TEST(OutputFile, KeepsTheGroupOrRemovesItsPermissions) {
   if (geteuid() != 0) GTEST_SKIP() << "only root can make files of others";
   constexpr uid_t nobody = 65534;
   constexpr gid_t group = 1;
@@ -120,7 +120,7 @@ TEST(OutputFile, keepsTheGroupOrTakesItsPermissions) {
   EXPECT_EQ(permissionsOf(path), 0604U);
 }
 
-TEST(OutputFile, writesWhatIsNoRegularFileInPlace) {
+TEST(OutputFile, WritesOtherThanRegularFilesInPlace) {
   const TemporaryFolder folder;
   EXPECT_EQ(writeOutputFile("/dev/null", "content"), 0);
   fs::create_symlink("/dev/full", folder.path("full"));
@@ -136,7 +136,7 @@ TEST(OutputFile, writesWhatIsNoRegularFileInPlace) {
   EXPECT_EQ(filesIn(folder), 2);
 }
 
-TEST(OutputFile, survivesSystemCallsThatFail) {
+TEST(OutputFile, SurvivesSystemCallsThatFail) {
   const struct {
     const char* call;
     int error;

@@ -1,4 +1,4 @@
-// A process that a signal ends leaves no child and no temporary file behind.
+// Owns the cleanup by a signal handler: no child and no temporary file remains.
 
 #include <csignal>
 #include <filesystem>
@@ -21,8 +21,8 @@
 namespace zelvo {
 namespace {
 
-/// How a process ends that installs the cleanup and then does this. What it leaves becomes a child of the
-/// test.
+/// The wait status of a process that installs the cleanup and then runs `act`. Its orphans become children of
+/// the test.
 int endOf(const std::function<void()>& act) {
   prctl(PR_SET_CHILD_SUBREAPER, 1);
   const pid_t id = fork();
@@ -36,7 +36,7 @@ int endOf(const std::function<void()>& act) {
   return status;
 }
 
-TEST(SignalCleanup, leavesNoChildBehind) {
+TEST(SignalCleanup, LeavesNoChild) {
   for (const int signal : {SIGHUP, SIGINT, SIGTERM}) {
     const std::string script = "kill -" + std::to_string(signal) + " $PPID; exec sleep 60";
     const std::function<void()> acts[] = {
@@ -52,7 +52,7 @@ TEST(SignalCleanup, leavesNoChildBehind) {
   }
 }
 
-TEST(SignalCleanup, leavesNoFileBehind) {
+TEST(SignalCleanup, LeavesNoFile) {
   for (const int signal : {SIGHUP, SIGINT, SIGTERM, SIGPIPE}) {
     const testing::TemporaryFolder folder;
     const int end = endOf([&] {
@@ -69,7 +69,7 @@ TEST(SignalCleanup, leavesNoFileBehind) {
   }
 }
 
-TEST(SignalCleanup, leavesIgnoredSignalsIgnored) {
+TEST(SignalCleanup, LeavesIgnoredSignalsIgnored) {
   EXPECT_EQ(endOf([] { static_cast<void>(raise(SIGTERM)); }), SIGTERM);
   const auto handler = std::signal(SIGHUP, SIG_IGN);
   EXPECT_EQ(endOf([] { static_cast<void>(raise(SIGHUP)); }), 0);

@@ -1,4 +1,4 @@
-// Owns the two system-call filters as programs: what they answer to every call, without loading them.
+// Owns the two system-call filters as programs: their verdict on every call, without loading them.
 
 #include <algorithm>
 #include <array>
