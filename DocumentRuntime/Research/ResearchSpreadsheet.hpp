@@ -56,8 +56,8 @@ struct ResearchSpreadsheet {
     bool operator==(const Cell&) const = default;
 
    private:
-    // No std::variant: when memory runs out while a text is copied into one, GCC 12's destroys a value that is
-    // not there.
+    // No std::variant: when memory runs out while a text is copied into one, GCC 12's destroys a value that
+    // is not there.
     enum class Kind : std::uint8_t { blank, number, text };
 
     Kind kind_ = Kind::blank;
