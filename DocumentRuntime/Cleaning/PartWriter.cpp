@@ -1,5 +1,6 @@
 #include "DocumentRuntime/Cleaning/PartWriter.hpp"
 
+#include <array>
 #include <charconv>
 #include <utility>
 
@@ -11,9 +12,9 @@ namespace {
 
 constexpr std::string_view declaration = R"(<?xml version="1.0" encoding="UTF-8" standalone="yes"?>)";
 
-/// What stands for a character in text, nothing for one that stands for itself. A raw carriage return would
-/// be read as a line feed.
-std::string_view textEntity(char character) {
+/// What stands for a character that cannot stand for itself, in text or between double quotes. A raw carriage
+/// return would be read as a line feed, and between quotes a tab or line feed as a space.
+std::string_view entity(char character) {
   switch (character) {
     case '&':
       return "&amp;";
@@ -23,24 +24,24 @@ std::string_view textEntity(char character) {
       return "&gt;";
     case '\r':
       return "&#13;";
-    default:
-      return {};
-  }
-}
-
-/// The same between double quotes, where a raw tab or line feed would be read as a space.
-std::string_view valueEntity(char character) {
-  switch (character) {
     case '"':
       return "&quot;";
     case '\t':
       return "&#9;";
-    case '\n':
-      return "&#10;";
     default:
-      return textEntity(character);
+      return "&#10;";
   }
 }
+
+constexpr std::array<bool, 256> marked(std::string_view characters) {
+  std::array<bool, 256> marks{};
+  for (const char character : characters)
+    marks[static_cast<unsigned char>(character)] = true;
+  return marks;
+}
+
+constexpr auto escapedInText = marked("&<>\r");
+constexpr auto escapedInValue = marked("&<>\r\"\t\n");
 
 }  // namespace
 
@@ -80,14 +81,14 @@ void PartWriter::attribute(Attribute attribute, std::string_view value) {
   append(" ");
   append(name(attribute));
   append("=\"");
-  appendEscaped(value, valueEntity);
+  appendEscaped(value, escapedInValue);
   append("\"");
 }
 
 void PartWriter::text(std::string_view text) {
   if (text.empty()) return;
   closeStartTag();
-  appendEscaped(text, textEntity);
+  appendEscaped(text, escapedInText);
 }
 
 void PartWriter::end(Tag tag) {
@@ -123,14 +124,12 @@ void PartWriter::append(std::string_view fixed) {
   xml_ += fixed;
 }
 
-template <typename Entity>
-void PartWriter::appendEscaped(std::string_view text, const Entity& entity) {
+void PartWriter::appendEscaped(std::string_view text, const std::array<bool, 256>& isEscaped) {
   std::size_t run = 0;  // what lies between here and `i` is copied as it is
   for (std::size_t i = 0; i < text.size(); ++i) {
-    const std::string_view replacement = entity(text[i]);
-    if (replacement.empty()) continue;
+    if (!isEscaped[static_cast<unsigned char>(text[i])]) continue;
     append(text.substr(run, i - run));
-    append(replacement);
+    append(entity(text[i]));
     run = i + 1;
   }
   append(text.substr(run));

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <concepts>
 #include <cstddef>
 #include <cstdint>
@@ -42,8 +43,7 @@ class PartWriter {
   void number(Attribute attribute, std::int64_t value);
   void closeStartTag();
   void append(std::string_view fixed);
-  template <typename Entity>
-  void appendEscaped(std::string_view text, const Entity& entity);
+  void appendEscaped(std::string_view text, const std::array<bool, 256>& isEscaped);
 
   std::string xml_;
   std::size_t elements_ = 0;

@@ -17,6 +17,21 @@ bool isOneOf(std::string_view value, std::initializer_list<std::string_view> cho
 
 }  // namespace
 
+std::optional<CellAddress> plainCellOf(std::string_view value) {
+  constexpr std::size_t maximumLength = 10;  // XFD1048576, so that nothing wraps
+  if (value.size() > maximumLength) return std::nullopt;
+  CellAddress address{.column = 0, .row = 0};
+  std::size_t i = 0;
+  for (; i < value.size() && value[i] >= 'A' && value[i] <= 'Z'; ++i)
+    address.column = address.column * 26 + (value[i] - 'A' + 1);
+  if (i == 0 || i == value.size() || value[i] == '0' || address.column > CellAddress::maximumColumn)
+    return std::nullopt;
+  for (; i < value.size() && value[i] >= '0' && value[i] <= '9'; ++i)
+    address.row = address.row * 10 + (value[i] - '0');
+  if (i < value.size() || address.row > CellAddress::maximumRow) return std::nullopt;
+  return address;
+}
+
 std::optional<CellRange> areaOf(std::string_view value) {
   // A few letters outside ASCII have one of A to Z in upper case; programs differ on whether they name a
   // column.
@@ -45,7 +60,7 @@ bool matches(Grammar grammar, std::string_view value) {
       return number >= 1 && number <= CellAddress::maximumRow;
     }
     case Grammar::cell:
-      return value.find(':') == std::string_view::npos && areaOf(value).has_value();
+      return plainCellOf(value) || (value.find(':') == std::string_view::npos && areaOf(value));
     case Grammar::area:
       return areaOf(value).has_value();
     case Grammar::cellType:

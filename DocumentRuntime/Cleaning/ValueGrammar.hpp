@@ -26,6 +26,10 @@ enum class Grammar : std::uint8_t {
   preserve,
 };
 
+/// The cell that a value names in the form in which cells are written, "B7"; none for any other value, be it
+/// the same cell in another form.
+std::optional<CellAddress> plainCellOf(std::string_view value);
+
 /// The area that a value names, a single cell included; none if it matches neither `cell` nor `area`.
 std::optional<CellRange> areaOf(std::string_view value);
 

@@ -178,8 +178,11 @@ void WorksheetCleaner::startRow(const KeptAttributes& row) {
 CellAddress WorksheetCleaner::position(const KeptAttributes& cell) {
   const auto reference = cell[Attribute::position];
   if (!reference) tools_.findings.add(CleaningKind::impliedPositions);
-  const CellAddress address =
-      reference ? CellAddress::parse(*reference) : CellAddress{.column = column_ + 1, .row = row_};
+  CellAddress address{.column = column_ + 1, .row = row_};
+  if (reference) {
+    const auto plain = plainCellOf(*reference);
+    address = plain ? *plain : CellAddress::parse(*reference);
+  }
   if (address.row != row_ || address.column > CellAddress::maximumColumn) {
     throw DocumentError::invalidArchive("cell " + address.name() + " in row " + std::to_string(row_) +
                                         " of " + place_);

@@ -4,6 +4,7 @@
 #include <array>
 #include <map>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "DocumentRuntime/CleaningReadBack/BookReadBack.hpp"
@@ -66,10 +67,9 @@ std::vector<std::array<Position, 2>> merges(const Element& worksheet) {
 
 /// A cell's element, and those of its children that hold something.
 struct Cell {
-  Cell(const Element& row, XMLNode cell) : node(cell) {
-    const Element scope(row, cell);
-    for (const XMLNode child : cell.children()) {
-      const Element part(scope, child);
+  explicit Cell(const Element& cell) : node(cell.element()) {
+    for (const XMLNode child : node.children()) {
+      const Element part(cell, child);
       if (isMain(part, "f")) formula = child;
       if (isMain(part, "v")) value = child;
       if (!isMain(part, "is")) continue;
@@ -141,14 +141,15 @@ class SheetComparison {
     const bool isHidden = isTrue(row.element().attribute("hidden"));
     std::vector<Cell> expected;
     std::vector<Position> positions;
-    for (const XMLNode cell : named(row, "c")) {
-      const auto address = cell.attribute("r");
+    for (const XMLNode child : row.element().children()) {
+      const Element scope(row, child);
+      if (!isMain(scope, "c")) continue;
+      const auto address = child.attribute("r");
       at_ = address ? positionOf(*address) : Position{at_.column + 1, at_.row};
-      expected.emplace_back(row, cell);
+      Cell cell(scope);
+      if (!cell.hasContent()) continue;
+      expected.push_back(std::move(cell));
       positions.push_back(at_);
-      if (expected.back().hasContent()) continue;
-      expected.pop_back();
-      positions.pop_back();
     }
     if (expected.empty() && !isHidden) return true;
     if (nextRow_ == resultRows_.size()) return false;
@@ -159,7 +160,7 @@ class SheetComparison {
       return false;
     for (std::size_t i = 0; i < expected.size(); ++i) {
       at_ = positions[i];
-      if (!cell(expected[i], Cell(written, writtenCells[i]))) return false;
+      if (!cell(expected[i], Cell(Element(written, writtenCells[i])))) return false;
     }
     return true;
   }
