@@ -166,42 +166,28 @@ TEST(ResearchValidation, FinishesARowAndAChartBeforeTheNext) {
   EXPECT_EQ(outcome(charts), chartCategories);
 }
 
-void addColumns(I input, std::size_t count) {
-  for (std::size_t i = input.dataset.columns.size(); i < count; ++i) {
-    input.dataset.columns.push_back({"x" + std::to_string(i), Column::Kind::text, {}});
-    for (Row& row : input.dataset.rows)
-      row.cells.push_back(blankCell());
-  }
+void setColumns(I i, std::size_t count) {
+  i.dataset = numericTable(std::vector<std::optional<std::string>>(count, "USD"));
+  i.dataset.rows = {numberRow(std::vector<std::optional<double>>(count, 1)),
+                    numberRow(std::vector<std::optional<double>>(count, 2))};
+  i.dataset.charts = {{"T", Chart::Kind::line, 0, {1}}};
 }
 
-void setRows(I input, std::size_t count) {
-  Row row = input.row();
-  row.cells.assign(5, blankCell());
-  input.dataset.rows.resize(count, row);
+void setRows(I i, std::size_t count) {
+  i.dataset.rows.resize(count, numberRow({{}, {}, {}, {}, {}}));
 }
 
-/// Five numeric columns of one unit, of which so many are shown, and labels behind them.
-void setSeries(I input, std::size_t count) {
-  addColumns(input, 6);
-  for (std::size_t c = 0; c < 5; ++c) {
-    input.column(c).kind = Column::Kind::number;
-    input.column(c).unit = "USD";
-  }
-  for (std::size_t r = 0; r < 3; ++r) {
-    auto& cells = input.dataset.rows[r].cells;
-    cells[0] = cells[1] = numberCell(static_cast<double>(r));
-    cells[5] = textCell(std::to_string(r));
-  }
-  input.chart().categoryColumn = 5;
-  input.chart().valueColumns.resize(count);
-  std::iota(input.chart().valueColumns.begin(), input.chart().valueColumns.end(), 0);
+void setSeries(I i, std::size_t count) {
+  setColumns(i, 6);
+  i.chart().valueColumns.resize(count);
+  std::iota(i.chart().valueColumns.begin(), i.chart().valueColumns.end(), 1);
 }
 
 TEST(ResearchValidation, LimitsHoldAtTheirBound) {
   using N = std::size_t;
   const std::vector<Limit<Input>> limits = {
       {"report", 60'000, shape, [](I i, N n) { i.dataset.report = characters(n); }},
-      {"columns", 12, shape, addColumns},
+      {"columns", 12, shape, setColumns},
       {"rows", 500, shape, setRows},
       {"charts", 4, shape, [](I i, N n) { i.dataset.charts.resize(n, i.chart()); }},
       {"label", 120, shape, [](I i, N n) { i.setLabel(0, characters(n - 4), "m"); }},

@@ -8,7 +8,7 @@
 #include "DocumentRuntime/Research/Dataset/Spreadsheet.hpp"
 #include "Support/Texts.hpp"
 
-/// Datasets and formulas in few words.
+/// Short builders of datasets and formulas.
 namespace zelvo::testing {
 
 using Cell = ResearchSpreadsheet::Cell;
@@ -57,7 +57,7 @@ inline Formula apply(Operation operation, std::vector<Formula> arguments) {
   return formula;
 }
 
-/// A row of these numbers, blank where there is none.
+/// A row of these numbers, blank for nullopt.
 inline Row numberRow(const std::vector<std::optional<double>>& values) {
   Row row;
   for (const auto& value : values)

@@ -121,11 +121,8 @@ TEST(FormulaBudget, HostileDatasetsWithinTheBudgets) {
   Formula wide = apply(sum, std::vector<Formula>(17, constant(1)));
   for (int i = 0; i < 30; ++i)
     wide = apply(sum, {wide});
-  const Formula widest = apply(count, std::vector<Formula>(32, constant(-1.2345678901234567e-300)));
-  ResearchSpreadsheet nodes = tableOf(280, apply(count, std::vector<Formula>(4, nested(widest, 10))));
-  EXPECT_EQ(ResearchFormulaEvaluator::resolve(nodes).at(0).value, 4);
-  addCalculations(nodes, 1, wide);  // its text doubles at every level
-  EXPECT_EQ(outcome(nodes), "resourceLimit: formula text or numeric result");
+  EXPECT_EQ(outcome(tableOf(1, wide)),
+            "resourceLimit: formula text or numeric result");  // doubles at every level
 
   // Every formula reads the outputs of the one after it: a chain in which each link is a range.
   ResearchSpreadsheet ranges = tallTable();

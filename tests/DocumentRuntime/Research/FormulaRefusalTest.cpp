@@ -124,9 +124,7 @@ TEST(FormulaRefusal, UnitsThatPass) {
       {apply(count, {rangeOf(0, 0, 0, 3)}), 2},
       {apply(sum, {apply(count, {cellAt(0, 2)}), cellAt(0, 0)}), 1},
       {apply(add, {cellAt(0, 3), constant(1)}), 3},
-      {apply(sum, {constant(1)}), 2},
-      {constant(1), 0},
-  };
+      {apply(sum, {constant(1)}), 2}};
   for (const auto& [formula, column] : rows)
     EXPECT_EQ(outcome(formula, column), "") << column;
 }
@@ -161,8 +159,8 @@ TEST(FormulaRefusal, Circles) {
   EXPECT_EQ(outcome({{1, 3, constant(1)}, {1, 0, cellAt(1, 1)}, {1, 1, back}}), circular);
 }
 
-// A dependency is resolved when it is met: its fault comes before those that stand behind it, and its output
-// is checked too.
+// A dependency is resolved when it is met: its fault is reported before later ones, and its output is checked
+// too.
 TEST(FormulaRefusal, DependenciesFailWhereTheyAreMet) {
   EXPECT_EQ(outcome({{1, 0, apply(add, {cellAt(1, 1), Formula{}})}, {1, 1, cellAt(0, 2)}}), outputUnit);
   EXPECT_EQ(outcome({{1, 0, apply(add, {Formula{}, cellAt(1, 1)})}, {1, 1, cellAt(0, 2)}}), badConstant);

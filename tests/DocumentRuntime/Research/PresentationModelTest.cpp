@@ -230,7 +230,7 @@ TEST(ResearchPresentation, RefusesCollectionsInItsOrder) {
       decodes);
 }
 
-/// Decks that the host put together by hand meet the same rules.
+/// Decks that the host builds itself are subject to the same rules.
 TEST(ResearchPresentation, ValidatesWhatWasNeverAttached) {
   auto deck = fromJson<Deck>(Collection().deck);
   const auto validates = [&deck] { deck.validate({}, {}); };

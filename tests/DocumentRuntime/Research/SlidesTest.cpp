@@ -62,7 +62,7 @@ TEST(ResearchPresentationRenderer, IsExactlyTheExpectedBytes) {
 }
 
 /// A text that every slide repeats, far beyond what a host's file may hold. The last slide, which cannot be
-/// drawn, tells whether drawing stopped before it.
+/// drawn, shows whether drawing stopped before it.
 TEST(ResearchPresentationRenderer, StopsWhereTheArchiveIsFull) {
   const auto outcome = [](std::size_t labelBytes) {
     ResearchPresentation crowded = deck();
