@@ -22,7 +22,9 @@ DocumentCleanerHost::DocumentCleanerHost(std::string cleanerPath, std::chrono::m
     : cleanerPath_(std::move(cleanerPath)), timeout_(timeout) {}
 
 CleanerReply DocumentCleanerHost::send(const DocumentCleanerRequest& request) const {
-  auto output = exchange(cleanerPath_, encodedRequest(request), timeout_);
+  const auto text = encodedRequest(request);
+  if (!text) return WorkerFailure{Kind::requestTooLarge};
+  auto output = exchange(cleanerPath_, *text, timeout_);
   if (auto* const failure = std::get_if<WorkerFailure>(&output)) return std::move(*failure);
   try {
     auto response = fromJson<DocumentCleanerResponse>(std::move(*std::get_if<std::string>(&output)));

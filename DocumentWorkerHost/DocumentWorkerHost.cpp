@@ -78,9 +78,9 @@ DocumentWorkerHost::DocumentWorkerHost(std::string workerPath, std::chrono::mill
     : workerPath_(std::move(workerPath)), timeout_(timeout) {}
 
 WorkerReply DocumentWorkerHost::send(const DocumentWorkerRequest& request) const {
-  const std::optional<std::string> input = encodedRequest(request);
-  if (!input) return WorkerFailure{Kind::requestTooLarge};
-  return sendEncoded(*input, request.operation);
+  const std::optional<std::string> text = encodedRequest(request);
+  if (!text) return WorkerFailure{Kind::requestTooLarge};
+  return sendEncoded(*text, request.operation);
 }
 
 WorkerReply DocumentWorkerHost::sendEncoded(std::string_view request, Operation operation) const {

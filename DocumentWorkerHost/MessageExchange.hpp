@@ -3,6 +3,7 @@
 #include <chrono>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <variant>
 
 #include "DocumentRuntime/Coding/Base64.hpp"
@@ -13,21 +14,18 @@
 /// What the hosts of the worker and of the cleaner share.
 namespace zelvo {
 
-/// The text of a request that carries a document; none when it is larger than a message may be.
+/// The text of a request that carries a document. Returns nullopt if the document alone is too large.
 template <typename Request>
 std::optional<std::string> encodedRequest(const Request& request) {
   const std::size_t documentBytes = request.data.size();
   if (documentBytes >= DocumentWorkerHost::unsendableBytes) return std::nullopt;
-  constexpr std::size_t roomForTheRest = 4096;
-  std::string text = toJson(request, Base64::encodedSize(documentBytes) + roomForTheRest);
-  if (text.size() > DocumentWorkerWire::maximumMessageBytes) return std::nullopt;
-  return text;
+  constexpr std::size_t bytesOfOtherFields = 4096;
+  return toJson(request, Base64::encodedSize(documentBytes) + bytesOfOtherFields);
 }
 
-/// Starts a worker or cleaner, sends it the text of a request, if there is one, and gives the text of the
-/// response. Throws only `std::bad_alloc`.
-std::variant<std::string, WorkerFailure> exchange(const std::string& path,
-                                                  const std::optional<std::string>& request,
+/// Starts a worker or cleaner, sends it the text of a request and returns the text of the response. A request
+/// that is larger than a message may be is not sent. Throws only `std::bad_alloc`.
+std::variant<std::string, WorkerFailure> exchange(const std::string& path, std::string_view request,
                                                   std::chrono::milliseconds timeout);
 
 }  // namespace zelvo

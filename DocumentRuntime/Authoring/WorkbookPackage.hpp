@@ -21,7 +21,7 @@ struct WorkbookSheet {
 struct WorkbookPart {
   std::string folder;            ///< within xl/
   std::string name;              ///< within the folder
-  std::string_view contentType;  ///< a word of the program
+  std::string_view contentType;  ///< a string literal, needs no escaping
   std::string xml;               ///< without the XML declaration
   std::vector<OOXML::Relationship> relationships;
 };
@@ -40,7 +40,7 @@ PartMap workbookPackage(const WorkbookPlan& plan);
 inline constexpr std::string_view spreadsheetNamespace =
     "http://schemas.openxmlformats.org/spreadsheetml/2006/main";
 
-/// A cell with an inline string. `attributes` stand behind the address, with a leading space; `text` must be
+/// A cell with an inline string. `attributes` follow the address, with a leading space; `text` must be
 /// escaped.
 void appendTextCell(std::string& xml, const CellAddress& address, std::string_view attributes,
                     std::string_view text);

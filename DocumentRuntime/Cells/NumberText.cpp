@@ -17,7 +17,7 @@ bool take(std::string_view& rest, char character) {
   return ASCII::takePrefix(rest, {&character, 1});
 }
 
-/// Takes an optional sign and says whether it is a minus.
+/// Takes an optional sign. Returns true for a minus.
 bool takeMinus(std::string_view& rest) {
   if (take(rest, '-')) return true;
   take(rest, '+');

@@ -13,7 +13,7 @@ namespace {
 /// with 0.
 struct Decimal {
   bool negative = false;
-  std::string_view digits;  ///< from the first to the last significant digit; a point may stand among them
+  std::string_view digits;  ///< from the first to the last significant digit; may include the point
   std::int64_t count = 0;   ///< of the digits, the point left out; zero for the number zero
   std::int64_t point = 0;
 };
@@ -72,7 +72,7 @@ std::optional<double> number(std::string_view text) {
   double value = 0;
   const auto result = std::from_chars(text.data(), text.data() + text.size(), value);
   if (result.ec == std::errc()) return value;
-  // Out of range is said of underflow too, which is a finite number: zero.
+  // from_chars also reports underflow as out of range; the value is zero.
   const Decimal decimal = takeApart(text);
   if (decimal.point > 0) return std::nullopt;
   return decimal.negative ? -0.0 : 0.0;

@@ -126,7 +126,7 @@ class JsonDocument::Builder {
 
 JsonDocument::JsonDocument(std::string text) : text_(std::move(text)) {
   if (text_.size() > maximumTextBytes) throw DecodingError("The JSON is too long.");
-  // Every token but the root's stands for two bytes at least, itself and what separates it from the next.
+  // Every token except the root's takes at least two bytes, with its separator.
   // Memory that no token reaches is never resident.
   tokens_.reserve(text_.size() / 2 + 1);
 

@@ -3,13 +3,13 @@
 namespace zelvo::BoundedZIP {
 namespace {
 
-/// Characters that mean something else to some system: other separators, drives and streams, escapes, control
+/// Characters with a special meaning on some systems: other separators, drives and streams, escapes, control
 /// characters. In UTF-8 a byte below 0x80 is always the scalar itself.
 bool isRefused(char byte) {
   return byte == '\\' || byte == ':' || byte == '%' || static_cast<unsigned char>(byte) < 0x20;
 }
 
-/// A piece that names a place relative to another one.
+/// A relative piece of a path.
 bool isStep(std::string_view piece) {
   return piece == "." || piece == "..";
 }

@@ -12,7 +12,7 @@
 
 /// ZIP archives as OOXML packages use them, and nothing else: no ZIP64, no encryption, no other method than
 /// stored and raw deflate, no links, no ambiguous or overlapping entries. Sizes are checked before memory is
-/// spent.
+/// allocated.
 namespace zelvo::BoundedZIP {
 
 inline constexpr std::size_t minimumArchiveBytes = 22;  ///< one end-of-central-directory record
@@ -25,11 +25,11 @@ inline constexpr std::uint64_t expansionAllowanceBytes = 1'048'576;  ///< … an
 inline constexpr std::size_t maximumNameBytes = 256;
 
 /// Reads a whole archive. Directories are dropped. Throws `DocumentError` (the first rule that fails) or
-/// `Cancelled` (looked at once per entry). The result owns its bytes.
+/// `Cancelled` (checked once per entry). The result owns its bytes.
 PartMap read(ByteView archive, const std::stop_token& stop = {});
 
-/// How large an archive of stored entries becomes. Authors who repeat a text add up the parts while they make
-/// them: so they stop where `write` would, before the parts fill memory.
+/// How large an archive of stored entries becomes. Authors that repeat a text add up the parts while they
+/// write them, to stop where `write` would refuse, before the parts fill memory.
 class OutputSize {
  public:
   /// Throws `DocumentError` resourceLimit "output part".
@@ -50,7 +50,7 @@ class OutputSize {
 
 /// Writes stored entries in name order, all dated 1 January 1980: the same parts always give the same bytes.
 /// The names must be valid UTF-8. Throws `DocumentError` resourceLimit "part count", "output part" or "output
-/// archive", or `Cancelled` (looked at once per entry).
+/// archive", or `Cancelled` (checked once per entry).
 ByteBuffer write(const PartMap& parts, const std::stop_token& stop = {});
 
 /// One part as `writePacked` puts it into an archive.
@@ -69,7 +69,7 @@ PackedPart packed(std::string name, ByteView bytes);
 /// As `write`, of parts that are packed already.
 ByteBuffer writePacked(const std::vector<PackedPart>& parts, const std::stop_token& stop = {});
 
-/// Whether a name may stand in an archive: 1 to 256 bytes, relative, no "\", ":", "%" or control character,
+/// Whether a name is allowed in an archive: 1 to 256 bytes, relative, no "\", ":", "%" or control character,
 /// no empty piece but a last one, no "." or ".." piece. `name` must be valid UTF-8.
 bool safeName(std::string_view name);
 

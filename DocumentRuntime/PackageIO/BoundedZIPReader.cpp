@@ -23,7 +23,7 @@ using Size = std::uint64_t;
 /// The length of an archive's comment is a 16-bit field, so the end record starts no further from the end.
 constexpr Size maximumCommentBytes = 0xFFFF;
 
-/// A size or offset that stands for "see the ZIP64 record".
+/// A size or offset that is in the ZIP64 record instead.
 constexpr std::uint32_t zip64Marker = 0xFFFFFFFF;
 
 constexpr std::uint32_t encryptionFlags = 0x41;  ///< bit 0: encrypted, bit 6: strongly
@@ -42,7 +42,7 @@ std::uint32_t u32(ByteView bytes, Size at) {
   return u16(bytes, at) | u16(bytes, at + 2) << 16;
 }
 
-/// Where the central directory stands, and how many entries it claims.
+/// The position of the central directory, and its declared number of entries.
 struct Directory {
   Size offset;
   Size end;  ///< the position of the end record
@@ -61,7 +61,7 @@ Size findEndRecord(ByteView archive) {
   const Size last = archive.size() - endRecordBytes;
   const Size first = last - std::min(last, maximumCommentBytes);
   for (Size at = last + 1; at-- > first;) {
-    // Only a record whose comment ends with the archive counts: a comment may hold the signature.
+    // Only a record whose comment ends with the archive counts, because a comment may hold the signature.
     if (u32(archive, at) == endSignature && at + endRecordBytes + u16(archive, at + 20) == archive.size())
       return at;
   }
@@ -156,8 +156,7 @@ class Reader {
 
   ByteView archive_;
   Directory directory_;
-  std::set<std::string>
-      seenNames_;  ///< in lower case: file systems and readers differ on whether case counts
+  std::set<std::string> seenNames_;  ///< in lower case: some file systems and readers ignore case
   std::vector<Span> spans_;
 };
 
@@ -168,8 +167,8 @@ void Reader::checkName(const Entry& entry) {
   }
 }
 
-/// The entry's compressed bytes, once its local header has told the same story as the directory. Programs
-/// that believe the one or the other must not see two different files.
+/// The entry's compressed bytes, after checking that the local header matches the central directory. Programs
+/// that use only one of them must not see different files.
 ByteView Reader::localData(const Entry& entry) {
   const ByteView header = archive_.subspan(entry.localOffset, localHeaderBytes);
   if (u32(header, 0) != localSignature || u16(header, 6) != entry.flags || u16(header, 8) != entry.method) {
@@ -184,9 +183,9 @@ ByteView Reader::localData(const Entry& entry) {
     throw DocumentError::invalidArchive("local entry bounds");
   }
 
-  // Entries that share data make an archive expand far beyond its size while every single ratio looks
-  // harmless. With at most 512 entries, comparing every pair is quicker than keeping the spans in order. No
-  // span is empty.
+  // Entries that share data make an archive expand far beyond its size although every single ratio is within
+  // the limit. With at most 512 entries, comparing every pair is faster than sorting the spans. No span is
+  // empty.
   const Span span{.begin = entry.localOffset, .end = dataStart + entry.compressedSize};
   if (std::any_of(spans_.begin(), spans_.end(), [&](const Span& earlier) {
         return span.begin < earlier.end && earlier.begin < span.end;

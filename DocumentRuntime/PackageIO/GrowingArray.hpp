@@ -10,7 +10,7 @@
 namespace zelvo {
 
 /// A vector for plain data that grows by `realloc`: large blocks are moved by remapping pages, so growing
-/// never holds two copies, and reserved room that is never written is never resident. Move-only.
+/// never holds two copies, and reserved memory that is never written is never resident. Move-only.
 template <typename T>
 class GrowingArray {
   static_assert(std::is_trivially_copyable_v<T> && std::is_trivially_destructible_v<T>);

@@ -11,7 +11,7 @@ namespace zelvo {
 
 /// The character data at and below one element, each character once and in the order of contents. The content
 /// of every element is a stretch of it, so elements that nest share their text: joining each element's
-/// content on its own would copy a text once for each of the 64 levels that may stand around it.
+/// content on its own would copy a text once for each of up to 64 levels around it.
 class XMLContents {
  public:
   /// Copies the texts of the tree. The tree must outlive this.

@@ -7,8 +7,8 @@
 
 namespace zelvo {
 
-/// How a parsed part lies in memory: five flat arrays that refer to each other by index. Elements stand in
-/// document order, so the children of element i are i + 1, then whatever follows each child's subtree, up to
+/// The memory layout of a parsed part: five flat arrays that refer to each other by index. Elements are in
+/// document order, so the children of element i are i + 1, then the element after each child's subtree, up to
 /// the end of i's own.
 ///
 /// Every byte of the part feeds at most one byte of `characters` (references only ever shrink), which bounds

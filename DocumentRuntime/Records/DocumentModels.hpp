@@ -39,7 +39,7 @@ struct WorkbookInspection {
   bool operator==(const WorkbookInspection&) const = default;
 };
 
-/// What to extract.
+/// A selected range of one worksheet.
 struct TableSelection {
   std::string sheetName;
   std::string range;  ///< A1 notation

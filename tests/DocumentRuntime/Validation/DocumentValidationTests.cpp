@@ -1,3 +1,4 @@
+// Owns the read-back of Word documents, and the result record of validation.
 #include <string>
 #include <vector>
 
@@ -103,7 +104,7 @@ TEST(WordValidation, RefusesInTheOrderOfItsChecks) {
                                           [](const auto& edited) { edited.validate(); });
 }
 
-TEST(WordValidation, SaysWhatWasProved) {
+TEST(WordValidation, ReturnsTheVerifiedProperties) {
   const std::string layoutWarning = "Layout has not been rendered or checked in Word/PowerPoint.";
   EditedDocument edited = testing::wordDocument();
   edited.table->warnings = {"first", "second"};
@@ -120,30 +121,22 @@ TEST(WordValidation, SaysWhatWasProved) {
   expected.warnings = {layoutWarning};
   EXPECT_EQ(edited.validate(), expected);
 
-  // Nobody asked for a chart that a Word document could hold.
+  // A chart is not expected of a Word document.
   edited.chart = ChartSelection{.categoryColumn = 9, .valueColumn = 9, .title = ""};
   EXPECT_EQ(edited.validate(), expected);
 }
 
-TEST(WordValidation, JoinsTheRunsOfACell) {
+TEST(WordValidation, AcceptsRunsAndTheLargestAndSmallestTable) {
   EditedDocument edited = testing::wordDocument();
   replace(document(edited), ">2,2<", R"(>2</w:t></w:r><w:r><w:t>,</w:t><w:t/></w:r></w:p><w:p><w:r><w:t>2<)");
   EXPECT_TRUE(edited.validate().sourceValuesVerified);
-}
-
-TEST(WordValidation, TakesTablesUpToTheirBounds) {
-  EditedDocument edited = testing::wordDocument();
   edited.table.reset();
   for (const auto& [rows, columns] : {std::pair{201U, 8U}, {1U, 1U}}) {
     tableOf(rows, columns)(edited);
     EXPECT_TRUE(edited.validate().structurallyValid);
   }
-}
-
-TEST(WordValidation, IsCancelled) {
-  const ByteBuffer word = testing::wordDocument().package.bytes();
-  const auto stop = testing::stopped();
-  EXPECT_THROW(validateGeneratedDocument(word.view(), DocumentFormat::docx, nullptr, nullptr, stop),
+  EXPECT_THROW(validateGeneratedDocument(edited.package.bytes().view(), DocumentFormat::docx, nullptr,
+                                         nullptr, testing::stopped()),
                Cancelled);
 }
 

@@ -21,7 +21,7 @@ inline PackageBuilder unpacked(ByteView bytes) {
   return package;
 }
 
-/// A document that the authors made, taken apart to be spoiled, with what is expected of it.
+/// A generated document as editable parts, with the expected table and chart.
 struct EditedDocument {
   DocumentFormat format;
   PackageBuilder package;
@@ -30,13 +30,13 @@ struct EditedDocument {
 
   std::string& part(std::string_view name) { return package.part(name).text; }
 
-  /// Renames the main part and everything that leads to it.
+  /// Renames the main part and its relationship.
   void renameMainPart(std::string_view name, std::string_view newName) {
     package.part(name).name = newName;
     replace(part("_rels/.rels"), name, newName);
   }
 
-  /// Spoils the workbook behind the chart.
+  /// Edits the embedded workbook of the chart.
   void editWorkbook(const std::function<void(PackageBuilder&)>& edit) {
     std::string& bytes = part("ppt/embeddings/chart-data.xlsx");
     PackageBuilder workbook = unpacked(bytesOf(bytes));

@@ -1,3 +1,4 @@
+// Owns the extraction of tables: provenance, order of checks, limits, types of cells.
 #include <string>
 #include <vector>
 
@@ -115,46 +116,46 @@ TEST(TableExtraction, RefusesInTheOrderOfItsChecks) {
   testing::expectRefusals<Extraction>([] { return Extraction(); }, refusals(), extract);
 }
 
-TEST(TableExtraction, BoundsRowsAndColumns) {
-  const auto isTaken = [](const std::string& range, bool header) {
-    return outcomeOf([&] { TableExtraction::selectedRange({"", range, header, false, false}); }) == "";
-  };
+TEST(TableExtraction, LimitsRowsAndColumns) {
   for (const auto& [range, withHeader, alone] : testing::cases<3>(R"(
       A1:H200 | yes | yes ; A1:H201 | yes | yes ; A1:H202 | no | no ; A1:I2 | no | no ; A1:I1 | no | no
-      A1 | no | yes ; A1:A2 | yes | yes ; B3:B202 | yes | yes ; B3:B203 | yes | yes ; B3:B204 | no | no)")) {
-    EXPECT_EQ(isTaken(range, true), withHeader == "yes") << range;
-    EXPECT_EQ(isTaken(range, false), alone == "yes") << range;
+      A1 | no | yes ; A1:A2 | yes | yes ; B3:B203 | yes | yes ; B3:B204 | no | no)")) {
+    for (const bool header : {true, false}) {
+      const auto outcome = outcomeOf([&] {
+        TableExtraction::selectedRange({"", range, header, false, false});
+      });
+      EXPECT_EQ(outcome == "", (header ? withHeader : alone) == "yes") << range << header;
+    }
   }
-}
-
-/// A header and, below it, what more the sheet holds.
-Extraction header(const std::string& title, const std::string& more = {}) {
-  Extraction extraction = cellsOf("<c r='A1' t='inlineStr'><is><t>" + title + "</t></is></c>", "A1:A2");
-  extraction.selection.firstRowIsHeader = true;
-  extraction.change("</sheetData>", more + "</sheetData>");
-  return extraction;
 }
 
 testing::Outcome outcome(const Extraction& extraction) {
   return outcomeOf([&] { extract(extraction); });
 }
 
-TEST(TableExtraction, JudgesHeadersAndVisibleRows) {
+TEST(TableExtraction, ChecksHeadersAndVisibleRows) {
+  Extraction extraction = cellsOf("<c r='A1' t='str'><v>T</v></c>", "A1:A2");
+  extraction.selection.firstRowIsHeader = true;
   const auto titles = DocumentError::invalidSelection("headers must be nonempty and at most 120 characters");
-  EXPECT_EQ(outcome(header(testing::characters(120))), "");
-  EXPECT_EQ(outcome(header(testing::characters(120) + "x")), titles);
-  EXPECT_EQ(outcome(header(" &#9;&#10;\u3000")), titles);
-  EXPECT_EQ(outcome(header("")), titles);
-  EXPECT_EQ(outcome(header("T", "<row r='2' hidden='0'/>")), "");
-  EXPECT_EQ(outcome(header("T", "<row r='2' hidden='1'/>")), "invalidSelection: no data rows");
-
-  Extraction hidden = header("T", "<row r='2'/>");
-  hidden.change("<row r='1'>", "<row r='1' hidden='1'>");
-  EXPECT_EQ(outcome(hidden), "invalidSelection: header row is hidden");
-  hidden.change("<row r='2'/>", "<row r='2' hidden='true'/>");
-  EXPECT_EQ(outcome(hidden), "invalidSelection: no visible rows");
-  hidden.selection.includeHiddenRows = true;
-  EXPECT_EQ(extract(hidden).columns.front(), "T");
+  const auto withTitle = [&](const std::string& title) {
+    Extraction titled = extraction;
+    titled.change("<v>T</v>", "<v>" + title + "</v>");
+    return outcome(titled);
+  };
+  EXPECT_EQ(withTitle(testing::characters(120)), "");
+  for (const std::string& title :
+       {testing::characters(120) + "x", std::string(" &#9;&#10;\u3000"), std::string()})
+    EXPECT_EQ(withTitle(title), titles) << title;
+  for (const auto& [first, second, expected] : testing::cases<3>(R"(
+      hidden='0' | hidden='0' | ; hidden='0' | hidden='1' | invalidSelection: no data rows
+      hidden='1' | hidden='0' | invalidSelection: header row is hidden
+      hidden='1' | hidden='true' | invalidSelection: no visible rows)")) {
+    Extraction rows = extraction;
+    rows.change("<row r='1'>", "<row r='2' " + second + "/><row r='1' " + first + ">");
+    EXPECT_EQ(outcome(rows), expected) << first << second;
+    rows.selection.includeHiddenRows = true;
+    EXPECT_EQ(outcome(rows), "");
+  }
 }
 
 TEST(TableExtraction, TypesCells) {
@@ -191,26 +192,25 @@ TEST(TableExtraction, TypesCells) {
   }
 }
 
-TEST(TableExtraction, TakesCachedAndEmptyResultsOnlyWhenToldTo) {
+TEST(TableExtraction, AcceptsEmptyResultsOfListedCellsOnly) {
   Extraction extraction = cellsOf("<c r='A1' t='str'><f>B1</f><v></v></c>");
-  EXPECT_EQ(outcome(extraction), "formulaValueUnavailable: A1");
   extraction.acceptedEmptyFormulaCells = {{.column = 1, .row = 1}};
   EXPECT_EQ(dump(extract(extraction).rows[0][0]), "A1 text  =B1 cached");
   extraction.selection.allowCachedFormulaValues = false;
   EXPECT_EQ(outcome(extraction), "formulaValueUnavailable: A1");
 }
 
-TEST(TableExtraction, CountsCharactersAsPeopleDo) {
+TEST(TableExtraction, LimitsTextsByUserPerceivedCharacters) {
   const std::string family = "\U0001F468\u200D\U0001F469\u200D\U0001F467";  // one character of five scalars
-  const std::string longest = testing::repeated(family, CellReader::maximumTextCharacters);
-  const auto textOf = [](const std::string& text) {
-    return cellsOf("<c r='A1' t='str'><v>" + text + "</v></c>");
-  };
-  EXPECT_EQ(extract(textOf(longest)).rows[0][0].value.payload(), longest);
-  EXPECT_EQ(outcome(textOf(longest + "x")), "resourceLimit: selected cell text");
+  testing::expectLimits<Extraction>(
+      {{"cell", CellReader::maximumTextCharacters, "resourceLimit: selected cell text",
+        [&](X x, std::size_t n) {
+          x = cellsOf("<c r='A1' t='str'><v>" + testing::repeated(family, n) + "</v></c>");
+        }}},
+      extract);
 }
 
-TEST(TableExtraction, BoundsWhatSharedTextsGrowTo) {
+TEST(TableExtraction, LimitsTheTotalOfSharedTexts) {
   // One character of 2 MiB, small in the file and shared by 21 cells.
   Extraction extraction{.workbook = testing::sharedStringColumn(21)};
   extraction.workbook.sharedStrings = {"<t>e" + testing::repeated("\u0301", std::size_t{1024} * 1024) +

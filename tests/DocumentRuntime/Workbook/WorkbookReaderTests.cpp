@@ -1,3 +1,4 @@
+// Owns opening and inspecting workbooks: order of checks, limits, facts, time and memory.
 #include <string>
 #include <vector>
 
@@ -128,27 +129,20 @@ TEST(WorkbookReader, RefusesInTheOrderOfItsChecks) {
   testing::expectRefusals<Book>([] { return Book(); }, refusals(), inspect);
 }
 
-WorkbookText sheets(std::size_t count) {
-  WorkbookText workbook;
-  for (std::size_t i = 0; i < count; ++i)
-    workbook.sheets.push_back({"S" + std::to_string(i), ""});
-  return workbook;
-}
-
-WorkbookText formatCode(std::size_t size) {
-  const std::string code(size, '0');
-  return {.sheets = {{"S", ""}},
-          .styles = "<numFmts><numFmt numFmtId='164' formatCode='" + code + "'/></numFmts>"};
-}
-
-TEST(WorkbookReader, TakesEveryLimitAndRefusesOneMore) {
+TEST(WorkbookReader, AcceptsEachLimitAndRefusesOneMore) {
   using Size = std::size_t;
   const auto strings = [](std::size_t count, const std::string& text) {
     return bookOf({.sheets = {{"S", ""}}, .sharedStrings = {count, "<t>" + text + "</t>"}});
   };
-  // What counts in a name is what a person sees.
+  // Names are measured in user-perceived characters.
   const std::vector<testing::Limit<Book>> limits = {
-      {"sheets", maximumSheets, "resourceLimit: worksheet count", [](B b, Size n) { b = bookOf(sheets(n)); }},
+      {"sheets", maximumSheets, "resourceLimit: worksheet count",
+       [](B b, Size n) {
+         WorkbookText workbook;
+         while (n-- > 0)
+           workbook.sheets.push_back({"S" + std::to_string(n), ""});
+         b = bookOf(workbook);
+       }},
       {"sheet name", maximumSheetNameCharacters, "invalidArchive: worksheet identity",
        [](B b, Size n) {
          b = bookOf({.sheets = {{testing::characters(n), ""}}});
@@ -158,7 +152,11 @@ TEST(WorkbookReader, TakesEveryLimitAndRefusesOneMore) {
       {"shared string", SharedStrings::maximumCharacters, "resourceLimit: shared strings",
        [&](B b, Size n) { b = strings(1, repeated("é", n)); }},
       {"format code", CellStyles::maximumCodeCharacters, "invalidArchive: number format",
-       [](B b, Size n) { b = bookOf(formatCode(n)); }},
+       [](B b, Size n) {
+         b = bookOf({.sheets = {{"S", ""}},
+                     .styles = "<numFmts><numFmt numFmtId='164' formatCode='" + std::string(n, '0') +
+                               "'/></numFmts>"});
+       }},
       {"cells", maximumWorksheetCells, "resourceLimit: populated cell count",
        [](B b, Size n) { b = bookOf(testing::plainWorkbook(rowsWithCells(n))); }},
       {"source name", WorkbookReader::maximumSourceNameBytes, "resourceLimit: source name",
@@ -175,15 +173,14 @@ TEST(WorkbookReader, ReadsPropertiesAndVisibility) {
     EXPECT_EQ(inspection.dateSystem, expected) << date1904;
     EXPECT_EQ(inspection.calculationMode, "auto");
   }
-  std::string hidden;
-  for (const std::string state : {"visible", "hidden", "veryHidden", ""}) {
-    if (inspect(bookOf({.sheets = {{"S", "", " state='" + state + "'"}}})).sheets[0].hidden)
-      hidden += state + ' ';
+  for (const auto& [state, hidden] :
+       testing::cases<2>("visible => no ; hidden => yes ; veryHidden => yes ; => yes")) {
+    const auto inspection = inspect(bookOf({.sheets = {{"S", "", " state='" + state + "'"}}}));
+    EXPECT_EQ(inspection.sheets[0].hidden, hidden == "yes") << state;
   }
-  EXPECT_EQ(hidden, "hidden veryHidden  ");
 }
 
-TEST(WorkbookReader, CountsWhatASheetHolds) {
+TEST(WorkbookReader, CountsTheContentsOfASheet) {
   const std::pair<std::string, WorksheetInspection> rows[] = {
       {"", {}},
       {"<sheetData><row r='1'/></sheetData>", {}},
@@ -215,7 +212,7 @@ TEST(WorkbookReader, SheetsMayShareAPartAndStrayPartsAreNotRead) {
   EXPECT_EQ(inspection.sheets[0].populatedRange, inspection.sheets[1].populatedRange);
 }
 
-TEST(WorkbookReader, ParsesAgainWhatItCouldNotKeep) {
+TEST(WorkbookReader, ParsesPartsAgainThatAreNotCached) {
   WorkbookText workbook = testing::richWorkbook();
   workbook.sheets[1].attributes.clear();
   const auto tables = [&](std::size_t keptTreeBytes) {
@@ -251,7 +248,7 @@ TEST(WorkbookReader, ResolvesATargetOnceForAllSheetsThatShareIt) {
   EXPECT_LT(secondsFor(200), 10 * secondsFor(1));
 }
 
-TEST(WorkbookReader, HoldsNoMoreOfManySheetsThanItsPartDoes) {
+TEST(WorkbookReader, UsesMemoryInProportionToTheSheetList) {
   Book book = bookOf({.sheets = {{"S", ""}}});
   std::string all;
   for (std::size_t i = 0; i < 100'000; ++i)
