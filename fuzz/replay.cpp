@@ -15,6 +15,7 @@
 
 // The build renames each target's entry point to these.
 #define ZELVO_TARGETS(APPLY) \
+  APPLY(fuzz_clean)          \
   APPLY(fuzz_create)         \
   APPLY(fuzz_dataset)        \
   APPLY(fuzz_extract)        \

@@ -99,169 +99,171 @@ void addTables(Seeds& seeds) {
   };
   add(10, "K\u00f6ln &amp; Graz");
   add(39, "a\nb\nc\nd\ne\nf");
-  /// What the reader refuses and the cleaner takes.
-  void addUncleanWorkbooks(Seeds & seeds) {
-    using namespace zelvo::testing;
-    addWorkbooks(seeds);
-    PackageBuilder package = workbookPackage(plainWorkbook(
-        "<row><c><f t='shared' si='0' ref='A1:A3'>SUM(A$1:$B2)+S!A1+'a "
-        "b'!B:C+[1]x!A1+T[[a]]&amp;\"A1\"</f><v>1</v></c></row>"
-        "<row ht='9'><c r='B2' t='str'><f t='shared' si='0'/><v> x</v></c><c "
-        "t='inlineStr'><is><r><t>r</t></r></is></c></row>"
-        "<row r='9' hidden='1'/><row><c t='b' vm='1'><f t='array' ref='A10:A11'>1</f><v>1</v></c></row>"));
-    package.part("xl/media/image1.png").text = "picture";
-    replace(
-        package.part("xl/worksheets/sheet1.xml").text, "</worksheet>",
-        "<mergeCells><mergeCell ref='A1:B2'/></mergeCells><hyperlinks><hyperlink/></hyperlinks></worksheet>");
-    replace(package.part("xl/workbook.xml").text, "</sheets>",
-            "<sheet name='C' r:id='rId1' state='x'/></sheets>");
+}
+
+/// Workbooks that the reader refuses and the cleaner accepts.
+void addUncleanWorkbooks(Seeds& seeds) {
+  using namespace zelvo::testing;
+  addWorkbooks(seeds);
+  PackageBuilder package = workbookPackage(plainWorkbook(
+      "<row><c><f t='shared' si='0' ref='A1:A3'>SUM(A$1:$B2)+S!A1+'a "
+      "b'!B:C+[1]x!A1+T[[a]]&amp;\"A1\"</f><v>1</v></c></row>"
+      "<row ht='9'><c r='B2' t='str'><f t='shared' si='0'/><v> x</v></c><c "
+      "t='inlineStr'><is><r><t>r</t></r></is></c></row>"
+      "<row r='9' hidden='1'/><row><c t='b' vm='1'><f t='array' ref='A10:A11'>1</f><v>1</v></c></row>"));
+  package.part("xl/media/image1.png").text = "picture";
+  replace(
+      package.part("xl/worksheets/sheet1.xml").text, "</worksheet>",
+      "<mergeCells><mergeCell ref='A1:B2'/></mergeCells><hyperlinks><hyperlink/></hyperlinks></worksheet>");
+  replace(package.part("xl/workbook.xml").text, "</sheets>",
+          "<sheet name='C' r:id='rId1' state='x'/></sheets>");
+  seeds.add(package);
+}
+
+void addDocuments(Seeds& seeds) {
+  using namespace zelvo::testing;
+  seeds.add(unpacked(zelvo::DocumentAuthor::docx(deckTable(), "Title").view()));
+  seeds.add(deck().package);
+  seeds.add(chartDeck().package);
+
+  // Texts, tables and references inside others of their kind.
+  const auto nestFirst = [&](PackageBuilder package, const char* part, const char* around, const char* inner,
+                             const char* name) {
+    std::string& xml = package.part(part).text;
+    const std::string outer = element(xml, around);
+    const std::string first = element(outer, inner);
+    replace(xml, outer, replaced(outer, first, nested(name, 20, first)));
     seeds.add(package);
+  };
+  nestFirst(wordDocument().package, "word/document.xml", "w:tbl", "w:r", "w:t");
+  nestFirst(wordDocument().package, "word/document.xml", "w:body", "w:tbl", "w:tbl");
+  nestFirst(deck().package, "ppt/slides/slide1.xml", "a:tbl", "a:t", "a:t");
+  nestFirst(deck().package, "ppt/slides/slide1.xml", "p:graphicFrame", "a:tbl", "a:tbl");
+  nestFirst(chartDeck().package, "ppt/charts/chart1.xml", "c:ser", "c:f", "c:f");
+  nestFirst(chartDeck().package, "ppt/charts/chart1.xml", "c:ser", "c:v", "c:v");
+}
+
+void addXML(Seeds& seeds) {
+  for (const auto& part : zelvo::testing::workbookPackage(zelvo::testing::richWorkbook()).parts)
+    seeds.add(part.text);
+  seeds.add("<a b='&#65;&lt;'>x<![CDATA[<&]]><!-- c --><?p i?><c:d xmlns:c='u'/>\r\n</a>");
+  using zelvo::testing::repeated;
+  seeds.add(nested("a", 64, longText));
+  seeds.add("<a>" + repeated("x<b/>", 2'000) + "</a>");
+  std::string attributes;
+  for (int i = 0; i < 64; ++i)
+    attributes += " n" + std::to_string(i) + "=''";
+  seeds.add("<a>" + repeated("<b" + attributes + "/>", 50) + repeated("&amp;", 2'000) + "</a>");
+}
+
+void addRequests(Seeds& seeds) {
+  seeds.add(R"({"operation":"inspect","data":"","sourceName":"a"})");
+  seeds.add(
+      R"({"operation":"create","data":"QQ==","sourceName":"a","selection":{"sheetName":"S","range":"A1:B2",)"
+      R"("firstRowIsHeader":true,"includeHiddenRows":false,"allowCachedFormulaValues":true},"format":"pptx",)"
+      R"("title":"T\u00e9\ud83d\ude00","chart":{"categoryColumn":0,"valueColumn":1.0,"title":""}})");
+  seeds.add(
+      R"({"operation":"validate","data":"QUI=","sourceName":"a","format":"docx","expectedTable":{"sourceName":"a",)"
+      R"("sourceSHA256":"b","sheetName":"S","selectedRange":"A1","columns":["c"],"rows":[[{"address":"A2","value":)"
+      R"({"number":{"_0":"1"}},"usesCachedFormulaValue":true,"formula":"x","numberFormat":"0","hidden":false},)"
+      R"({"address":"B2","value":{"missing":{}},"usesCachedFormulaValue":false,"hidden":true}]],"warnings":["w"],)"
+      R"("headerUsesCachedFormulaValues":false}})");
+  const std::string table =
+      R"({"operation":"validate","data":"","sourceName":"a","expectedTable":{"sourceName":"a","sourceSHA256":"",)"
+      R"("sheetName":"S","selectedRange":"A1","headerUsesCachedFormulaValues":false,"warnings":[],)";
+  using zelvo::testing::repeated;
+  seeds.add(table + R"("columns":[)" + repeated(R"("",)", 3'000) + R"(""],"rows":[)" +
+            repeated("[],", 3'000) + "[]]}}");
+  seeds.add(R"({"ignored":)" + repeated("[", 500) + repeated("]", 500) + R"(,"numbers":[)" +
+            repeated("0,", 5'000) + R"(0],"members":{)" + repeated(R"("":0,)", 2'000) + R"("":0}})");
+}
+
+/// The first byte says what the host asks for.
+void addDatasets(Seeds& seeds) {
+  using namespace zelvo::testing;
+  zelvo::ResearchSpreadsheet dataset = yearlyProfit();
+  seeds.add("\1" + dataset.encoded());
+  seeds.add("\3```json\n" + dataset.encoded() + "\n```");
+  dataset.calculations->front().formula = apply(
+      Operation::average, {rangeOf(0, 2, 2, 3), apply(Operation::count, {cellAt(1, 4), constant(0.5)})});
+  for (Row& row : dataset.rows) {
+    row.sourceIDs = {"a", "b"};
+    row.sources = {"http://h/"};
   }
+  seeds.add("\4" + dataset.encoded());
+  seeds.add(std::string("\0{}", 3));
+  for (Row& row : dataset.rows)
+    row.sources.assign(16, "http://h/" + repeated("a", 500));
+  dataset.calculations->front().formula =
+      apply(Operation::sum, std::vector<zelvo::Formula>(200, rangeOf(0, 2, 2, 3)));
+  seeds.add(std::string(1, '\0') + dataset.encoded());
+  seeds.add(std::string(1, '\0') + R"({"columns":[],"rows":[{"cells":[)" + repeated("0,", 5'000) + "0]}]}");
+}
 
-  void addDocuments(Seeds & seeds) {
-    using namespace zelvo::testing;
-    seeds.add(unpacked(zelvo::DocumentAuthor::docx(deckTable(), "Title").view()));
-    seeds.add(deck().package);
-    seeds.add(chartDeck().package);
+/// Many identifiers of one URL, long ones among them, and records that are like each other.
+void addScopes(Seeds& seeds) {
+  using zelvo::testing::repeated;
+  const std::string record =
+      R"({"id":"a","kind":"publicPage","label":")" + repeated(R"(\")", 500) +
+      R"(","observedAt":"2024-02-29T12:00:00+01:00","coverage":"All","provenanceURL":"http://h/"})";
+  const auto scope = [&](const std::string& local, const std::string& sources, const std::string& records) {
+    seeds.add(R"({"localSnapshotIDs":[)" + local + R"(],"publicSources":{)" + sources + R"(},"records":[)" +
+              records + "]}");
+  };
+  scope(R"("a")", R"("b":"http://h/")", record);
+  std::string sources = "\"" + repeated("\u00e9", 300) + R"(":"http://h/")";
+  for (int i = 0; i < 300; ++i)
+    sources += ",\"\u00ea" + std::to_string(i) + R"(":"http://h/")";
+  scope(R"("a","a","b")", sources, record + "," + record);
+}
 
-    // Texts, tables and references inside others of their kind.
-    const auto nestFirst = [&](PackageBuilder package, const char* part, const char* around,
-                               const char* inner, const char* name) {
-      std::string& xml = package.part(part).text;
-      const std::string outer = element(xml, around);
-      const std::string first = element(outer, inner);
-      replace(xml, outer, replaced(outer, first, nested(name, 20, first)));
-      seeds.add(package);
-    };
-    nestFirst(wordDocument().package, "word/document.xml", "w:tbl", "w:r", "w:t");
-    nestFirst(wordDocument().package, "word/document.xml", "w:body", "w:tbl", "w:tbl");
-    nestFirst(deck().package, "ppt/slides/slide1.xml", "a:tbl", "a:t", "a:t");
-    nestFirst(deck().package, "ppt/slides/slide1.xml", "p:graphicFrame", "a:tbl", "a:tbl");
-    nestFirst(chartDeck().package, "ppt/charts/chart1.xml", "c:ser", "c:f", "c:f");
-    nestFirst(chartDeck().package, "ppt/charts/chart1.xml", "c:ser", "c:v", "c:v");
-  }
+/// The first byte says what the host gives.
+void addPresentations(Seeds& seeds) {
+  const auto deck = [](const std::string& cover, const std::string& chart, const std::string& more) {
+    return R"({"title":"Deck","report":"Sum","slides":[{"title":"Cover","body":["c"],)" + cover +
+           R"(},{"title":"Chart","body":["k"],"sources":[],)" + chart +
+           R"(},{"title":"Points","body":["p","q"],"sources":["http://h/"]}])" + more + "}";
+  };
+  const std::string sources = R"("sources":["http://h/"])";
+  seeds.add("\2" + deck(sources, R"("chartIndex":0)", ""));
+  seeds.add("\6" + deck(sources, R"("chartIndex":0)", ""));
+  seeds.add("\12" + deck(sources + R"(,"sourceIDs":["a","b"])", R"("chartIndex":0)", ""));
+  seeds.add(std::string(1, '\0') +
+            deck(sources, R"("chartIndex":0)", R"(,"dataset":)" + zelvo::testing::yearlyProfit().encoded()));
+  const std::string reference = R"("chartReference":{"datasetID":"b","chartIndex":0})";
+  seeds.add("\1" + deck(sources, reference, R"(,"datasets":[])"));
+  seeds.add("\11" + deck(sources + R"(,"sourceIDs":["b"])", reference, ""));
 
-  void addXML(Seeds & seeds) {
-    for (const auto& part : zelvo::testing::workbookPackage(zelvo::testing::richWorkbook()).parts)
-      seeds.add(part.text);
-    seeds.add("<a b='&#65;&lt;'>x<![CDATA[<&]]><!-- c --><?p i?><c:d xmlns:c='u'/>\r\n</a>");
-    using zelvo::testing::repeated;
-    seeds.add(nested("a", 64, longText));
-    seeds.add("<a>" + repeated("x<b/>", 2'000) + "</a>");
-    std::string attributes;
-    for (int i = 0; i < 64; ++i)
-      attributes += " n" + std::to_string(i) + "=''";
-    seeds.add("<a>" + repeated("<b" + attributes + "/>", 50) + repeated("&amp;", 2'000) + "</a>");
-  }
+  // Behind a NUL the host's scope, behind another its dataset. Each slide cites one record, and all charts
+  // show one column.
+  using zelvo::testing::repeated;
+  const std::string scope =
+      R"({"localSnapshotIDs":["a"],"publicSources":{},"records":[{"id":"a","kind":"publicPage","label":")" +
+      repeated(R"(\")", 1'000) + R"(","coverage":"All"}]})";
+  const std::string slide = R"({"title":"T","body":["k"],"sources":[],"sourceIDs":["a"])";
+  const std::string before = R"({"title":"Deck","report":"Sum","slides":[)";
+  seeds.add(std::string(1, '\0') + before + repeated(slide + "},", 15) + slide + "}]}" + '\0' + scope);
+  zelvo::ResearchSpreadsheet dataset = zelvo::testing::yearlyProfit();
+  dataset.rows.front().cells.front() = zelvo::testing::textCell("e" + repeated("\u0301", 1'000));
+  const std::string chart = R"({"title":"T","body":["k"],"sources":[],"chartIndex":0})";
+  seeds.add("\2" + before + R"({"title":"T","body":["k"],"sources":[]},)" + repeated(chart + ",", 14) +
+            chart + "]}" + '\0' + '\0' + dataset.encoded());
+}
 
-  void addRequests(Seeds & seeds) {
-    seeds.add(R"({"operation":"inspect","data":"","sourceName":"a"})");
-    seeds.add(
-        R"({"operation":"create","data":"QQ==","sourceName":"a","selection":{"sheetName":"S","range":"A1:B2",)"
-        R"("firstRowIsHeader":true,"includeHiddenRows":false,"allowCachedFormulaValues":true},"format":"pptx",)"
-        R"("title":"T\u00e9\ud83d\ude00","chart":{"categoryColumn":0,"valueColumn":1.0,"title":""}})");
-    seeds.add(
-        R"({"operation":"validate","data":"QUI=","sourceName":"a","format":"docx","expectedTable":{"sourceName":"a",)"
-        R"("sourceSHA256":"b","sheetName":"S","selectedRange":"A1","columns":["c"],"rows":[[{"address":"A2","value":)"
-        R"({"number":{"_0":"1"}},"usesCachedFormulaValue":true,"formula":"x","numberFormat":"0","hidden":false},)"
-        R"({"address":"B2","value":{"missing":{}},"usesCachedFormulaValue":false,"hidden":true}]],"warnings":["w"],)"
-        R"("headerUsesCachedFormulaValues":false}})");
-    const std::string table =
-        R"({"operation":"validate","data":"","sourceName":"a","expectedTable":{"sourceName":"a","sourceSHA256":"",)"
-        R"("sheetName":"S","selectedRange":"A1","headerUsesCachedFormulaValues":false,"warnings":[],)";
-    using zelvo::testing::repeated;
-    seeds.add(table + R"("columns":[)" + repeated(R"("",)", 3'000) + R"(""],"rows":[)" +
-              repeated("[],", 3'000) + "[]]}}");
-    seeds.add(R"({"ignored":)" + repeated("[", 500) + repeated("]", 500) + R"(,"numbers":[)" +
-              repeated("0,", 5'000) + R"(0],"members":{)" + repeated(R"("":0,)", 2'000) + R"("":0}})");
-  }
-
-  /// The first byte says what the host asks for.
-  void addDatasets(Seeds & seeds) {
-    using namespace zelvo::testing;
-    zelvo::ResearchSpreadsheet dataset = yearlyProfit();
-    seeds.add("\1" + dataset.encoded());
-    seeds.add("\3```json\n" + dataset.encoded() + "\n```");
-    dataset.calculations->front().formula = apply(
-        Operation::average, {rangeOf(0, 2, 2, 3), apply(Operation::count, {cellAt(1, 4), constant(0.5)})});
-    for (Row& row : dataset.rows) {
-      row.sourceIDs = {"a", "b"};
-      row.sources = {"http://h/"};
-    }
-    seeds.add("\4" + dataset.encoded());
-    seeds.add(std::string("\0{}", 3));
-    for (Row& row : dataset.rows)
-      row.sources.assign(16, "http://h/" + repeated("a", 500));
-    dataset.calculations->front().formula =
-        apply(Operation::sum, std::vector<zelvo::Formula>(200, rangeOf(0, 2, 2, 3)));
-    seeds.add(std::string(1, '\0') + dataset.encoded());
-    seeds.add(std::string(1, '\0') + R"({"columns":[],"rows":[{"cells":[)" + repeated("0,", 5'000) + "0]}]}");
-  }
-
-  /// Many identifiers of one URL, long ones among them, and records that are like each other.
-  void addScopes(Seeds & seeds) {
-    using zelvo::testing::repeated;
-    const std::string record =
-        R"({"id":"a","kind":"publicPage","label":")" + repeated(R"(\")", 500) +
-        R"(","observedAt":"2024-02-29T12:00:00+01:00","coverage":"All","provenanceURL":"http://h/"})";
-    const auto scope = [&](const std::string& local, const std::string& sources, const std::string& records) {
-      seeds.add(R"({"localSnapshotIDs":[)" + local + R"(],"publicSources":{)" + sources + R"(},"records":[)" +
-                records + "]}");
-    };
-    scope(R"("a")", R"("b":"http://h/")", record);
-    std::string sources = "\"" + repeated("\u00e9", 300) + R"(":"http://h/")";
-    for (int i = 0; i < 300; ++i)
-      sources += ",\"\u00ea" + std::to_string(i) + R"(":"http://h/")";
-    scope(R"("a","a","b")", sources, record + "," + record);
-  }
-
-  /// The first byte says what the host gives.
-  void addPresentations(Seeds & seeds) {
-    const auto deck = [](const std::string& cover, const std::string& chart, const std::string& more) {
-      return R"({"title":"Deck","report":"Sum","slides":[{"title":"Cover","body":["c"],)" + cover +
-             R"(},{"title":"Chart","body":["k"],"sources":[],)" + chart +
-             R"(},{"title":"Points","body":["p","q"],"sources":["http://h/"]}])" + more + "}";
-    };
-    const std::string sources = R"("sources":["http://h/"])";
-    seeds.add("\2" + deck(sources, R"("chartIndex":0)", ""));
-    seeds.add("\6" + deck(sources, R"("chartIndex":0)", ""));
-    seeds.add("\12" + deck(sources + R"(,"sourceIDs":["a","b"])", R"("chartIndex":0)", ""));
-    seeds.add(std::string(1, '\0') + deck(sources, R"("chartIndex":0)",
-                                          R"(,"dataset":)" + zelvo::testing::yearlyProfit().encoded()));
-    const std::string reference = R"("chartReference":{"datasetID":"b","chartIndex":0})";
-    seeds.add("\1" + deck(sources, reference, R"(,"datasets":[])"));
-    seeds.add("\11" + deck(sources + R"(,"sourceIDs":["b"])", reference, ""));
-
-    // Behind a NUL the host's scope, behind another its dataset. Each slide cites one record, and all charts
-    // show one column.
-    using zelvo::testing::repeated;
-    const std::string scope =
-        R"({"localSnapshotIDs":["a"],"publicSources":{},"records":[{"id":"a","kind":"publicPage","label":")" +
-        repeated(R"(\")", 1'000) + R"(","coverage":"All"}]})";
-    const std::string slide = R"({"title":"T","body":["k"],"sources":[],"sourceIDs":["a"])";
-    const std::string before = R"({"title":"Deck","report":"Sum","slides":[)";
-    seeds.add(std::string(1, '\0') + before + repeated(slide + "},", 15) + slide + "}]}" + '\0' + scope);
-    zelvo::ResearchSpreadsheet dataset = zelvo::testing::yearlyProfit();
-    dataset.rows.front().cells.front() = zelvo::testing::textCell("e" + repeated("\u0301", 1'000));
-    const std::string chart = R"({"title":"T","body":["k"],"sources":[],"chartIndex":0})";
-    seeds.add("\2" + before + R"({"title":"T","body":["k"],"sources":[]},)" + repeated(chart + ",", 14) +
-              chart + "]}" + '\0' + '\0' + dataset.encoded());
-  }
-
-  void addReports(Seeds & seeds) {
-    seeds.add("# Title\n\n|City|Sold|\n|:---|---:|\n| Bonn | 1,5 |\n|Graz|-0.25|\n\nText\n|a|b|\n");
-    seeds.add(
-        "```csv\r\nName;Value\r\n\"a;b\";\"c\"\"d\"\r\n01;99999999999999.123456\r\n```\r\n|a|b|\r\n|c|d|");
-    seeds.add("```\na\tb\n\tc\td\n```\n```\na;b\nc;d;e\n```\n|\u00e9\u0301\x01|\uffff|\u2028|<&>|'\"|");
-    // Wider than the reader's blocks, and higher.
-    std::string wide = "```\n";
-    for (int row = 0; row < 210; ++row)
-      wide += "1;2;3;4;5;6;7;8;9\n";
-    seeds.add(wide + "```\n");
-    using zelvo::testing::repeated;
-    seeds.add(repeated("```\na;b\nc;d\n```\n", 300) +
-              repeated("|a|b|\n|-|-|\n|" + repeated("\u0301", 100) + "|d|\n", 50));
-  }
+void addReports(Seeds& seeds) {
+  seeds.add("# Title\n\n|City|Sold|\n|:---|---:|\n| Bonn | 1,5 |\n|Graz|-0.25|\n\nText\n|a|b|\n");
+  seeds.add(
+      "```csv\r\nName;Value\r\n\"a;b\";\"c\"\"d\"\r\n01;99999999999999.123456\r\n```\r\n|a|b|\r\n|c|d|");
+  seeds.add("```\na\tb\n\tc\td\n```\n```\na;b\nc;d;e\n```\n|\u00e9\u0301\x01|\uffff|\u2028|<&>|'\"|");
+  // Wider than the reader's blocks, and higher.
+  std::string wide = "```\n";
+  for (int row = 0; row < 210; ++row)
+    wide += "1;2;3;4;5;6;7;8;9\n";
+  seeds.add(wide + "```\n");
+  using zelvo::testing::repeated;
+  seeds.add(repeated("```\na;b\nc;d\n```\n", 300) +
+            repeated("|a|b|\n|-|-|\n|" + repeated("\u0301", 100) + "|d|\n", 50));
+}
 
 }  // namespace
 

@@ -1,6 +1,6 @@
 """read_cleaned_workbooks.py CLEANER: cleans workbooks and compares what openpyxl and LibreOffice read of them before and after.
 
-read_cleaned_workbooks.py CLEANER WORKER FOLDER: prints, for every workbook of a folder, whether the worker accepts it
+read_cleaned_workbooks.py WORKER FOLDER CLEANER: prints, for every workbook of a folder, whether the worker accepts it
 before and after cleaning, and whether openpyxl reads the same cells."""
 
 import base64
@@ -23,7 +23,8 @@ from openpyxl.utils import get_column_letter
 import office
 
 warnings.simplefilter("ignore")  # openpyxl says what it does not read itself
-CLEANER, *FOLDER = sys.argv[1:]
+CLEANER = office.ZELVO
+FOLDER = sys.argv[1:]
 EXAMPLE = pathlib.Path(__file__).parents[2] / "examples" / "quarterly-sales.xlsx"
 LINKS = b"http://schemas.openxmlformats.org/officeDocument/2006/relationships"
 STRINGS = b"application/vnd.openxmlformats-officedocument.spreadsheetml.sharedStrings+xml"
@@ -262,10 +263,9 @@ class CleanedWorkbooks(office.Case):
                                                 "sheets": [{"sheet": 0, "count": 200}]})
         results = []
         for name, data in (("source", source), ("cleaned", cleaned)):
-            path = self.folder / f"{name}.xlsx"
-            path.write_bytes(data)
-            office.convert([path], "csv", self.folder)
-            with open(path.with_suffix(".csv"), newline="", encoding="utf-8") as file:
+            (self.folder / f"{name}.xlsx").write_bytes(data)
+            self.convert(f"{name}.xlsx", "csv")
+            with open(self.folder / "office" / f"{name}.csv", newline="", encoding="utf-8") as file:
                 results.append([[cell for cell in row if cell] for row in csv.reader(file) if any(row)])
         values = [cell for row in results[0] for cell in row]
         self.assertEqual(results[0], results[1])
