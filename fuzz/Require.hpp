@@ -3,11 +3,11 @@
 #include <cstdio>
 #include <cstdlib>
 
-/// A property that no input may break; libFuzzer takes the abort for a finding.
-#define ZELVO_REQUIRE(condition)                                 \
-  do {                                                           \
-    if (!(condition)) {                                          \
-      std::fprintf(stderr, "broken property: %s\n", #condition); \
-      std::abort();                                              \
-    }                                                            \
+/// Checks a property that no input may break; libFuzzer reports the abort as a finding.
+#define ZELVO_REQUIRE(condition)                                                  \
+  do {                                                                            \
+    if (!(condition)) {                                                           \
+      static_cast<void>(std::fputs("broken property: " #condition "\n", stderr)); \
+      std::abort();                                                               \
+    }                                                                             \
   } while (false)

@@ -92,8 +92,9 @@ void addTables(Seeds& seeds) {
     std::string xml = "<row r='1'><c r='A1' t='str'><v>City</v></c><c r='B1' t='str'><v>Sold</v></c></row>";
     for (int row = 2; row <= rows + 1; ++row) {
       const std::string number = std::to_string(row);
-      xml += "<row r='" + number + "'><c r='A" + number + "' t='str'><v>" + text + "</v></c><c r='B" +
-             number + "'><v>" + number + "</v></c></row>";
+      xml.append("<row r='").append(number).append("'><c r='A").append(number);
+      xml.append("' t='str'><v>").append(text).append("</v></c><c r='B").append(number);
+      xml.append("'><v>").append(number).append("</v></c></row>");
     }
     seeds.add(zelvo::testing::workbookPackage(zelvo::testing::plainWorkbook(xml)));
   };

@@ -134,9 +134,9 @@ std::optional<std::string> difference(OOXML::ArchiveTrees& source, OOXML::Archiv
                 [&](const BookSheet& sheet) { return !isExpected(sheet, expectation.sheets); });
   if (expected.sheets.size() != written.sheets.size()) return "number of sheets";
   if (expected.uses1904Dates != written.uses1904Dates) return "date system";
-  if (const auto found = compareStrings(source, expected.strings, result, written.strings)) return found;
-  if (const auto found = compareFormats(Formats(source, expected.styles), Formats(result, written.styles),
-                                        expectation.plainFormats))
+  if (auto found = compareStrings(source, expected.strings, result, written.strings)) return found;
+  if (auto found = compareFormats(Formats(source, expected.styles), Formats(result, written.styles),
+                                  expectation.plainFormats))
     return found;
 
   std::set<std::pair<const Entry*, const Entry*>> compared;  // sheets may share a part

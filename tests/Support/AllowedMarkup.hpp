@@ -47,7 +47,7 @@ inline std::string notAllowed(XMLNode node, Cleaning::Tag tag, bool isRoot = tru
       return childTag && rule(*childTag).name == child.qualifiedName();
     });
     if (known == children.end()) return "child of " + element;
-    if (const std::string found = notAllowed(child, **known, false); !found.empty()) return found;
+    if (std::string found = notAllowed(child, **known, false); !found.empty()) return found;
   }
   return {};
 }
@@ -56,8 +56,8 @@ inline std::string notAllowed(const PartMap& parts) {
   for (const auto& [name, bytes] : parts) {
     const auto root = rootOf(name);
     if (!root) return "part " + name;
-    if (const std::string found = notAllowed(OOXML::xml(bytes.view()).root(), *root); !found.empty())
-      return name + ": " + found;
+    const std::string found = notAllowed(OOXML::xml(bytes.view()).root(), *root);
+    if (!found.empty()) return std::string(name).append(": ").append(found);
   }
   return {};
 }
