@@ -24,7 +24,7 @@ constexpr const char* range = "A1:B40";
 constexpr std::size_t frameBytes = 2 << 20;
 /// The parts of a document, its archive and its reading back each hold the text of a table, and the sheet's
 /// name once for each of 21 slides.
-constexpr std::size_t copies = 3 * 21;
+constexpr std::size_t copies = 63;  // 3 × 21
 
 /// A document is held as parts, as an archive and as what is read back, each within the archive's limit.
 std::size_t resultBytes(const zelvo::SourceTable& table) {

@@ -17,7 +17,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     // Compared below.
   }
   const auto difference = zelvo::testing::disagreement(zelvo::textOf({data, size}));
-  if (difference) std::fprintf(stderr, "%s\n", difference->c_str());
+  if (difference) static_cast<void>(std::fprintf(stderr, "%s\n", difference->c_str()));
   ZELVO_REQUIRE(!difference);
   return 0;
 }

@@ -56,13 +56,14 @@ std::vector<std::filesystem::path> filesOf(const std::filesystem::path& path) {
 
 bool isQuick(Target target, const std::filesystem::path& path) {
   // Before the run, which may not come back.
-  std::fprintf(stderr, "%s\n", path.c_str());
+  static_cast<void>(std::fprintf(stderr, "%s\n", path.c_str()));
   std::ifstream file(path, std::ios::binary);
   const std::string content{std::istreambuf_iterator<char>(file), {}};
   const std::clock_t start = std::clock();
   target(reinterpret_cast<const std::uint8_t*>(content.data()), content.size());
   const double seconds = static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
-  if (seconds > maximumSeconds) std::fprintf(stderr, "took %.1f seconds of processor time\n", seconds);
+  if (seconds > maximumSeconds)
+    static_cast<void>(std::fprintf(stderr, "took %.1f seconds of processor time\n", seconds));
   return seconds <= maximumSeconds;
 }
 
@@ -71,7 +72,7 @@ bool isQuick(Target target, const std::filesystem::path& path) {
 int main(int argc, char** argv) {
   const Target target = argc > 2 ? targetOf(argv[1]) : nullptr;
   if (target == nullptr) {
-    std::fputs("usage: replay TARGET PATH...\n", stderr);
+    static_cast<void>(std::fputs("usage: replay TARGET PATH...\n", stderr));
     return 2;
   }
   bool areQuick = true;
