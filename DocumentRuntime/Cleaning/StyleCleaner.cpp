@@ -186,7 +186,6 @@ void writeStyles(XMLNode root, Findings& findings, PartWriter& writer, bool plai
   const OOXML::Namespace main = mainNamespace(scope, rule(Tag::styleSheet).name, "the styles");
   StyleFormats formats;
   std::optional<StyleIDs> styles;
-  std::optional<XMLNode> styleList;
   eachChild(
       scope, Tag::styleSheet, main, findings, [] { return "the styles"; },
       [&](const NamespaceScope& child, Tag tag) {

@@ -32,7 +32,7 @@ template <typename Act>
 Cost costOf(const Act& act) {
   malloc_trim(0);
   std::ofstream("/proc/self/clear_refs") << "5";  // the peak is now what is resident
-  const std::size_t before = statusBytes("VmRSS:");
+  [[maybe_unused]] const std::size_t before = statusBytes("VmRSS:");
   const std::clock_t start = std::clock();
   act();
   const double seconds = static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
