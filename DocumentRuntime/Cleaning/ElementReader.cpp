@@ -37,14 +37,14 @@ KeptAttributes::KeptAttributes(const NamespaceScope& element, Tag tag, Findings&
       if (!rule) break;
       if (rule->use == Use::made || !isOf(element, i, *rule)) continue;
       const std::string_view value = node.attributeValue(i);
-      if ((*this)[rule->attribute]) {
-        refused_ = rule->attribute;  // twice, by two prefixes of one namespace
-      } else if (matches(rule->grammar, value)) {
+      // By two prefixes of one namespace.
+      const bool isRepeated = (*this)[rule->attribute].has_value();
+      if (!isRepeated && matches(rule->grammar, value)) {
         attributes_[count_] = rule->attribute;
         values_[count_++] = value;
-      } else if (rule->use == Use::optional) {
+      } else if (!isRepeated && rule->use == Use::optional) {
         findings.add(CleaningKind::wrongAttributes);
-      } else if (!refused_) {
+      } else if (isRepeated || !refused_) {
         refused_ = rule->attribute;
       }
       break;
