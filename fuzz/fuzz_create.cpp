@@ -1,4 +1,4 @@
-// Documents made of tables of workbooks of every kind: whatever is given out passes its own validation, and
+// Documents made of tables of workbooks of every kind: whatever is returned passes its own validation, and
 // nothing that the workbook says is repeated without bound.
 
 #include <algorithm>

@@ -17,7 +17,7 @@ constexpr std::string_view errorTexts[] = {
     "#BLOCKED!", "#CONNECT!", "#UNKNOWN!", "#PYTHON!", "#EXTERNAL!",
 };
 
-/// A word of a formula that may be a reference or one end of it.
+/// A token of a formula that may be a reference or one end of it.
 struct Place {
   std::int64_t column = 0;
   std::int64_t row = 0;

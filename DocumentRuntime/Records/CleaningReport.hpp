@@ -127,8 +127,8 @@ inline constexpr CleaningKind firstChangedKind = CleaningKind::strictConformance
 /// The kind's name in reports.
 std::string_view kindName(CleaningKind kind);
 
-/// What was left out, for people: "2 pictures, printer settings of 3 sheets, 11,672 hyperlinks". Without what
-/// every workbook loses, such as its theme. Empty if nothing else was left out.
+/// What was left out, human-readable: "2 pictures, printer settings of 3 sheets, 11,672 hyperlinks". Without
+/// what every workbook loses, such as its theme. Empty if nothing else was left out.
 std::string droppedInWords(const CleaningReport& report);
 
 /// The same for what was changed.

@@ -9,7 +9,7 @@
 namespace zelvo::SourceReferences {
 namespace {
 
-/// Room for a digest with a prefix.
+/// Enough for a digest with a prefix.
 constexpr std::size_t maximumIdentifierBytes = 160;
 
 bool isIdentifierCharacter(char c) {
