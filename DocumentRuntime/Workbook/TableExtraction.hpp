@@ -6,9 +6,9 @@
 #include <stop_token>
 
 #include "DocumentRuntime/Cells/CellAddress.hpp"
-#include "DocumentRuntime/PackageIO/XMLTree.hpp"
 #include "DocumentRuntime/Records/DocumentModels.hpp"
 #include "DocumentRuntime/Workbook/CellReader.hpp"
+#include "DocumentRuntime/Workbook/WorksheetContents.hpp"
 
 /// Extracts one range from one worksheet.
 namespace zelvo::TableExtraction {
@@ -24,14 +24,15 @@ inline constexpr const char* selectionTooLarge = "select at most eight columns a
 /// `DocumentError` resourceLimit `selectionTooLarge`.
 CellRange selectedRange(const TableSelection& selection);
 
-/// Reads columns, rows and warnings of `range` into a table; the caller adds source, sheet and range. An
-/// address in `acceptedEmptyFormulaCells` may hold a formula with an empty stored result. Throws
-/// `DocumentError`, in this order of checks: unsupported "merged cells in the selected table";
-/// invalidSelection "the selection includes hidden columns"; the errors of `CellReader::cell` for the first
-/// cell that fails, row by row, left to right, or `ResponseTooLarge` at the cell at which the texts exceed 40
-/// MiB; invalidSelection "no visible rows", "header row is hidden", "headers must be nonempty and at most 120
-/// characters" or "no data rows". Throws `Cancelled` (checked once per row).
-SourceTable read(XMLNode worksheet, const CellRange& range, const TableSelection& selection,
+/// Reads columns, rows and warnings of `range`, which is within the area of `contents`, into a table; the
+/// caller adds source, sheet and range. An address in `acceptedEmptyFormulaCells` may hold a formula with an
+/// empty stored result. Throws `DocumentError`, in this order of checks: unsupported "merged cells in the
+/// selected table"; invalidSelection "the selection includes hidden columns"; the errors of
+/// `CellReader::cell` for the first cell that fails, row by row, left to right, or `ResponseTooLarge` at the
+/// cell at which the texts exceed 40 MiB; invalidSelection "no visible rows", "header row is hidden",
+/// "headers must be nonempty and at most 120 characters" or "no data rows". Throws `Cancelled` (checked once
+/// per row).
+SourceTable read(const WorksheetContents& contents, const CellRange& range, const TableSelection& selection,
                  const CellReader& reader, const std::set<CellAddress>& acceptedEmptyFormulaCells,
                  const std::stop_token& stop);
 

@@ -115,27 +115,26 @@ WorkbookInspection WorkbookReader::inspection() const {
   return inspection;
 }
 
+WorkbookReader::Worksheet WorkbookReader::worksheet(std::string_view name) const {
+  constexpr CellRange wholeSheet{
+      .first = {}, .last = {.column = CellAddress::maximumColumn, .row = CellAddress::maximumRow}};
+  return {*this, visibleSheet(name), wholeSheet};
+}
+
 SourceTable WorkbookReader::table(const TableSelection& selection,
                                   const std::set<CellAddress>& acceptedEmptyFormulaCells,
                                   const std::stop_token& stop) const {
-  const auto sheet = std::ranges::find(sheets_, selection.sheetName, &Sheet::name);
+  const Sheet& sheet = visibleSheet(selection.sheetName);
+  const CellRange range = TableExtraction::selectedRange(selection);
+  return Worksheet(*this, sheet, range).table(range, selection, acceptedEmptyFormulaCells, stop);
+}
+
+const Sheet& WorkbookReader::visibleSheet(std::string_view name) const {
+  const auto sheet = std::ranges::find(sheets_, name, &Sheet::name);
   if (sheet == sheets_.end() || sheet->hidden) {
     throw DocumentError::invalidSelection("unknown or hidden worksheet");
   }
-  const CellRange range = TableExtraction::selectedRange(selection);
-  const WorksheetPart& part = partOf(*sheet);
-  static_cast<void>(part.facts.get());  // throws the error of the sheet
-  std::optional<XMLTree> fallback;
-  const XMLNode worksheet = worksheetTrees_.root(part.name, *parts_.find(part.name), fallback);
-
-  SourceTable table =
-      TableExtraction::read(worksheet, range, selection, CellReader(sharedStrings_, styles_, uses1904Dates_),
-                            acceptedEmptyFormulaCells, stop);
-  table.sourceName = sourceName_;
-  table.sourceSHA256 = sourceSHA256_;
-  table.sheetName = sheet->name;
-  table.selectedRange = range.name();
-  return table;
+  return *sheet;
 }
 
 const WorkbookReader::WorksheetPart& WorkbookReader::partOf(const Sheet& sheet) const {
@@ -145,6 +144,34 @@ const WorkbookReader::WorksheetPart& WorkbookReader::partOf(const Sheet& sheet) 
   if (found == worksheets_.end() || found->name != sheet.path)
     throw DocumentError::unsupported("worksheet type");
   return *found;
+}
+
+WorkbookReader::Worksheet::Worksheet(const WorkbookReader& workbook, const Sheet& sheet,
+                                     const CellRange& area)
+    : workbook_(workbook),
+      sheet_(sheet),
+      part_(workbook.partOf(sheet)),
+      facts_(part_.facts.get()),
+      contents_(workbook.worksheetTrees_.root(part_.name, *workbook.parts_.find(part_.name), fallback_),
+                area) {}
+
+SourceTable WorkbookReader::Worksheet::table(const TableSelection& selection,
+                                             const std::set<CellAddress>& acceptedEmptyFormulaCells,
+                                             const std::stop_token& stop) const {
+  return table(TableExtraction::selectedRange(selection), selection, acceptedEmptyFormulaCells, stop);
+}
+
+SourceTable WorkbookReader::Worksheet::table(const CellRange& range, const TableSelection& selection,
+                                             const std::set<CellAddress>& acceptedEmptyFormulaCells,
+                                             const std::stop_token& stop) const {
+  const CellReader cells(workbook_.sharedStrings_, workbook_.styles_, workbook_.uses1904Dates_);
+  SourceTable table =
+      TableExtraction::read(contents_, range, selection, cells, acceptedEmptyFormulaCells, stop);
+  table.sourceName = workbook_.sourceName_;
+  table.sourceSHA256 = workbook_.sourceSHA256_;
+  table.sheetName = sheet_.name;
+  table.selectedRange = range.name();
+  return table;
 }
 
 }  // namespace zelvo

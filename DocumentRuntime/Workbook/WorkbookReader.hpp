@@ -15,6 +15,7 @@
 #include "DocumentRuntime/Workbook/Deferred.hpp"
 #include "DocumentRuntime/Workbook/SharedStrings.hpp"
 #include "DocumentRuntime/Workbook/WorkbookStructure.hpp"
+#include "DocumentRuntime/Workbook/WorksheetContents.hpp"
 #include "DocumentRuntime/Workbook/WorksheetWalk.hpp"
 
 namespace zelvo {
@@ -24,6 +25,12 @@ namespace zelvo {
 /// Every part is parsed once, while the package is vetted. The facts of each sheet, or its error, are kept
 /// until that sheet is requested.
 class WorkbookReader {
+ private:
+  struct WorksheetPart {
+    std::string name;
+    Deferred<WorksheetFacts> facts;
+  };
+
  public:
   static constexpr std::size_t maximumSourceNameBytes = 512;
 
@@ -49,6 +56,38 @@ class WorkbookReader {
   /// worksheet", unsupported "worksheet type", or what walking a worksheet throws.
   WorkbookInspection inspection() const;
 
+  /// One visible sheet, walked once for any number of tables. The reader must outlive it.
+  class Worksheet {
+   public:
+    const WorksheetFacts& facts() const { return facts_; }
+    const WorksheetContents& contents() const { return contents_; }
+
+    /// As `WorkbookReader::table`, of this sheet: `selection.sheetName` is not used. Time does not depend on
+    /// the cells outside the range.
+    SourceTable table(const TableSelection& selection,
+                      const std::set<CellAddress>& acceptedEmptyFormulaCells = {},
+                      const std::stop_token& stop = {}) const;
+
+   private:
+    friend class WorkbookReader;
+    Worksheet(const WorkbookReader& workbook, const Sheet& sheet, const CellRange& area);
+
+    SourceTable table(const CellRange& range, const TableSelection& selection,
+                      const std::set<CellAddress>& acceptedEmptyFormulaCells,
+                      const std::stop_token& stop) const;
+
+    const WorkbookReader& workbook_;
+    const Sheet& sheet_;
+    const WorksheetPart& part_;
+    const WorksheetFacts& facts_;
+    std::optional<XMLTree> fallback_;  ///< the tree of a part that is not kept
+    WorksheetContents contents_;
+  };
+
+  /// Opens a sheet for many tables. Throws invalidSelection "unknown or hidden worksheet" and the error of
+  /// the sheet.
+  Worksheet worksheet(std::string_view name) const;
+
   /// Extracts the selected range from one visible sheet. A cell whose address is in
   /// `acceptedEmptyFormulaCells` may hold a formula with an empty stored result. Throws invalidSelection
   /// "unknown or hidden worksheet", then what `TableExtraction::selectedRange`, the sheet itself (as above)
@@ -58,16 +97,13 @@ class WorkbookReader {
                     const std::stop_token& stop = {}) const;
 
  private:
-  struct WorksheetPart {
-    std::string name;
-    Deferred<WorksheetFacts> facts;
-  };
-
   struct PassedParts;
 
   void identify(ByteView data, std::string_view sourceName);
   void open(PartMap parts, const std::stop_token& stop, std::size_t keptTreeBytes);
   PassedParts vetParts(PartMap parts, const std::stop_token& stop, std::size_t keptTreeBytes);
+  /// Throws "unknown or hidden worksheet".
+  const Sheet& visibleSheet(std::string_view name) const;
   /// Throws "missing worksheet" or "worksheet type".
   const WorksheetPart& partOf(const Sheet& sheet) const;
 

@@ -20,21 +20,22 @@ using Kind = ResearchSheet::Kind;
 
 /// Calls `visit` with every cell from A1 to `last`, in blocks of the largest size that the reader accepts.
 template <typename Visit>
-void readInBlocks(const WorkbookReader& reader, std::string_view sheet, const CellAddress& last,
+void readInBlocks(const WorkbookReader& reader, std::string_view sheetName, const CellAddress& last,
                   const std::set<CellAddress>& acceptedEmptyFormulaCells, const std::stop_token& stop,
                   const Visit& visit) {
+  const WorkbookReader::Worksheet sheet = reader.worksheet(sheetName);
   for (std::int64_t row = 1; row <= last.row; row += TableExtraction::maximumRows) {
     for (std::int64_t column = 1; column <= last.column; column += TableExtraction::maximumColumns) {
       const CellRange block{
           .first = {.column = column, .row = row},
           .last = {.column = std::min(last.column, column + TableExtraction::maximumColumns - 1),
                    .row = std::min(last.row, row + TableExtraction::maximumRows - 1)}};
-      const SourceTable table = reader.table({.sheetName = std::string(sheet),
-                                              .range = block.name(),
-                                              .firstRowIsHeader = false,
-                                              .includeHiddenRows = true,
-                                              .allowCachedFormulaValues = true},
-                                             acceptedEmptyFormulaCells, stop);
+      const SourceTable table = sheet.table({.sheetName = std::string(sheetName),
+                                             .range = block.name(),
+                                             .firstRowIsHeader = false,
+                                             .includeHiddenRows = true,
+                                             .allowCachedFormulaValues = true},
+                                            acceptedEmptyFormulaCells, stop);
       for (const auto& cells : table.rows) {
         for (const SourceCell& cell : cells)
           visit(CellAddress::parse(cell.address), cell);
