@@ -56,6 +56,30 @@ TEST(BoundedZIPWrite, RefusesInOrder) {
   EXPECT_EQ(testing::outcomeOf([] { PackageBuilder().bytes(); }), "resourceLimit: part count");
 }
 
+TEST(BoundedZIPWritePacked, DeflatesWhatShrinksWithinTheRatioAndStoresTheRest) {
+  std::string varied;
+  for (int i = 0; i < 50'000; ++i)
+    varied += std::to_string(i * 7919) + ' ';
+  // A million bytes are within what any ratio may add.
+  const std::pair<std::string, bool> rows[] = {{"", false},
+                                               {"a", false},
+                                               {varied, true},
+                                               {std::string(16'000'000, 'a'), false},
+                                               {std::string(1'000'000, 'a'), true}};
+  std::vector<BoundedZIP::PackedPart> parts;
+  PartMap expected;
+  for (const auto& [text, isDeflated] : rows) {
+    const std::string name = std::to_string(parts.size());
+    parts.push_back(BoundedZIP::packed(name, bytesOf(text)));
+    EXPECT_EQ(parts.back().isDeflated, isDeflated) << name;
+    expected.set(name, ByteBuffer::copyOf(text));
+  }
+  const ByteBuffer archive = BoundedZIP::writePacked(parts);
+  EXPECT_TRUE(BoundedZIP::read(archive.view()) == expected);
+  EXPECT_TRUE(BoundedZIP::writePacked(parts) == archive);
+  EXPECT_EQ(testing::outcomeOf([] { BoundedZIP::writePacked({}); }), "resourceLimit: part count");
+}
+
 TEST(SafeName, FollowsTheRules) {
   for (const std::string& name : testing::words("a xl/a.xml xl/ ... ..a/.b/c. a␠b\x7F \u0085ü"))
     EXPECT_TRUE(BoundedZIP::safeName(name)) << name;
