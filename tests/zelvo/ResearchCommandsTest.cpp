@@ -50,8 +50,9 @@ TEST_F(ResearchCommands, CheckPrintsTheDataset) {
       R"json("calculations":[{"row":1,"column":1,"formula":"IF(ISNUMBER(B2),B2,\"\")","value":0.5}]})json"
       "\n",
       ""};
-  EXPECT_EQ(zelvo("research check - --json", "```json\n" + dataset + "\n```\n"), expected);
-  EXPECT_EQ(zelvo("research check --scope @scope.json -", dataset), expected);
+  EXPECT_EQ(zelvo("research check - --json --scope @scope.json", "```json\n" + dataset + "\n```\n"),
+            expected);
+  EXPECT_EQ(zelvo("research check -", dataset), expected);
   EXPECT_EQ(zelvo("research check --require-chart " EXAMPLE_DATASET).status, 0);
 }
 

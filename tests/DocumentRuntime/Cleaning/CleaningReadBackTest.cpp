@@ -115,7 +115,7 @@ TEST(Formula, MovesReferencesAndNothingElse) {
   for (const auto& [formula, expected] : testing::cases<2>(table)) {
     EXPECT_EQ(moved(formula, 2, 1), expected);
     EXPECT_TRUE(CleaningReadBack::isMovedCopy(formula, expected, 2, 1)) << formula;
-    // Any other text than the moved one is seen: no character is passed over.
+    // A change of any character of the moved text is seen.
     for (std::size_t i = 0; i < expected.size(); ++i) {
       std::string other = expected;
       other[i] = other[i] == '7' ? '8' : '7';

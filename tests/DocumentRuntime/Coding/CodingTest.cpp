@@ -153,7 +153,7 @@ TEST(Json, Malformed) {
       " "a "\" "\x" "\u12" "\u12G4" "a␊b" "␉" "\uD800" "\uD800x" "\uD800\n" "\uD800\u0041" "\uDC00")_"
            " \"\x80\" \"\xC3\" \"\xC0\xAF\" \"\xED\xA0\x80\" \"\xF4\x90\x80\x80\" \"\xE2\x82\" {\"\xFF\":1}"
            " \"\\n\xC3\" \"\\n\xFF\" \xEF\xBB\xBF{} \xFE\xFF"))
-    EXPECT_TRUE(isMalformed(text)) << text << " gives " << rewritten(text);
+    EXPECT_TRUE(isMalformed(text)) << text << " is read as " << rewritten(text);
   EXPECT_TRUE(isMalformed("") && isMalformed(" "));
   EXPECT_EQ(rewritten(R"({"a": 1 2})"), "The JSON is malformed at byte 8: syntax error.");
   EXPECT_EQ(rewritten("[1]x"), "The JSON is malformed at byte 3: extra data.");
@@ -183,7 +183,7 @@ std::string recoded(const std::string& json) {
 }
 
 /// Checks a record's form, given as members with spaces between them, those that may be absent after a "?":
-/// it comes back as it was, other members are required, and each has its type.
+/// it is encoded as it was, other members are required, and each has its type.
 template <typename Record>
 void expectForm(std::string_view form) {
   const std::vector<std::string> members = testing::words(form);

@@ -107,9 +107,9 @@ TEST(PackageGate, LetsOnlyTheAllowedWorkbooksPass) {
   }
 }
 
-TEST(PackageGate, HandsOnEveryTreeInOrder) {
+TEST(PackageGate, ShowsAVisitorEveryTreeInOrder) {
   PackageBuilder package = testing::workbookPackage(testing::richWorkbook());
-  package.part("ppt/embeddings/chart-data.xlsx").text = "passed over";
+  package.part("ppt/embeddings/chart-data.xlsx").text = "not read";
   std::string visited;
   std::map<std::string, XMLTree, std::less<>> kept;
   const auto visitor = [&](std::string_view name, XMLTree& tree) {
@@ -184,7 +184,7 @@ TEST(OOXMLSupport, ResolvesTargets) {
   for (const std::string& target :
        testing::words(R"(http://host/a C%3Aa a\b a#b a%3fb a%00 a␊b a% a%4 a%4g a%g4 %FF %C0%AF %ED%A0%80)"))
     EXPECT_EQ(resolved(target, "_rels/.rels"), "unsafeContent: relationship URI") << target;
-  // Where relationships may not stand.
+  // Places that no relationships part may have.
   for (const std::string part : {"workbook.xml.rels", "", "_rels", "xl/rels/workbook.xml.rels",
                                  "xl/my_rels/workbook.xml.rels", "_rels/xl/workbook.xml.rels"})
     EXPECT_EQ(resolved("..", part), "invalidArchive: relationship location") << part;
