@@ -43,6 +43,8 @@ TEST(Unicode, Characters) {
     EXPECT_EQ(Unicode::prefix(character + "b", 1), character);
   }
   expectCharacters("\n\u0301", 2);
+  expectCharacters("\r\n\r\n\r\n", 3);
+  expectCharacters("\n\r\r\n\r", 4);
 }
 
 TEST(Unicode, Lines) {

@@ -90,11 +90,10 @@ TEST(CellCleaning, KeepsColumnsFiltersAndMergedAreasInOrder) {
       R"(<cols><col min="1" max="2" hidden="1"/><col min="4" max="5" width="9.5" customWidth="1"/>)"
       R"(<col min="16384" max="16384" hidden="1"/><col min="7" max="7" hidden="1"/></cols><sheetData/>)"
       R"(<autoFilter ref="A1:B9"/><mergeCells><mergeCell ref="B1:C2"/></mergeCells>)");
-  EXPECT_EQ(testing::refusalOf(testing::WorkbookText{
-                .sheets = {{"Data", "<mergeCells><mergeCell ref='B1:A1'/></mergeCells>"}}}),
-            "invalidArchive: attribute \"ref\" in a merged area of sheet Data");
-  EXPECT_EQ(testing::refusalOf(testing::WorkbookText{.sheets = {{"Data", "<sheetData/><sheetData/>"}}}),
-            "invalidArchive: repeated element \"sheetData\" in sheet Data");
+  for (const auto& [content, refusal] : testing::cases<2>(R"(
+      <mergeCells><mergeCell ref='B1:A1'/></mergeCells> => attribute "ref" in a merged area of sheet Data
+      <sheetData/><sheetData/> => repeated element "sheetData" in sheet Data)"))
+    EXPECT_EQ(testing::outcomeOf([&, &xml = content] { sheet(xml); }), "invalidArchive: " + refusal);
 }
 
 TEST(CellCleaning, WritesSharedFormulasOut) {

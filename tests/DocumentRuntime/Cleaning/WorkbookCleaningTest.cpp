@@ -99,10 +99,8 @@ TEST(WorkbookCleaning, ReportsFormulasThatNeedWhatIsGone) {
                                                     "<c vm='1'><f>[1]S!A1</f></c>")}}});
   EXPECT_EQ(book.report(),
             "Data 3/3; rich values 1 1@0; implied positions 3 3@0; formulas that name other workbooks 1 1@0; "
-            "formulas that use "
-            "defined names 1 "
-            "1@0; formulas that use tables 1 1@0; formulas that name dropped sheets 1 1@0; formulas that "
-            "reach out 1 1@0");
+            "formulas that use defined names 1 1@0; formulas that use tables 1 1@0; "
+            "formulas that name dropped sheets 1 1@0; formulas that reach out 1 1@0");
   EXPECT_EQ(changedInWords(book.cleaned.report).substr(0, 38), "1 formula that names another workbook,");
 }
 
@@ -186,8 +184,7 @@ TEST(WorkbookCleaning, KeepsTheSheetsThatAreAskedFor) {
   EXPECT_EQ(refusalOf(package), "invalidArchive: malformed XML in sheet Sales");
   EXPECT_EQ(clean(package, {.sheets = {{"Hidden"}}}).report(),
             "Hidden 1/0; worksheets 2 [xl/worksheets/sheet1.xml] [xl/worksheets/sheet3.xml] \"Sales\" "
-            "\"Empty & last\"; "
-            "phonetic runs 1");
+            "\"Empty & last\"; phonetic runs 1");
   EXPECT_EQ(refusalOf(package, {.sheets = {{"Hidden", "hidden"}}}),
             "invalidSelection: no worksheet is named hidden");
   EXPECT_EQ(refusalOf(package, {.sheets = std::vector<std::string>()}), "unsupported: no worksheet is left");
@@ -242,10 +239,10 @@ TEST(WorkbookCleaning, ReplacesFormatsThatTheReaderCannotShow) {
                              <numFmt numFmtId="165" formatCode="[h]:mm"/></numFmts><cellXfs><xf numFmtId="0"/>
                              <xf numFmtId="164"/><xf numFmtId="44"/><xf numFmtId="165"/><xf numFmtId="31"/><xf/></cellXfs>)"};
   const CleanedBook book = clean(workbook, {.plainFormats = true});
-  EXPECT_EQ(book.report(),
-            "A 2/0; B 3/0; empty cells 1 1@0; implied positions 6 3@0 3@1; number formats 2 1@0 1@1 "
-            "{m/d/yyyy}; number formats 1 1@0 "
-            "{built-in format 44}; number formats 1 1@1 {built-in format 31}");
+  EXPECT_EQ(
+      book.report(),
+      "A 2/0; B 3/0; empty cells 1 1@0; implied positions 6 3@0 3@1; number formats 2 1@0 1@1 "
+      "{m/d/yyyy}; number formats 1 1@0 {built-in format 44}; number formats 1 1@1 {built-in format 31}");
   EXPECT_EQ(changedInWords(book.cleaned.report).substr(0, 46),
             "number format m/d/yyyy replaced in 2 cells, nu");
   EXPECT_EQ(book.part("xl/styles.xml", "<numFmts>", "</numFmts>"),

@@ -180,10 +180,11 @@ TEST(OOXMLSupport, ResolvesTargets) {
     EXPECT_EQ(resolved(target, part), expected) << target << " from " << part;
   for (const std::string& target : {std::string(), std::string(257, 'a')})
     EXPECT_EQ(resolved(target, "_rels/.rels"), "unsafeContent: relationship path") << target;
-  // What a target must not be, whatever the place.
   for (const std::string& target :
        testing::words(R"(http://host/a C%3Aa a\b a#b a%3fb a%00 a␊b a% a%4 a%4g a%g4 %FF %C0%AF %ED%A0%80)"))
     EXPECT_EQ(resolved(target, "_rels/.rels"), "unsafeContent: relationship URI") << target;
+  EXPECT_EQ(DocumentError::unsafeContent("x").errorDescription(),
+            "The document contains unsupported active or external content: x");
   // Places that no relationships part may have.
   for (const std::string part : {"workbook.xml.rels", "", "_rels", "xl/rels/workbook.xml.rels",
                                  "xl/my_rels/workbook.xml.rels", "_rels/xl/workbook.xml.rels"})
