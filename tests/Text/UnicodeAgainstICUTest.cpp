@@ -1,9 +1,8 @@
-// Text against ICU with its data, for every scalar and for the sequences in which scalars influence each
-// other. The code under test is linked without the data, as in the executables; the shared library brings its
-// own.
+// Owns Text/Unicode and Text/TerminalWidth against ICU with its data, for every scalar and for the sequences
+// in which scalars influence each other. The code under test is linked without the data, as in the
+// executables; the shared library has its own.
 
 #include <algorithm>
-#include <cstring>
 #include <dlfcn.h>
 #include <fstream>
 #include <random>
@@ -13,10 +12,11 @@
 #include <vector>
 
 #include <gtest/gtest.h>
+#include <unicode/locid.h>
+#include <unicode/normalizer2.h>
 #include <unicode/ubrk.h>
-#include <unicode/ucasemap.h>
 #include <unicode/uchar.h>
-#include <unicode/unorm2.h>
+#include <unicode/unistr.h>
 #include <unicode/ustring.h>
 
 #include "Support/Texts.hpp"
@@ -31,11 +31,11 @@ namespace {
 template <typename Function>
 Function* shared(const std::string& name) {
   static void* const library = dlopen("libicuuc.so." U_ICU_VERSION_SHORT, RTLD_NOW | RTLD_LOCAL);
-  void* const address =
-      library == nullptr ? nullptr : dlsym(library, (name + "_" U_ICU_VERSION_SHORT).c_str());
+  void* const address = library ? dlsym(library, (name + "_" U_ICU_VERSION_SHORT).c_str()) : nullptr;
   if (address == nullptr) throw std::runtime_error(dlerror());
   return reinterpret_cast<Function*>(address);
 }
+#define SHARED(function) shared<decltype(function)>(#function)
 
 std::vector<std::size_t> boundaries(const std::string& text) {
   std::vector<std::size_t> found;
@@ -45,14 +45,13 @@ std::vector<std::size_t> boundaries(const std::string& text) {
 }
 
 std::vector<std::size_t> boundariesByICU(const std::string& text) {
-  static const auto next = shared<decltype(ubrk_next)>("ubrk_next");
   static UErrorCode status = U_ZERO_ERROR;
-  static UBreakIterator* const breaks =
-      shared<decltype(ubrk_open)>("ubrk_open")(UBRK_CHARACTER, "", nullptr, 0, &status);
-  static const auto open = shared<decltype(utext_openUTF8)>("utext_openUTF8");
+  static UBreakIterator* const breaks = SHARED(ubrk_open)(UBRK_CHARACTER, "", nullptr, 0, &status);
+  static const auto open = SHARED(utext_openUTF8);
+  static const auto setText = SHARED(ubrk_setUText);
+  static const auto next = SHARED(ubrk_next);
   static UText* const view = open(nullptr, "", 0, &status);
   open(view, text.data(), static_cast<std::int64_t>(text.size()), &status);
-  static const auto setText = shared<decltype(ubrk_setUText)>("ubrk_setUText");
   setText(breaks, view, &status);
   if (U_FAILURE(status)) throw std::runtime_error(u_errorName(status));
   std::vector<std::size_t> found;
@@ -61,39 +60,16 @@ std::vector<std::size_t> boundariesByICU(const std::string& text) {
   return found;
 }
 
-std::string caseByICU(decltype(ucasemap_utf8ToLower)* mapping, const std::string& text) {
-  static UErrorCode status = U_ZERO_ERROR;
-  static UCaseMap* const root = shared<decltype(ucasemap_open)>("ucasemap_open")("", 0, &status);
-  std::string result(3 * text.size(), '\0');
-  const auto size = [](const std::string& string) { return static_cast<std::int32_t>(string.size()); };
-  result.resize(
-      static_cast<std::size_t>(mapping(root, result.data(), size(result), text.data(), size(text), &status)));
-  if (U_FAILURE(status)) throw std::runtime_error(u_errorName(status));
-  return result;
+std::string utf8(const icu::UnicodeString& text) {
+  std::string result;
+  return text.toUTF8String(result);
 }
 
-std::string composedByICU(const std::u32string& scalars) {
-  static UErrorCode status = U_ZERO_ERROR;
-  static const auto normalize = shared<decltype(unorm2_normalize)>("unorm2_normalize");
-  static const UNormalizer2* const composition =
-      shared<decltype(unorm2_getNFCInstance)>("unorm2_getNFCInstance")(&status);
-  std::u16string text;
-  for (const char32_t scalar : scalars) {
-    if (scalar > 0xFFFF) text += U16_LEAD(scalar);
-    text += static_cast<char16_t>(scalar > 0xFFFF ? U16_TRAIL(scalar) : scalar);
-  }
-  std::u16string composed(4 * text.size(), u'\0');
-  composed.resize(static_cast<std::size_t>(normalize(composition, text.data(),
-                                                     static_cast<std::int32_t>(text.size()), composed.data(),
-                                                     static_cast<std::int32_t>(composed.size()), &status)));
-  if (U_FAILURE(status)) throw std::runtime_error(u_errorName(status));
-  std::string result;
-  for (std::size_t at = 0; at < composed.size();) {
-    char32_t scalar = 0;
-    U16_NEXT(composed, at, composed.size(), scalar);
-    Unicode::append(result, scalar);
-  }
-  return result;
+bool isValidByICU(std::string_view bytes) {
+  UErrorCode validity = U_ZERO_ERROR;
+  std::int32_t length = 0;
+  u_strFromUTF8(nullptr, 0, &length, bytes.data(), static_cast<std::int32_t>(bytes.size()), &validity);
+  return validity != U_INVALID_CHAR_FOUND;
 }
 
 std::string encoded(const std::u32string& scalars) {
@@ -119,11 +95,16 @@ std::u32string with(char32_t scalar, std::u32string_view text) {
   return result;
 }
 
-std::u32string randomText(std::mt19937& random, std::u32string_view alphabet, std::size_t maximumLength) {
-  std::u32string text(random() % maximumLength, U'\0');
-  for (char32_t& scalar : text)
-    scalar = alphabet[random() % alphabet.size()];
-  return text;
+/// Calls take(text) with texts of fewer scalars than `bound`, all of them out of the alphabet.
+template <typename Take>
+void eachRandomText(int rounds, std::u32string_view alphabet, std::size_t bound, const Take& take) {
+  std::mt19937 random(1);
+  for (int round = 0; round < rounds && !::testing::Test::HasFatalFailure(); ++round) {
+    std::u32string text(random() % bound, U'\0');
+    for (char32_t& scalar : text)
+      scalar = alphabet[random() % alphabet.size()];
+    take(text);
+  }
 }
 
 /// Scalars of all classes that the rules of characters distinguish: line breaks, a control; Extend of
@@ -141,9 +122,38 @@ void expectSameBoundaries(const std::u32string& scalars) {
 }
 
 TEST(UnicodeAgainstICU, OnlyTheReferenceHasData) {
-  const auto reference = shared<decltype(u_hasBinaryProperty)>("u_hasBinaryProperty");
-  EXPECT_TRUE(reference(U'\U0001F600', UCHAR_EMOJI));
+  EXPECT_TRUE(SHARED(u_hasBinaryProperty)(U'\U0001F600', UCHAR_EMOJI));
   EXPECT_FALSE(u_hasBinaryProperty(U'\U0001F600', UCHAR_EMOJI));
+}
+
+TEST(UnicodeAgainstICU, EveryScalarIsValidAndDecodes) {
+  eachScalar([](char32_t scalar) {
+    const std::string text = utf8(static_cast<UChar32>(scalar));
+    std::size_t position = 0;
+    ASSERT_TRUE(Unicode::isValid(text)) << text;
+    ASSERT_TRUE(Unicode::nextScalar(text, position) == scalar) << text;
+    ASSERT_EQ(position, text.size());
+    ASSERT_EQ(encoded({scalar}), text);
+    const bool isSpace = u_isUWhiteSpace(static_cast<UChar32>(scalar)) != 0;
+    const std::string inner = "x" + text + "x";
+    ASSERT_EQ(Unicode::trimmed(text + text + inner + text) == inner, isSpace) << text;
+    ASSERT_EQ(Unicode::trimmed(text) == "", isSpace) << text;
+  });
+}
+
+TEST(UnicodeAgainstICU, Validity) {
+  // Bytes from the edges of the allowed ranges, at every alignment to the words in which ASCII is skipped.
+  constexpr std::string_view edges =
+      "a\x7F\x80\x8F\x90\x9F\xA0\xBF\xC0\xC1\xC2\xDF\xE0\xED\xEF\xF0\xF4\xF5\xFF";
+  std::mt19937 random(1);
+  for (int round = 0; round < 300'000; ++round) {
+    std::string bytes(random() % 32, 'a');
+    for (auto length = random() % 5; length > 0; --length)
+      bytes += edges[random() % edges.size()];
+    bytes.append(random() % 32, 'b');
+    for (const auto& text : {bytes, bytes.substr(0, random() % (bytes.size() + 1))})
+      ASSERT_EQ(Unicode::isValid(text), isValidByICU(text)) << ::testing::PrintToString(text);
+  }
 }
 
 TEST(UnicodeAgainstICU, BoundariesAroundEveryScalar) {
@@ -161,9 +171,7 @@ TEST(UnicodeAgainstICU, BoundariesInSequences) {
                                                   breakAlphabet[i / count / count % count],
                                                   breakAlphabet[i / count / count / count]}));
   }
-  std::mt19937 random(1);
-  for (int round = 0; round < 100'000; ++round)
-    ASSERT_NO_FATAL_FAILURE(expectSameBoundaries(randomText(random, breakAlphabet, 30)));
+  eachRandomText(100'000, breakAlphabet, 30, expectSameBoundaries);
 }
 
 TEST(UnicodeAgainstICU, BoundariesOfUnicodesTestFile) {
@@ -188,54 +196,57 @@ TEST(UnicodeAgainstICU, BoundariesOfUnicodesTestFile) {
 
 TEST(UnicodeAgainstICU, LongCharactersTakeLinearTime) {
   // With quadratic work none of these would end within the time-out.
-  constexpr std::size_t bytes = 4U << 20U;
-  const std::pair<const char*, std::size_t> rows[] = {
+  const std::pair<std::string, std::size_t> rows[] = {
       {"\u0301\u0316", 0}, {"\U0001F1E6", 2},   {"\U0001F469\u200D", 0}, {"\u200D", 0},
       {"\u0915\u094D", 0}, {"\u0915\u093C", 1}, {"\u0600", 0},           {"\u1100", 0}};
   for (const auto& [piece, perCharacter] : rows) {
-    const std::size_t pieces = bytes / std::strlen(piece);
+    const std::size_t pieces = (4U << 20U) / piece.size();
     const std::string text = testing::repeated(piece, pieces);
     EXPECT_EQ(Unicode::characterCount(text), perCharacter == 0 ? 1 : pieces / perCharacter) << piece;
     EXPECT_EQ(Unicode::exceeds(text, 1), perCharacter != 0);
   }
+  // Marks of two classes in turn have to be sorted.
+  constexpr int count = 300'000;
+  EXPECT_TRUE(Unicode::composed("a" + testing::repeated("\u0301\u0316", count)) ==
+              "\u00E1" + testing::repeated("\u0316", count) + testing::repeated("\u0301", count - 1));
 }
 
 TEST(UnicodeAgainstICU, Case) {
-  const auto lower = shared<decltype(ucasemap_utf8ToLower)>("ucasemap_utf8ToLower");
-  const auto upper = shared<decltype(ucasemap_utf8ToUpper)>("ucasemap_utf8ToUpper");
-  const auto expectSameCase = [&](const std::u32string& scalars) {
+  const auto expectSameCase = [](const std::u32string& scalars) {
     const std::string text = encoded(scalars);
-    ASSERT_EQ(Unicode::lowercased(text), caseByICU(lower, text)) << text;
-    ASSERT_EQ(Unicode::uppercased(text), caseByICU(upper, text)) << text;
+    const auto wide = icu::UnicodeString::fromUTF8(text);
+    ASSERT_EQ(Unicode::lowercased(text), utf8(icu::UnicodeString(wide).toLower(icu::Locale::getRoot())));
+    ASSERT_EQ(Unicode::uppercased(text), utf8(icu::UnicodeString(wide).toUpper(icu::Locale::getRoot())));
   };
-  // After a sigma and before it, whose lower case depends on what is around it.
-  eachScalar([&](char32_t c) { expectSameCase(with(c, U"?\u03A3?\u03A3 A?\u03A3?A")); });
-  std::mt19937 random(1);
-  for (int round = 0; round < 50'000; ++round)
-    ASSERT_NO_FATAL_FAILURE(expectSameCase(
-        randomText(random, U"A\u03A3\u03A3\u0391\u0345\u0301\u0130Ii.'\u00AD\u2160\u01C51 \u00DF", 10)));
+  eachScalar([&](char32_t c) {
+    expectSameCase({c});
+    // After a sigma and before it, whose lower case depends on what is around it.
+    expectSameCase(with(c, U"?\u03A3?\u03A3 A?\u03A3?A"));
+  });
+  eachRandomText(50'000, U"A\u03A3\u03A3\u0391\u0345\u0301\u0130Ii.'\u00AD\u2160\u01C51 \u00DF", 10,
+                 expectSameCase);
 }
 
 TEST(UnicodeAgainstICU, Composition) {
   const auto expectSameComposition = [](const std::u32string& scalars) {
-    ASSERT_EQ(Unicode::composed(encoded(scalars)), composedByICU(scalars))
-        << ::testing::PrintToString(scalars);
+    static UErrorCode status = U_ZERO_ERROR;
+    static const icu::Normalizer2* const composition = icu::Normalizer2::getNFCInstance(status);
+    const std::string text = encoded(scalars);
+    const auto expected = utf8(composition->normalize(icu::UnicodeString::fromUTF8(text), status));
+    ASSERT_EQ(Unicode::composed(text), expected) << ::testing::PrintToString(scalars);
   };
-  std::u32string active;
+  std::u32string active = U"AEaeo\u0915\u1100\u1161\u11A8\u0DD9";
   eachScalar([&](char32_t c) {
     expectSameComposition(with(c, U"?\u0301\u0323?A?\u0302\u1100?\u11A8"));
     if (u_getCombiningClass(static_cast<UChar32>(c)) != 0 || Unicode::composed(encoded({c})) != encoded({c}))
       active += c;
   });
-  active += U"AEaeo\u0915\u1100\u1161\u11A8\u0DD9";
-  std::mt19937 random(1);
-  for (int round = 0; round < 50'000; ++round)
-    ASSERT_NO_FATAL_FAILURE(expectSameComposition(randomText(random, active, 12)));
+  eachRandomText(50'000, active, 12, expectSameComposition);
 }
 
 TEST(UnicodeAgainstICU, TerminalWidths) {
-  const auto has = shared<decltype(u_hasBinaryProperty)>("u_hasBinaryProperty");
-  const auto value = shared<decltype(u_getIntPropertyValue)>("u_getIntPropertyValue");
+  const auto has = SHARED(u_hasBinaryProperty);
+  const auto value = SHARED(u_getIntPropertyValue);
   eachScalar([&](char32_t c) {
     const auto scalar = static_cast<UChar32>(c);
     if (c < 0x80) return;  // counted without properties
@@ -249,9 +260,10 @@ TEST(UnicodeAgainstICU, TerminalWidths) {
                              has(scalar, UCHAR_DEFAULT_IGNORABLE_CODE_POINT) != 0;
     const bool isWide = (eastAsian & (U_MASK(U_EA_WIDE) | U_MASK(U_EA_FULLWIDTH))) != 0;
     const std::size_t columns = isInvisible && c != 0xAD ? 0 : isWide ? 2 : 1;
-    ASSERT_EQ(terminalColumns(encoded({c})), columns) << scalar;
-    ASSERT_EQ(terminalColumns(encoded({c, 0xFE0F})), isPicture && columns == 1 ? 2 : columns) << scalar;
-    ASSERT_EQ(terminalColumns(encoded({0x1F469, c})), isModifier ? 2 : 2 + columns) << scalar;
+    ASSERT_EQ(terminalColumns(encoded({c})), columns) << std::uint32_t{c};
+    ASSERT_EQ(terminalColumns(encoded({c, 0xFE0F})), isPicture && columns == 1 ? 2 : columns)
+        << std::uint32_t{c};
+    ASSERT_EQ(terminalColumns(encoded({0x1F469, c})), isModifier ? 2 : 2 + columns) << std::uint32_t{c};
     ASSERT_EQ(terminalColumns(encoded({0x1F469, 0x200D, c})), isPicture || isModifier ? 2 : 2 + columns);
   });
 }

@@ -97,41 +97,32 @@ TEST_F(ToolProcess, WorksWithInheritedStreamsAndSignals) {
 TEST_F(ToolProcess, EscapesJSONForTerminals) {
   const std::string raw = "\u007f\u0080\u009b\u009f\u061c\u200e\u202e\u2066\u2069";
   const std::string escaped = R"(\u007f\u0080\u009b\u009f\u061c\u200e\u202e\u2066\u2069)";
-  const std::string dataset = replaced(contentOf(EXAMPLE_DATASET), R"("report": ")", R"("report": ")" + raw);
-  const std::string deck =
-      R"({"title":"T","slides":[{"sources":[],"title":"A","body":["a"]},)"
-      R"({"sources":[],"title":"B","body":["b"]},{"sources":[],"title":"C","body":["c"]}],)"
-      R"("report":")" +
-      raw + R"("})";
-  const std::string validation =
-      R"({"structurallyValid":true,"sourceValuesVerified":true,"visuallyVerified":)"
-      R"(false,"validatorVersion":"1","warnings":[")" +
-      raw + R"("],"outputSHA256":""})";
-  displace();
-  const struct {
-    std::string arguments;
-    std::string input;
-    std::string answer;  ///< the worker's
-  } rows[] = {
-      {"inspect --json -", "x",
-       R"({"inspection":{"sourceName":")" + raw +
-           R"(","sourceSHA256":"","sheets":[],"dateSystem":"","calculationMode":"","warnings":[]}})"},
-      {"extract --json - --sheet S --range A1", "x",
-       R"({"table":{"sourceName":")" + raw +
-           R"(","sourceSHA256":"","sheetName":"","selectedRange":"",)"
-           R"("columns":[],"rows":[],"warnings":[],"headerUsesCachedFormulaValues":false}})"},
-      {"validate --json -", "x", R"({"validation":)" + validation + "}"},
-      {"research check -", dataset, ""},
-      {"research presentation -", deck, ""},
-  };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.arguments);
-    placeFakeWorker(folder, "say " + row.answer);
-    const ToolRun piped = displaced(row.arguments, row.input);
-    EXPECT_EQ(piped.status, 0) << piped;
-    EXPECT_EQ(onTerminal(row.arguments, row.input, folder.path("zelvo")),
+  displace(
+      R"(say {"validation":{"structurallyValid":true,"sourceValuesVerified":true,"visuallyVerified":false,)"
+      R"("validatorVersion":"1","outputSHA256":"","warnings":[")" +
+      raw + R"("]}})");
+  folder.write(raw, contentOf(book));
+  const std::string slide = R"({"sources":[],"title":"A","body":["a"]},)";
+  const std::array<std::string, 3> rows[] = {
+      {folder.path("zelvo"), "validate --json -", "x"},
+      {TOOL, "inspect --json @" + raw, ""},
+      {TOOL, "extract --json --sheet Orders --range A1:A2 @" + raw, ""},
+      {TOOL, "research check -",
+       replaced(contentOf(EXAMPLE_DATASET), R"("report": ")", R"("report": ")" + raw)},
+      {TOOL, "research presentation -",
+       R"({"slides":[)" + slide + slide + replaced(slide, "},", "}],") + R"("title":"T","report":")" + raw +
+           R"("})"}};
+  for (const auto& [tool, arguments, input] : rows) {
+    const ToolRun piped = run(tool, words(expanded(arguments)), input);
+    EXPECT_EQ(onTerminal(expanded(arguments), input, tool),
               (ToolRun{0, replaced(piped.output, raw, escaped), ""}));
   }
+}
+
+TEST_F(ToolProcess, WritesNoDocumentToATerminal) {
+  for (const std::string command : {"create - --sheet S --range A1 --title t", "research presentation -",
+                                    "research workbook - --title t", "research report - --title t"})
+    EXPECT_EQ(onTerminal(command + " -o -"), failure(2, "A document is not written to a terminal."));
 }
 
 }  // namespace

@@ -20,6 +20,7 @@
 #include "Support/Texts.hpp"
 #include "System/ChildProcess.hpp"
 #include "System/Descriptor.hpp"
+#include "Text/ASCII.hpp"
 #include "Text/Digest.hpp"
 
 namespace zelvo::testing {
@@ -108,14 +109,17 @@ class ToolTest : public ::testing::Test {
   }
 
   /// The command writes the same document to a file as to standard output, and describes it. Returns it.
-  std::string expectWritten(const std::string& command, const std::string& name, const std::string& format,
-                            const std::string& facts = "", std::string_view input = {},
-                            const std::string& notes = "") const {
+  std::string expectDelivers(const std::string& command, const std::string& name, std::string_view input = {},
+                             const std::string& facts = "", const std::string& notes = "") const {
     const ToolRun written = zelvo(command + " -o @" + name, input);
     std::string document = contentOf(folder.path(name));
-    EXPECT_EQ(written.output, expanded("@" + name) + "\n  Format   " + format + "\n  Size     " +
-                                  std::to_string(document.size()) + " bytes\n" + facts + "  SHA-256  " +
-                                  Digest::sha256(bytesOf(document)) + "\n" + notes);
+    const char kind = ASCII::lowercased(name).at(name.size() - 4);
+    EXPECT_EQ(written.output, expanded("@" + name) + "\n  Format   " +
+                                  (kind == 'd'   ? "Word document"
+                                   : kind == 'p' ? "PowerPoint presentation"
+                                                 : "Excel workbook") +
+                                  "\n  Size     " + std::to_string(document.size()) + " bytes\n" + facts +
+                                  "  SHA-256  " + Digest::sha256(bytesOf(document)) + "\n" + notes);
     EXPECT_EQ(zelvo(command + " -o -", input), (ToolRun{0, document, ""}));
     return document;
   }

@@ -13,7 +13,7 @@
 namespace zelvo::testing {
 
 /// A report in one line: "Data 3/1 hyperlinks 2@0 …", cells and formulas of the sheets, then the kinds. Parts
-/// stand in brackets; what every workbook loses is left out.
+/// are in brackets; what every workbook loses is left out.
 inline std::string dump(const CleaningReport& report) {
   std::string out;
   const auto count = [&](const auto& item) {
@@ -56,13 +56,13 @@ struct CleanedBook {
   std::string report() const { return dump(cleaned.report); }
 };
 
-/// Cleans a package, and holds what comes out against the allow-list and against cleaning it again.
+/// Cleans a package, and compares the result with the allow-list and with cleaning it again.
 inline CleanedBook clean(const PackageBuilder& package, const CleaningOptions& options = {}) {
   CleanedBook book{.cleaned = cleanWorkbook(package.bytes(), "book.xlsx", options)};
   book.parts = BoundedZIP::read(book.cleaned.data.view());
   EXPECT_EQ(notAllowed(book.parts), "");
   const auto again = cleanWorkbook(ByteBuffer::copyOf(book.cleaned.data.view()), "book.xlsx");
-  EXPECT_TRUE(again.data == book.cleaned.data) << "cleaning twice gives other bytes";
+  EXPECT_TRUE(again.data == book.cleaned.data) << "cleaning twice changes bytes";
   return book;
 }
 inline CleanedBook clean(const WorkbookText& workbook, const CleaningOptions& options = {}) {

@@ -1,5 +1,6 @@
 // Whole workbooks: what is followed, reported, refused and verified.
 
+#include <map>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -37,13 +38,6 @@ std::string cell(const std::string& xml) {
   return "<sheetData><row r='1'>" + xml + "</row></sheetData>";
 }
 
-void addPart(PackageBuilder& package, const std::string& name, const std::string& type,
-             const std::string& text = "x") {
-  package.part(name).text = text;
-  replace(package.part("[Content_Types].xml").text, "</Types>",
-          R"(<Override PartName="/)" + name + R"(" ContentType=")" + type + R"("/></Types>)");
-}
-
 TEST(WorkbookCleaning, KeepsWhatTheReaderReads) {
   const PackageBuilder source = rich();
   const CleanedBook book = clean(source);
@@ -65,16 +59,16 @@ TEST(WorkbookCleaning, KeepsWhatTheReaderReads) {
 
 TEST(WorkbookCleaning, ReportsWhatItLeavesOut) {
   PackageBuilder package = rich();
-  const std::string office = "application/vnd.openxmlformats-officedocument.";
-  addPart(package, "xl/media/image1.png", "image/png");
-  addPart(package, "xl/media/image2.png", "image/png");
-  addPart(package, "docProps/thumbnail.jpeg", "image/jpeg");
-  addPart(package, "xl/printerSettings/printerSettings1.bin", office + "spreadsheetml.printerSettings");
-  addPart(package, "xl/comments1.xml", office + "spreadsheetml.comments+xml");
-  addPart(package, "xl/vbaProject.bin", "application/vnd.ms-office.vbaProject");
-  addPart(package, "xl/strange.bin", "application/octet-stream");
-  addPart(package, "xl/drawings/vmlDrawing1.vml", "application/unknown");
-  addPart(package, "xl/worksheets/_rels/sheet1.xml.rels", "application/xml", "<not & parsed");
+  for (const auto& [name, type, text] : testing::cases<3>(R"(
+      xl/media/image1.png | image/png | x ; xl/media/image2.png | image/png | x ; docProps/thumbnail.jpeg | image/jpeg | x
+      xl/printerSettings/p.bin | application/vnd.openxmlformats-officedocument.spreadsheetml.printerSettings | x
+      xl/comments1.xml | application/vnd.openxmlformats-officedocument.spreadsheetml.comments+xml | x
+      xl/vbaProject.bin | application/vnd.ms-office.vbaProject | x ; xl/strange.bin | application/octet-stream | x
+      xl/drawings/v1.vml | application/unknown | x ; xl/worksheets/_rels/sheet1.xml.rels | application/xml | <not␠&␠parsed)")) {
+    package.part(name).text = text;
+    replace(package.part("[Content_Types].xml").text, "</Types>",
+            R"(<Override PartName="/)" + name + R"(" ContentType=")" + type + R"("/></Types>)");
+  }
   replace(
       package.part("xl/worksheets/sheet1.xml").text, "</worksheet>",
       "<hyperlinks><hyperlink/><hyperlink/></hyperlinks><headerFooter/><sheetProtection sheet='1'/><drawing/>"
@@ -85,8 +79,8 @@ TEST(WorkbookCleaning, ReportsWhatItLeavesOut) {
   EXPECT_EQ(
       book.report(),
       "Sales 19/2; Hidden 1/0; Empty & last 0/0; pictures 2 [xl/media/image1.png] [xl/media/image2.png]; "
-      "comments 1 [xl/comments1.xml]; legacy drawings 1 [xl/drawings/vmlDrawing1.vml]; "
-      "printer settings 1 [xl/printerSettings/printerSettings1.bin]; macros 1 [xl/vbaProject.bin]; "
+      "comments 1 [xl/comments1.xml]; legacy drawings 1 [xl/drawings/v1.vml]; "
+      "printer settings 1 [xl/printerSettings/p.bin]; macros 1 [xl/vbaProject.bin]; "
       "document properties 1 [docProps/thumbnail.jpeg]; relationships 1 "
       "[xl/worksheets/_rels/sheet1.xml.rels]; "
       "other parts 1 [xl/strange.bin]; hyperlinks 2 2@0; defined names 1; protection 1 1@0; phonetic runs 1; "
@@ -105,129 +99,76 @@ TEST(WorkbookCleaning, ReportsFormulasThatNeedWhatIsGone) {
                                                     "<c vm='1'><f>[1]S!A1</f></c>")}}});
   EXPECT_EQ(book.report(),
             "Data 3/3; rich values 1 1@0; implied positions 3 3@0; formulas that name other workbooks 1 1@0; "
-            "formulas that use "
-            "defined names 1 "
-            "1@0; formulas that use tables 1 1@0; formulas that name dropped sheets 1 1@0; formulas that "
-            "reach out 1 1@0");
+            "formulas that use defined names 1 1@0; formulas that use tables 1 1@0; "
+            "formulas that name dropped sheets 1 1@0; formulas that reach out 1 1@0");
   EXPECT_EQ(changedInWords(book.cleaned.report).substr(0, 38), "1 formula that names another workbook,");
 }
-
-/// A source workbook, what is kept of its own part, and the report or the refusal.
-struct Kind {
-  std::string name;
-  std::function<void(PackageBuilder&)> make;
-  std::string kept;
-  std::string expected;
-};
 
 TEST(WorkbookCleaning, TakesEveryKindOfWorkbook) {
   const std::string counts = "Sales 19/2; Hidden 1/0; Empty & last 0/0";
   const std::string usual = "; phonetic runs 1; empty cells 1 1@0";
-  const auto edit = [](const std::string& part, const std::string& from, const std::string& to) {
-    return [=](PackageBuilder& package) { replace(package.part(part).text, from, to); };
-  };
-  const std::string mainType = "officedocument.spreadsheetml.sheet.main+xml";
-  const Kind kinds[] = {
-      {"1904", edit(workbookPart, "date1904=\"0\"", "date1904=\"true\""), "<workbookPr date1904=\"true\"/>",
-       counts + usual},
-      {"1904 misspelt", edit(workbookPart, "date1904=\"0\"", "date1904=\"on\""),
-       "main\" xmlns:r=", counts + "; phonetic runs 1; empty cells 1 1@0; attributes with a wrong value 1"},
-      {"Strict",
-       [](PackageBuilder& package) {
-         for (auto& part : package.parts) {
-           for (const auto& [from, to] : {std::pair("schemas.openxmlformats.org/spreadsheetml/2006/main",
-                                                    "purl.oclc.org/ooxml/spreadsheetml/main"),
-                                          {"schemas.openxmlformats.org/officeDocument/2006/relationships",
-                                           "purl.oclc.org/ooxml/officeDocument/relationships"}})
-             if (part.text.find(from) != std::string::npos) replaceAll(part.text, from, to);
-         }
-       },
-       "schemas.openxmlformats.org/spreadsheetml/2006/main", counts + usual + "; strict conformance 1"},
-      {"macros",
-       edit("[Content_Types].xml", "vnd.openxmlformats-" + mainType,
-            "vnd.ms-excel.sheet.macroEnabled.main+xml"),
-       "<sheets>", counts + usual + "; workbook type 1"},
-      {"template", edit("[Content_Types].xml", mainType, "officedocument.spreadsheetml.template.main+xml"),
-       "<sheets>", counts + usual + "; workbook type 1"},
-      {"very hidden", edit(workbookPart, "state=\"hidden\"", "state=\"veryHidden\""),
-       R"(<sheet name="Hidden" sheetId="2" state="veryHidden" r:id="rId2"/>)", counts + usual},
-      {"unknown state", edit(workbookPart, "state=\"hidden\"", "state=\"shown\""),
-       R"(<sheet name="Hidden" sheetId="2" state="hidden" r:id="rId2"/>)",
-       counts + usual + "; sheet states 1"},
-      {"first sheet hidden", edit(workbookPart, "name=\"Sales\"", "state='hidden' name=\"Sales\""),
-       "<workbookView activeTab=\"2\"/>", counts + usual},
-      {"prefixes", edit(workbookPart, "xmlns:r=", "xmlns:q="), "", "invalidArchive: worksheet identity"},
-      {"another name",
-       [](PackageBuilder& p) {
-         p.part(workbookPart).name = "xl/Book.XML";
-         replace(p.part("_rels/.rels").text, workbookPart, "/xl/book.xml");
-         p.part(workbookLinks).name = "xl/_rels/book.xml.rels";
-         replaceAll(p.part("[Content_Types].xml").text, "workbook.xml", "book.xml");
-       },
-       "<sheets>", counts + usual},
-      {"no relationship to it", edit("_rels/.rels", "/officeDocument\"", "/other\""), "<sheets>",
-       counts + usual},
-      {"relationship of an unknown type",
-       edit("_rels/.rels",
-            "http://schemas.openxmlformats.org/officeDocument/2006/relationships/officeDocument\" Target=\"",
-            "urn:officeDocument\" Target=\"no"),
-       "<sheets>", counts + usual},
-      {"two workbooks", edit("_rels/.rels", "xl/workbook.xml", "xl/styles.xml"), "",
-       "invalidArchive: two parts of the type officeDocument"},
-      {"chart sheet",
-       edit(workbookLinks, "relationships/worksheet\" Target=\"worksheets/sheet1",
-            "relationships/chartsheet\" Target=\"worksheets/sheet1"),
-       R"(<sheet name="Hidden" sheetId="1" state="hidden" r:id="rId1"/>)",
-       "Hidden 1/0; Empty & last 0/0; worksheets 1 [xl/worksheets/sheet1.xml]; chart sheets 1 \"Sales\"; "
-       "phonetic runs 1"},
-      {"only charts",
-       [](PackageBuilder& p) { replaceAll(p.part(workbookLinks).text, "/worksheet\"", "/chartsheet\""); }, "",
-       "unsupported: no worksheet is left"},
-      {"a part of two sheets", edit(workbookLinks, "sheet3.xml", "sheet1.xml"), "<sheets>",
-       "Sales 19/2; Hidden 1/0; Empty & last 19/2; worksheets 1 [xl/worksheets/sheet3.xml]" + usual},
-      {"external sheet", edit(workbookLinks, "sheet1.xml\"", "sheet1.xml\" TargetMode=\"External\""), "",
-       "unsafeContent: external or ambiguous relationship"},
-      {"repeated identifier", edit(workbookLinks, "Id=\"rId2\"", "Id=\"rId1\""), "",
-       "unsafeContent: external or ambiguous relationship"},
-      {"no target", edit(workbookLinks, "sheet1.xml", "sheet9.xml"), "",
-       "invalidArchive: missing relationship target"},
-      {"repeated name", edit(workbookPart, "\"Hidden\"", "\"SALES\""), "",
-       "invalidArchive: too long or repeated name of sheet SALES"},
-      {"two lists", edit(workbookPart, "<sheets>", "<sheets/><sheets>"), "",
-       "invalidArchive: repeated element \"sheets\" in the workbook"},
-      {"a root of another kind", edit("xl/worksheets/sheet1.xml", "<worksheet", "<chartsheet"), "",
-       "invalidArchive: malformed XML in sheet Sales"},
-      {"binary",
-       edit("[Content_Types].xml", "vnd.openxmlformats-" + mainType,
-            "vnd.ms-excel.sheet.binary.macroEnabled.main"),
-       "", "unsupported: binary workbook (.xlsb)"},
-      {"no package", [](PackageBuilder& p) { p.remove("_rels/.rels"); }, "",
-       "invalidArchive: not an OOXML package"},
-      {"format defined twice",
-       edit("xl/styles.xml", "</numFmts>", "<numFmt numFmtId='164' formatCode='0'/></numFmts>"), "",
-       "invalidArchive: number format 164 in the styles"},
-      {"unused format defined twice",
-       edit("xl/styles.xml", "</numFmts>", "<numFmt numFmtId='9'/><numFmt numFmtId='9'/></numFmts>"),
-       "<sheets>", counts + usual},
-      {"used format without a code", edit("xl/styles.xml", "</numFmts>", "<numFmt numFmtId='10'/></numFmts>"),
-       "", "invalidArchive: number format 10 in the styles"},
-      {"unknown in a style",
-       edit("xl/styles.xml", "<xf numFmtId=\"14\"/>", "<xf numFmtId=\"14\"><value/></xf>"), "",
-       "unsupported: unknown element in cell style 2"},
-      {"unknown in a string", edit("xl/sharedStrings.xml", "<t>Region</t>", "<t>Region</t><u/>"), "",
-       "unsupported: unknown element in shared string 1"},
-  };
-  for (const Kind& kind : kinds) {
+  // The part to edit, or all of them; what is kept of the workbook's own part; the report, what it has
+  // beside the usual ("+"), or the refusal.
+  for (auto [part, from, to, kept, expected] : testing::cases<5>(R"(
+workbook | date1904="0" | date1904="true" | <workbookPr date1904="true"/> |
+workbook | date1904="0" | date1904="on" | main" xmlns:r= | +attributes with a wrong value 1
+workbook | state="hidden" | state="veryHidden" | <sheet name="Hidden" sheetId="2" state="veryHidden" r:id="rId2"/> |
+workbook | state="hidden" | state="shown" | <sheet name="Hidden" sheetId="2" state="hidden" r:id="rId2"/> | +sheet states 1
+workbook | name="Sales" | state='hidden' name="Sales" | <workbookView activeTab="2"/> |
+workbook | xmlns:r= | xmlns:q= | | invalidArchive: worksheet identity
+workbook | "Hidden" | "SALES" | | invalidArchive: too long or repeated name of sheet SALES
+workbook | <sheets> | <sheets/><sheets> | | invalidArchive: repeated element "sheets" in the workbook
+all | schemas.openxmlformats.org/spreadsheetml/2006/main | purl.oclc.org/ooxml/spreadsheetml/main | schemas.openxmlformats.org/spreadsheetml/2006/main | +strict conformance 1
+all | schemas.openxmlformats.org/officeDocument/2006/relationships | purl.oclc.org/ooxml/officeDocument/relationships | |
+all | /worksheet" | /chartsheet" | | unsupported: no worksheet is left
+types | vnd.openxmlformats-officedocument.spreadsheetml.sheet.main | vnd.ms-excel.sheet.macroEnabled.main | | +workbook type 1
+types | spreadsheetml.sheet.main | spreadsheetml.template.main | | +workbook type 1
+types | vnd.openxmlformats-officedocument.spreadsheetml.sheet.main+xml | vnd.ms-excel.sheet.binary.macroEnabled.main | | unsupported: binary workbook (.xlsb)
+package | /officeDocument" | /other" | |
+package | http://schemas.openxmlformats.org/officeDocument/2006/relationships/officeDocument" Target=" | urn:officeDocument" Target="no | |
+package | xl/workbook.xml | xl/styles.xml | | invalidArchive: two parts of the type officeDocument
+links | worksheet" Target="worksheets/sheet1 | chartsheet" Target="worksheets/sheet1 | <sheet name="Hidden" sheetId="1" state="hidden" r:id="rId1"/> | Hidden 1/0; Empty & last 0/0; worksheets 1 [xl/worksheets/sheet1.xml]; chart sheets 1 "Sales"; phonetic runs 1
+links | sheet3.xml | sheet1.xml | | Sales 19/2; Hidden 1/0; Empty & last 19/2; worksheets 1 [xl/worksheets/sheet3.xml]; phonetic runs 1; empty cells 1 1@0
+links | sheet1.xml" | sheet1.xml" TargetMode="External" | | unsafeContent: external or ambiguous relationship
+links | Id="rId2" | Id="rId1" | | unsafeContent: external or ambiguous relationship
+links | sheet1.xml | sheet9.xml | | invalidArchive: missing relationship target
+sheet | <worksheet | <chartsheet | | invalidArchive: malformed XML in sheet Sales
+styles | </numFmts> | <numFmt numFmtId='164' formatCode='0'/></numFmts> | | invalidArchive: number format 164 in the styles
+styles | </numFmts> | <numFmt numFmtId='9'/><numFmt numFmtId='9'/></numFmts> | |
+styles | </numFmts> | <numFmt numFmtId='10'/></numFmts> | | invalidArchive: number format 10 in the styles
+styles | <xf numFmtId="14"/> | <xf numFmtId="14"><value/></xf> | | unsupported: unknown element in cell style 2
+strings | <t>Region</t> | <t>Region</t><u/> | | unsupported: unknown element in shared string 1
+)")) {
+    static const std::map<std::string, std::string> names = {{"workbook", workbookPart},
+                                                             {"links", workbookLinks},
+                                                             {"package", "_rels/.rels"},
+                                                             {"types", "[Content_Types].xml"},
+                                                             {"sheet", "xl/worksheets/sheet1.xml"},
+                                                             {"styles", "xl/styles.xml"},
+                                                             {"strings", "xl/sharedStrings.xml"}};
     PackageBuilder package = rich();
-    kind.make(package);
+    if (part != "all") replace(package.part(names.at(part)).text, from, to);
+    for (auto& each : package.parts)
+      if (part == "all" && each.text.find(from) != std::string::npos) replaceAll(each.text, from, to);
     std::string outcome;
-    const auto refusal = testing::outcomeOf([&] {
+    const auto refusal = testing::outcomeOf([&, &kept = kept] {
       const CleanedBook book = clean(package);
       outcome = book.report();
-      EXPECT_NE(book.parts.find(workbookPart)->text().find(kind.kept), std::string::npos) << kind.name;
+      EXPECT_NE(book.parts.find(workbookPart)->text().find(kept), std::string::npos) << kept;
     });
-    EXPECT_EQ(refusal.text + outcome, kind.expected) << kind.name;
+    if (expected.empty()) expected = counts + usual;
+    if (expected[0] == '+') expected.replace(0, 1, counts + usual + "; ");
+    EXPECT_EQ(refusal.text + outcome, expected) << to;
   }
+
+  PackageBuilder package = rich();
+  package.part(workbookPart).name = "xl/Book.XML";
+  replace(package.part("_rels/.rels").text, workbookPart, "/xl/book.xml");
+  package.part(workbookLinks).name = "xl/_rels/book.xml.rels";
+  replaceAll(package.part("[Content_Types].xml").text, "workbook.xml", "book.xml");
+  EXPECT_EQ(clean(package).report(), counts + usual);
+  package.remove("_rels/.rels");
+  EXPECT_EQ(refusalOf(package), "invalidArchive: not an OOXML package");
   EXPECT_EQ(testing::outcomeOf([] {
               cleanWorkbook(ByteBuffer::copyOf("\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1 and more"), "a.xlsx");
             }),
@@ -243,8 +184,7 @@ TEST(WorkbookCleaning, KeepsTheSheetsThatAreAskedFor) {
   EXPECT_EQ(refusalOf(package), "invalidArchive: malformed XML in sheet Sales");
   EXPECT_EQ(clean(package, {.sheets = {{"Hidden"}}}).report(),
             "Hidden 1/0; worksheets 2 [xl/worksheets/sheet1.xml] [xl/worksheets/sheet3.xml] \"Sales\" "
-            "\"Empty & last\"; "
-            "phonetic runs 1");
+            "\"Empty & last\"; phonetic runs 1");
   EXPECT_EQ(refusalOf(package, {.sheets = {{"Hidden", "hidden"}}}),
             "invalidSelection: no worksheet is named hidden");
   EXPECT_EQ(refusalOf(package, {.sheets = std::vector<std::string>()}), "unsupported: no worksheet is left");
@@ -287,6 +227,11 @@ TEST(WorkbookCleaning, ReplacesFormatsThatTheReaderCannotShow) {
       [d => General ; GENERAL => General ; #,##0.00;[Red]-#,##0.00 => General)"))
     EXPECT_EQ(Cleaning::plainCode(code).value_or(""), expected) << code;
 
+  std::string builtins;
+  for (std::int64_t id = 26; id < 60; ++id)
+    builtins += Cleaning::plainCodeOfBuiltin(id).value_or("-").front();
+  EXPECT_EQ(builtins, "Gyyyyyhh--yGGGGGGGGGGGGGyyyyy--yyG");
+
   WorkbookText workbook = {
       .sheets = {{"A", cell("<c s='1'><v>45000</v></c><c s='1'/><c s='2'><v>2</v></c>")},
                  {"B", cell("<c s='1'><v>1</v></c><c s='3'><v>3</v></c><c s='4'><v>3</v></c>")}},
@@ -294,10 +239,10 @@ TEST(WorkbookCleaning, ReplacesFormatsThatTheReaderCannotShow) {
                              <numFmt numFmtId="165" formatCode="[h]:mm"/></numFmts><cellXfs><xf numFmtId="0"/>
                              <xf numFmtId="164"/><xf numFmtId="44"/><xf numFmtId="165"/><xf numFmtId="31"/><xf/></cellXfs>)"};
   const CleanedBook book = clean(workbook, {.plainFormats = true});
-  EXPECT_EQ(book.report(),
-            "A 2/0; B 3/0; empty cells 1 1@0; implied positions 6 3@0 3@1; number formats 2 1@0 1@1 "
-            "{m/d/yyyy}; number formats 1 1@0 "
-            "{built-in format 44}; number formats 1 1@1 {built-in format 31}");
+  EXPECT_EQ(
+      book.report(),
+      "A 2/0; B 3/0; empty cells 1 1@0; implied positions 6 3@0 3@1; number formats 2 1@0 1@1 "
+      "{m/d/yyyy}; number formats 1 1@0 {built-in format 44}; number formats 1 1@1 {built-in format 31}");
   EXPECT_EQ(changedInWords(book.cleaned.report).substr(0, 46),
             "number format m/d/yyyy replaced in 2 cells, nu");
   EXPECT_EQ(book.part("xl/styles.xml", "<numFmts>", "</numFmts>"),
@@ -310,54 +255,48 @@ TEST(WorkbookCleaning, ReplacesFormatsThatTheReaderCannotShow) {
 }
 
 TEST(WorkbookCleaning, StopsAtTheReadersLimitsAndNamesTheSheet) {
+  using testing::repeated;
   using Size = std::size_t;
-  const auto repeatedCells = [](Size count) {
-    std::string rows;
-    for (Size row = 0; count > 0; ++row) {
-      rows += "<row>" + testing::repeated("<c><v>1</v></c>", std::min<Size>(count, 5'000)) + "</row>";
-      count -= std::min<Size>(count, 5'000);
-    }
-    return testing::plainWorkbook(rows);
-  };
-  const auto strings = [](Size count, const std::string& text) {
-    return WorkbookText{.sheets = {{"Data", ""}}, .sharedStrings = {count, "<t>" + text + "</t>"}};
-  };
-  const auto sheets = [](Size count) {
-    WorkbookText workbook;
-    for (Size i = 0; i < count; ++i)
-      workbook.sheets.push_back({"S" + std::to_string(i), ""});
-    return workbook;
-  };
-  const auto code = [](Size size) {
-    return WorkbookText{.sheets = {{"Data", ""}},
-                        .styles = "<numFmts><numFmt numFmtId='164' formatCode='" + std::string(size, '0') +
-                                  "'/></numFmts><cellXfs><xf numFmtId='164'/></cellXfs>"};
-  };
   using W = WorkbookText&;
+  const auto fillWithCells = [](W w, Size count) {
+    const std::string row = "<row>" + repeated("<c><v>1</v></c>", 5'000) + "</row>";
+    w = testing::plainWorkbook(repeated(row, count / 5'000) + "<row>" +
+                               repeated("<c><v>1</v></c>", count % 5'000) + "</row>");
+  };
+  const auto fillWithStrings = [](W w, Size count, const std::string& text) {
+    w = {.sheets = {{"Data", ""}}, .sharedStrings = {count, "<t>" + text + "</t>"}};
+  };
   testing::expectLimits<WorkbookText>(
-      {{"cells", 50'000, "resourceLimit: more than 50,000 cells in sheet Data",
-        [&](W w, Size n) { w = repeatedCells(n); }},
+      {{"cells", 50'000, "resourceLimit: more than 50,000 cells in sheet Data", fillWithCells},
        {"strings", 50'000, "resourceLimit: more than 50,000 shared strings",
-        [&](W w, Size n) { w = strings(n, "a"); }},
+        [&](W w, Size n) { fillWithStrings(w, n, "a"); }},
        {"string", 32'768, "resourceLimit: more than 32,768 characters in shared string 1",
-        [&](W w, Size n) { w = strings(1, std::string(n, 'a')); }},
-       {"sheets", 64, "resourceLimit: more than 64 worksheets", [&](W w, Size n) { w = sheets(n); }},
+        [&](W w, Size n) { fillWithStrings(w, 1, std::string(n, 'a')); }},
+       {"sheets", 64, "resourceLimit: more than 64 worksheets",
+        [](W w, Size n) {
+          for (Size i = 0; i < n; ++i)
+            w.sheets.push_back({"S" + std::to_string(i), ""});
+        }},
        {"name", 64, "invalidArchive: too long or repeated name of sheet " + testing::characters(65),
-        [&](W w, Size n) {
-          w = {.sheets = {{testing::characters(n), ""}}};
+        [](W w, Size n) {
+          w.sheets.push_back({testing::characters(n), ""});
         }},
        {"code", 256, "resourceLimit: more than 256 characters in number format 164",
-        [&](W w, Size n) { w = code(n); }}},
+        [](W w, Size n) {
+          w = testing::plainWorkbook("");
+          w.styles = "<numFmts><numFmt numFmtId='164' formatCode='" + std::string(n, '0') +
+                     "'/></numFmts><cellXfs><xf numFmtId='164'/></cellXfs>";
+        }}},
       [](const WorkbookText& workbook) {
         cleanWorkbook(testing::workbookPackage(workbook).bytes(), "a.xlsx");
       });
 
-  EXPECT_EQ(refusalOf(testing::plainWorkbook("<row>" + testing::repeated("<c/>", 200'001) + "</row>")),
+  EXPECT_EQ(refusalOf(testing::plainWorkbook("<row>" + repeated("<c/>", 200'001) + "</row>")),
             "resourceLimit: XML structure in sheet Data");
-  // A sheet that is not kept does not stand in the way, nor do formatted cells that are empty.
-  WorkbookText two = repeatedCells(50'001);
-  two.sheets.push_back(
-      {"Other", "<sheetData><row>" + testing::repeated("<c/>", 16'384) + "</row></sheetData>"});
+  // A sheet that is not kept is no obstacle, nor are formatted cells that are empty.
+  WorkbookText two;
+  fillWithCells(two, 50'001);
+  two.sheets.push_back({"Other", cell(repeated("<c/>", 16'384))});
   EXPECT_EQ(refusalOf(two, {.sheets = {{"Other"}}}), "");
   EXPECT_EQ(refusalOf(testing::plainWorkbook("<row><c t='str'><v><![CDATA[" + std::string(5'000'000, '<') +
                                              "]]></v></c></row>")),

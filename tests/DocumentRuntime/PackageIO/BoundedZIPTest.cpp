@@ -1,7 +1,10 @@
-// Owns PackageIO/BoundedZIPReader: what archives are read, and every rule of theirs in its order.
+// Owns PackageIO/BoundedZIPReader: what archives are read, as a whole or entry by entry, and every rule in
+// its order.
 #include <functional>
+#include <set>
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -9,8 +12,10 @@
 
 #include "DocumentRuntime/Errors/Cancelled.hpp"
 #include "DocumentRuntime/PackageIO/BoundedZIP.hpp"
+#include "DocumentRuntime/PackageIO/BoundedZIPArchive.hpp"
 #include "Support/ArchiveBuilder.hpp"
 #include "Support/Cancellation.hpp"
+#include "Support/PackageBuilder.hpp"
 #include "Support/RefusalTable.hpp"
 
 namespace zelvo {
@@ -20,6 +25,7 @@ using testing::ArchiveBuilder;
 using testing::ArchiveEntry;
 using testing::EntryHeader;
 using testing::outcomeOf;
+using testing::PackageBuilder;
 
 constexpr const char* archiveSize = "resourceLimit: archive size";
 constexpr const char* noDirectory = "invalidArchive: missing ZIP directory";
@@ -44,14 +50,27 @@ PartMap read(const ArchiveBuilder& archive) {
   return BoundedZIP::read(bytesOf(archive.bytes()));
 }
 
-/// The names and bytes that an archive holds, in one line, or why it is refused.
-std::string outcome(std::string_view archive) {
-  std::string out;
-  const auto refusal = testing::outcomeOf([&] {
-    for (const auto& [name, bytes] : BoundedZIP::read(bytesOf(archive)))
-      out.append(name).append("=").append(bytes.text()).append(" ");
+/// The names and bytes of parts, in one line, or why they are refused.
+template <typename Read>
+std::string textOf(const Read& read) {
+  std::string text;
+  const auto refusal = outcomeOf([&] {
+    for (const auto& [name, bytes] : read())
+      text.append(name).append("=").append(bytes.text()).append(" ");
   });
-  return refusal.text.empty() ? out : refusal.text;
+  return refusal.text.empty() ? text : refusal.text;
+}
+
+std::string outcome(std::string_view archive) {
+  return textOf([&] { return BoundedZIP::read(bytesOf(archive)); });
+}
+
+PartMap expandAll(std::string_view bytes) {
+  BoundedZIP::Archive archive(bytesOf(bytes));
+  PartMap parts;
+  for (const auto& entry : archive.entries())
+    parts.set(std::string(entry.name), archive.expand(entry));
+  return parts;
 }
 
 /// Three entries; what the table spoils is the one in the middle, so that there is one to overlap and one to
@@ -59,7 +78,7 @@ std::string outcome(std::string_view archive) {
 ArchiveBuilder good() {
   ArchiveBuilder archive;
   archive.stored("first.xml", "stored");
-  archive.deflated("xl/middle.xml", "deflated, deflated, deflated");
+  archive.deflated("xl/Middle.xml", "deflated, deflated, deflated");
   archive.deflated("last.xml", "with a descriptor").useDescriptor();
   return archive;
 }
@@ -113,12 +132,13 @@ std::vector<Refusal> refusals() {
       {"name of another entry", twice([](H h) { h.name = "FIRST.xml"; }), path},
       {"entry size", middle([](E e) { e.central.uncompressedSize = 16'777'217; }), expansion},
       {"ratio", middle([](E e) { e.central.compressedSize = 1, e.central.uncompressedSize = 1'048'777; }),
-       expansion, "room"},
+       expansion, "data"},
       {"local signature", middle([](E e) { e.local.signature = 0; }), localMismatch},
       {"local flags", middle([](E e) { e.local.flags ^= 0x02; }), localMismatch},
       {"local method", middle([](E e) { e.local.method ^= 0x01; }), localMismatch},
       {"local lengths", middle([](E e) { e.local.extraLength = 0xFFFF; }), localBounds},
-      {"room", middle([](E e) { e.central.compressedSize = 0xFFFFFFFF; }), localBounds, "room"},
+      {"data past the directory", middle([](E e) { e.central.compressedSize = 0xFFFFFFFF; }), localBounds,
+       "data"},
       {"local name length", middle([](E e) { e.local.nameLength = 12; }), localBounds},
       {"local name", middle([](E e) { e.local.name.back() = 'k'; }), localBounds},
       {"overlap", middle([](E e) { e.nested = true; }), overlap},
@@ -141,6 +161,46 @@ std::vector<Refusal> refusals() {
 
 TEST(BoundedZIPRead, RefusesInOrder) {
   testing::expectRefusals<ArchiveBuilder>(good, refusals(), read);
+  EXPECT_THROW(BoundedZIP::read(bytesOf(good().bytes()), testing::stopped()), Cancelled);
+}
+
+TEST(BoundedZIPArchive, HoldsEveryEntryToTheStructureAndOnlyExpandedOnesToTheirContent) {
+  const std::set<std::string> aboutContent = {entryKind, expansion, storedSize, deflateLength, crcMismatch};
+  for (const Refusal& row : refusals()) {
+    if (aboutContent.contains(row.expected.text)) continue;
+    ArchiveBuilder archive = good();
+    row.spoil(archive);
+    const std::string bytes = archive.bytes();
+    EXPECT_EQ(outcomeOf([&] { BoundedZIP::Archive opened(bytesOf(bytes)); }), row.expected) << row.name;
+  }
+  using H = EntryHeader&;
+  const std::pair<const char*, std::function<void(ArchiveBuilder&)>> atExpanding[] = {
+      {entryKind, twice([](H h) { h.flags |= 1; })},
+      {entryKind, twice([](H h) { h.method = 12; })},
+      {expansion, twice([](H h) { h.uncompressedSize = 16'777'217; })},
+      {storedSize, twice([](H h) { h.method = 0; })},
+      {deflateLength, twice([](H h) { ++h.uncompressedSize; })},
+      {crcMismatch, twice([](H h) { h.crc = 7; })},
+  };
+  for (const auto& [expected, spoil] : atExpanding) {
+    ArchiveBuilder builder = good();
+    builder.stored("folder/", "");
+    spoil(builder);
+    const std::string bytes = builder.bytes();
+    BoundedZIP::Archive archive(bytesOf(bytes));
+    EXPECT_EQ(archive.expand(*archive.find("first.xml")).text(), "stored");
+    EXPECT_EQ(archive.find("folder/"), nullptr);
+    EXPECT_EQ(outcomeOf([&] { archive.expand(*archive.find("XL/middle.XML")); }), expected);
+  }
+}
+
+TEST(BoundedZIPArchive, CountsAnEntryOnceTowardsTheLimitOnAll) {
+  ArchiveBuilder builder;
+  builder.stored("1", std::string(BoundedZIP::maximumEntryBytes, 'a'));
+  const std::string bytes = builder.bytes();
+  BoundedZIP::Archive archive(bytesOf(bytes));
+  for (int i = 0; i < 6; ++i)
+    EXPECT_EQ(archive.expand(*archive.find("1")).size(), BoundedZIP::maximumEntryBytes);
 }
 
 TEST(BoundedZIPRead, KeepsWhatAnArchiveHolds) {
@@ -154,7 +214,7 @@ TEST(BoundedZIPRead, KeepsWhatAnArchiveHolds) {
   archive.entries[0].central.comment = "comment";
   EXPECT_EQ(outcome(archive.bytes()),
             "Folder/Ünïcode 名.xml= first.xml=stored last.xml=with a descriptor nothing.xml= "
-            "xl/middle.xml=deflated, deflated, deflated ");
+            "xl/Middle.xml=deflated, deflated, deflated ");
 }
 
 TEST(BoundedZIPRead, TakesTheLastEndRecordThatReachesTheEnd) {
@@ -179,17 +239,16 @@ TEST(BoundedZIPRead, StopsAtItsLimits) {
     exceed(archive);
     EXPECT_EQ(outcomeOf([&] { read(archive); }), refusal);
   };
-  const auto lengthen = [](A a) { a.entries[0].both([](EntryHeader& header) { header.name += 'n'; }); };
   const auto addByte = [](A a) { a.stored("?", "?"); };
   EXPECT_EQ(outcome(std::string(22, '\0')), noDirectory);
-
   ArchiveBuilder whole = good();
   whole.prefix.resize(BoundedZIP::maximumArchiveBytes - whole.bytes().size());
-  expectLimit(
-      whole, [](A a) { a.prefix += '?'; }, archiveSize);
+  const auto lengthen = [](A a) { a.prefix += '?'; };
+  expectLimit(whole, lengthen, archiveSize);
   ArchiveBuilder named;
   named.stored(std::string(BoundedZIP::maximumNameBytes, 'n'), "");
-  expectLimit(named, lengthen, path);
+  const auto rename = [](A a) { a.entries[0].both([](EntryHeader& header) { header.name += 'n'; }); };
+  expectLimit(named, rename, path);
   ArchiveBuilder many;
   for (std::size_t i = 0; i < BoundedZIP::maximumEntries; ++i)
     many.stored(std::to_string(i), "");
@@ -216,8 +275,8 @@ TEST(BoundedZIPRead, StopsAtItsLimits) {
     size = zeros.deflated("zeros", std::string(size, '\0')).data.size() * BoundedZIP::maximumExpansionRatio +
            BoundedZIP::expansionAllowanceBytes;
   }
-  expectLimit(
-      zeros, [](A a) { a.entries[0].both([](auto& header) { ++header.uncompressedSize; }); }, expansion);
+  const auto grow = [](A a) { a.entries[0].both([](auto& header) { ++header.uncompressedSize; }); };
+  expectLimit(zeros, grow, expansion);
 }
 
 TEST(BoundedZIPRead, DamageNeverChangesTheBytesUnseen) {
@@ -229,14 +288,82 @@ TEST(BoundedZIPRead, DamageNeverChangesTheBytesUnseen) {
   for (std::size_t bit = 0; bit < whole.size() * 8; ++bit) {
     std::string damaged = whole;
     damaged[bit / 8] = static_cast<char>(damaged[bit / 8] ^ (1 << bit % 8));
-    // What is noticed is as good as what changes nothing.
-    const bool isNoticed = !(outcomeOf([&] { BoundedZIP::read(bytesOf(damaged)); }) == "");
-    EXPECT_TRUE(isNoticed || outcome(damaged) == expected) << "byte " << bit / 8 << ", bit " << bit % 8;
+    const bool isRefused = outcomeOf([&] { BoundedZIP::read(bytesOf(damaged)); }).text != "";
+    EXPECT_TRUE(isRefused || outcome(damaged) == expected) << "byte " << bit / 8 << ", bit " << bit % 8;
+    EXPECT_EQ(outcomeOf([&] { expandAll(damaged); }).text != "", isRefused) << "bit " << bit;
+    EXPECT_TRUE(isRefused || textOf([&] { return expandAll(damaged); }) == expected) << "bit " << bit;
   }
 }
 
-TEST(BoundedZIPRead, StopsWhenAsked) {
-  EXPECT_THROW(BoundedZIP::read(bytesOf(good().bytes()), testing::stopped()), Cancelled);
+TEST(BoundedZIPWrite, StoresPartsInTheOrderOfTheirComposedNames) {
+  ArchiveBuilder expected;
+  PackageBuilder package;
+  for (const std::string name : {"a", "b", "f", "e\u0301", "\uFB03", "\U0001F600"}) {
+    expected.stored(name, "<" + name + "/>").both([](auto& header) { header.flags = 0x0800; });
+    package.parts.insert(package.parts.begin(), {name, "<" + name + "/>"});
+  }
+  ByteBuffer written = package.bytes();
+  const ByteBuffer archive = std::move(written);
+  EXPECT_TRUE(written.view().empty());  // NOLINT(bugprone-use-after-move): that is what is tested
+  EXPECT_EQ(archive.text(), expected.bytes());
+  EXPECT_TRUE(BoundedZIP::read(archive.view()) == package.partMap());
+}
+
+TEST(BoundedZIPWrite, RefusesInOrder) {
+  // The size of part "a", the name and size of another, more parts without content, and the refusal. Beside
+  // their bytes, two parts take 176 bytes of headers.
+  constexpr std::size_t entry = BoundedZIP::maximumEntryBytes;
+  constexpr std::size_t rest = BoundedZIP::maximumArchiveBytes - entry - (2 * (30 + 1 + 46 + 1) + 22);
+  const std::tuple<std::size_t, std::string, std::size_t, std::size_t, const char*> rows[] = {
+      {0, "x", 0, 510, ""},
+      {0, "/", 0, 511, "resourceLimit: part count"},
+      {0, "a/../b", 0, 0, "resourceLimit: output part"},
+      {entry + 1, "b", 0, 0, "resourceLimit: output part"},
+      {entry, "b", rest, 0, ""},
+      {entry, "b", rest + 1, 0, "resourceLimit: output archive"},
+      {entry, "b\\", rest + 1, 0, "resourceLimit: output part"},
+  };
+  for (const auto& [size, other, otherSize, more, refusal] : rows) {
+    PackageBuilder package{{{"a", std::string(size, 'a')}, {other, std::string(otherSize, 'b')}}};
+    for (std::size_t i = 0; i < more; ++i)
+      package.part(std::to_string(i));
+    EXPECT_EQ(outcomeOf([&] { package.bytes(); }), refusal) << other << more;
+  }
+  EXPECT_THROW(BoundedZIP::write(PackageBuilder{{{"/", ""}}}.partMap(), testing::stopped()), Cancelled);
+  EXPECT_EQ(outcomeOf([] { PackageBuilder().bytes(); }), "resourceLimit: part count");
+}
+
+TEST(BoundedZIPWritePacked, DeflatesWhatShrinksWithinTheRatioAndStoresTheRest) {
+  std::string varied;
+  for (int i = 0; i < 50'000; ++i)
+    varied += std::to_string(i * 7919) + ' ';
+  // A million bytes are within what any ratio may add.
+  const std::pair<std::string, bool> rows[] = {{"", false},
+                                               {"a", false},
+                                               {varied, true},
+                                               {std::string(16'000'000, 'a'), false},
+                                               {std::string(1'000'000, 'a'), true}};
+  std::vector<BoundedZIP::PackedPart> parts;
+  PartMap expected;
+  for (const auto& [text, isDeflated] : rows) {
+    const std::string name = std::to_string(parts.size());
+    parts.push_back(BoundedZIP::packed(name, bytesOf(text)));
+    EXPECT_EQ(parts.back().isDeflated, isDeflated) << name;
+    expected.set(name, ByteBuffer::copyOf(text));
+  }
+  const ByteBuffer archive = BoundedZIP::writePacked(parts);
+  EXPECT_TRUE(BoundedZIP::read(archive.view()) == expected);
+  EXPECT_TRUE(BoundedZIP::writePacked(parts) == archive);
+  EXPECT_EQ(outcomeOf([] { BoundedZIP::writePacked({}); }), "resourceLimit: part count");
+}
+
+TEST(SafeName, FollowsTheRules) {
+  for (const std::string& name : testing::words("a xl/a.xml xl/ ... ..a/.b/c. a␠b\x7F \u0085ü"))
+    EXPECT_TRUE(BoundedZIP::safeName(name)) << name;
+  for (const std::string& name :
+       testing::words(R"(/ /a %a a//b a// . ./a .. a/.. a/../b a/./b a\b C: a%20b a␉b a␟ a␀)"))
+    EXPECT_FALSE(BoundedZIP::safeName(name)) << name;
+  EXPECT_FALSE(BoundedZIP::safeName(""));
 }
 
 }  // namespace
