@@ -12,6 +12,8 @@
 
 namespace {
 
+using zelvo::testing::FailingCall;
+
 struct Plan {
   std::string_view name;
   int error = 0;
@@ -58,8 +60,15 @@ ZELVO_FAILING(read, ssize_t, (int descriptor, void* bytes, std::size_t count), (
 ZELVO_FAILING(rename, int, (const char* from, const char* to), (from, to))
 ZELVO_FAILING(wait4, pid_t, (pid_t id, int* status, int options, rusage* usage), (id, status, options, usage))
 ZELVO_FAILING(waitpid, pid_t, (pid_t id, int* status, int options), (id, status, options))
-ZELVO_FAILING(write, ssize_t, (int descriptor, const void* bytes, std::size_t count),
-              (descriptor, bytes, count))
+
+ssize_t __real_write(int descriptor, const void* bytes, std::size_t count);
+ssize_t __wrap_write(int descriptor, const void* bytes, std::size_t count);
+ssize_t __wrap_write(int descriptor, const void* bytes, std::size_t count) {
+  const auto error = failureOf("write");
+  if (error == FailingCall::isShort) return __real_write(descriptor, bytes, 1);
+  if (error) errno = *error;
+  return error ? -1 : __real_write(descriptor, bytes, count);
+}
 
 // Returns the error number, and leaves errno alone.
 using SpawnActions = posix_spawn_file_actions_t;
