@@ -34,7 +34,7 @@ class FailingCall {
 /// To be compared before and after: a difference is a leak.
 std::size_t openDescriptors();
 
-/// Whether this process has a child that nobody has waited for. Waits for one that has ended.
+/// Whether this process has a child that was not waited for. Waits for one that has ended.
 bool leavesChild();
 
 }  // namespace zelvo::testing

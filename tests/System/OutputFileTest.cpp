@@ -63,7 +63,9 @@ TEST(OutputFile, ReplacesFilesAndFollowsLinks) {
     EXPECT_EQ(filesIn(folder), before + (row.error != 0 || isReplaced ? 0 : 1));
     EXPECT_EQ(testing::contentOf(folder.path("file")), isReplaced ? "content" : "old");
     EXPECT_EQ(statusOf(folder.path("file")).st_ino != oldNode, isReplaced) << "written in place";
-    EXPECT_EQ(testing::contentOf(folder.path(row.content)), row.error == 0 ? "content" : "");
+    if (!row.content.empty()) {
+      EXPECT_EQ(testing::contentOf(folder.path(row.content)), "content");
+    }
     for (const char* link : {"link", "chain", "dangling", "circle", "up"})
       EXPECT_TRUE(fs::is_symlink(folder.path(link))) << link;
   }
