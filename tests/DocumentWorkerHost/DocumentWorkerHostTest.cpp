@@ -70,8 +70,8 @@ TEST(DocumentWorkerHost, NamesEveryFailureOfAWorker) {
 TEST(WorkerFailure, DistinguishesCausesOfASignal) {
   using enum ChildOutcome;
   const std::pair<ChildResult, Kind> rows[] = {
-      {{.outcome = killed, .code = SIGKILL, .cpuTime = 34s}, Kind::killed},
-      {{.outcome = killed, .code = SIGKILL, .cpuTime = 41s}, Kind::cpuTimeUsedUp},
+      {{.outcome = killed, .code = SIGKILL, .cpuTime = 34999ms}, Kind::killed},
+      {{.outcome = killed, .code = SIGKILL, .cpuTime = 35s}, Kind::cpuTimeUsedUp},
       {{.outcome = killed, .code = SIGSYS, .inputBytesRead = 1}, Kind::brokenInvariant},
       {{.outcome = killed, .code = SIGSYS}, Kind::brokenInvariant},
       {{.outcome = killed, .code = SIGSEGV, .cpuTime = 45s}, Kind::crashed},
@@ -83,6 +83,12 @@ TEST(WorkerFailure, DistinguishesCausesOfASignal) {
   for (const auto& [result, expected] : rows)
     EXPECT_EQ(WorkerFailure::of(result, "/worker").value().kind, expected) << result.code;
   EXPECT_FALSE(WorkerFailure::of({.outcome = exited, .code = 0}, "/worker"));
+  const ChildResult verbose = {.outcome = exited, .code = 1, .errorOutput = std::string(201, 'x')};
+  EXPECT_EQ(WorkerFailure::of(verbose, "/worker").value().detail, std::string(200, 'x'));
+  EXPECT_EQ(
+      WorkerFailure{Kind::brokenInvariant}.message(),
+      "The worker was killed by its seccomp filter (SIGSYS): it made a forbidden system call. This is a "
+      "defect or an attack; the confinement held.");
 }
 
 TEST(DocumentWorkerHost, SendsTheLargestRequestAndStartsNothingForALargerOne) {

@@ -14,7 +14,6 @@ const std::string officeTypes = "application/vnd.openxmlformats-officedocument.s
 std::string partText(std::string_view xml) {
   return std::string(OOXML::data(xml).text());
 }
-
 std::string relationshipsText(const std::vector<OOXML::Relationship>& list) {
   return std::string(OOXML::relationships(list).text());
 }

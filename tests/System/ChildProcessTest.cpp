@@ -39,7 +39,7 @@ TEST(ChildProcess, ReportsHowTheChildEnded) {
     int code;
     std::string output;
   } rows[] = {
-      {"echo said; exit 78", ample, exited, 78, "said\n"},
+      {"echo said; exit 78", {10, milliseconds::max()}, exited, 78, "said\n"},
       {"echo said; kill -SYS $$", ample, killed, SIGSYS, "said\n"},
       {"printf 12345678", eightBytes, exited, 0, "12345678"},
       {"printf 123456789", eightBytes, outputTooLarge, 0, "12345678"},

@@ -83,14 +83,6 @@ TEST(WorkerProcess, RunsItsFourOperations) {
   }
 }
 
-TEST(WorkerProcess, BoundsTheRequest) {
-  std::string request = smallRequest;
-  request.resize(maximumMessageBytes, ' ');
-  expectEnd(runWorkerProcess(request), 0, smallResponse);
-  expectEnd(runWorkerProcess(request + ' '), 65, "");
-  expectEnd(runWorkerProcess("{"), 65, "");
-}
-
 TEST(WorkerProcess, UsesMemoryInProportionToTheRequest) {
   // Refused by its first bytes: what is measured is reading and decoding. Some writers escape the slash.
   constexpr std::string_view head = R"({"operation":"inspect","sourceName":"a.xlsx","data":"\/\/\/\/)";
@@ -106,9 +98,6 @@ TEST(WorkerProcess, UsesMemoryInProportionToTheRequest) {
 }
 
 TEST(WorkerProcess, FailsIfItCannotWrite) {
-#if !defined(ZELVO_SANITIZE)  // whose runtime would take the free number for a pipe of its own
-  expectEnd(runShell(R"("$0" >&-)", smallRequest), 65, "");
-#endif
   // A regular file must not grow.
   expectEnd(runShell(R"(file=$(mktemp) && "$0" > "$file"; echo "$?, $(wc -c < "$file") bytes"; rm "$file")",
                      smallRequest),
