@@ -25,7 +25,7 @@ struct ForeignAnswer {
   bool kills = false;  ///< kills the process instead, by SIGSYS
 };
 
-/// Loads a filter that gives these answers and allows everything else; written by hand, so that it shares
+/// Loads a filter with these answers and allows everything else; written by hand, so that it shares
 /// nothing with what it is to test.
 inline bool loadForeignFilter(const std::vector<ForeignAnswer>& answers) {
   std::vector<sock_filter> program;

@@ -88,7 +88,7 @@ TEST(OutputFile, SetsPermissions) {
 // The members of a group that the new file cannot have must not be exchanged for those of another.
 TEST(OutputFile, KeepsTheGroupOrRemovesItsPermissions) {
   if (geteuid() != 0) GTEST_SKIP() << "only root can make files of others";
-  constexpr uid_t nobody = 65534;
+  constexpr uid_t unprivilegedUser = 65534;
   const TemporaryFolder folder;
   chmod(folder.path("").c_str(), 0777);
   const std::string path = folder.write("file", "old");
@@ -98,10 +98,10 @@ TEST(OutputFile, KeepsTheGroupOrRemovesItsPermissions) {
   EXPECT_EQ(permissionsOf(path), 0664U);
 
   const auto unprivileged = [&] {
-    return setgid(nobody) != 0 || setuid(nobody) != 0 ? 99 : writeOutputFile(path, "y");
+    return setgid(unprivilegedUser) != 0 || setuid(unprivilegedUser) != 0 ? 99 : writeOutputFile(path, "y");
   };
   ASSERT_EQ(runForkedChild(unprivileged, 0).code, 0);
-  EXPECT_EQ(statusOf(path).st_gid, nobody);
+  EXPECT_EQ(statusOf(path).st_gid, unprivilegedUser);
   EXPECT_EQ(permissionsOf(path), 0604U);
 }
 
