@@ -8,22 +8,6 @@
 #include <string>
 #include <unistd.h>
 
-namespace {
-
-void dieBy(int signal) {
-  // A sanitizer's handler would turn the signal into an exit status.
-  static_cast<void>(std::signal(signal, SIG_DFL));
-  static_cast<void>(std::raise(signal));
-}
-
-void flood() {
-  const std::string block(1 << 20, ' ');
-  while (std::cout << block) {
-  }
-}
-
-}  // namespace
-
 int main(int count, char** arguments) {
   if (count < 1) return 1;
   std::ifstream file(std::string(*arguments) + ".act");
@@ -32,13 +16,15 @@ int main(int count, char** arguments) {
   file.get();
   const std::string text{std::istreambuf_iterator<char>(file), {}};
 
-  if (act == "signal") dieBy(std::stoi(text));
-  if (act == "hang") pause();
-  if (act == "flood") flood();
-  if (act == "say") {
-    std::cout << text << std::flush;
-    return 0;
+  if (act == "signal") {
+    // A sanitizer's handler would turn the signal into an exit status.
+    static_cast<void>(std::signal(std::stoi(text), SIG_DFL));
+    static_cast<void>(std::raise(std::stoi(text)));
   }
+  if (act == "hang") pause();
+  while (act == "flood" && std::cout << std::string(1 << 20, ' ')) {
+  }
+  if (act == "say") return std::cout << text << std::flush ? 0 : 1;
   std::cerr << "fake worker: " << act << "\nsecond line\n";
   return act == "exit" ? std::stoi(text) : 1;
 }

@@ -32,21 +32,18 @@ inline std::string notAllowed(XMLNode node, Cleaning::Tag tag, bool isRoot = tru
   for (std::size_t i = 0; i < node.attributeCount(); ++i) {
     const std::string_view attribute = node.attributeName(i);
     if (isRoot && (attribute == "xmlns" || attribute == "xmlns:r")) continue;
-    const auto& rules = allowed.attributes;
-    const auto known = std::find_if(rules.begin(), rules.end(), [&](const auto& row) {
-      return row && name(row->attribute) == attribute;
+    const bool isAllowed = std::ranges::any_of(allowed.attributes, [&](const auto& row) {
+      return row && name(row->attribute) == attribute && matches(row->grammar, node.attributeValue(i));
     });
-    if (known == rules.end() || !matches((*known)->grammar, node.attributeValue(i)))
-      return std::string(attribute) + " of " + element;
+    if (!isAllowed) return std::string(attribute) + " of " + element;
   }
   const bool isText = tag == Tag::formula || tag == Tag::value || tag == Tag::text;
   if (!isText && !node.text().empty()) return "text of " + element;
   for (const XMLNode child : node.children()) {
-    const auto& children = allowed.children;
-    const auto known = std::find_if(children.begin(), children.end(), [&](const auto& childTag) {
+    const auto known = std::ranges::find_if(allowed.children, [&](const auto& childTag) {
       return childTag && rule(*childTag).name == child.qualifiedName();
     });
-    if (known == children.end()) return "child of " + element;
+    if (known == allowed.children.end()) return "child of " + element;
     if (std::string found = notAllowed(child, **known, false); !found.empty()) return found;
   }
   return {};

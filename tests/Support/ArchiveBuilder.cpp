@@ -1,5 +1,6 @@
 #include "Support/ArchiveBuilder.hpp"
 
+#include <initializer_list>
 #include <stdexcept>
 #include <utility>
 
@@ -12,10 +13,14 @@ constexpr std::uint16_t version20 = 20;
 constexpr std::uint16_t midnight = 0;
 constexpr std::uint16_t january1st1980 = 0x21;
 
-/// Appends a number of that many bytes, the lowest first.
-void put(std::string& out, std::size_t value, int bytes) {
-  for (int i = 0; i < bytes; ++i)
-    out += static_cast<char>(value >> 8 * i & 0xFF);
+/// Numbers of that many bytes each, the lowest first.
+std::string numbers(int bytes, std::initializer_list<std::size_t> values) {
+  std::string out;
+  for (const std::size_t value : values) {
+    for (int i = 0; i < bytes; ++i)
+      out += static_cast<char>(value >> 8 * i & 0xFF);
+  }
+  return out;
 }
 
 std::uint32_t crcOf(std::string_view content) {
@@ -40,46 +45,33 @@ void describe(ArchiveEntry& entry, std::string_view content) {
   });
 }
 
-void putSharedFields(std::string& out, const EntryHeader& header) {
-  for (const std::uint16_t value : {version20, header.flags, header.method, midnight, january1st1980})
-    put(out, value, 2);
-  for (const auto value : {header.crc, header.compressedSize, header.uncompressedSize})
-    put(out, value, 4);
-  put(out, header.nameLength.value_or(header.name.size()), 2);
-  put(out, header.extraLength.value_or(header.extra.size()), 2);
+std::string sharedFields(const EntryHeader& header) {
+  return numbers(2, {version20, header.flags, header.method, midnight, january1st1980}) +
+         numbers(4, {header.crc, header.compressedSize, header.uncompressedSize}) +
+         numbers(2, {header.nameLength.value_or(header.name.size()),
+                     header.extraLength.value_or(header.extra.size())});
 }
 
 std::string localRecord(const ArchiveEntry& entry) {
-  std::string out;
-  put(out, entry.local.signature, 4);
-  putSharedFields(out, entry.local);
-  return out + entry.local.name + entry.local.extra + entry.data + entry.descriptor;
+  return numbers(4, {entry.local.signature}) + sharedFields(entry.local) + entry.local.name +
+         entry.local.extra + entry.data + entry.descriptor;
 }
 
 std::string centralRecord(const CentralHeader& header, std::size_t localOffset) {
-  std::string out;
-  put(out, header.signature, 4);
-  put(out, version20, 2);
-  putSharedFields(out, header);
-  put(out, header.commentLength.value_or(header.comment.size()), 2);
-  put(out, header.diskStart, 2);
-  put(out, 0, 2);  // internal attributes
-  put(out, header.externalAttributes, 4);
-  put(out, header.localOffset.value_or(localOffset), 4);
-  return out + header.name + header.extra + header.comment;
+  constexpr std::size_t internalAttributes = 0;
+  return numbers(4, {header.signature}) + numbers(2, {version20}) + sharedFields(header) +
+         numbers(2, {header.commentLength.value_or(header.comment.size()), header.diskStart,
+                     internalAttributes}) +
+         numbers(4, {header.externalAttributes, header.localOffset.value_or(localOffset)}) + header.name +
+         header.extra + header.comment;
 }
 
 std::string endRecord(const EndRecord& end, std::size_t entries, std::size_t offset, std::size_t size) {
-  std::string out;
-  put(out, end.signature, 4);
-  put(out, end.disk, 2);
-  put(out, end.directoryDisk, 2);
-  put(out, end.entriesOnDisk.value_or(entries), 2);
-  put(out, end.entries.value_or(entries), 2);
-  put(out, end.directorySize.value_or(size), 4);
-  put(out, end.directoryOffset.value_or(offset), 4);
-  put(out, end.commentLength.value_or(end.comment.size()), 2);
-  return out + end.comment;
+  return numbers(4, {end.signature}) +
+         numbers(2, {end.disk, end.directoryDisk, end.entriesOnDisk.value_or(entries),
+                     end.entries.value_or(entries)}) +
+         numbers(4, {end.directorySize.value_or(size), end.directoryOffset.value_or(offset)}) +
+         numbers(2, {end.commentLength.value_or(end.comment.size())}) + end.comment;
 }
 
 }  // namespace
@@ -91,9 +83,8 @@ void ArchiveEntry::both(const std::function<void(EntryHeader&)>& change) {
 
 void ArchiveEntry::useDescriptor() {
   both([](EntryHeader& header) { header.flags |= 0x08; });
-  put(descriptor, 0x08074b50, 4);
-  for (std::uint32_t* field : {&local.crc, &local.compressedSize, &local.uncompressedSize})
-    put(descriptor, std::exchange(*field, 0), 4);
+  descriptor += numbers(4, {0x08074b50, local.crc, local.compressedSize, local.uncompressedSize});
+  local.crc = local.compressedSize = local.uncompressedSize = 0;
 }
 
 ArchiveEntry& ArchiveBuilder::stored(std::string name, std::string content) {

@@ -54,7 +54,7 @@ struct ArchiveEntry {
   CentralHeader central;
   std::string data;        ///< compressed
   std::string descriptor;  ///< what follows the data
-  /// The whole local record stands inside the data of the entry before it, which must be a stored one.
+  /// The whole local record is inside the data of the entry before it, which must be a stored one.
   bool nested = false;
 
   /// Applies a change to both headers.

@@ -13,10 +13,11 @@ namespace zelvo::testing {
 namespace {
 
 namespace fs = std::filesystem;
-using Lines = std::vector<std::string>;
 
 constexpr std::string_view workbookSuffix = ".xlsx";
-constexpr std::ptrdiff_t context = 3;  // lines before and after the first difference
+// Bytes of a difference, and those before its first.
+constexpr std::size_t shown = 300;
+constexpr std::ptrdiff_t before = 100;
 
 void update(ByteView package, const fs::path& folder) {
   fs::remove_all(folder);
@@ -32,7 +33,7 @@ void update(ByteView package, const fs::path& folder) {
 }
 
 std::string archiveOf(const fs::path& folder) {
-  Lines names;
+  std::vector<std::string> names;
   for (fs::recursive_directory_iterator it(folder), end; it != end; ++it) {
     const std::string name = it->path().lexically_relative(folder).string();
     if (it->is_directory() && !name.ends_with(workbookSuffix)) continue;
@@ -49,35 +50,17 @@ std::string archiveOf(const fs::path& folder) {
   return archive.bytes();
 }
 
-/// A line for each tag, with the text behind it.
-Lines linesOf(std::string_view xml) {
-  Lines lines;
-  for (std::size_t start = 0; start < xml.size(); start += lines.back().size())
-    lines.emplace_back(xml.substr(start, xml.find('<', start + 1) - start));
-  return lines;
-}
-
-std::string firstDifference(const Lines& wanted, const Lines& found) {
-  const auto [missing, surplus] = std::ranges::mismatch(wanted, found);
-  std::string text;
-  const auto show = [&text](const char* mark, auto first, auto last) {
-    for (; first != last; ++first)
-      text += mark + *first + '\n';
-  };
-  show("    ", missing - std::min(context, missing - wanted.begin()), missing);
-  show("  - ", missing, missing + std::min(context, wanted.end() - missing));
-  show("  + ", surplus, surplus + std::min(context, found.end() - surplus));
-  return text;
-}
-
 std::string differencesOf(ByteView package, const fs::path& folder) {
   std::string text;
   for (const Part& part : BoundedZIP::read(package)) {
     const fs::path path = folder / part.name;
     if (part.name.ends_with(workbookSuffix)) {
       text += differencesOf(part.bytes.view(), path);
-    } else if (const std::string wanted = contentOf(path); part.bytes.text() != wanted) {
-      text += path.string() + '\n' + firstDifference(linesOf(wanted), linesOf(part.bytes.text()));
+    } else if (const std::string wanted = contentOf(path), found(part.bytes.text()); found != wanted) {
+      const auto same = std::ranges::mismatch(wanted, found).in1 - wanted.begin();
+      const auto start = static_cast<std::size_t>(std::max(same, before) - before);
+      text += path.string() + "\n  - " + wanted.substr(start, shown) + "\n  + " + found.substr(start, shown) +
+              '\n';
     }
   }
   if (text.empty() && textOf(package) != archiveOf(folder))

@@ -7,7 +7,7 @@
 
 namespace zelvo::testing {
 
-/// How a package differs from a folder of its parts: the first tags that do, or that it is no archive as the
+/// How a package differs from a folder of its parts: the first bytes that do, or that it is no archive as the
 /// tests' own writer makes of the folder: stored, sorted, UTF-8 names, one date. Empty if it does not differ.
 /// A folder named like a workbook is an archive within.
 ///

@@ -8,8 +8,8 @@
 
 namespace zelvo::testing {
 
-/// Puts a worker that breaks as it is told ("exit N", "signal N", "hang", "flood", "say TEXT") where a real
-/// one would stand, and gives its path. It never reads its input. The test program is built with FAKE_WORKER.
+/// Puts a worker that breaks as it is told ("exit N", "signal N", "hang", "flood", "say TEXT") in the place
+/// of a real one, and returns its path. It never reads its input. The test program is built with FAKE_WORKER.
 inline std::string placeFakeWorker(const TemporaryFolder& folder, std::string_view act) {
   std::string path = folder.path("zelvo_document_worker");
   std::filesystem::remove(path);

@@ -18,26 +18,18 @@ constexpr std::ptrdiff_t never = PTRDIFF_MAX;
 
 std::atomic<std::size_t> blocks = 0;
 std::atomic<std::size_t> bytes = 0;
+std::atomic<std::size_t> allowedBytes = SIZE_MAX;
 
 /// Zero: the next allocation fails. Negative: one has failed.
 std::atomic<std::ptrdiff_t> allocationsUntilFailure = never;
 std::atomic<bool> failsOnlyOnce = true;
 
-std::size_t bytesAtStart = 0;
-std::atomic<std::size_t> allowedBytes = SIZE_MAX;
-std::atomic<std::size_t> peakBytes = 0;
-
-void checkLimit(std::size_t used) {
-  if (used > peakBytes) peakBytes = used;
-  if (used <= allowedBytes) return;
-  const std::size_t allowed = allowedBytes.exchange(SIZE_MAX) - bytesAtStart;  // reporting allocates, too
-  std::fprintf(stderr, "more than %zu bytes are allocated\n", allowed);
-  std::abort();
-}
-
 void count(std::size_t size) {
   ++blocks;
-  checkLimit(bytes += size);
+  if ((bytes += size) <= allowedBytes) return;
+  allowedBytes = SIZE_MAX;  // reporting allocates, too
+  std::fputs("more bytes are allocated than the limit allows\n", stderr);
+  std::abort();
 }
 
 void discount(std::size_t size) {
@@ -51,10 +43,6 @@ std::size_t liveBlocks() {
   return blocks;
 }
 
-std::size_t liveBytes() {
-  return bytes;
-}
-
 bool isNextAllocationToFail() {
   if (allocationsUntilFailure == never) return false;
   const std::ptrdiff_t left = allocationsUntilFailure--;
@@ -65,27 +53,18 @@ FailingAllocation::FailingAllocation(std::size_t skipped, Then then) {
   failsOnlyOnce = then == Then::succeed;
   allocationsUntilFailure = static_cast<std::ptrdiff_t>(skipped);
 }
-
 FailingAllocation::~FailingAllocation() {
   allocationsUntilFailure = never;
 }
-
 bool FailingAllocation::hasFailed() const {
   return allocationsUntilFailure < 0;
 }
 
 HeapLimit::HeapLimit(std::size_t more) {
-  bytesAtStart = bytes;
-  peakBytes = bytesAtStart;
-  allowedBytes = bytesAtStart + more;
+  allowedBytes = bytes + more;
 }
-
 HeapLimit::~HeapLimit() {
   allowedBytes = SIZE_MAX;
-}
-
-std::size_t HeapLimit::peak() const {
-  return peakBytes - bytesAtStart;
 }
 
 #if ZELVO_SANITIZE
@@ -127,7 +106,8 @@ void* counted(Allocate allocate, std::size_t replaced = 0) {
 }  // namespace zelvo::testing
 
 // The allocation functions of the whole program, shared libraries included: the C library's own stay
-// available under these names. Bytes are counted as the allocator rounds them.
+// available under these names. Bytes are counted as the allocator rounds them. No library here uses the other
+// functions that align.
 // NOLINTBEGIN(bugprone-reserved-identifier,readability-identifier-naming): the C library's names.
 extern "C" {
 
@@ -145,17 +125,8 @@ void* calloc(std::size_t count, std::size_t size) noexcept {
   return zelvo::testing::counted([&] { return __libc_calloc(count, size); });
 }
 
-void* memalign(std::size_t alignment, std::size_t size) noexcept {
-  return zelvo::testing::counted([&] { return __libc_memalign(alignment, size); });
-}
-
 void* aligned_alloc(std::size_t alignment, std::size_t size) noexcept {
-  return memalign(alignment, size);
-}
-
-int posix_memalign(void** block, std::size_t alignment, std::size_t size) noexcept {
-  *block = memalign(alignment, size);
-  return *block == nullptr ? ENOMEM : 0;
+  return zelvo::testing::counted([&] { return __libc_memalign(alignment, size); });
 }
 
 void free(void* block) noexcept {
@@ -166,10 +137,6 @@ void free(void* block) noexcept {
 
 void* realloc(void* block, std::size_t size) noexcept {
   if (block == nullptr) return malloc(size);
-  if (size == 0) {
-    free(block);
-    return nullptr;
-  }
   const std::size_t before = malloc_usable_size(block);
   return zelvo::testing::counted([&] { return __libc_realloc(block, size); }, before);
 }

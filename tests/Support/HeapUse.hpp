@@ -7,9 +7,8 @@
 /// counted only.
 namespace zelvo::testing {
 
-/// Allocated and not yet freed, by all threads.
+/// How many are allocated and not yet freed, by all threads.
 std::size_t liveBlocks();
-std::size_t liveBytes();
 
 /// While this lives, an allocation fails: the first after `skipped` others.
 class FailingAllocation {
@@ -35,9 +34,6 @@ class HeapLimit {
   HeapLimit(const HeapLimit&) = delete;
   HeapLimit& operator=(const HeapLimit&) = delete;
   ~HeapLimit();
-
-  /// The most so far.
-  std::size_t peak() const;
 };
 
 }  // namespace zelvo::testing

@@ -14,7 +14,6 @@ const std::string officeTypes = "application/vnd.openxmlformats-officedocument.s
 std::string partText(std::string_view xml) {
   return std::string(OOXML::data(xml).text());
 }
-
 std::string relationshipsText(const std::vector<OOXML::Relationship>& list) {
   return std::string(OOXML::relationships(list).text());
 }
@@ -38,16 +37,10 @@ std::string typeOverride(const std::string& name, const std::string& type) {
   return R"(<Override PartName="/)" + name + R"(" ContentType=")" + officeTypes + type + R"(+xml"/>)";
 }
 
-std::string sheetElement(const WorksheetText& sheet, const std::string& number) {
-  return R"(<sheet name=")" + OOXML::escaped(sheet.name) + R"(" sheetId=")" + number + R"(" r:id="rId)" +
-         number + '"' + sheet.attributes + "/>";
-}
-
 }  // namespace
 
 TextPart& PackageBuilder::part(std::string_view name) {
-  const auto found =
-      std::find_if(parts.begin(), parts.end(), [&](const TextPart& part) { return part.name == name; });
+  const auto found = std::ranges::find(parts, name, &TextPart::name);
   return found != parts.end() ? *found : parts.emplace_back(TextPart{std::string(name), {}});
 }
 
@@ -92,7 +85,8 @@ PackageBuilder workbookPackage(const WorkbookText& workbook) {
   std::string sheets;
   for (const WorksheetText& sheet : workbook.sheets) {
     const std::string number = std::to_string(parts.size() + 1);
-    sheets += sheetElement(sheet, number);
+    sheets += R"(<sheet name=")" + OOXML::escaped(sheet.name) + R"(" sheetId=")" + number + R"(" r:id="rId)" +
+              number + '"' + sheet.attributes + "/>";
     add("rId" + number, "worksheet", "worksheets/sheet" + number + ".xml", root("worksheet", sheet.content));
   }
   std::string items;

@@ -12,7 +12,7 @@
 
 namespace zelvo::testing {
 
-/// What comes out of a call, in one line: "unsupported: worksheet type" for an error of that case and detail,
+/// The result of a call in one line: "unsupported: worksheet type" for an error of that case and detail,
 /// nothing where nothing is refused.
 struct Outcome {
   std::string text;
@@ -21,10 +21,10 @@ struct Outcome {
   Outcome(std::string line) : text(std::move(line)) {}
   Outcome(const char* line) : text(line) {}
   Outcome(const DocumentError& error) {
-    constexpr const char* cases[] = {"invalidArchive",  "unsupported",      "resourceLimit",
-                                     "unsafeContent",   "invalidSelection", "formulaValueUnavailable",
-                                     "validationFailed"};
-    text = std::string(cases[static_cast<int>(error.errorCase())]) + ": " + error.detail();
+    const auto cases = words(
+        "invalidArchive unsupported resourceLimit unsafeContent invalidSelection formulaValueUnavailable "
+        "validationFailed");
+    text = cases.at(static_cast<std::size_t>(error.errorCase())) + ": " + error.detail();
   }
   // NOLINTEND(google-explicit-constructor)
   bool operator==(const Outcome&) const = default;
@@ -54,7 +54,7 @@ struct Refusal {
   std::string place = {};
 };
 
-/// Rows that edit a text each, `from => to | refusal | place` in a line; `find` gives the text of an input.
+/// Rows that edit a text each, `from => to | refusal | place` in a line; `find` returns the text of an input.
 template <typename Input, typename Find>
 std::vector<Refusal<Input>> edits(const Find& find, std::string_view table) {
   std::vector<Refusal<Input>> rows;
@@ -74,11 +74,11 @@ std::vector<Refusal<Input>> joined(const std::vector<std::vector<Refusal<Input>>
 }
 
 inline bool isWithin(const std::string& place, const std::string& other) {
-  return place == other || place.starts_with(other + '/');
+  return !other.empty() && (place == other || place.starts_with(other + '/'));
 }
 
-/// Checks a table of refusals that stands in the order of the reader's checks: every row alone, and of every
-/// pair that combines, that the earlier row's refusal comes out. The good input itself must pass.
+/// Checks a table of refusals that is in the order of the reader's checks: every row alone, and every pair
+/// that combines, in which the earlier row must be refused. The good input itself must pass.
 template <typename Input, typename Read>
 void expectRefusals(const std::function<Input()>& good, const std::vector<Refusal<Input>>& rows,
                     const Read& read) {
@@ -89,9 +89,7 @@ void expectRefusals(const std::function<Input()>& good, const std::vector<Refusa
     rows[i].spoil(alone);
     EXPECT_EQ(outcomeOf([&] { read(alone); }), rows[i].expected) << rows[i].name;
     for (std::size_t j = i + 1; j < rows.size(); ++j) {
-      const bool bothPlaced = !rows[i].place.empty() && !rows[j].place.empty();
-      if (bothPlaced && (isWithin(rows[i].place, rows[j].place) || isWithin(rows[j].place, rows[i].place)))
-        continue;
+      if (isWithin(rows[i].place, rows[j].place) || isWithin(rows[j].place, rows[i].place)) continue;
       Input both = good();
       rows[j].spoil(both);
       rows[i].spoil(both);
@@ -101,7 +99,7 @@ void expectRefusals(const std::function<Input()>& good, const std::vector<Refusa
   }
 }
 
-/// A limit: how to make an input that reaches a size, the last size that passes, and what one more gives.
+/// A limit: how to make an input that reaches a size, the last size that passes, and the outcome of one more.
 template <typename Input>
 struct Limit {
   std::string name;

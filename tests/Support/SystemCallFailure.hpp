@@ -18,7 +18,10 @@ namespace zelvo::testing {
 /// all threads and, after a fork, of the copy count.
 class FailingCall {
  public:
-  /// `name` is a string literal. `error` is the error number that the call reports.
+  /// In place of an error number: a write succeeds, but takes one byte only.
+  static constexpr int isShort = -1;
+
+  /// `name` outlives this. `error` is the error number that the call reports.
   FailingCall(std::string_view name, int error, std::size_t skipped = 0);
   FailingCall(const FailingCall&) = delete;
   FailingCall& operator=(const FailingCall&) = delete;
@@ -31,7 +34,7 @@ class FailingCall {
 /// To be compared before and after: a difference is a leak.
 std::size_t openDescriptors();
 
-/// Whether this process has a child that nobody has waited for. Waits for one that has ended.
+/// Whether this process has a child that was not waited for. Waits for one that has ended.
 bool leavesChild();
 
 }  // namespace zelvo::testing

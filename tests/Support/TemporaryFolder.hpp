@@ -27,7 +27,7 @@ class TemporaryFolder {
 
   std::string path(std::string_view name) const { return (path_ / name).string(); }
 
-  /// Writes a file and gives its path.
+  /// Writes a file and returns its path.
   std::string write(std::string_view name, std::string_view content) const {
     std::ofstream(path(name), std::ios::binary) << content;
     return path(name);

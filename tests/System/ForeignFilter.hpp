@@ -12,7 +12,7 @@
 
 namespace zelvo::testing {
 
-/// A system call that somebody else's filter answers in the kernel's place.
+/// A system call that a filter of another program answers in the kernel's place.
 struct ForeignAnswer {
   long systemCall;
   unsigned errorNumber;  ///< 0 pretends that the call succeeded
@@ -25,27 +25,24 @@ struct ForeignAnswer {
   bool kills = false;  ///< kills the process instead, by SIGSYS
 };
 
-/// Loads a filter that gives these answers and allows everything else; written by hand, so that it shares
+/// Loads a filter with these answers and allows everything else; written by hand, so that it shares
 /// nothing with what it is to test.
 inline bool loadForeignFilter(const std::vector<ForeignAnswer>& answers) {
-  constexpr auto load = static_cast<std::uint16_t>(BPF_LD | BPF_W | BPF_ABS);
-  constexpr auto jumpIfEqual = static_cast<std::uint16_t>(BPF_JMP | BPF_JEQ | BPF_K);
-  constexpr auto end = static_cast<std::uint16_t>(BPF_RET | BPF_K);
   std::vector<sock_filter> program;
+  const auto add = [&program](int code, std::size_t value, int toSkipIfOther = 0) {
+    program.push_back({static_cast<std::uint16_t>(code), 0, static_cast<std::uint8_t>(toSkipIfOther),
+                       static_cast<std::uint32_t>(value)});
+  };
   for (const ForeignAnswer& answer : answers) {
-    const auto toNextAnswer = static_cast<std::uint8_t>(answer.condition ? 3 : 1);
-    program.push_back({load, 0, 0, offsetof(seccomp_data, nr)});
-    program.push_back({jumpIfEqual, 0, toNextAnswer, static_cast<std::uint32_t>(answer.systemCall)});
+    add(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr));
+    add(BPF_JMP | BPF_JEQ | BPF_K, static_cast<std::size_t>(answer.systemCall), answer.condition ? 3 : 1);
     if (answer.condition) {
-      const std::size_t argument =
-          offsetof(seccomp_data, args) + sizeof(std::uint64_t) * answer.condition->position;
-      program.push_back({load, 0, 0, static_cast<std::uint32_t>(argument)});
-      program.push_back({jumpIfEqual, 0, 1, answer.condition->value});
+      add(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, args) + 8 * answer.condition->position);
+      add(BPF_JMP | BPF_JEQ | BPF_K, answer.condition->value, 1);
     }
-    program.push_back(
-        {end, 0, 0, answer.kills ? SECCOMP_RET_KILL_PROCESS : SECCOMP_RET_ERRNO | answer.errorNumber});
+    add(BPF_RET | BPF_K, answer.kills ? SECCOMP_RET_KILL_PROCESS : SECCOMP_RET_ERRNO | answer.errorNumber);
   }
-  program.push_back({end, 0, 0, SECCOMP_RET_ALLOW});
+  add(BPF_RET | BPF_K, SECCOMP_RET_ALLOW);
   const sock_fprog loaded = {static_cast<unsigned short>(program.size()), program.data()};
   // An unprivileged process needs it to load filters; under confinement it has it already, and may not ask
   // again.

@@ -25,14 +25,13 @@ namespace {
 /// the test.
 int endOf(const std::function<void()>& act) {
   prctl(PR_SET_CHILD_SUBREAPER, 1);
-  const pid_t id = fork();
-  if (id == 0) {
+  if (fork() == 0) {
     SignalCleanup::install();
     act();
     _exit(0);
   }
   int status = 0;
-  waitpid(id, &status, 0);
+  wait(&status);
   return status;
 }
 
@@ -55,10 +54,10 @@ TEST(SignalCleanup, LeavesNoChild) {
 TEST(SignalCleanup, LeavesNoFile) {
   for (const int signal : {SIGHUP, SIGINT, SIGTERM, SIGPIPE}) {
     const testing::TemporaryFolder folder;
+    static volatile std::sig_atomic_t raised = 0;
+    raised = signal;
     const int end = endOf([&] {
       // The limit is met in the middle of writing.
-      static volatile std::sig_atomic_t raised = 0;
-      raised = signal;
       static_cast<void>(std::signal(SIGXFSZ, [](int) { static_cast<void>(raise(raised)); }));
       const rlimit limit = {100, 100};
       setrlimit(RLIMIT_FSIZE, &limit);

@@ -6,49 +6,30 @@
 // status 2.
 
 #include <cerrno>
-#include <cstdio>
+#include <map>
 #include <string>
 #include <sys/resource.h>
 #include <vector>
 
 #include "System/ForeignFilter.hpp"
 
-namespace {
-
-using zelvo::testing::ForeignAnswer;
-
-/// The calls that set a limit, for the three that matter: programs set and ask others when they start.
-std::vector<ForeignAnswer> limitCalls(unsigned errorNumber) {
-  std::vector<ForeignAnswer> answers;
-  for (const std::uint32_t resource : {RLIMIT_CPU, RLIMIT_FSIZE, RLIMIT_NPROC}) {
-    answers.push_back({SYS_prlimit64, errorNumber, {{1, resource}}});
-    answers.push_back({SYS_setrlimit, errorNumber, {{0, resource}}});
-  }
-  return answers;
-}
-
-std::vector<ForeignAnswer> answersTo(const std::string& call, unsigned errorNumber) {
-  if (call == "seccomp") return {{SYS_seccomp, errorNumber, {{0, SECCOMP_SET_MODE_FILTER}}}};
-  if (call == "prctl") return {{SYS_prctl, errorNumber}};
-  if (call == "prlimit") return limitCalls(errorNumber);
-  return {};
-}
-
-}  // namespace
-
 int main(int count, char** arguments) {
   constexpr int usageError = 2;
   if (count < 3) return usageError;
-  const std::string mode = arguments[1];
-  const auto dash = mode.find('-');
-  const std::string answer = dash == std::string::npos ? "" : mode.substr(dash);
-  auto answers = answersTo(mode.substr(0, dash), answer == "-fails" ? EPERM : 0);
-  if (mode == "ptrace-kills")
-    answers = {{SYS_ptrace, 0, {}, true}};
-  else if (answer != "-fails" && answer != "-pretends")
-    return usageError;
-  if (answers.empty()) return usageError;
-  if (zelvo::testing::loadForeignFilter(answers)) execv(arguments[2], arguments + 2);
-  std::perror(arguments[2]);
+  using Answers = std::vector<zelvo::testing::ForeignAnswer>;
+  std::map<std::string, Answers> modes = {{"ptrace-kills", {{SYS_ptrace, 0, {}, true}}}};
+  for (const auto& [suffix, error] : {std::pair<std::string, unsigned>("-fails", EPERM), {"-pretends", 0}}) {
+    modes["seccomp" + suffix] = {{SYS_seccomp, error, {{0, SECCOMP_SET_MODE_FILTER}}}};
+    modes["prctl" + suffix] = {{SYS_prctl, error}};
+    // Only the limits that matter: programs set and ask others when they start.
+    Answers& limits = modes["prlimit" + suffix];
+    for (const std::uint32_t resource : {RLIMIT_CPU, RLIMIT_FSIZE, RLIMIT_NPROC}) {
+      limits.push_back({SYS_prlimit64, error, {{1, resource}}});
+      limits.push_back({SYS_setrlimit, error, {{0, resource}}});
+    }
+  }
+  const auto found = modes.find(arguments[1]);
+  if (found != modes.end() && zelvo::testing::loadForeignFilter(found->second))
+    execv(arguments[2], arguments + 2);
   return usageError;
 }

@@ -7,8 +7,6 @@ import sys
 import tempfile
 import unittest
 
-import openpyxl
-
 ZELVO = sys.argv.pop()
 
 
@@ -16,19 +14,6 @@ def zelvo(*arguments, stdin=None):
     """What the tool prints; `stdin` is a text."""
     run = subprocess.run([ZELVO, *arguments], check=True, stdout=subprocess.PIPE, input=stdin, text=True)
     return run.stdout
-
-
-def write_workbook(path, rows, number_format="General"):
-    """A workbook of one sheet. Its texts are texts, whatever they begin with."""
-    book = openpyxl.Workbook()
-    for r, row in enumerate(rows, 1):
-        for c, value in enumerate(row, 1):
-            cell = book.active.cell(r, c, value)
-            cell.number_format = number_format
-            if isinstance(value, str):
-                cell.data_type = "s"
-    book.save(path)
-    return path
 
 
 class Case(unittest.TestCase):

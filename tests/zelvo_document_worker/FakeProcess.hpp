@@ -1,13 +1,15 @@
 #pragma once
 
 #include <algorithm>
-#include <map>
+#include <array>
 #include <optional>
 #include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "Support/PackageBuilder.hpp"
+#include "Support/Texts.hpp"
 #include "System/EntitlementReader.hpp"
 #include "System/ResourceLimits.hpp"
 #include "System/StandardStreams.hpp"
@@ -20,56 +22,71 @@ namespace zelvo::testing {
 inline const std::string smallRequest = R"({"operation":"extract","data":"","sourceName":"a.xlsx"})";
 inline const std::string smallResponse = R"({"error":"The selected table cannot be used: Choose a table."})";
 
-/// A process as the worker sees it. What the worker does to it is written down, one event a call.
+/// Has every field that an operation needs. Some texts are long, some must be decoded or counted.
+inline DocumentWorkerRequest completeRequest(DocumentWorkerRequest::Operation operation,
+                                             DocumentFormat format = DocumentFormat::pptx) {
+  WorkbookText workbook = richWorkbook();
+  workbook.sheets.back().name = "S\u00fcd";
+  DocumentWorkerRequest request;
+  request.operation = operation;
+  request.data = ByteBuffer::copyOf(workbookPackage(workbook).archive().bytes());
+  request.sourceName = "a workbook with a name that is not short.xlsx";
+  request.selection = {.sheetName = "Sales", .range = "A1:B2", .firstRowIsHeader = true};
+  request.format = format;
+  request.title = repeated("S\u00fcd \U0001F469\u200d\U0001F469\u200d\U0001F467", 8);
+  request.chart = {.categoryColumn = 0, .valueColumn = 1, .title = "Revenue"};
+  return request;
+}
+
+/// A request to validate the document that the request to create it returns.
+inline DocumentWorkerRequest validationOfCreated() {
+  DocumentWorkerResponse created = zelvo::run(completeRequest(DocumentWorkerRequest::Operation::create));
+  DocumentWorkerRequest request = completeRequest(DocumentWorkerRequest::Operation::validate);
+  request.data = std::move(created.document->data);
+  request.expectedTable = std::move(created.table);
+  return request;
+}
+
+/// A process as the worker sees it. It records what the worker does to it, one event a call.
 class FakeProcess : private EntitlementReader, private Limits, private Input, private Output {
  public:
-  std::map<std::string, EntitlementValue, std::less<>> entitlements = {
-      {std::string(entitlement::appSandbox), EntitlementValue::granted}};
   std::string input = smallRequest;
   std::size_t bytesPerRead = 65'536;
   std::size_t readsUntilFailure = ~std::size_t{0};
-  std::string failingEvent;  ///< the call that fails
+  std::string failingEvent;  ///< the call that fails; if it asks for an entitlement, its value is
+  EntitlementValue failingValue = EntitlementValue::other;
 
   std::vector<std::string> events;
   std::string output;
 
-  int run() { return runWorker(*this, *this, *this, *this, answerDocumentRequest); }
-
-  std::size_t count(std::string_view event) const {
-    return static_cast<std::size_t>(std::count(events.begin(), events.end(), event));
+  int run(RequestHandler handle = answerDocumentRequest) {
+    return runWorker(*this, *this, *this, *this, handle);
   }
+
+  std::ptrdiff_t count(std::string_view event) const { return std::ranges::count(events, event); }
 
  private:
-  bool note(std::string event) {
-    events.push_back(std::move(event));
-    return events.back() != failingEvent;
+  bool note(const std::string& event) {
+    events.push_back(event);
+    return event != failingEvent;
   }
-
   EntitlementValue value(std::string_view key) override {
-    note("entitlement " + std::string(key));
-    const auto found = entitlements.find(key);
-    return found == entitlements.end() ? EntitlementValue::absent : found->second;
+    if (!note("entitlement " + std::string(key))) return failingValue;
+    return key == entitlement::appSandbox ? EntitlementValue::granted : EntitlementValue::absent;
   }
-
   bool apply(const ResourceLimit& limit) override {
-    static const std::map<Resource, std::string> names = {{Resource::cpuSeconds, "cpu seconds"},
-                                                          {Resource::fileBytes, "file bytes"},
-                                                          {Resource::processes, "processes"}};
-    return note("limit " + names.at(limit.resource) + " " + std::to_string(limit.soft) + "/" +
-                std::to_string(limit.hard));
+    constexpr std::array names = {"cpu seconds ", "file bytes ", "processes "};
+    return note("limit " + (names[static_cast<std::size_t>(limit.resource)] + std::to_string(limit.soft)) +
+                "/" + std::to_string(limit.hard));
   }
-
   bool seal() override { return note("seal"); }
-
   std::optional<std::size_t> read(std::span<char> buffer) override {
     note("read " + std::to_string(buffer.size()));
     if (readsUntilFailure-- == 0) return std::nullopt;
-    const std::size_t size = std::min({buffer.size(), bytesPerRead, input.size() - position_});
-    std::copy_n(input.begin() + static_cast<std::ptrdiff_t>(position_), size, buffer.begin());
+    const std::size_t size = input.copy(buffer.data(), std::min(buffer.size(), bytesPerRead), position_);
     position_ += size;
     return size;
   }
-
   bool write(std::string_view bytes) override {
     output += bytes;
     return note("write");
