@@ -55,9 +55,28 @@ struct DocumentWorkerResponse {
   bool operator==(const DocumentWorkerResponse&) const = default;
 };
 
-void encode(JsonWriter& writer, const DocumentWorkerRequest& request);
-void decode(JsonValue value, DocumentWorkerRequest& request);
-void encode(JsonWriter& writer, const DocumentWorkerResponse& response);
-void decode(JsonValue value, DocumentWorkerResponse& response);
+void encode(JsonWriter& writer, DocumentWorkerRequest::Operation operation);
+void decode(JsonValue value, DocumentWorkerRequest::Operation& operation);
+
+template <ConstOrNot<DocumentWorkerRequest> Record>
+void eachField(Record& request, const auto& field) {
+  field("operation", request.operation);
+  field("data", request.data);
+  field("sourceName", request.sourceName);
+  field("selection", request.selection);
+  field("format", request.format);
+  field("title", request.title);
+  field("chart", request.chart);
+  field("expectedTable", request.expectedTable);
+}
+
+template <ConstOrNot<DocumentWorkerResponse> Record>
+void eachField(Record& response, const auto& field) {
+  field("inspection", response.inspection);
+  field("table", response.table);
+  field("document", response.document);
+  field("validation", response.validation);
+  field("error", response.error);
+}
 
 }  // namespace zelvo

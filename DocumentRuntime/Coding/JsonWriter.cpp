@@ -41,8 +41,8 @@ void appendEscape(std::string& out, char c) {
       return;
     default:
       out += "\\u00";
-      out += ASCII::hexDigits[static_cast<unsigned char>(c) >> 4];
-      out += ASCII::hexDigits[static_cast<unsigned char>(c) & 0xF];
+      const auto digits = ASCII::hexadecimal(static_cast<unsigned char>(c));
+      out.append(digits.data(), digits.size());
   }
 }
 

@@ -157,7 +157,7 @@ TEST(DocumentWorkerHost, AcceptsOnlyWhatTheOperationCanReturn) {
     const auto* failure = std::get_if<WorkerFailure>(&reply);
     const bool isList = row.detail.ends_with("]");
     EXPECT_EQ(failure != nullptr ? failure->detail : "",
-              row.detail + (isList ? ": No operation returns so long a list." : ""));
+              row.detail + (isList ? ": Too many elements." : ""));
   }
 }
 
