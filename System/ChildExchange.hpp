@@ -12,7 +12,9 @@ namespace zelvo {
 /// The starting process's ends of a child's pipes. They do not block. An empty one is not used.
 struct ChildStreams {
   Descriptor input;
-  Descriptor unreadInput;  ///< the read end of the same pipe, which is never read; empty if not known
+  /// The read end of the same pipe; empty if there is no input. Never read. It counts what the child left
+  /// unread, and it keeps the pipe open, so that a write after the child has ended does not raise SIGPIPE.
+  Descriptor unreadInput;
   Descriptor output;
   Descriptor errors;
 };

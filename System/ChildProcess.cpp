@@ -30,41 +30,6 @@ constexpr std::size_t keptErrorBytes = 65536;
 /// Keeps sums with the clock's time in range.
 constexpr std::chrono::milliseconds longestWallClock = std::chrono::hours(24 * 365);
 
-/// Blocks SIGPIPE in this thread, so that writing to a child that has ended fails with EPIPE and does not end
-/// the host, whatever its handling of the signal.
-class SigpipeBlocker {
- public:
-  SigpipeBlocker() : wasPending_(isPending()) {
-    const sigset_t sigpipe = only();
-    pthread_sigmask(SIG_BLOCK, &sigpipe, &before_);
-  }
-  SigpipeBlocker(const SigpipeBlocker&) = delete;
-  SigpipeBlocker& operator=(const SigpipeBlocker&) = delete;
-  ~SigpipeBlocker() {
-    const sigset_t sigpipe = only();
-    int taken = 0;
-    if (!wasPending_ && isPending()) sigwait(&sigpipe, &taken);
-    pthread_sigmask(SIG_SETMASK, &before_, nullptr);
-  }
-
- private:
-  static sigset_t only() {
-    sigset_t set;
-    sigemptyset(&set);
-    sigaddset(&set, SIGPIPE);
-    return set;
-  }
-  static bool isPending() {
-    sigset_t pending;
-    sigemptyset(&pending);
-    sigpending(&pending);
-    return sigismember(&pending, SIGPIPE) == 1;
-  }
-
-  bool wasPending_;
-  sigset_t before_ = {};
-};
-
 /// A started child. The destructor kills it if it is still running.
 class Child {
  public:
@@ -140,13 +105,13 @@ bool isTemporary(int error) {
   return error == EAGAIN || error == EINTR;
 }
 
-/// Writes what the pipe takes; closes it after the last byte, and when the child no longer reads. False after
-/// any other failure, whose error number is in errno.
+/// Writes as much as the pipe takes, and closes it after the last byte. Returns false after a failure; its
+/// error number is in errno. No write raises SIGPIPE: `ChildStreams::unreadInput` keeps a read end open.
 bool writeSome(Descriptor& stream, std::string_view& input) {
   const ssize_t count = ::write(stream.number(), input.data(), input.size());
-  if (count >= 0) input.remove_prefix(static_cast<std::size_t>(count));
-  if (count < 0 && errno != EPIPE) return isTemporary(errno);
-  if (count < 0 || input.empty()) stream.close();
+  if (count < 0) return isTemporary(errno);
+  input.remove_prefix(static_cast<std::size_t>(count));
+  if (input.empty()) stream.close();
   return true;
 }
 
@@ -218,7 +183,6 @@ ChildResult runChild(const ChildStart& start, std::string_view input, const Chil
   ChildResult result = {};
   result.outcome = ChildOutcome::failed;
   const Clock::time_point deadline = Clock::now() + std::min(bounds.wallClock, longestWallClock);
-  const SigpipeBlocker held;
 
   ChildStreams streams;
   pid_t id = 0;
