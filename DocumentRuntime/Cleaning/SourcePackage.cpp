@@ -1,7 +1,6 @@
 #include "DocumentRuntime/Cleaning/SourcePackage.hpp"
 
 #include <algorithm>
-#include <array>
 
 #include "DocumentRuntime/Cleaning/DroppedParts.hpp"
 #include "DocumentRuntime/Errors/DocumentError.hpp"
@@ -18,13 +17,6 @@ using OOXML::NamespaceScope;
 constexpr std::string_view contentTypesPart = "[Content_Types].xml";
 constexpr std::string_view packageRelationshipsPart = "_rels/.rels";
 
-/// Where relationship types stand: Transitional, Strict, and what one program added.
-constexpr std::array<std::string_view, 3> relationshipTypeFolders = {
-    "http://schemas.openxmlformats.org/officeDocument/2006/relationships/",
-    "http://purl.oclc.org/ooxml/officeDocument/relationships/",
-    "http://schemas.microsoft.com/office/2006/relationships/",
-};
-
 // By what readers look for these parts, whatever the relationships say.
 constexpr std::string_view usualWorkbook = "xl/workbook.xml";
 constexpr std::string_view usualSharedStrings = "xl/sharedStrings.xml";
@@ -32,13 +24,6 @@ constexpr std::string_view usualStyles = "xl/styles.xml";
 
 constexpr std::string_view plainWorkbookType =
     "application/vnd.openxmlformats-officedocument.spreadsheetml.sheet.main+xml";
-
-std::string typeWord(std::string_view type) {
-  for (const std::string_view folder : relationshipTypeFolders) {
-    if (type.starts_with(folder)) return std::string(type.substr(folder.size()));
-  }
-  return {};
-}
 
 DocumentError ambiguousRelationship() {
   return DocumentError::unsafeContent("external or ambiguous relationship");
@@ -64,11 +49,12 @@ SourceRelationships::SourceRelationships(XMLNode root, std::string_view partName
     if (!identifier) throw ambiguousRelationship();
     const bool isNew =
         byIdentifier_
-            .try_emplace(std::string(*identifier),
-                         SourceRelationship{
-                             .type = typeWord(child.attribute("Type").value_or("")),
-                             .target = std::string(child.attribute("Target").value_or("")),
-                             .isExternal = child.attribute("TargetMode").value_or("Internal") != "Internal"})
+            .try_emplace(
+                std::string(*identifier),
+                SourceRelationship{
+                    .type = std::string(OOXML::relationshipType(child.attribute("Type").value_or(""))),
+                    .target = std::string(child.attribute("Target").value_or("")),
+                    .isExternal = child.attribute("TargetMode").value_or("Internal") != "Internal"})
             .second;
     if (!isNew) throw ambiguousRelationship();
   }
