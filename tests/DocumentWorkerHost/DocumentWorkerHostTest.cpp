@@ -156,8 +156,7 @@ TEST(DocumentWorkerHost, AcceptsOnlyWhatTheOperationCanReturn) {
     const WorkerReply reply = replyOf("say {" + row.members + "}", requestOf("x", row.operation));
     const auto* failure = std::get_if<WorkerFailure>(&reply);
     const bool isList = row.detail.ends_with("]");
-    EXPECT_EQ(failure != nullptr ? failure->detail : "",
-              row.detail + (isList ? ": Too many elements." : ""));
+    EXPECT_EQ(failure != nullptr ? failure->detail : "", row.detail + (isList ? ": Too many elements." : ""));
   }
 }
 
