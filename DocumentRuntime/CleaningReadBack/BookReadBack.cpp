@@ -91,9 +91,7 @@ Book::Book(OOXML::ArchiveTrees& trees) {
   const Entry* const workbook =
       linked(trees, "_rels/.rels", readLinks(trees, "_rels/.rels"), "officeDocument", "xl/workbook.xml");
   if (workbook == nullptr) throw DocumentError::validationFailed("no workbook part");
-  std::string part(workbook->name);
-  part.insert(part.rfind('/') + 1, "_rels/");
-  part += ".rels";
+  const std::string part = OOXML::relationshipsPart(workbook->name);
   const Links links = readLinks(trees, part);
   strings = linked(trees, part, links, "sharedStrings", "xl/sharedStrings.xml");
   styles = linked(trees, part, links, "styles", "xl/styles.xml");

@@ -15,7 +15,7 @@ inline void appendPiece(std::string& out, std::string_view text) {
   out += text;
 }
 
-/// In decimal, whatever the locale.
+/// In decimal, independent of the locale.
 template <std::integral Integer>
 requires(!std::same_as<Integer, char> && !std::same_as<Integer, bool>) void appendPiece(std::string& out,
                                                                                         Integer value) {
@@ -41,7 +41,7 @@ inline constexpr std::string_view relationshipTypes =
 std::string_view entity(char character);
 
 /// `text` for an XML text node or attribute value: the five special characters as entities, and without the
-/// characters that XML cannot carry.
+/// characters that XML does not allow.
 std::string escaped(std::string_view text);
 
 /// The bytes of a part: the XML declaration, then the body.

@@ -97,6 +97,12 @@ std::string OOXML::resolve(std::string_view target, std::string_view relationshi
   return TargetResolver(relationshipPart).resolve(target);
 }
 
+std::string OOXML::relationshipsPart(std::string_view part) {
+  const std::size_t name = part.rfind('/') + 1;  // npos + 1 is 0: a part in no folder
+  std::string path(part.substr(0, name));
+  return path.append("_rels/").append(part.substr(name)).append(".rels");
+}
+
 std::string_view OOXML::relationshipType(std::string_view uri) {
   constexpr std::string_view starts[] = {
       "http://schemas.openxmlformats.org/officeDocument/2006/relationships/",
