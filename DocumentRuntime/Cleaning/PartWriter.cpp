@@ -38,8 +38,8 @@ constexpr auto escapedInValue = marked("&<>\r\"\t\n");
 
 }  // namespace
 
-// The largest part needs this much; pages that are never written are never resident, and nothing is copied
-// for growth.
+// The size of the largest part, so that nothing is copied as the text grows. Pages that are never written are
+// never resident.
 PartWriter::PartWriter() {
   xml_.reserve(OOXML::maximumXMLBytes);
 }
@@ -95,7 +95,7 @@ void PartWriter::end(Tag tag) {
   append(">");
 }
 
-void PartWriter::requireRoom(std::size_t bytes) const {
+void PartWriter::requireCapacity(std::size_t bytes) const {
   if (bytes > OOXML::maximumXMLBytes - xml_.size())
     throw DocumentError::resourceLimit("more than 16 MiB of XML in " + place_ + detail_);
 }
@@ -113,12 +113,12 @@ void PartWriter::closeStartTag() {
 }
 
 void PartWriter::append(std::string_view fixed) {
-  requireRoom(fixed.size());
+  requireCapacity(fixed.size());
   xml_ += fixed;
 }
 
 void PartWriter::appendEscaped(std::string_view text, const std::array<bool, 256>& isEscaped) {
-  std::size_t run = 0;  // what lies between here and `i` is copied as it is
+  std::size_t run = 0;  // start of the bytes that are copied unchanged
   for (std::size_t i = 0; i < text.size(); ++i) {
     if (!isEscaped[static_cast<unsigned char>(text[i])]) continue;
     append(text.substr(run, i - run));
