@@ -32,7 +32,8 @@ std::optional<std::string> compareStrings(OOXML::ArchiveTrees& source, const Ent
   return std::nullopt;
 }
 
-/// The number formats of a styles part: the id of each cell style, and the codes of the ids that it defines.
+/// The number formats of a styles part: the format id of each cell style, and the codes of the ids that the
+/// part defines.
 struct Formats {
   std::vector<std::optional<std::int64_t>> styles;
   std::map<std::int64_t, std::string> codes;

@@ -16,10 +16,10 @@ struct Expectation {
   bool plainFormats = false;
 };
 
-/// Compares source and result in step and returns the first difference, or nullopt. Compares names, order and
-/// visibility of the sheets, the date system, hidden rows and columns, merged areas, filters, and for every
-/// cell with content its address, type, stored text, number format and formula. A shared formula that was
-/// written out is compared with its master after its references are moved back.
+/// Compares source and result. Returns the first difference, or nullopt. Compares names, order and visibility
+/// of the sheets, the date system, hidden rows and columns, merged areas, filters, and for every cell with
+/// content its address, type, stored text, number format and formula. A shared formula that was written out
+/// is compared with its master after its references are moved back.
 ///
 /// Throws `DocumentError` if a part cannot be read.
 std::optional<std::string> difference(OOXML::ArchiveTrees& source, OOXML::ArchiveTrees& result,
