@@ -9,18 +9,18 @@
 #include "DocumentRuntime/Records/ByteBuffer.hpp"
 #include "DocumentRuntime/Records/CleaningReport.hpp"
 
-/// The one request and the one response that pass between a host and the workbook cleaner, as JSON objects of
-/// their fields in the order of declaration: `toJson`, `fromJson`. The bounds on messages are the worker's.
+/// The request and the response of the workbook cleaner, as JSON objects of their fields in the order of
+/// declaration: `toJson`, `fromJson`. The limits on messages are the worker's.
 namespace zelvo {
 
 namespace DocumentCleanerWire {
 
-/// Of the messages: a cleaner refuses a request of another version.
+/// The version of the messages: a cleaner refuses a request of another version.
 inline constexpr std::int64_t version = 1;
 
 }  // namespace DocumentCleanerWire
 
-/// What is asked of the cleaner. Move-only.
+/// A request to the cleaner. Move-only.
 struct DocumentCleanerRequest {
   std::int64_t version = DocumentCleanerWire::version;
   std::string sourceName;
@@ -40,7 +40,7 @@ struct CleanedDocument {
   bool operator==(const CleanedDocument&) const = default;
 };
 
-/// What the cleaner answers: version, document and report, or the error alone. Move-only.
+/// The cleaner's response: version, document and report, or the error alone. Move-only.
 struct DocumentCleanerResponse {
   std::optional<std::int64_t> version;
   std::optional<CleanedDocument> document;

@@ -87,9 +87,9 @@ void encode(JsonWriter& writer, const std::vector<T>& list) {
 }
 
 /// A field that is a list. Decoding keeps its first `limit` elements, and of a list of lists the first
-/// `innerLimit` of each. The others are decoded and dropped: an element of a few bytes of JSON is many times
-/// larger in memory, and the record's rules refuse a list that is too long, even if it has been cut. Refers
-/// to the list.
+/// `innerLimit` of each. The others are decoded and dropped, because an element of a few bytes of JSON is
+/// many times larger in memory. `limit` must be above the record's own limit, so that its rules refuse the
+/// cut list too. Refers to the list.
 template <typename List>
 struct BoundedList {
   List& list;

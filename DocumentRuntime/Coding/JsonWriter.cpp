@@ -83,7 +83,7 @@ void JsonWriter::integer(std::int64_t value) {
 
 void JsonWriter::number(double value) {
   if (!std::isfinite(value))
-    throw DocumentError::validationFailed("JSON cannot carry a number that is not finite.");
+    throw DocumentError::validationFailed("JSON cannot represent a number that is not finite.");
   separate();
   JsonNumber::append(text_, value);
 }
