@@ -3,8 +3,8 @@
 #include "DocumentRuntime/Coding/JsonCoding.hpp"
 #include "DocumentRuntime/Research/Dataset/Spreadsheet.hpp"
 
-/// The JSON forms of datasets and what they hold: objects of their fields with sorted keys; a cell is a bare
-/// string, number or null. Use them through `fromJson` and `toJson`.
+/// The JSON forms of datasets and of the records in them: objects of their fields with sorted keys; a cell is
+/// a bare string, number or null. Use them through `fromJson` and `toJson`.
 namespace zelvo {
 
 void encode(JsonWriter& writer, Formula::Operation operation);

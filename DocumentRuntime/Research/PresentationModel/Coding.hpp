@@ -4,8 +4,8 @@
 #include "DocumentRuntime/Research/Dataset/SpreadsheetCoding.hpp"
 #include "DocumentRuntime/Research/PresentationModel/Presentation.hpp"
 
-/// The JSON forms of decks and what they hold: objects of their fields with sorted keys. Use them through
-/// `fromJson` and `toJson`.
+/// The JSON forms of decks and of the records in them: objects of their fields with sorted keys. Use them
+/// through `fromJson` and `toJson`.
 namespace zelvo {
 
 // The fields are in the order of their sorted keys, for the canonical encoding.
