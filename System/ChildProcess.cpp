@@ -23,7 +23,7 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-/// What a pipe holds by default.
+/// The default capacity of a pipe.
 constexpr std::size_t readBytes = 65536;
 /// Longer than any error message. Further output is read and discarded.
 constexpr std::size_t keptErrorBytes = 65536;
@@ -40,9 +40,9 @@ class Child {
 
   bool isGone() const { return isGone_; }
 
-  /// Checks whether the child has ended, or waits for its end, as `options` of `wait4` say.
+  /// Checks whether the child has ended, or waits for its end, by the `options` of `wait4`.
   void look(int options) {
-    const SignalCleanup::Hold hold;  // once waited for, the number may be another process's
+    const SignalCleanup::Hold hold;  // after the wait, the ID may belong to another process
     pid_t found = 0;
     do {
       found = wait4(id_, &status_, options, &usage_);
@@ -52,7 +52,7 @@ class Child {
     if (isGone_) cleanup_.clear();
   }
 
-  /// False when the child is still there at the deadline.
+  /// Returns false if the child is still running at the deadline.
   bool endsBefore(Clock::time_point deadline) {
     constexpr std::chrono::microseconds firstPause{50};
     constexpr std::chrono::microseconds longestPause{10'000};
@@ -100,7 +100,7 @@ class Child {
   rusage usage_ = {};
 };
 
-/// Whether a call that failed may be tried again.
+/// Whether a call that failed may be retried.
 bool isTemporary(int error) {
   return error == EAGAIN || error == EINTR;
 }
@@ -115,19 +115,19 @@ bool writeSome(Descriptor& stream, std::string_view& input) {
   return true;
 }
 
-enum class Reading { goesOn, tooLarge, failed };
+enum class Reading { continues, tooLarge, failed };
 
-/// Reads what is there and keeps up to `bound` bytes in all; closes the stream at its end. `tooLarge` when
-/// more came. After `failed` the error number is in errno: what was read must not pass for the whole.
+/// Reads the available bytes and keeps up to `bound` bytes in total; closes the stream at its end. Returns
+/// `tooLarge` if there are more. After `failed` the error number is in errno, and the output is incomplete.
 Reading readSome(Descriptor& stream, std::string& kept, std::size_t bound) {
   std::array<char, readBytes> buffer;
   const ssize_t count = ::read(stream.number(), buffer.data(), buffer.size());
-  if (count < 0) return isTemporary(errno) ? Reading::goesOn : Reading::failed;
+  if (count < 0) return isTemporary(errno) ? Reading::continues : Reading::failed;
   if (count == 0) stream.close();
-  const auto came = static_cast<std::size_t>(count);
-  const std::size_t taken = std::min(came, bound - kept.size());
-  kept.append(buffer.data(), taken);
-  return taken == came ? Reading::goesOn : Reading::tooLarge;
+  const auto received = static_cast<std::size_t>(count);
+  const std::size_t accepted = std::min(received, bound - kept.size());
+  kept.append(buffer.data(), accepted);
+  return accepted == received ? Reading::continues : Reading::tooLarge;
 }
 
 int millisecondsUntil(Clock::time_point deadline) {
@@ -136,14 +136,13 @@ int millisecondsUntil(Clock::time_point deadline) {
   return static_cast<int>(std::clamp(left, std::chrono::milliseconds(0), longestSleep).count());
 }
 
-/// How many bytes are in a pipe.
+/// The number of bytes in a pipe.
 std::uint64_t bytesIn(const Descriptor& pipe) {
   int count = 0;
   return ioctl(pipe.number(), FIONREAD, &count) == 0 ? static_cast<std::uint64_t>(count) : 0;
 }
 
-/// Writes and reads until the child has closed both outputs. Returns why the child must be killed, if it
-/// must.
+/// Writes and reads until the child has closed both outputs. Returns the reason if the child must be killed.
 std::optional<ChildOutcome> exchange(ChildStreams& streams, std::string_view& input,
                                      const ChildBounds& bounds, Clock::time_point deadline,
                                      ChildResult& result) {
