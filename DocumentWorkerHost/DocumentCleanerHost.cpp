@@ -9,7 +9,7 @@ namespace {
 
 using Kind = WorkerFailure::Kind;
 
-/// Whether the response is a refusal and nothing else, or whole.
+/// Whether the response is a refusal and nothing else, or complete.
 bool isComplete(const DocumentCleanerResponse& response) {
   const bool isRefusal = response.error.has_value();
   return response.document.has_value() == !isRefusal && response.report.has_value() == !isRefusal &&

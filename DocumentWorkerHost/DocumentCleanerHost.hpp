@@ -9,10 +9,10 @@
 
 namespace zelvo {
 
-/// What came of a request: the cleaner's response, which may be a refusal (`error`), or why there is none.
+/// The result of a request: the cleaner's response, which may be a refusal (`error`), or why there is none.
 using CleanerReply = std::variant<DocumentCleanerResponse, WorkerFailure>;
 
-/// Has workbooks cleaned by confined processes, one a request.
+/// Sends requests to confined cleaners, one process per request.
 ///
 ///     const DocumentCleanerHost host("/usr/libexec/zelvo/zelvo_document_cleaner");
 ///     const CleanerReply reply = host.send({.sourceName = "sales.xlsx", .data = std::move(bytes)});
@@ -23,7 +23,7 @@ class DocumentCleanerHost {
   /// The cleaner may use 45 seconds of processor time; on a busy machine that takes longer.
   static constexpr std::chrono::seconds defaultTimeout{180};
 
-  /// `cleanerPath` is the cleaner's executable; it is not searched for. `timeout` is wall-clock time a
+  /// `cleanerPath` is the cleaner's executable; it is not searched for. `timeout` is wall-clock time per
   /// request.
   explicit DocumentCleanerHost(std::string cleanerPath, std::chrono::milliseconds timeout = defaultTimeout);
 

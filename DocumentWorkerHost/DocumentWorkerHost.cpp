@@ -33,13 +33,6 @@ bool answers(const DocumentWorkerResponse& response, Operation operation) {
          response.validation.has_value() == isDue({Operation::validate});
 }
 
-void requireAtMost(std::size_t limit, JsonValue list) {
-  std::size_t count = 0;
-  for (const JsonValue element : list.array()) {
-    if (++count > limit) element.fail("No operation returns so long a list.");
-  }
-}
-
 void requireWithinBounds(JsonObject response) {
   if (const auto inspection = response.optional("inspection")) {
     requireAtMost(maximumSheets, inspection->object().required("sheets"));

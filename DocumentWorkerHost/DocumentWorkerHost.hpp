@@ -27,8 +27,8 @@ class DocumentWorkerHost {
   /// The worker may use 45 seconds of processor time; on a busy machine that takes longer.
   static constexpr std::chrono::seconds defaultTimeout{180};
 
-  /// No document of this size fits into a request: base64 alone fills it. A caller that reads a document can
-  /// stop here.
+  /// No document of this size fits into a request: its base64 alone has the size of a message. A caller that
+  /// reads a document can stop here.
   static constexpr std::size_t unsendableBytes = DocumentWorkerWire::maximumMessageBytes / 4 * 3;
 
   /// `workerPath` is the worker's executable; it is not searched for. `timeout` is wall-clock time per
@@ -40,7 +40,7 @@ class DocumentWorkerHost {
   /// Throws only `std::bad_alloc`.
   WorkerReply send(const DocumentWorkerRequest& request) const;
 
-  /// The same for a request that is encoded already and asks for `operation`.
+  /// The same for an encoded request for `operation`.
   WorkerReply sendEncoded(std::string_view request, DocumentWorkerRequest::Operation operation) const;
 
  private:

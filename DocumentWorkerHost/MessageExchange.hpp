@@ -11,7 +11,7 @@
 #include "DocumentWorkerHost/DocumentWorkerHost.hpp"
 #include "DocumentWorkerHost/WorkerFailure.hpp"
 
-/// What the hosts of the worker and of the cleaner share.
+/// Common code of the hosts of the worker and of the cleaner.
 namespace zelvo {
 
 /// The text of a request that carries a document. Returns nullopt if the document alone is too large.
@@ -23,8 +23,8 @@ std::optional<std::string> encodedRequest(const Request& request) {
   return toJson(request, Base64::encodedSize(documentBytes) + bytesOfOtherFields);
 }
 
-/// Starts a worker or cleaner, sends it the text of a request and returns the text of the response. A request
-/// that is larger than a message may be is not sent. Throws only `std::bad_alloc`.
+/// Starts a worker or cleaner, sends it the text of a request and returns the text of the response. Does not
+/// send a request above the limit on messages. Throws only `std::bad_alloc`.
 std::variant<std::string, WorkerFailure> exchange(const std::string& path, std::string_view request,
                                                   std::chrono::milliseconds timeout);
 

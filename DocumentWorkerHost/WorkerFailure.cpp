@@ -13,10 +13,10 @@ namespace {
 
 using Kind = WorkerFailure::Kind;
 
-/// Linux kills with SIGKILL, not SIGXCPU, where the soft limit of processor time is the hard one, as the
-/// worker sets them: at 45 seconds as counted by ticks. The precise count that it reports afterwards has been
-/// seen as low as 41 seconds on a busy virtual machine. A kill for another reason after this much processor
-/// time is unlikely: the hardest documents take a few seconds.
+/// Linux kills with SIGKILL, not SIGXCPU, if the soft and the hard limit of processor time are equal, as the
+/// worker sets them: at 45 seconds, counted in ticks. The precise time that it reports afterwards was as low
+/// as 41 seconds on a busy virtual machine. A kill for another reason after this much processor time is
+/// unlikely: the hardest documents take a few seconds.
 constexpr std::chrono::seconds leastCPUTimeOfLimitKill{35};
 
 std::string sentence(Kind kind, int code, const std::string& subject) {

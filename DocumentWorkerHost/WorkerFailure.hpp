@@ -11,9 +11,9 @@ struct ChildResult;
 /// the refusal is a response.
 struct WorkerFailure {
   enum class Kind {
-    requestTooLarge,      ///< found before anything was started
+    requestTooLarge,      ///< nothing was started
     notFound,             ///< no executable at the path
-    notRun,               ///< the system refused to start it, or failed under way; `code` is the error number
+    notRun,               ///< it could not be started, or a system call failed; `code` is the error number
     timedOut,             ///< ended by the host
     responseTooLarge,     ///< ended by the host
     gaveNoResponse,       ///< status 65
@@ -24,7 +24,7 @@ struct WorkerFailure {
     brokenInvariant,      ///< SIGSYS, after that: killed by its own filter at a forbidden system call
     killed,               ///< SIGKILL from outside, most often for memory
     crashed,              ///< any other signal; `code` is the signal
-    unreadableResponse,   ///< no JSON, not the response's shape, or no response to this request
+    unreadableResponse,   ///< not JSON, not the response's schema, or not a response to this request
   };
 
   Kind kind;

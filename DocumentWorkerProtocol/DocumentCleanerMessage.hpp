@@ -9,18 +9,18 @@
 #include "DocumentRuntime/Records/ByteBuffer.hpp"
 #include "DocumentRuntime/Records/CleaningReport.hpp"
 
-/// The one request and the one response that pass between a host and the workbook cleaner, as JSON objects of
-/// their fields in the order of declaration: `toJson`, `fromJson`. The bounds on messages are the worker's.
+/// The request and the response of the workbook cleaner, as JSON objects of their fields in the order of
+/// declaration: `toJson`, `fromJson`. The limits on messages are the worker's.
 namespace zelvo {
 
 namespace DocumentCleanerWire {
 
-/// Of the messages: a cleaner refuses a request of another version.
+/// The version of the messages: a cleaner refuses a request of another version.
 inline constexpr std::int64_t version = 1;
 
 }  // namespace DocumentCleanerWire
 
-/// What is asked of the cleaner. Move-only.
+/// A request to the cleaner. Move-only.
 struct DocumentCleanerRequest {
   std::int64_t version = DocumentCleanerWire::version;
   std::string sourceName;
@@ -40,7 +40,7 @@ struct CleanedDocument {
   bool operator==(const CleanedDocument&) const = default;
 };
 
-/// What the cleaner answers: version, document and report, or the error alone. Move-only.
+/// The cleaner's response: version, document and report, or the error alone. Move-only.
 struct DocumentCleanerResponse {
   std::optional<std::int64_t> version;
   std::optional<CleanedDocument> document;
@@ -50,11 +50,29 @@ struct DocumentCleanerResponse {
   bool operator==(const DocumentCleanerResponse&) const = default;
 };
 
-void encode(JsonWriter& writer, const DocumentCleanerRequest& request);
-void decode(JsonValue value, DocumentCleanerRequest& request);
-void encode(JsonWriter& writer, const CleanedDocument& document);
-void decode(JsonValue value, CleanedDocument& document);
-void encode(JsonWriter& writer, const DocumentCleanerResponse& response);
-void decode(JsonValue value, DocumentCleanerResponse& response);
+template <ConstOrNot<DocumentCleanerRequest> Record>
+void eachField(Record& request, const auto& field) {
+  field("version", request.version);
+  field("sourceName", request.sourceName);
+  field("data", request.data);
+  field("sheets", request.sheets);
+  field("unmerge", request.unmerge);
+  field("plainFormats", request.plainFormats);
+}
+
+template <ConstOrNot<CleanedDocument> Record>
+void eachField(Record& document, const auto& field) {
+  field("data", document.data);
+  field("sourceSHA256", document.sourceSHA256);
+  field("outputSHA256", document.outputSHA256);
+}
+
+template <ConstOrNot<DocumentCleanerResponse> Record>
+void eachField(Record& response, const auto& field) {
+  field("version", response.version);
+  field("document", response.document);
+  field("report", response.report);
+  field("error", response.error);
+}
 
 }  // namespace zelvo

@@ -10,31 +10,30 @@
 #include "DocumentRuntime/Records/ByteBuffer.hpp"
 #include "DocumentRuntime/Records/DocumentModels.hpp"
 
-/// The one request and the one response that pass between a host and the worker, as JSON objects of their
-/// fields in the order of declaration: `toJson`, `fromJson`.
+/// The request and the response of the worker, as JSON objects of their fields in the order of declaration:
+/// `toJson`, `fromJson`.
 namespace zelvo {
 
 namespace DocumentWorkerWire {
 
-/// The code-signing identifier under which the worker is signed where programs are signed, for hosts that
-/// check it.
+/// The worker's code-signing identifier on systems that sign programs, for hosts that check it.
 inline constexpr std::string_view signingIdentifier = "com.korrinet.document-worker";
 
 /// The largest request and the largest response: 40 MiB of JSON.
 inline constexpr std::int64_t maximumMessageBytes = 41'943'040;
 
-/// Of an error that is reported, in user-perceived characters: details can quote texts of the document.
+/// The limit of a reported error, in user-perceived characters: details can quote texts of the document.
 inline constexpr std::size_t maximumErrorCharacters = 500;
 
 }  // namespace DocumentWorkerWire
 
-/// What is asked of the worker. An operation ignores the fields that it does not use. Move-only.
+/// A request to the worker. An operation ignores the fields that it does not use. Move-only.
 struct DocumentWorkerRequest {
   enum class Operation { inspect, extract, create, validate };
 
   Operation operation = Operation::inspect;
   ByteBuffer data;         ///< the workbook; for `validate`, the document
-  std::string sourceName;  ///< what the results call the workbook
+  std::string sourceName;  ///< the name of the workbook in the results
   std::optional<TableSelection> selection;
   std::optional<DocumentFormat> format;
   std::optional<std::string> title;
@@ -44,7 +43,7 @@ struct DocumentWorkerRequest {
   bool operator==(const DocumentWorkerRequest&) const = default;
 };
 
-/// What the worker answers: the results of the operation, or the error alone. Move-only.
+/// The worker's response: the results of the operation, or the error alone. Move-only.
 struct DocumentWorkerResponse {
   std::optional<WorkbookInspection> inspection;
   std::optional<SourceTable> table;
@@ -55,9 +54,28 @@ struct DocumentWorkerResponse {
   bool operator==(const DocumentWorkerResponse&) const = default;
 };
 
-void encode(JsonWriter& writer, const DocumentWorkerRequest& request);
-void decode(JsonValue value, DocumentWorkerRequest& request);
-void encode(JsonWriter& writer, const DocumentWorkerResponse& response);
-void decode(JsonValue value, DocumentWorkerResponse& response);
+void encode(JsonWriter& writer, DocumentWorkerRequest::Operation operation);
+void decode(JsonValue value, DocumentWorkerRequest::Operation& operation);
+
+template <ConstOrNot<DocumentWorkerRequest> Record>
+void eachField(Record& request, const auto& field) {
+  field("operation", request.operation);
+  field("data", request.data);
+  field("sourceName", request.sourceName);
+  field("selection", request.selection);
+  field("format", request.format);
+  field("title", request.title);
+  field("chart", request.chart);
+  field("expectedTable", request.expectedTable);
+}
+
+template <ConstOrNot<DocumentWorkerResponse> Record>
+void eachField(Record& response, const auto& field) {
+  field("inspection", response.inspection);
+  field("table", response.table);
+  field("document", response.document);
+  field("validation", response.validation);
+  field("error", response.error);
+}
 
 }  // namespace zelvo

@@ -11,7 +11,7 @@
 namespace zelvo {
 namespace {
 
-/// Several times the longest explanation.
+/// A bound on the child's output; several times the longest explanation.
 constexpr std::size_t maximumExplanationBytes = 4096;
 
 /// Writes the failure, if any, to standard output. Returns the exit status.

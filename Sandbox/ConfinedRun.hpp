@@ -15,7 +15,7 @@ struct ConfinedStatuses {
   int failed;       ///< the work threw an exception
 };
 
-/// Applies the policy to the process behind `entitlements` and `limits`, then runs `work`. Returns the exit
+/// Applies the policy to the process of `entitlements` and `limits`, then runs `work`. Returns the exit
 /// status: that of `work`, or one of `statuses`.
 template <std::invocable Work>
 int runConfined(EntitlementReader& entitlements, Limits& limits, const ConfinedStatuses& statuses,
@@ -27,8 +27,8 @@ int runConfined(EntitlementReader& entitlements, Limits& limits, const ConfinedS
   }
 }
 
-/// Confines the running process for good, then runs `work` as above. The caller must end the process with
-/// `_exit`: what would run at a normal exit would run under confinement.
+/// Confines the running process permanently, then runs `work` as above. The caller must end the process with
+/// `_exit`: exit handlers would run under confinement.
 template <std::invocable Work>
 int runConfined(const ConfinedStatuses& statuses, const Work& work) noexcept {
   try {
@@ -40,8 +40,8 @@ int runConfined(const ConfinedStatuses& statuses, const Work& work) noexcept {
 }
 
 /// Takes every step of the confinement in a forked child. Returns which step failed and its usual cause, in
-/// sentences without a line feed; empty if none failed. A worker must not print anything: with this its host
-/// can tell the operator why workers end with status 78, or by SIGSYS at their start.
+/// sentences without a line feed; empty if none failed. A worker must not print anything; with this function
+/// its host can tell the operator why workers end with status 78, or by SIGSYS at their start.
 ///
 /// The calling process must have one thread only. Throws only `std::bad_alloc`.
 std::string explainConfinementFailure();

@@ -6,7 +6,7 @@
 namespace zelvo {
 namespace {
 
-/// `inherit` is among them because the process has a sandbox of its own and does not use its parent's.
+/// Includes `inherit`, because the process has a sandbox of its own and does not use its parent's.
 constexpr std::array forbiddenEntitlements = {
     entitlement::networkClient,     entitlement::networkServer, entitlement::inherit,
     entitlement::userSelectedFiles, entitlement::appleEvents,

@@ -9,19 +9,22 @@
 
 namespace zelvo {
 
-/// The starting process's ends of a child's pipes. They do not block. An empty one is not used.
+/// This process's ends of a child's pipes, all non-blocking. An empty one is not used.
 struct ChildStreams {
   Descriptor input;
-  Descriptor unreadInput;  ///< the read end of the same pipe, which is never read; empty if not known
+  /// The read end of the same pipe; empty if there is no input. Never read. Used to count the bytes that the
+  /// child left unread. Keeps the pipe open, so that a write after the child has ended does not raise
+  /// SIGPIPE.
+  Descriptor unreadInput;
   Descriptor output;
   Descriptor errors;
 };
 
-/// Starts a child, gives its number and the ends of its pipes, and returns 0, or starts none and returns the
-/// error number. Runs while the signals of `SignalCleanup` are held back.
+/// Starts a child, sets its process ID and the ends of its pipes, and returns 0. Returns the error number if
+/// no child was started. Called while the signals of `SignalCleanup` are blocked.
 using ChildStart = std::function<int(ChildStreams& streams, pid_t& id)>;
 
-/// What `runChildProcess` does with a child that is started like this.
+/// As `runChildProcess`, for a child that `start` starts.
 ChildResult runChild(const ChildStart& start, std::string_view input, const ChildBounds& bounds);
 
 }  // namespace zelvo

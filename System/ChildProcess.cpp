@@ -23,47 +23,12 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-/// What a pipe holds by default.
+/// The default capacity of a pipe.
 constexpr std::size_t readBytes = 65536;
 /// Longer than any error message. Further output is read and discarded.
 constexpr std::size_t keptErrorBytes = 65536;
 /// Keeps sums with the clock's time in range.
 constexpr std::chrono::milliseconds longestWallClock = std::chrono::hours(24 * 365);
-
-/// Blocks SIGPIPE in this thread, so that writing to a child that has ended fails with EPIPE and does not end
-/// the host, whatever its handling of the signal.
-class SigpipeBlocker {
- public:
-  SigpipeBlocker() : wasPending_(isPending()) {
-    const sigset_t sigpipe = only();
-    pthread_sigmask(SIG_BLOCK, &sigpipe, &before_);
-  }
-  SigpipeBlocker(const SigpipeBlocker&) = delete;
-  SigpipeBlocker& operator=(const SigpipeBlocker&) = delete;
-  ~SigpipeBlocker() {
-    const sigset_t sigpipe = only();
-    int taken = 0;
-    if (!wasPending_ && isPending()) sigwait(&sigpipe, &taken);
-    pthread_sigmask(SIG_SETMASK, &before_, nullptr);
-  }
-
- private:
-  static sigset_t only() {
-    sigset_t set;
-    sigemptyset(&set);
-    sigaddset(&set, SIGPIPE);
-    return set;
-  }
-  static bool isPending() {
-    sigset_t pending;
-    sigemptyset(&pending);
-    sigpending(&pending);
-    return sigismember(&pending, SIGPIPE) == 1;
-  }
-
-  bool wasPending_;
-  sigset_t before_ = {};
-};
 
 /// A started child. The destructor kills it if it is still running.
 class Child {
@@ -75,9 +40,9 @@ class Child {
 
   bool isGone() const { return isGone_; }
 
-  /// Checks whether the child has ended, or waits for its end, as `options` of `wait4` say.
+  /// Checks whether the child has ended, or waits for its end, by the `options` of `wait4`.
   void look(int options) {
-    const SignalCleanup::Hold hold;  // once waited for, the number may be another process's
+    const SignalCleanup::Hold hold;  // after the wait, the ID may belong to another process
     pid_t found = 0;
     do {
       found = wait4(id_, &status_, options, &usage_);
@@ -87,7 +52,7 @@ class Child {
     if (isGone_) cleanup_.clear();
   }
 
-  /// False when the child is still there at the deadline.
+  /// Returns false if the child is still running at the deadline.
   bool endsBefore(Clock::time_point deadline) {
     constexpr std::chrono::microseconds firstPause{50};
     constexpr std::chrono::microseconds longestPause{10'000};
@@ -135,34 +100,34 @@ class Child {
   rusage usage_ = {};
 };
 
-/// Whether a call that failed may be tried again.
+/// Whether a call that failed may be retried.
 bool isTemporary(int error) {
   return error == EAGAIN || error == EINTR;
 }
 
-/// Writes what the pipe takes; closes it after the last byte, and when the child no longer reads. False after
-/// any other failure, whose error number is in errno.
+/// Writes as much as the pipe takes, and closes it after the last byte. Returns false after a failure; its
+/// error number is in errno. No write raises SIGPIPE: `ChildStreams::unreadInput` keeps a read end open.
 bool writeSome(Descriptor& stream, std::string_view& input) {
   const ssize_t count = ::write(stream.number(), input.data(), input.size());
-  if (count >= 0) input.remove_prefix(static_cast<std::size_t>(count));
-  if (count < 0 && errno != EPIPE) return isTemporary(errno);
-  if (count < 0 || input.empty()) stream.close();
+  if (count < 0) return isTemporary(errno);
+  input.remove_prefix(static_cast<std::size_t>(count));
+  if (input.empty()) stream.close();
   return true;
 }
 
-enum class Reading { goesOn, tooLarge, failed };
+enum class Reading { continues, tooLarge, failed };
 
-/// Reads what is there and keeps up to `bound` bytes in all; closes the stream at its end. `tooLarge` when
-/// more came. After `failed` the error number is in errno: what was read must not pass for the whole.
+/// Reads the available bytes and keeps up to `bound` bytes in total; closes the stream at its end. Returns
+/// `tooLarge` if there are more. After `failed` the error number is in errno, and the output is incomplete.
 Reading readSome(Descriptor& stream, std::string& kept, std::size_t bound) {
   std::array<char, readBytes> buffer;
   const ssize_t count = ::read(stream.number(), buffer.data(), buffer.size());
-  if (count < 0) return isTemporary(errno) ? Reading::goesOn : Reading::failed;
+  if (count < 0) return isTemporary(errno) ? Reading::continues : Reading::failed;
   if (count == 0) stream.close();
-  const auto came = static_cast<std::size_t>(count);
-  const std::size_t taken = std::min(came, bound - kept.size());
-  kept.append(buffer.data(), taken);
-  return taken == came ? Reading::goesOn : Reading::tooLarge;
+  const auto received = static_cast<std::size_t>(count);
+  const std::size_t accepted = std::min(received, bound - kept.size());
+  kept.append(buffer.data(), accepted);
+  return accepted == received ? Reading::continues : Reading::tooLarge;
 }
 
 int millisecondsUntil(Clock::time_point deadline) {
@@ -171,14 +136,13 @@ int millisecondsUntil(Clock::time_point deadline) {
   return static_cast<int>(std::clamp(left, std::chrono::milliseconds(0), longestSleep).count());
 }
 
-/// How many bytes are in a pipe.
+/// The number of bytes in a pipe.
 std::uint64_t bytesIn(const Descriptor& pipe) {
   int count = 0;
   return ioctl(pipe.number(), FIONREAD, &count) == 0 ? static_cast<std::uint64_t>(count) : 0;
 }
 
-/// Writes and reads until the child has closed both outputs. Returns why the child must be killed, if it
-/// must.
+/// Writes and reads until the child has closed both outputs. Returns the reason if the child must be killed.
 std::optional<ChildOutcome> exchange(ChildStreams& streams, std::string_view& input,
                                      const ChildBounds& bounds, Clock::time_point deadline,
                                      ChildResult& result) {
@@ -218,7 +182,6 @@ ChildResult runChild(const ChildStart& start, std::string_view input, const Chil
   ChildResult result = {};
   result.outcome = ChildOutcome::failed;
   const Clock::time_point deadline = Clock::now() + std::min(bounds.wallClock, longestWallClock);
-  const SigpipeBlocker held;
 
   ChildStreams streams;
   pid_t id = 0;

@@ -9,8 +9,8 @@
 namespace zelvo {
 namespace {
 
-/// The first exception of a process looks for the tables of its unwinder, which is not possible under
-/// confinement.
+/// The first exception of a process makes the unwinder look for its tables, which needs system calls that
+/// confinement forbids.
 void warmUpUnwinder() {
   struct FirstThrow {};
   try {
@@ -23,14 +23,14 @@ void warmUpUnwinder() {
 }  // namespace
 
 std::string_view prepareForConfinement() {
-  // First of all: under an inherited file-size limit a write would otherwise end the process.
+  // First, because under an inherited file-size limit a write could end the process.
   if (!ignoreSignalsOfWriting()) {
     return "SIGPIPE and SIGXFSZ cannot be ignored. Usually a seccomp filter that the process inherited "
            "forbids rt_sigaction.";
   }
   warmUpUnwinder();
 #if defined(ZELVO_SANITIZE)
-  // The sanitizers' runtimes look up what they will need later.
+  // Lets the sanitizers' runtimes make the system calls that they will need later.
   __sanitizer_sandbox_arguments arguments = {};
   __sanitizer_sandbox_on_notify(&arguments);
 #endif

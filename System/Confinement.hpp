@@ -10,8 +10,8 @@ namespace zelvo {
 
 /// The state of a process after `enterConfinement`.
 struct Confinement {
-  /// Never null. Each value is determined by what the operating system refuses at that moment. If confining
-  /// failed, the sandbox is absent, so that the check before the work needs no second condition.
+  /// Never null. Each value is determined by probing what the operating system refuses. If confining failed,
+  /// the sandbox is reported as absent, so that the check before the work needs no second condition.
   std::unique_ptr<EntitlementReader> entitlements;
 
   /// Never null. Its `seal` is the last step of the confinement: from then on the process may read standard
@@ -22,16 +22,16 @@ struct Confinement {
   std::string_view failure;
 };
 
-/// Confines the running process for good. Afterwards standard input, standard output and standard error are
-/// its only descriptors, and every system call that opens, connects, starts, traces or signals anything is
-/// refused. What a library must ask the system once must be asked before. Throws only `std::bad_alloc`.
+/// Confines the running process permanently. Afterwards standard input, standard output and standard error
+/// are its only descriptors, and every system call that opens, connects, starts, traces or signals anything
+/// is refused. System calls that a library makes once must be made before. Throws only `std::bad_alloc`.
 ///
 /// On macOS the confinement is the App Sandbox, which the system has built around the process before it
 /// started.
 Confinement enterConfinement();
 
 /// The first steps of `enterConfinement`, the same on every platform: ignores the signals of failed writes,
-/// and lets the runtime ask the system now for what it could not ask later. Returns the failure, as above.
+/// and lets the runtime make the system calls that confinement would refuse. Returns the failure, as above.
 std::string_view prepareForConfinement();
 
 }  // namespace zelvo

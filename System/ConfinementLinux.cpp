@@ -12,7 +12,7 @@
 namespace zelvo {
 namespace {
 
-/// A descriptor that is missed here stays useless: no filter lets it be read or written.
+/// A descriptor that is missed here cannot be used: the filters refuse to read or write it.
 void closeAllButStandardDescriptors() {
   constexpr unsigned first = STDERR_FILENO + 1;
   if (::syscall(SYS_close_range, first, ~0U, 0U) == 0) return;
@@ -27,12 +27,12 @@ void closeAllButStandardDescriptors() {
   }
 }
 
-// Both are read back: a filter of a parent can pretend that the call succeeded.
+// Both are read back: an inherited filter can fake success.
 bool setNoNewPrivileges() {
   return prctl(PR_SET_NO_NEW_PRIVS, 1L, 0L, 0L, 0L) == 0 && prctl(PR_GET_NO_NEW_PRIVS, 0L, 0L, 0L, 0L) == 1;
 }
 
-/// Documents in memory are neither dumped to disk nor read by other processes of the user.
+/// Prevents that documents in memory are dumped to disk or read by other processes of the user.
 bool hideMemory() {
   return prctl(PR_SET_DUMPABLE, 0L, 0L, 0L, 0L) == 0 && prctl(PR_GET_DUMPABLE, 0L, 0L, 0L, 0L) == 0;
 }

@@ -42,7 +42,7 @@ class ProcessLimits final : public Limits {
  public:
   bool apply(const ResourceLimit& limit) override { return applyToThisProcess(limit); }
 
-  /// A hard limit cannot be raised again, and the App Sandbox cannot be left: there is nothing to give up.
+  /// Nothing to do: a hard limit cannot be raised again, and the App Sandbox cannot be left.
   bool seal() override { return true; }
 };
 

@@ -19,7 +19,7 @@ enum class EntitlementValue {
   absent,
   denied,   ///< the boolean false
   granted,  ///< the boolean true
-  other,    ///< a value of another type, which grants nothing
+  other,    ///< a value of another type; does not grant anything
 };
 
 /// The interface between the sandbox check and the platform.

@@ -17,7 +17,7 @@ namespace {
   constexpr int noStreams = 71;
   SignalCleanup::leaveToParent();
   if (dup2(input.number(), STDIN_FILENO) < 0 || dup2(output.number(), STDOUT_FILENO) < 0) _exit(noStreams);
-  // Ends at once: what this process's buffers hold is the parent's to write.
+  // Without exit handlers: they would write the buffers copied from the parent a second time.
   _exit(work());
 }
 

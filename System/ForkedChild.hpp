@@ -10,9 +10,8 @@ namespace zelvo {
 
 /// Runs `work` in a forked copy of this process and ends the copy at once with the status that `work`
 /// returns. The copy's standard input is /dev/null; its standard output is the result's output; its standard
-/// error is this process's. `work` must not throw. The copy is killed when it writes more than `outputBytes`,
-/// and when it has not ended after `wallClock`. It reads what was in memory at the fork; what it changes
-/// there stays its own.
+/// error is this process's. `work` must not throw. The copy is killed if it writes more than `outputBytes`,
+/// or has not ended after `wallClock`. It has its own copy of the memory.
 ///
 /// The calling process must have one thread only, its three standard streams open, and must not ignore
 /// SIGCHLD. Throws only `std::bad_alloc`, and leaves no child.

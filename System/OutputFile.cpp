@@ -17,7 +17,7 @@
 namespace zelvo {
 namespace {
 
-/// As many as the kernel follows.
+/// The kernel's own limit.
 constexpr int maximumLinks = 40;
 constexpr mode_t allPermissions = S_IRWXU | S_IRWXG | S_IRWXO;
 constexpr mode_t permissionsOfNewFile = 0666;  // before the umask
@@ -27,7 +27,7 @@ std::string folderOf(const std::string& path) {
   return path.substr(0, path.find_last_of('/') + 1);
 }
 
-/// Puts in the place of a symbolic link what it leads to, whether that exists or not.
+/// Replaces a symbolic link by its target, which need not exist.
 int followLinks(std::string& path) {
   std::array<char, PATH_MAX> content;
   for (int links = 0; links <= maximumLinks; ++links) {
@@ -45,27 +45,27 @@ int writeAll(const Descriptor& file, std::string_view bytes) {
     const ssize_t count = write(file.number(), bytes.data(), bytes.size());
     if (count < 0 && errno == EINTR) continue;
     if (count < 0) return errno;
-    if (count == 0) return EIO;  // would be tried for ever
+    if (count == 0) return EIO;  // retrying might not end
     bytes.remove_prefix(static_cast<std::size_t>(count));
   }
   return 0;
 }
 
 mode_t permissionsByUmask() {
-  // There is no call that only asks. The value in between gives nothing to others.
+  // There is no call that only reads the umask. The temporary value is restrictive.
   const mode_t mask = umask(S_IRWXG | S_IRWXO);
   umask(mask);
   return permissionsOfNewFile & ~mask;
 }
 
-/// A file beside another. It is removed unless it takes the other's name.
-class FileBeside {
+/// A temporary file in the folder of `target`. Removed unless it is renamed to `target`.
+class TemporaryFile {
  public:
-  explicit FileBeside(const std::string& target)
+  explicit TemporaryFile(const std::string& target)
       : target_(target), path_(folderOf(target) + ".zelvo-XXXXXX") {}
-  FileBeside(const FileBeside&) = delete;
-  FileBeside& operator=(const FileBeside&) = delete;
-  ~FileBeside() {
+  TemporaryFile(const TemporaryFile&) = delete;
+  TemporaryFile& operator=(const TemporaryFile&) = delete;
+  ~TemporaryFile() {
     if (cleanup_) unlink(path_.c_str());
   }
 
@@ -80,20 +80,20 @@ class FileBeside {
 
   int write(std::string_view bytes) { return writeAll(file_, bytes); }
 
-  int givePermissionsOf(const std::optional<struct stat>& replaced) {
+  int copyPermissions(const std::optional<struct stat>& replaced) {
     mode_t wanted = permissionsByUmask();
     if (replaced) {
       wanted = replaced->st_mode & allPermissions;
-      if (!giveOwnersOf(*replaced)) wanted &= ~static_cast<mode_t>(S_IRWXG);
+      if (!copyOwners(*replaced)) wanted &= ~static_cast<mode_t>(S_IRWXG);
     }
     struct stat own = {};
     if (fstat(file_.number(), &own) != 0) return errno;
     if ((own.st_mode & allPermissions) == wanted || fchmod(file_.number(), wanted) == 0) return 0;
-    // Of one's own file: a file system that keeps no permissions, where all files have the same.
+    // EPERM for an own file: the file system does not store permissions.
     return errno == EPERM ? 0 : errno;
   }
 
-  int takeName() {
+  int commit() {
     if (fsync(file_.number()) != 0) return errno;
     const SignalCleanup::Hold whileRenamed;
     if (std::rename(path_.c_str(), target_.c_str()) != 0) return errno;
@@ -102,12 +102,12 @@ class FileBeside {
   }
 
  private:
-  /// False if the group cannot be given. The owner can be given by a privileged process only; for others the
-  /// new file is theirs.
-  bool giveOwnersOf(const struct stat& replaced) {
-    constexpr auto asItIs = static_cast<uid_t>(-1);
+  /// Returns false if the group cannot be set. Only a privileged process can set the owner; otherwise the new
+  /// file belongs to the user.
+  bool copyOwners(const struct stat& replaced) {
+    constexpr auto unchanged = static_cast<uid_t>(-1);
     return fchown(file_.number(), replaced.st_uid, replaced.st_gid) == 0 ||
-           fchown(file_.number(), asItIs, replaced.st_gid) == 0;
+           fchown(file_.number(), unchanged, replaced.st_gid) == 0;
   }
 
   const std::string& target_;
@@ -116,19 +116,19 @@ class FileBeside {
   std::optional<SignalCleanup::Record> cleanup_;
 };
 
-/// So that the new name outlives a power failure. It is no failure of writing: whichever name is found after
-/// one, the file is whole.
+/// Makes the new name survive a power failure. An error is ignored: after a power failure either the old or
+/// the new file is complete.
 void syncFolder(const std::string& folder) {
   const Descriptor opened(open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
   if (opened) static_cast<void>(fsync(opened.number()));
 }
 
 int replaceFile(const std::string& path, const std::optional<struct stat>& replaced, std::string_view bytes) {
-  FileBeside file(path);
+  TemporaryFile file(path);
   int error = file.create();
   if (error == 0) error = file.write(bytes);
-  if (error == 0) error = file.givePermissionsOf(replaced);
-  if (error == 0) error = file.takeName();
+  if (error == 0) error = file.copyPermissions(replaced);
+  if (error == 0) error = file.commit();
   if (error == 0) syncFolder(folderOf(path));
   return error;
 }
@@ -138,7 +138,7 @@ int writeInPlace(const std::string& path, std::string_view bytes) {
   if (!file) return errno;
   struct stat opened = {};
   if (fstat(file.number(), &opened) != 0) return errno;
-  // One that has come since: it is never written in place.
+  // Created since the check: a regular file is never written in place.
   if (S_ISREG(opened.st_mode)) return EEXIST;
   return writeAll(file, bytes);
 }
@@ -146,7 +146,7 @@ int writeInPlace(const std::string& path, std::string_view bytes) {
 }  // namespace
 
 int writeOutputFile(const std::string& path, std::string_view bytes) {
-  // The kernel follows the links first: it refuses those that another user laid in a shared folder.
+  // The kernel follows the links first: it refuses links of other users in shared folders.
   struct stat found = {};
   const bool exists = stat(path.c_str(), &found) == 0;
   if (!exists && errno != ENOENT) return errno;

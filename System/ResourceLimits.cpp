@@ -23,7 +23,7 @@ bool applyToThisProcess(const ResourceLimit& limit) {
   const auto resource = platformResource(limit.resource);
   const rlimit wanted = {limit.soft, limit.hard};
   if (setrlimit(resource, &wanted) != 0) return false;
-  // Starts as something else, in case reading is pretended as well.
+  // Initialized to other values, in case an inherited filter fakes reading too.
   rlimit found = {~wanted.rlim_cur, ~wanted.rlim_max};
   return getrlimit(resource, &found) == 0 && found.rlim_cur == wanted.rlim_cur &&
          found.rlim_max == wanted.rlim_max;

@@ -16,7 +16,7 @@ struct ResourceLimit {
   std::uint64_t hard;
 };
 
-/// Lowers what this process may use, for good.
+/// Lowers the limits of this process permanently.
 class Limits {
  public:
   Limits() = default;
@@ -24,16 +24,16 @@ class Limits {
   Limits& operator=(const Limits&) = delete;
   virtual ~Limits() = default;
 
-  /// False when the operating system refuses.
+  /// Returns false if the operating system refuses.
   virtual bool apply(const ResourceLimit& limit) = 0;
 
-  /// Gives up the right to change limits or filters again; called once, after the last limit and before the
-  /// first byte is read. False when the operating system refuses.
+  /// Prevents further changes of limits and filters. Called once, after the last limit and before the first
+  /// byte is read. Returns false if the operating system refuses.
   virtual bool seal() = 0;
 };
 
-/// Sets a limit of the running process and reads it back. False when the operating system refuses, and when
-/// it only pretended to set it.
+/// Sets a limit of the running process and reads it back. Returns false if the operating system refuses, or
+/// if the limit that is read back differs.
 bool applyToThisProcess(const ResourceLimit& limit);
 
 }  // namespace zelvo

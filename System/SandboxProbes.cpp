@@ -34,11 +34,11 @@ constexpr long noThread = -1;
 constexpr long noProcess = std::numeric_limits<int>::min();
 /// No page starts here.
 constexpr long oddAddress = 1;
-/// Shared signal handlers without shared memory: the kernel refuses the combination.
+/// Shared signal handlers without shared memory: a combination that the kernel refuses.
 constexpr long impossibleClone = CLONE_SIGHAND;
 
-// Only calls that ordinary services make, `ptrace` and `io_uring_setup` apart, so that most filters of
-// service managers, which kill at the rarer ones, let the worker run.
+// Except `ptrace` and `io_uring_setup`, only calls that ordinary services make: filters of service managers
+// that kill the process do so at rarer calls, so most of them let the worker run.
 constexpr Probe probes[] = {
     // Leaving the sandbox: reaching the file system, becoming or making another program, making code.
     {entitlement::appSandbox, SYS_openat, {noDescriptor, noAddress, O_RDONLY}},
@@ -64,7 +64,7 @@ constexpr Probe probes[] = {
     {entitlement::networkServer, SYS_accept, {noDescriptor, noAddress, noAddress}},
     {entitlement::networkServer, SYS_accept4, {noDescriptor, noAddress, noAddress, 0}},
 
-    // What a parent can hand down: descriptors other than the standard ones, left open or sent later.
+    // What a parent can pass on: descriptors other than the standard ones, left open or sent later.
     {entitlement::inherit, SYS_read, {noDescriptor, noAddress, noLength}},
     {entitlement::inherit, SYS_write, {noDescriptor, noAddress, noLength}},
     {entitlement::inherit, SYS_dup, {noDescriptor}},

@@ -4,9 +4,9 @@
 
 namespace zelvo {
 
-// Probes are system calls that cannot succeed and change nothing, whatever the process may do; they only show
-// who answers. Each key of `entitlement` stands for something that a process without the sandbox could do,
-// and has probes for it:
+// Probes are system calls that cannot succeed and change nothing, with any privileges; their error number
+// shows whether our filter refused them. Each key of `entitlement` represents an ability that the sandbox
+// removes, and has probes for it:
 //
 //   appSandbox         opening files, becoming or starting programs, tracing, executable memory
 //   networkClient      making sockets, connecting, sending
@@ -18,8 +18,8 @@ namespace zelvo {
 /// Whether our filter refuses every probe for the entitlement; true for a key that has no probes.
 bool everyProbeIsRefusedByUs(std::string_view entitlementKey);
 
-/// Whether a probe for any entitlement gets our filter's answer. Called before our filter is loaded, it
-/// detects an inherited filter that imitates it.
+/// Whether any probe fails with our filter's error number. Called before our filter is loaded, to detect an
+/// inherited filter that returns the same number.
 bool anyProbeIsRefusedByUs();
 
 }  // namespace zelvo

@@ -22,8 +22,8 @@ static_assert(std::atomic<int>::is_always_lock_free && std::atomic<bool>::is_alw
               "A signal handler uses them.");
 thread_local int holdsOfThisThread = 0;
 
-/// The list is changed under a `Hold` and the lock, and read by the handler once no thread holds anything
-/// back: then no thread is changing it.
+/// The list is changed under a `Hold` and the lock. The handler reads it once no thread has a `Hold`: then no
+/// thread is changing it.
 std::mutex listLock;
 Record::Entry* firstEntry = nullptr;
 
@@ -64,7 +64,7 @@ void endBySignal(int signal) {
     poll(nullptr, 0, 1);
   cleanUp();
   setDefaultAction(signal);
-  static_cast<void>(raise(signal));  // blocked until the next call
+  static_cast<void>(raise(signal));  // pending until it is unblocked below
   const sigset_t handled = setOfHandledSignals();
   pthread_sigmask(SIG_UNBLOCK, &handled, nullptr);  // the process ends here
   waitForTheEnd();

@@ -3,23 +3,24 @@
 #include <csignal>
 #include <sys/types.h>
 
-/// What must not outlive this process when a signal ends it: its children and its temporary files.
+/// Kills the children and removes the temporary files of this process when a signal ends it.
 ///
-/// Until `install` is called nothing here has any effect, so that an application keeps its own handling.
+/// Nothing here has an effect before `install` is called, so that an application keeps its own signal
+/// handling.
 namespace zelvo::SignalCleanup {
 
-/// From now on SIGHUP, SIGINT, SIGTERM and SIGPIPE kill the recorded children, wait for them, unlink the
-/// recorded files, and then end the process as if they were not handled. Those that are ignored stay ignored.
-/// Called once, while the process has one thread.
+/// Installs handlers of SIGHUP, SIGINT, SIGTERM and SIGPIPE that kill the recorded children, wait for them,
+/// unlink the recorded files, and then end the process by the default action. Signals that are ignored stay
+/// ignored. Called once, while the process has one thread.
 void install();
 
-/// In a forked child: gives the handled signals their default action, and blocks none. What its parent has
-/// recorded is the parent's to clean up.
+/// In a forked child: restores the default action of the handled signals, and unblocks all signals. The
+/// parent cleans up what it has recorded.
 void leaveToParent();
 
-/// Holds the signals back while something exists that is not recorded yet, or is recorded and gone: between
-/// starting a child and its `Record`, or around the wait after which its number may be another process's.
-/// On other threads the handler waits until no thread holds anything back, so hold nothing for long.
+/// Blocks the signals while the records do not match the state: between starting a child and its `Record`, or
+/// around the wait after which its process ID may be reused. On other threads the handler waits until no
+/// thread has a `Hold`, so keep it short.
 class Hold {
  public:
   Hold();
@@ -34,7 +35,7 @@ class Hold {
   sigset_t before_ = {};
 };
 
-/// Something that a signal must clean up, until the record is cleared or destroyed.
+/// A child or a file that a signal must clean up, until the record is cleared or destroyed.
 class Record {
  public:
   explicit Record(pid_t child) : entry_{.child = child} { add(); }

@@ -12,8 +12,8 @@ namespace {
 /// The first number above the standard streams.
 constexpr int firstOther = STDERR_FILENO + 1;
 
-/// Moves a descriptor out of the way of the standard streams: in a host that has closed its own, a pipe's end
-/// would come to lie where another end must go in the child.
+/// Moves a descriptor above the standard streams. In a host that has closed its own, a pipe's end could get
+/// the number that another end must have in the child.
 Descriptor aboveStandardStreams(int number) {
   Descriptor original(number);
   if (number >= firstOther) return original;
@@ -71,13 +71,13 @@ int SpawnPlan::start(const ChildCommand& command, pid_t& id) {
 // Where `__GLIBC_PREREQ` is not defined, a condition that contains it cannot be parsed.
 #if defined(__GLIBC__)
 #if __GLIBC_PREREQ(2, 34)
-  // Descriptors that some other part of the host left open to its children.
+  // Descriptors that other code of the host did not mark close-on-exec.
   note(posix_spawn_file_actions_addclosefrom_np(&actions_, firstOther));
 #endif
 #endif
   if (error_ != 0) return error_;
 
-  // posix_spawn writes to none of the texts.
+  // posix_spawn does not write to the texts.
   std::vector<char*> arguments = {const_cast<char*>(command.program.c_str())};
   for (const std::string& argument : command.arguments) {
     arguments.push_back(const_cast<char*>(argument.c_str()));

@@ -9,7 +9,7 @@
 
 namespace zelvo {
 
-/// How a child will start: it inherits nothing from its parent except the pipes requested here.
+/// The setup of a child. It inherits nothing from its parent except the pipes requested here.
 class SpawnPlan {
  public:
   SpawnPlan();
@@ -23,8 +23,8 @@ class SpawnPlan {
   };
 
   /// Makes a pipe to a standard stream of the child. The returned write end does not block. The returned read
-  /// end is a duplicate of the child's: it shows, once the child has ended, what the child left unread. After
-  /// a failure the ends are empty, and `start` fails.
+  /// end is a duplicate of the child's: after the child has ended, it holds the bytes that the child left
+  /// unread. After a failure the ends are empty, and `start` fails.
   Pipe pipeTo(int standardStream);
 
   /// Makes a pipe from a standard stream of the child and returns our end of it, which does not block. After

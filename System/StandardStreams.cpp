@@ -23,7 +23,7 @@ bool StandardOutput::write(std::string_view bytes) {
   while (!bytes.empty()) {
     const ssize_t count = ::write(STDOUT_FILENO, bytes.data(), bytes.size());
     if (count < 0 && errno == EINTR) continue;
-    // A write of nothing would be tried for ever.
+    // After a write of 0 bytes, retrying might not end.
     if (count <= 0) return false;
     bytes.remove_prefix(static_cast<std::size_t>(count));
   }

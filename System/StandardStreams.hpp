@@ -32,8 +32,8 @@ class Output {
   virtual bool write(std::string_view bytes) = 0;
 };
 
-/// Makes a write to a closed pipe, or to a file under a file-size limit, fail; otherwise its signal ends the
-/// process. False when the operating system refuses.
+/// Makes a write to a closed pipe, or beyond a file-size limit, fail instead of ending the process by a
+/// signal. Returns false if the operating system refuses.
 bool ignoreSignalsOfWriting();
 
 /// Standard input, by plain system calls. The descriptor must be a blocking one.
@@ -42,8 +42,8 @@ class StandardInput final : public Input {
   std::optional<std::size_t> read(std::span<char> buffer) override;
 };
 
-/// Standard output, by plain system calls. The descriptor must be a blocking one; a regular file takes no
-/// byte under a file-size limit of 0.
+/// Standard output, by plain system calls. The descriptor must be a blocking one; a regular file cannot be
+/// written under a file-size limit of 0.
 class StandardOutput final : public Output {
  public:
   bool write(std::string_view bytes) override;

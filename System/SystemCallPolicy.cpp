@@ -30,24 +30,24 @@ struct Rule {
 };
 
 constexpr scmp_datum_t allBits = ~scmp_datum_t{0};
-/// The kernel takes a descriptor, an advice and an operation as an `int`: the other half of the register may
-/// hold anything.
+/// The kernel reads a descriptor, an advice and an operation as an `int`: the upper half of the register may
+/// have any value.
 constexpr scmp_datum_t intBits = 0xffff'ffff;
 
 constexpr Condition hasDescriptor(int descriptor) {
   return {.position = 0, .mask = intBits, .value = static_cast<unsigned>(descriptor)};
 }
 
-constexpr Condition givesAdvice(unsigned advice) {
+constexpr Condition hasAdvice(unsigned advice) {
   return {.position = 2, .mask = intBits, .value = advice};
 }
 
-/// What remains possible while a document is processed.
+/// The system calls that are allowed while a document is processed.
 std::vector<Rule> rulesWhileWorking() {
   constexpr Condition readAndWriteOnly = {
       .position = 2, .mask = allBits & ~scmp_datum_t{PROT_READ | PROT_WRITE}, .value = 0};
-  // Under the tunable glibc.malloc.hugetlb=2, which a parent may set, the allocator asks for pages of a size
-  // that the flags name in their bits 26 to 31.
+  // Under the tunable glibc.malloc.hugetlb=2, which a parent may set, the allocator requests pages of a size
+  // that is encoded in bits 26 to 31 of the flags.
   constexpr scmp_datum_t hugePageFlags = MAP_HUGETLB | scmp_datum_t{MAP_HUGE_MASK} << MAP_HUGE_SHIFT;
   constexpr Condition privateAndAnonymous = {
       .position = 3, .mask = allBits & ~hugePageFlags, .value = MAP_PRIVATE | MAP_ANONYMOUS};
@@ -65,16 +65,16 @@ std::vector<Rule> rulesWhileWorking() {
       {SCMP_SYS(mremap), {noFixedTarget}},
       // Other advice can poison pages or share them with other processes. The second is for the tunable
       // glibc.malloc.hugetlb=1.
-      {SCMP_SYS(madvise), {givesAdvice(MADV_DONTNEED)}},
-      {SCMP_SYS(madvise), {givesAdvice(MADV_HUGEPAGE)}},
-      // `std::call_once` wakes unconditionally. Waiting is not on the list: a single thread would wait for
-      // ever.
+      {SCMP_SYS(madvise), {hasAdvice(MADV_DONTNEED)}},
+      {SCMP_SYS(madvise), {hasAdvice(MADV_HUGEPAGE)}},
+      // `std::call_once` wakes unconditionally. Waiting is not on the list: a single thread would never wake
+      // up.
       {SCMP_SYS(futex), {wakes}},
       {SCMP_SYS(exit_group)},
   };
 }
 
-/// What remains possible, in addition, until the second filter is loaded.
+/// The system calls that are allowed in addition until the second filter is loaded.
 std::vector<Rule> rulesUntilLimitsAreSet() {
   constexpr Condition thisProcess = {.position = 0, .mask = intBits, .value = 0};
   constexpr Condition loadsFilter = {.position = 0, .mask = intBits, .value = SECCOMP_SET_MODE_FILTER};
@@ -125,15 +125,15 @@ class Policy {
   std::unique_ptr<void, Release> context_;
 };
 
-/// The one weakening: what the sanitizers' runtimes need. Does nothing in any other build.
+/// The only weakening: the system calls of the sanitizers' runtimes. Does nothing in other builds.
 void addRulesForSanitizers([[maybe_unused]] Policy& policy) {
 #if defined(ZELVO_SANITIZE)
   // Shadow memory and bookkeeping: any anonymous memory, never executable.
   constexpr Condition noCode = {.position = 2, .mask = PROT_EXEC, .value = 0};
   constexpr Condition anonymous = {.position = 3, .mask = MAP_ANONYMOUS, .value = MAP_ANONYMOUS};
-  // The runtime finds out whether an object can be read by writing it into a pipe, whose ends are the only
-  // descriptors above the standard ones. A report goes to standard error.
-  constexpr int endOfThatPipe = STDERR_FILENO + 2;
+  // The runtime checks whether an object is readable by writing it to a pipe, whose ends are the only
+  // descriptors above the standard ones. Reports are written to standard error.
+  constexpr int writeEndOfPipe = STDERR_FILENO + 2;
   policy.add(SCMP_ACT_ALLOW, {
                                  {SCMP_SYS(mmap), {noCode, anonymous}},
                                  {SCMP_SYS(madvise)},
@@ -143,10 +143,10 @@ void addRulesForSanitizers([[maybe_unused]] Policy& policy) {
                                  {SCMP_SYS(sigaltstack)},
                                  {SCMP_SYS(pipe2)},
                                  {SCMP_SYS(close)},
-                                 {SCMP_SYS(write), {hasDescriptor(endOfThatPipe)}},
+                                 {SCMP_SYS(write), {hasDescriptor(writeEndOfPipe)}},
                                  {SCMP_SYS(write), {hasDescriptor(STDERR_FILENO)}},
                              });
-  // What the runtime asks about files, and its symbolizer, fail.
+  // The runtime's calls about files, and its symbolizer, fail.
   policy.add(SCMP_ACT_ERRNO(EACCES),
              {{SCMP_SYS(open)}, {SCMP_SYS(stat)}, {SCMP_SYS(readlink)}, {SCMP_SYS(ioctl)}, {SCMP_SYS(fork)}});
 #endif

@@ -5,8 +5,8 @@
 
 namespace zelvo {
 
-// The one source of both system-call filters. libseccomp compiles it when the project is built; programs hold
-// the result as constant arrays (SystemCallFilters.hpp) and do not link this file. Both functions throw
+// The source of both system-call filters. libseccomp compiles it when the project is built; programs hold the
+// result as constant arrays (SystemCallFilters.hpp) and do not link this file. Both functions throw
 // `std::system_error` if libseccomp cannot compile the policy.
 
 /// The first filter: a call that is not on the list fails with the error number `refusedByUs`.

@@ -18,8 +18,8 @@ std::string sha256(std::span<const std::uint8_t> bytes) {
   std::string text;
   text.reserve(2 * digest.size());
   for (const std::uint8_t byte : digest) {
-    text += ASCII::hexDigits[byte >> 4];
-    text += ASCII::hexDigits[byte & 0xF];
+    const auto digits = ASCII::hexadecimal(byte);
+    text.append(digits.data(), digits.size());
   }
   return text;
 }

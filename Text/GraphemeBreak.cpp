@@ -47,11 +47,11 @@ BreakClass breakClassOf(char32_t scalar) {
   return u_getIntPropertyValue(static_cast<UChar32>(scalar), UCHAR_GRAPHEME_CLUSTER_BREAK);
 }
 
-/// Canonical_Combining_Class. `u_getCombiningClass` would answer 0 when memory runs out.
+/// Canonical_Combining_Class. `u_getCombiningClass` would return 0 when memory runs out.
 std::uint8_t combiningClassOf(char32_t scalar) {
   UErrorCode status = U_ZERO_ERROR;
   const UNormalizer2* const decomposition = unorm2_getNFDInstance(&status);
-  if (U_FAILURE(status)) throw std::bad_alloc();  // the data is in the library's code: nothing else can fail
+  if (U_FAILURE(status)) throw std::bad_alloc();  // the data is compiled in: nothing else can fail
   return unorm2_getCombiningClass(decomposition, static_cast<UChar32>(scalar));
 }
 
@@ -59,13 +59,12 @@ bool isControl(BreakClass breakClass) {
   return breakClass == U_GCB_CONTROL || breakClass == U_GCB_CR || breakClass == U_GCB_LF;
 }
 
-/// The scalars of one character, from its start on. The names GB3 to GB13 are those of the rules in the
-/// annex.
+/// The scalars of one character, from its start. GB3 to GB13 are the names of the rules in the annex.
 class Character {
  public:
   explicit Character(char32_t first) { append(first, breakClassOf(first)); }
 
-  /// Appends `next`, or returns false if a boundary is in front of it.
+  /// Appends `next`, or returns false if there is a boundary before it.
   bool extend(char32_t next) {
     const BreakClass nextClass = breakClassOf(next);
     if (!joins(next, nextClass)) return false;
@@ -114,7 +113,7 @@ class Character {
     lastClass_ = breakClass;
   }
 
-  /// Whether a conjunct can go on behind it.
+  /// Whether a conjunct can continue after the scalar.
   static bool isMark(char32_t scalar, BreakClass breakClass) {
     return breakClass == U_GCB_ZWJ || (breakClass == U_GCB_EXTEND && combiningClassOf(scalar) != 0);
   }

@@ -18,14 +18,15 @@
 namespace zelvo::Unicode {
 namespace {
 
-/// The library counts bytes in 32 bits, and no text grows to more than three times its bytes by a change of
-/// case or by composition (U+0390 in upper case is 2 bytes made 6, U+1D160 composed 4 bytes made 12).
+/// The library counts bytes in 32 bits, and a change of case or a composition makes a text at most three
+/// times as long (the upper case of U+0390 has 6 bytes instead of 2, the composition of U+1D160 12 instead of
+/// 4).
 constexpr std::size_t maximumBytes = std::numeric_limits<std::int32_t>::max() / 3;
 
 void check(UErrorCode status) {
   if (U_SUCCESS(status)) return;
   if (status == U_MEMORY_ALLOCATION_ERROR) throw std::bad_alloc();
-  // The texts are valid and no data file is needed, so only a defect of the program can lead here.
+  // The texts are valid and no data file is needed, so this is a defect of the program.
   std::abort();
 }
 
@@ -39,12 +40,12 @@ icu::StringPiece piece(std::string_view text) {
 }
 
 /// The byte offset after the first `count` characters, or the text's size if it has fewer.
-std::size_t offsetBehind(std::string_view text, std::size_t count) {
+std::size_t offsetAfter(std::string_view text, std::size_t count) {
   if (text.size() <= count) return text.size();  // a character has at least one byte
   if (count == 0) return 0;
 
   // An ASCII character has at most two bytes (CR LF, which no following scalar extends). So if these bytes
-  // are ASCII, the following ones do not matter. `count` is below the size of a text, so twice it cannot
+  // are ASCII, the following ones do not matter. `count` is less than the size of a text, so 2 * count cannot
   // overflow.
   const std::string_view head = text.substr(0, 2 * count);
   if (isASCII(head)) {
@@ -136,11 +137,11 @@ std::size_t characterCount(std::string_view text) {
 }
 
 bool exceeds(std::string_view text, std::size_t limit) {
-  return offsetBehind(text, limit) < text.size();
+  return offsetAfter(text, limit) < text.size();
 }
 
 std::string_view prefix(std::string_view text, std::size_t count) {
-  return text.substr(0, offsetBehind(text, count));
+  return text.substr(0, offsetAfter(text, count));
 }
 
 std::string lowercased(std::string_view text) {

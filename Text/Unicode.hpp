@@ -11,7 +11,7 @@
 /// A "character" is an extended grapheme cluster. CR LF is one.
 ///
 /// The functions make no system call except for memory, so that a confined process can call them: they use
-/// only what is compiled into the Unicode library, and look for no data file.
+/// only data that is compiled into the Unicode library, and read no data file.
 ///
 /// All functions are thread-safe. They throw only `std::bad_alloc`: when memory runs out, and in a change of
 /// case or a composition for a text that the Unicode library cannot address (hundreds of MiB, far above every
@@ -32,14 +32,14 @@ bool exceeds(std::string_view text, std::size_t limit);
 /// The first `count` characters, as a view into `text`.
 std::string_view prefix(std::string_view text, std::size_t count);
 
-/// Full case mappings of the root locale; not case folding ("straße" stays apart from "strasse").
+/// Full case mappings of the root locale; not case folding ("straße" and "strasse" differ).
 std::string lowercased(std::string_view text);
 std::string uppercased(std::string_view text);
 
-/// Without leading and trailing White_Space, as a view into `text`.
+/// `text` without leading and trailing White_Space, as a view into it.
 std::string_view trimmed(std::string_view text);
 
-/// The pieces between line breaks, as views into `text`: LF, CR, CR LF as one, VT, FF, U+0085, U+2028,
+/// The lines of `text`, as views into it. Line breaks are LF, CR, CR LF as one, VT, FF, U+0085, U+2028 and
 /// U+2029. An empty text is one empty line; a final break is followed by an empty line.
 std::vector<std::string_view> lines(std::string_view text);
 
@@ -49,7 +49,7 @@ std::string composed(std::string_view text);
 /// Whether `a` sorts before `b`: by the scalars of their canonically composed forms.
 bool sortsBefore(std::string_view a, std::string_view b);
 
-/// Decodes the scalar that starts at `position`, which lies inside `text`, and moves `position` behind it.
+/// Decodes the scalar that starts at `position`, which must be inside `text`, and moves `position` past it.
 char32_t nextScalar(std::string_view text, std::size_t& position);
 
 /// Appends the scalar's encoding, of one to four bytes, to `text`.

@@ -1,6 +1,6 @@
-// An empty archive under the name of the Unicode library's data, which is 30 MiB and would be in every
-// executable. Text uses only what is compiled into the library's code: normalization, case mapping, and the
-// properties that are not about emoji or Indic syllables. Anything else finds no data.
+// An empty archive that replaces the Unicode library's data, which is 30 MiB and would be linked into every
+// executable. Text uses only data that is compiled into the library's code: normalization, case mapping, and
+// the properties that are not about emoji or Indic syllables. Other functions of the library find no data.
 
 #include <cstddef>
 #include <cstdint>

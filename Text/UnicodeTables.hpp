@@ -5,7 +5,7 @@
 
 namespace zelvo::Unicode {
 
-/// The version of Unicode that the tables are of.
+/// The version of Unicode of the tables.
 inline constexpr std::string_view tablesVersion = "15.0";
 
 struct ScalarRange {

@@ -4,8 +4,8 @@
 
 namespace zelvo::benchmarks {
 
-/// As much as a dataset may hold: every row, column, calculation, chart and series, eight sources of 300
-/// characters a row, and a report of full length.
+/// A dataset at its limits: rows, columns, charts, series, calculations and report length, with eight sources
+/// of 300 characters per row.
 ResearchSpreadsheet largestDataset();
 
 }  // namespace zelvo::benchmarks

@@ -138,7 +138,7 @@ std::uint32_t walkArchive(std::vector<std::uint8_t>& archive) {
 
 }  // namespace
 
-/// With an argument, stops after the digest: what a reader does that expands nothing.
+/// With an argument, stops after the digest: the floor of a reader that expands nothing.
 int main(int argc, char** /*argv*/) {
   boost::json::basic_parser<DataHandler> parser(boost::json::parse_options{});
   {

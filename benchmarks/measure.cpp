@@ -1,5 +1,5 @@
 // Runs commands alternately, A B A B …, each with a file as standard input, discards their output, and prints
-// one line a run: which command, status, user and system CPU seconds, wall seconds, peak memory in KiB.
+// one line per run: which command, status, user and system CPU seconds, wall seconds, peak memory in KiB.
 //
 //   measure RUNS INPUT -- COMMAND [ARG...] [-- COMMAND [ARG...]]...
 //

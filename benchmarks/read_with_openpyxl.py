@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Reads a workbook with openpyxl in its read-only mode: every cell, or a range of the first sheet. Prints how many hold something."""
+"""Reads a workbook with openpyxl in its read-only mode: every cell, or a range of the first sheet. Prints the number of nonempty cells."""
 
 import sys
 

@@ -1,7 +1,7 @@
 // research_workbook RUNS FOLDER: writes the workbook of the largest dataset RUNS times in each of three ways,
 // alternately, within one process, and prints a line for each: name, CPU seconds, bytes of the package.
 //
-//   zelvo          checks the dataset, computes, lays out and writes; what is written is not read back
+//   zelvo          checks the dataset, computes, lays out and writes; does not read back
 //   deflated       the same, and then compresses the package, which zelvo itself only stores
 //   libxlsxwriter  another writer of spreadsheets: the same cells, formulas with results, formats, sizes,
 //                  table and charts; it is handed results and layout, and always compresses

@@ -77,7 +77,7 @@ def inspect_rows(bench):
         stdin = bench.request(name, operation="inspect")
         base, ours = bench.measure(stdin, floor, worker)
         expanded = expanded_bytes(bench.folder / f"{name}.xlsx")
-        # Refused while reading the directory: only entries that were expanded before count.
+        # If the archive is refused, only entries that were expanded before count.
         allowed = stdin.stat().st_size * 3 + min(expanded, 64 * MIB) * 3 + 32 * MIB
         yield [name, f"{expanded / MIB:.1f}", milliseconds(base["cpu"]), milliseconds(ours["cpu"]),
                f"{ours['cpu ratio']:.2f}", f"{ours['peak'] / MIB:.0f}", f"{allowed / MIB:.0f}", f"{ours['wall']:.2f}"]
@@ -119,7 +119,7 @@ def clean_rows(bench):
         stdin = bench.request(name, version=1)
         base, ours = bench.measure(stdin, floor, cleaner)
         expanded = expanded_bytes(bench.folder / f"{name}.xlsx")
-        # The parts that are written are about as large as those that are read, but for a formula that grows up to its limit.
+        # The written parts are about as large as those that were read, except for a formula that grows up to its limit.
         result = expanded if name != "shared-formula" else 16 * MIB
         allowed = stdin.stat().st_size * 3 + expanded * 3 + result * 2 + 32 * MIB
         yield [name, milliseconds(base["cpu"]), milliseconds(ours["cpu"]), f"{ours['cpu ratio']:.2f}",

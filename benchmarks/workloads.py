@@ -26,7 +26,7 @@ def letters(column):
 
 
 def noise(state):
-    """An own generator: the standard library's may change between versions."""
+    """Pseudo-random numbers, the same with every version of Python."""
     while True:
         state = (state * 6364136223846793005 + 1442695040888963407) % 2**64
         yield state >> 33
@@ -124,7 +124,7 @@ def inline_sheet(size, seed):
 
 
 def near_limit(share):
-    """The largest workbook that passes, or a share of it: worksheets of mixed short cells and of long texts."""
+    """The largest workbook that is accepted, or a share of it: worksheets of mixed short cells and of long texts."""
     sheets = [worksheet(mixed_rows(int(6250 * share), 8, 5000, seed)) for seed in range(1, 9)]
     left = int(TOTAL * share) - sum(map(len, sheets))
     while left > 0:
@@ -138,7 +138,7 @@ def attribute_names(count):
 
 
 def many_attributes(count, seed):
-    """Elements of 64 attributes each, with values that do not compress too well to pass."""
+    """Elements of 64 attributes each, with values whose compression ratio is within the limit."""
     random = noise(seed)
     names = attribute_names(64)
     for _ in range(count):
@@ -161,15 +161,15 @@ WORKLOADS = {
     "empty-elements": lambda: scaled(lambda share: workbook(
         [worksheet(mixed_rows(2, 2, 2))], ["a", "b"],
         {f"xl/e{i:03}.xml": "<a>" + "<b/>" * 54_000 + "</a>" for i in range(int(300 * share))})),
-    # Beyond the limit on expanded bytes: must be refused quickly.
+    # Above the limit on expanded bytes: must be refused quickly.
     "empty-elements-refused": lambda: {"": workbook(
         [worksheet(mixed_rows(2, 2, 2))], ["a", "b"],
         {f"xl/e{i:03}.xml": "<a>" + "<b/>" * 199_999 + "</a>" for i in range(300)})},
-    # What the cleaner passes over, and the same workbook without it.
+    # Content that the cleaner skips, and the same workbook without it.
     "pictures-25-mb": lambda: {"": workbook([worksheet(mixed_rows(2000, 8, 500))], words(500, 24),
                                             {f"xl/media/image{i}.png": noise_bytes(5_000_000, i) for i in range(5)}),
                                ".none": workbook([worksheet(mixed_rows(2000, 8, 500))], words(500, 24))},
-    # A formula of 8,000 characters that 50,000 cells share: written out it would be 400 MB.
+    # A formula of 8,000 characters shared by 50,000 cells: written out it would be 400 MB.
     "shared-formula": lambda: {"": workbook([worksheet([
         f'<row r="1"><c r="A1"><f t="shared" si="0" ref="A1:A50000">{"A$1+" * 2000}1</f></c></row>',
         *(f'<row r="{row}"><c r="A{row}"><f t="shared" si="0"/></c></row>' for row in range(2, 50_001))])])},

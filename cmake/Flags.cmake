@@ -15,11 +15,11 @@ target_compile_options(zelvo_warnings INTERFACE
 )
 target_compile_options(zelvo_flags INTERFACE
   -fstack-protector-strong
-  # A fused multiply-add would give other bytes on other machines: row heights are sums of doubles.
+  # Row heights are sums of doubles: fused multiply-adds would make their bytes depend on the machine.
   -ffp-contract=off
 )
 if(CMAKE_CXX_COMPILER_ID STREQUAL GNU)
-  # GCC 12 takes the assignment of a literal to a string for an overlap where it inlines much.
+  # GCC 12 falsely reports an overlap at the assignment of a literal to a string in inlined code.
   target_compile_options(zelvo_warnings INTERFACE -Wno-restrict)
 endif()
 target_compile_definitions(zelvo_flags INTERFACE _GLIBCXX_ASSERTIONS)
@@ -34,7 +34,7 @@ if(ZELVO_SANITIZE)
     -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
   target_link_options(zelvo_flags INTERFACE -fsanitize=address,undefined)
   if(CMAKE_CXX_COMPILER_ID STREQUAL Clang)
-    # Coverage for libFuzzer, in the tests' build too: the fuzz targets share it, and nothing is compiled twice.
+    # Coverage for libFuzzer, also in the tests' build: the fuzz targets share its libraries.
     target_compile_options(zelvo_flags INTERFACE -fsanitize=fuzzer-no-link)
   endif()
 endif()

@@ -21,6 +21,6 @@ zelvo_import(cli11 CLI/CLI.hpp)
 if(NOT APPLE)
   zelvo_import(seccomp seccomp.h seccomp)
 endif()
-# The library's data archive would be 30 MiB of every executable: see Text/UnicodeDataStub.cpp.
+# ICU's data archive would add 30 MiB to every executable: see Text/UnicodeDataStub.cpp.
 target_link_libraries(icu INTERFACE UnicodeDataStub Threads::Threads)
 target_link_libraries(boost_json INTERFACE Threads::Threads)

@@ -1,6 +1,6 @@
 # zelvo_library(NAME SOURCES file... [USES target...] [WRAPS target...])
-#   The library target of one layer, which is one folder. USES: the lower layers whose headers its files include (script/check-includes reads
-#   them here and allows nothing else). WRAPS: third-party libraries that only its sources include.
+#   The library target of one layer (one folder). USES: the lower layers whose headers its files include;
+#   script/check-includes allows no others. WRAPS: third-party libraries that only its sources include.
 function(zelvo_library NAME)
   cmake_parse_arguments(ARG "" "" "SOURCES;USES;WRAPS" ${ARGN})
   add_library(${NAME} STATIC ${ARG_SOURCES})

@@ -14,7 +14,7 @@ namespace {
 
 using Document = std::unique_ptr<xmlDoc, decltype(&xmlFreeDoc)>;
 
-/// Versions that libxml2 does not know are no reason to stop, and the encoding is UTF-8 whatever is declared.
+/// Recovers from unknown XML versions. Reads UTF-8, whatever encoding is declared.
 Document parsed(std::string_view xml) {
   constexpr int options =
       XML_PARSE_RECOVER | XML_PARSE_NOERROR | XML_PARSE_NOWARNING | XML_PARSE_NONET | XML_PARSE_IGNORE_ENC;

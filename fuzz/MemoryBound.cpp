@@ -9,23 +9,23 @@
 namespace zelvo::fuzzing {
 namespace {
 
-/// The promise: three times what comes in and what is expanded, and this.
+/// The documented bound is three times the input, three times the expanded bytes, and this.
 constexpr std::size_t promisedBytes = 32 << 20;
 
-/// Small parts: a tree takes 54 bytes for the shortest element ("<a/>"), beside the part itself, its text and
-/// what is made of it.
+/// For small parts: a tree has 54 bytes for the shortest element ("<a/>"), in addition to the part, its text
+/// and the results.
 constexpr std::size_t treeFactor = 10;
 constexpr std::size_t documentBytes = 256 << 10;
 
-/// Small messages: a list's elements take more than their text, until the list is cut.
+/// For small messages: a list's elements are larger than their text, until the list is cut.
 constexpr std::size_t messageBytes = 512 << 10;
 
-/// A deck of as many slides and charts as there may be takes this, whatever they say.
+/// The memory of a deck with the most slides and charts, without their texts.
 constexpr std::size_t researchFactor = 6;
 constexpr std::size_t researchBytes = 2 << 20;
 
 /// The format of charts repeats each category label for every series of every chart, 16 times in a deck. The
-/// part, the archive, and the trees that it is read back from each hold these.
+/// part, the archive, and the trees of the read-back each have these copies.
 constexpr std::size_t deckFactor = 128;
 constexpr std::size_t promisedDeckBytes = 48 << 20;
 
@@ -36,8 +36,8 @@ std::uint64_t number(ByteView bytes, std::size_t at, std::size_t count) {
   return value;
 }
 
-/// What the entries of an archive claim to expand to, up to the first that the reader refuses for it. Nothing
-/// else is checked.
+/// The sum of the expanded sizes that an archive's entries declare, up to the first size that the reader
+/// refuses. Checks nothing else.
 std::size_t claimedBytes(ByteView archive) {
   using namespace BoundedZIP;
   constexpr std::size_t endRecordBytes = 22;
@@ -73,7 +73,7 @@ std::size_t expandedBytes(ByteView archive) {
       if (part.name.ends_with(".xlsx")) sum += claimedBytes(part.bytes.view());
     }
   } catch (const DocumentError&) {
-    // The code under test gets no further.
+    // The code under test refuses the archive too.
   }
   return sum;
 }

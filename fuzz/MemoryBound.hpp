@@ -5,16 +5,16 @@
 #include "DocumentRuntime/Records/ByteBuffer.hpp"
 #include "Support/HeapUse.hpp"
 
-/// How much memory an input may cost, for targets to hold around the code under test. What takes more aborts
-/// where it allocates it. Each is at most what the program promises for inputs of any size, and as much less
-/// for the small inputs that a fuzzer makes as correct code allows.
+/// Memory limits of inputs. A target keeps one during the code under test; an allocation above it aborts.
+/// Each limit is at most the documented bound for inputs of any size, and tighter for the small inputs of a
+/// fuzzer.
 namespace zelvo::fuzzing {
 
-/// What the entries of an archive and of the workbooks in it claim to expand to, as far as the reader lets
-/// them.
+/// The expanded sizes that the entries of an archive and of the workbooks in it declare, up to the reader's
+/// limits.
 std::size_t expandedBytes(ByteView archive);
 
-/// For archives of documents, and a result of so many bytes.
+/// For archives of documents, with `resultBytes` for the result.
 testing::HeapLimit documentMemory(ByteView archive, std::size_t resultBytes = 0);
 
 /// For XML outside an archive.
@@ -23,10 +23,10 @@ testing::HeapLimit partMemory(std::size_t bytes);
 /// For messages between host and worker.
 testing::HeapLimit messageMemory(std::size_t bytes);
 
-/// For what research results are decoded from.
+/// For the JSON of research results.
 testing::HeapLimit researchMemory(std::size_t bytes);
 
-/// For decks, drawn and read back.
+/// For decks that are rendered and read back.
 testing::HeapLimit presentationMemory(std::size_t bytes);
 
 }  // namespace zelvo::fuzzing

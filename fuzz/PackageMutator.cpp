@@ -17,7 +17,7 @@ namespace {
 using testing::ArchiveBuilder;
 using testing::EntryHeader;
 
-/// How much longer one mutation may make a text.
+/// The most bytes that one mutation adds to a text.
 constexpr std::size_t growth = 256;
 
 void mutate(std::string& text) {
@@ -43,7 +43,7 @@ ArchiveBuilder archiveOf(const std::vector<TextPart>& parts, bool deflate) {
   return archive;
 }
 
-/// The parts of an archive; none of what is no archive.
+/// The parts of an archive; empty if it is not an archive.
 std::vector<TextPart> partsOf(ByteView archive) {
   std::vector<TextPart> parts;
   try {
@@ -72,7 +72,7 @@ std::string mutatedArchive(std::vector<TextPart> parts, unsigned seed) {
   const std::size_t chosen = seed % parts.size();
   const bool deflate = (seed >> 8) % 2 == 0;
   switch ((seed >> 16) % 8) {
-    case 0: {  // a stream that lies about its content
+    case 0: {  // a stream that does not match the declared size and checksum
       ArchiveBuilder archive = archiveOf(parts, true);
       auto& entry = archive.entries[chosen];
       mutate(entry.data);

@@ -3,7 +3,7 @@
 #include <cstdio>
 #include <cstdlib>
 
-/// Checks a property that no input may break; libFuzzer reports the abort as a finding.
+/// Checks a property of every input; libFuzzer reports the abort as a finding.
 #define ZELVO_REQUIRE(condition)                                                  \
   do {                                                                            \
     if (!(condition)) {                                                           \

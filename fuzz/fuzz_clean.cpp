@@ -1,6 +1,5 @@
-// The workbook cleaner: whatever it returns is inspected by the strict reader, holds nothing but what the
-// allow-list names, holds the cells of its source, and is cleaned again to the same bytes. It never fails its
-// own verification.
+// The workbook cleaner: the strict reader inspects every result, which has only elements of the allow-list,
+// has the cells of its source, and is cleaned again to the same bytes. It never fails its own verification.
 
 #include <map>
 #include <string>
@@ -19,10 +18,10 @@ using zelvo::ByteBuffer;
 using zelvo::PartMap;
 using zelvo::XMLNode;
 
-/// What stands in each cell of a worksheet, by address, told by local names; empty cells are left out.
+/// The content of each cell of a worksheet, by address. Read by local names, without empty cells.
 using Cells = std::map<std::string, std::string>;
 
-/// None where only a reader that resolves namespaces can tell what is meant.
+/// Whether the part needs no resolution of namespaces.
 bool isPlain(XMLNode node, bool isRoot = true) {
   if (node.qualifiedName() != node.name()) return false;
   for (std::size_t i = 0; i < node.attributeCount(); ++i) {
@@ -60,7 +59,7 @@ Cells cellsOf(XMLNode worksheet) {
       if (inlineString && inlineString->hasContent()) content += " is " + textOf(*inlineString);
       if (formula) content += " f " + (isShared ? std::string() : formula->content());
       if (content.empty()) continue;
-      // A shared formula's text may be written out: its place counts.
+      // A shared formula's text may be written out: only its address is compared.
       if (isShared) content = " shared";
       cells.emplace(zelvo::CellAddress::parse(cell.attribute("r").value_or("")).name(),
                     content + " t " + std::string(cell.attribute("t").value_or("")) + " s " +
@@ -108,7 +107,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
       static_cast<void>(source.inspection());
       requireSameCells(zelvo::BoundedZIP::read(bytes), after, source, result);
     } catch (const zelvo::DocumentError&) {
-      return 0;  // the reader refuses what the cleaner makes readable
+      return 0;  // the strict reader refuses the source
     }
   } catch (const zelvo::DocumentError& error) {
     ZELVO_REQUIRE(error.errorCase() != zelvo::DocumentError::Case::validationFailed);

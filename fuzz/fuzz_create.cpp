@@ -1,5 +1,5 @@
-// Documents made of tables of workbooks of every kind: whatever is returned passes its own validation, and
-// nothing that the workbook says is repeated without bound.
+// Documents of tables of arbitrary workbooks: every result passes its own validation, and no text of the
+// workbook is repeated without bound.
 
 #include <algorithm>
 #include <optional>
@@ -17,7 +17,7 @@
 
 namespace {
 
-/// Rows of six lines fill all slides that a presentation may have.
+/// Enough rows of six lines to fill all slides that a presentation may have.
 constexpr const char* range = "A1:B40";
 
 /// The memory of slides and charts without their texts.
@@ -26,7 +26,8 @@ constexpr std::size_t frameBytes = 2 << 20;
 /// name once for each of 21 slides.
 constexpr std::size_t copies = 63;  // 3 × 21
 
-/// A document is held as parts, as an archive and as what is read back, each within the archive's limit.
+/// A document is in memory as parts, as an archive and as the trees of the read-back, each within the
+/// archive's limit.
 std::size_t resultBytes(const zelvo::SourceTable& table) {
   return frameBytes +
          std::min(copies * toJson(table).size(), 3 * std::size_t{zelvo::BoundedZIP::maximumArchiveBytes});

@@ -1,5 +1,5 @@
-// Responses of every kind: a dataset that is accepted survives its canonical encoding, and its formulas give
-// finite numbers or blanks.
+// Arbitrary responses: an accepted dataset round-trips through its canonical encoding, and its formulas
+// result in finite numbers or blanks.
 
 #include <cmath>
 #include <cstdint>
@@ -12,7 +12,7 @@
 #include "fuzz/Require.hpp"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  // The first byte chooses what the host asks for.
+  // The first byte selects the host's options.
   if (size == 0) return 0;
   const bool requiresChart = (data[0] & 1) != 0;
   zelvo::AllowedSources allowedSources;
@@ -27,7 +27,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   try {
     const auto dataset = zelvo::ResearchSpreadsheet::decode(response, requiresChart, allowedSources, scope);
     const std::string encoded = dataset.encoded();
-    // Not `decode`: written out, numbers can pass the bound of a response.
+    // Not `decode`: encoded numbers can be longer, beyond the limit of a response.
     const auto again = zelvo::fromJson<zelvo::ResearchSpreadsheet>(encoded);
     ZELVO_REQUIRE(again == dataset);
     ZELVO_REQUIRE(again.encoded() == encoded);

@@ -1,5 +1,4 @@
-// Extraction from workbooks of every kind: each cell that is given out shows the text that the workbook
-// stores.
+// Extraction from arbitrary workbooks: each returned cell has the text that the workbook stores.
 
 #include <cstdlib>
 #include <optional>
@@ -20,13 +19,13 @@ namespace {
 using Kind = zelvo::SourceCellValue::Kind;
 using zelvo::XMLNode;
 
-/// A second, plain reading of what a workbook stores for a cell: no maps, no budgets, every part parsed when
-/// it is wanted.
+/// A second, simple reader of the stored text of a cell: no maps, no caches, every part parsed when it is
+/// needed.
 class StoredTexts {
  public:
   explicit StoredTexts(zelvo::ByteView archive) : parts_(zelvo::BoundedZIP::read(archive)) {}
 
-  /// The text at an address of a sheet, none where no cell stands.
+  /// The text at an address of a sheet. Returns nullopt if there is no cell.
   std::optional<std::string> at(const std::string& path, const std::string& address) const {
     const zelvo::XMLTree sheet = zelvo::OOXML::xml(parts_.find(path)->view());
     for (const XMLNode cell : sheet.root().descendants("c")) {
@@ -41,8 +40,8 @@ class StoredTexts {
   }
 
  private:
-  /// The `t` children of an element's first child of that name, and those of its other children (of runs
-  /// only, if asked for).
+  /// The texts of the `t` children of an element's first child with that name, and of the `t` elements in its
+  /// other children (in runs only, if `runsOnly`).
   static std::string textsOf(XMLNode parent, std::string_view name, bool runsOnly) {
     std::string text;
     const auto element = name.empty() ? std::optional(parent) : parent.child(name);
@@ -70,8 +69,8 @@ class StoredTexts {
   zelvo::PartMap parts_;
 };
 
-/// Dates are converted and booleans named; every other value is the stored text, and only where something is
-/// stored.
+/// Dates and booleans are converted. Every other value is the stored text, and there is one only if something
+/// is stored.
 void requireStored(const zelvo::SourceCell& cell, const std::optional<std::string>& stored) {
   const auto kind = cell.value.kind();
   if (kind == Kind::missing) ZELVO_REQUIRE(!stored || stored->empty());
@@ -81,7 +80,7 @@ void requireStored(const zelvo::SourceCell& cell, const std::optional<std::strin
   if (kind == Kind::date) ZELVO_REQUIRE(stored && !stored->empty());
 }
 
-/// What must hold of any cell that was accepted, whatever the workbook.
+/// The properties of every accepted cell.
 void requireFaithful(const zelvo::SourceCell& cell, const zelvo::CellRange& range) {
   ZELVO_REQUIRE(range.contains(zelvo::CellAddress::parse(cell.address)));
   ZELVO_REQUIRE(cell.usesCachedFormulaValue == cell.formula.has_value());
@@ -96,7 +95,7 @@ struct ExtractedTable {
   zelvo::SourceTable table;
 };
 
-/// What the reader gives of every sheet, with and without a header.
+/// Extracts from every sheet, with and without a header.
 std::vector<ExtractedTable> extractedTables(zelvo::ByteView archive) {
   std::vector<ExtractedTable> tables;
   try {
@@ -112,7 +111,7 @@ std::vector<ExtractedTable> extractedTables(zelvo::ByteView archive) {
                                               .includeHiddenRows = !header,
                                               .allowCachedFormulaValues = true};
         try {
-          // One shared string may be in all of them.
+          // All cells may have the same shared string.
           constexpr std::size_t cells = 30;
           const auto limit =
               zelvo::fuzzing::documentMemory(archive, cells * zelvo::fuzzing::expandedBytes(archive));

@@ -1,5 +1,5 @@
-// The whole way of a workbook: archive, gate, XML, sheets. Whatever comes in is described or refused, and an
-// archive that was read is written and read again as the same parts.
+// Archive, gate, XML and sheets of a workbook. Every input is inspected or refused, and an archive that was
+// read round-trips through writing and reading.
 
 #include "DocumentRuntime/Errors/DocumentError.hpp"
 #include "DocumentRuntime/PackageIO/BoundedZIP.hpp"

@@ -1,5 +1,5 @@
-// Decks of every kind: one that is accepted survives its canonical encoding, meets its rules again, every
-// chart that it names has its data and one of the four chart parts, and its slides deliver what it says.
+// Arbitrary decks: an accepted deck round-trips through its canonical encoding and is accepted again, each of
+// its charts has data and one of the four chart parts, and its slides have its texts and charts.
 
 #include <algorithm>
 #include <cstdint>
@@ -19,7 +19,7 @@ namespace {
 using zelvo::ResearchPresentation;
 using zelvo::ResearchSpreadsheet;
 
-/// Three years, citing what lists and scopes below allow.
+/// Three years, with sources that the lists and scopes below allow.
 ResearchSpreadsheet canonicalDataset() {
   ResearchSpreadsheet dataset = zelvo::testing::yearlyProfit();
   for (ResearchSpreadsheet::Row& row : dataset.rows)
@@ -27,7 +27,7 @@ ResearchSpreadsheet canonicalDataset() {
   return dataset;
 }
 
-/// The part before the next NUL, which is taken off.
+/// Removes the part before the next NUL, and the NUL, from the front. Returns the part.
 std::string_view nextText(std::string_view& rest) {
   const std::string_view text = rest.substr(0, rest.find('\0'));
   rest.remove_prefix(std::min(text.size() + 1, rest.size()));
@@ -39,7 +39,7 @@ struct HostData {
   ResearchSpreadsheet dataset;
 };
 
-/// None for texts that are none.
+/// Returns nullopt for texts that cannot be decoded.
 std::optional<HostData> hostData(std::uint8_t mode, std::string_view rest) {
   HostData host = {{}, canonicalDataset()};
   const std::string scope(nextText(rest));
@@ -88,7 +88,7 @@ void checkBindings(const ResearchPresentation& deck) {
   }
 }
 
-/// Drawing proves by itself that everything arrived; only text that no slide can hold is refused.
+/// Rendering verifies its result; only text that does not fit on a slide is refused.
 void checkDelivery(const ResearchPresentation& deck, const std::optional<zelvo::ResearchSourceScope>& scope) {
   try {
     const auto written = zelvo::renderPresentation(deck, 4, scope);
@@ -101,8 +101,8 @@ void checkDelivery(const ResearchPresentation& deck, const std::optional<zelvo::
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  // The first byte chooses what the host gives; behind the deck its scope and its dataset may follow, each
-  // after a NUL, which JSON does not hold.
+  // The first byte selects the host's options. The deck may be followed by a scope and a dataset, each after
+  // a NUL, which JSON cannot contain.
   if (size == 0) return 0;
   const std::uint8_t mode = data[0];
   std::string_view rest(reinterpret_cast<const char*>(data) + 1, size - 1);
@@ -113,11 +113,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const auto host = hostData(mode, rest);
   if (!host) return 0;
   const auto& scope = host->scope;
-  // Whatever is thrown from here on is a finding, errors included.
+  // Every exception from here on is a finding.
   const auto deck = accepted(mode, text, allowedSources, *host);
   if (!deck) return 0;
   const std::string encoded = deck->encoded();
-  // Not `decode`: written out, numbers can pass the bound of a deck.
+  // Not `decode`: encoded numbers can be longer, beyond the limit of a deck.
   const auto again = zelvo::fromJson<ResearchPresentation>(encoded);
   ZELVO_REQUIRE(again == *deck);
   ZELVO_REQUIRE(again.encoded() == encoded);
@@ -125,7 +125,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   checkBindings(again);
   checkDelivery(again, scope);
   for (const auto& slide : again.slides) {
-    // Every identifier and URL that a scope lets pass has its record.
+    // Every identifier and URL that a scope allows has a record.
     const bool citesEvidence = !slide.sources.empty() || (slide.sourceIDs && !slide.sourceIDs->empty());
     const auto records = ResearchPresentation::sourceRecords(slide, scope);
     ZELVO_REQUIRE(records.empty() == (!scope || !citesEvidence));

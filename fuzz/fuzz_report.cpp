@@ -1,5 +1,4 @@
-// Reports of every kind: the table that is found keeps its limits, and the workbook that is made of it opens
-// and shows it.
+// Arbitrary reports: the table is within its limits, and its workbook can be read and has the table's texts.
 
 #include <algorithm>
 #include <cstdint>
@@ -21,7 +20,7 @@ using zelvo::ResearchWorkbook::ReportTable;
 constexpr std::size_t maximumReportCharacters = 60'000;
 constexpr std::size_t maximumReportLines = 49'997;
 
-/// What the reader gives out at once.
+/// The largest block that the reader returns.
 constexpr std::size_t blockRows = 201;
 constexpr std::size_t blockColumns = 8;
 
@@ -38,7 +37,7 @@ void requireBounded(const ReportTable& table) {
   }
 }
 
-/// A second reading of which texts are numbers: from the left, character by character.
+/// A second implementation of which texts are numbers: from the left, character by character.
 bool isNumber(std::string_view text) {
   std::size_t at = text.substr(0, 1) == "-" ? 1 : 0;
   const auto digits = [&] {
@@ -57,7 +56,7 @@ bool isNumber(std::string_view text) {
   return at == text.size() && fraction >= 1 && fraction <= 6;
 }
 
-/// What a workbook can show of a text.
+/// The part of a text that a workbook can store.
 std::string shown(std::string text) {
   std::erase_if(text, [](char c) { return static_cast<unsigned char>(c) < 0x20 && c != '\t'; });
   for (const std::string_view noncharacter : {"\uFFFE", "\uFFFF"}) {
@@ -123,7 +122,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     ZELVO_REQUIRE(error.errorCase() == (isTooLong || table ? resourceLimit : validationFailed));
     return 0;
   }
-  // What the reader throws from here on is a finding.
+  // Every exception of the reader from here on is a finding.
   requireReadable(std::move(workbook), *table);
   return 0;
 }

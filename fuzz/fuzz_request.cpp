@@ -1,5 +1,5 @@
-// The request decoder: whatever comes in is a request or is refused, and a request that was decoded is
-// encoded and decoded as itself.
+// The request decoder: every input is decoded or refused, and a decoded request round-trips through encoding
+// and decoding.
 
 #include <string>
 #include <string_view>

@@ -1,4 +1,4 @@
-// Source scopes of every kind: whatever a scope lets pass has its records, in order and each once.
+// Arbitrary source scopes: every reference that a scope allows has its record, in order and each once.
 
 #include <algorithm>
 #include <cstdint>

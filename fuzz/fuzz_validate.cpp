@@ -1,5 +1,5 @@
-// Validation against documents made of approved ones: what is accepted shows the expected table, read a
-// second time by other code, and holds no part and no element that the authors do not write.
+// Validation of mutated documents: an accepted document shows the expected table, by an independent reader,
+// and has no part and no element that the authors do not write.
 
 #include <optional>
 #include <set>

@@ -1,6 +1,6 @@
 // replay TARGET PATH...: runs a fuzz target over files, and over the files of folders, without a fuzzer. A
-// folder that is not there holds none. Ends with an abort where the target finds something, and with status 1
-// where an input takes too long.
+// folder that does not exist is empty. Aborts if the target finds something, and ends with status 1 if an
+// input takes too long.
 
 #include <algorithm>
 #include <cstdint>
@@ -34,7 +34,7 @@ namespace {
 
 using Target = int (*)(const std::uint8_t*, std::size_t);
 
-/// Under a sanitizer, no input of some tens of kilobytes takes a tenth of it.
+/// More than ten times the time of any input of some tens of kilobytes under a sanitizer.
 constexpr double maximumSeconds = 5;
 
 Target targetOf(std::string_view name) {
@@ -55,7 +55,7 @@ std::vector<std::filesystem::path> filesOf(const std::filesystem::path& path) {
 }
 
 bool isQuick(Target target, const std::filesystem::path& path) {
-  // Before the run, which may not come back.
+  // Before the run, which may abort.
   static_cast<void>(std::fprintf(stderr, "%s\n", path.c_str()));
   std::ifstream file(path, std::ios::binary);
   const std::string content{std::istreambuf_iterator<char>(file), {}};

@@ -1,5 +1,5 @@
 // write_seeds TARGET FOLDER: writes the inputs that a fuzz target starts from, made by the builders of the
-// tests. Some of each hold what repeats or nests in them: what grows faster than the input grows there first.
+// tests. Some have repeated or nested content, which is most likely to need superlinear time or memory.
 
 #include <cstdio>
 #include <filesystem>
@@ -39,7 +39,7 @@ class Seeds {
   int count_ = 0;
 };
 
-/// `inner` in so many elements of one name.
+/// `inner` inside that many nested elements of one name.
 std::string nested(const std::string& name, std::size_t depth, const std::string& inner) {
   std::string text;
   for (std::size_t i = 0; i < depth; ++i)
@@ -179,7 +179,7 @@ void addRequests(Seeds& seeds) {
             repeated("0,", 5'000) + R"(0],"members":{)" + repeated(R"("":0,)", 2'000) + R"("":0}})");
 }
 
-/// The first byte says what the host asks for.
+/// The first byte selects the host's options.
 void addDatasets(Seeds& seeds) {
   using namespace zelvo::testing;
   zelvo::ResearchSpreadsheet dataset = yearlyProfit();
@@ -201,7 +201,7 @@ void addDatasets(Seeds& seeds) {
   seeds.add(std::string(1, '\0') + R"({"columns":[],"rows":[{"cells":[)" + repeated("0,", 5'000) + "0]}]}");
 }
 
-/// Many identifiers of one URL, long ones among them, and records that are like each other.
+/// Many identifiers of one URL, some of them long, and similar records.
 void addScopes(Seeds& seeds) {
   using zelvo::testing::repeated;
   const std::string record =
@@ -218,7 +218,7 @@ void addScopes(Seeds& seeds) {
   scope(R"("a","a","b")", sources, record + "," + record);
 }
 
-/// The first byte says what the host gives.
+/// The first byte selects the host's options.
 void addPresentations(Seeds& seeds) {
   const auto deck = [](const std::string& cover, const std::string& chart, const std::string& more) {
     return R"({"title":"Deck","report":"Sum","slides":[{"title":"Cover","body":["c"],)" + cover +
@@ -235,8 +235,8 @@ void addPresentations(Seeds& seeds) {
   seeds.add("\1" + deck(sources, reference, R"(,"datasets":[])"));
   seeds.add("\11" + deck(sources + R"(,"sourceIDs":["b"])", reference, ""));
 
-  // Behind a NUL the host's scope, behind another its dataset. Each slide cites one record, and all charts
-  // show one column.
+  // After a NUL the host's scope, after another its dataset. Each slide cites one record, and all charts show
+  // one column.
   using zelvo::testing::repeated;
   const std::string scope =
       R"({"localSnapshotIDs":["a"],"publicSources":{},"records":[{"id":"a","kind":"publicPage","label":")" +
@@ -256,7 +256,7 @@ void addReports(Seeds& seeds) {
   seeds.add(
       "```csv\r\nName;Value\r\n\"a;b\";\"c\"\"d\"\r\n01;99999999999999.123456\r\n```\r\n|a|b|\r\n|c|d|");
   seeds.add("```\na\tb\n\tc\td\n```\n```\na;b\nc;d;e\n```\n|\u00e9\u0301\x01|\uffff|\u2028|<&>|'\"|");
-  // Wider than the reader's blocks, and higher.
+  // Larger than the reader's blocks in both directions.
   std::string wide = "```\n";
   for (int row = 0; row < 210; ++row)
     wide += "1;2;3;4;5;6;7;8;9\n";

@@ -11,7 +11,7 @@
 namespace zelvo {
 namespace {
 
-/// Room for a response's other fields, most of which are short.
+/// Estimated size of a response's other fields, to avoid copies.
 constexpr std::size_t usualReportBytes = 16'384;
 
 DocumentCleanerResponse clean(DocumentCleanerRequest request) {

@@ -5,9 +5,9 @@
 
 namespace zelvo {
 
-/// The text of the cleaner's response to the text of a request. A workbook that is refused is answered with
-/// the error alone. None if the result differs from its source: a defect of the cleaner must not pass for a
-/// word on the document. Throws `DecodingError`. A `RequestHandler`.
+/// The cleaner's `RequestHandler`. A refused workbook becomes a response with the error alone. Returns
+/// nullopt if the result differs from its source: a defect of the cleaner must not be reported as an error of
+/// the document. Throws `DecodingError`.
 std::optional<std::string> answerCleaningRequest(std::string request);
 
 }  // namespace zelvo

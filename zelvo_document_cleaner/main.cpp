@@ -4,6 +4,6 @@
 #include "zelvo_document_worker/WorkerEntry.hpp"
 
 int main() {
-  // Ends at once: what would run at exit would run under confinement.
+  // Not `exit`: exit handlers would run under confinement.
   _exit(zelvo::runWorkerProcess(zelvo::answerCleaningRequest));
 }

@@ -7,9 +7,9 @@
 
 namespace zelvo {
 
-/// Runs the operation that the request asks for. Throws `DocumentError`: before any work if the request lacks
-/// a field, or if the operation fails. Takes the request's fields, so that its document is freed as soon as
-/// it has been read.
+/// Runs the operation of the request. Throws `DocumentError` before any work if the request lacks a field,
+/// and if the operation fails. Moves from the request, so that its document is freed as soon as it has been
+/// read.
 DocumentWorkerResponse run(DocumentWorkerRequest&& request);
 
 /// The worker's `RequestHandler`. A `DocumentError` of the operation becomes a response with the error alone.

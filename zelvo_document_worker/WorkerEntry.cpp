@@ -24,7 +24,7 @@ std::optional<std::string> readRequest(Input& input) {
   // Reserved for the largest request, so that nothing is copied as it grows. Only pages that are written
   // become resident.
   request.reserve(maximumMessageBytes);
-  // Not on the stack, whose limit a parent may have set to as little as 64 KiB.
+  // Not on the stack: a parent may have set its limit to as little as 64 KiB.
   const auto chunk = std::make_unique_for_overwrite<char[]>(readChunkBytes);
   while (true) {
     const std::optional<std::size_t> count = input.read({chunk.get(), readChunkBytes});

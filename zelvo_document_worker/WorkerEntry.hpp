@@ -19,7 +19,7 @@ using RequestHandler = std::optional<std::string> (*)(std::string request);
 int runWorker(EntitlementReader& entitlements, Limits& limits, Input& input, Output& output,
               RequestHandler handle) noexcept;
 
-/// Confines the running process and runs a worker in it, over its standard streams.
+/// Confines the running process and runs a worker in it, on its standard streams.
 int runWorkerProcess(RequestHandler handle) noexcept;
 
 /// The error text of a response to a refused request, cut to `maximumErrorCharacters`.

@@ -15,7 +15,7 @@ namespace zelvo::DocumentAuthor {
 /// A Word document: title, provenance, one table. Throws what the ZIP writer throws.
 ByteBuffer docx(const SourceTable& table, std::string_view title, const std::stop_token& stop = {});
 
-/// A 16:9 presentation: the table over at most 20 slides and, if asked for, a slide with an editable column
+/// A 16:9 presentation: the table on at most 20 slides and, on request, a slide with an editable column
 /// chart. Throws `DocumentError`, in this order: unsupported "presentation cells need too much vertical
 /// space; use Word or fewer columns"; resourceLimit "presentation exceeds 20 table slides"; unsupported
 /// "presentation title is too long for two lines" or "chart title is too long for two lines"; then what the

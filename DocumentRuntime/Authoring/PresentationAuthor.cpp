@@ -32,7 +32,7 @@ constexpr std::int64_t chartHeight = 4'572'000;
 /// Upper bound of a slide's XML without its texts and its content.
 constexpr std::size_t frameBytes = 4096;
 
-/// Opens a graphic frame that is as wide as the content box and begins at its top.
+/// Opens a graphic frame at the top of the content box, with its width.
 void appendFrameStart(std::string& xml, std::string_view name, std::int64_t height) {
   OOXML::append(xml, R"(<p:graphicFrame><p:nvGraphicFramePr><p:cNvPr id="3" name=")", name,
                 R"("/><p:cNvGraphicFramePr/><p:nvPr/></p:nvGraphicFramePr><p:xfrm><a:off x=")",

@@ -26,7 +26,7 @@ constexpr ThemeColour themeColours[] = {
     {"accent5", "BCCCDC"}, {"accent6", "D9E2EC"}, {"hlink", "1A73E8"},   {"folHlink", "681DA8"},
 };
 
-constexpr int firstSlideID = 256;  ///< the least that the format allows
+constexpr int firstSlideID = 256;  ///< the smallest that the format allows
 
 /// Format schemes must list three of each: subtle, moderate, intense. Here all three are equal.
 std::string threeTimes(std::string_view xml) {

@@ -20,7 +20,7 @@ struct SlideChart {
   ByteBuffer workbook;
 };
 
-/// All parts of a presentation: slides and charts numbered from 1 in order, on the one master, layout and
+/// All parts of a presentation: slides and charts numbered from 1 in order, with one master, layout and
 /// theme.
 PartMap presentationPackage(std::vector<Slide> slides, std::vector<SlideChart> charts);
 

@@ -12,8 +12,8 @@ namespace zelvo::DocumentAuthor {
 /// The chart part, with the texts and numbers cached.
 std::string chartXML(const SourceTable& table, const ChartSelection& chart);
 
-/// The workbook that the chart is edited through: one sheet, "ChartData", with the same texts and numbers.
-/// Throws what the ZIP writer throws.
+/// The workbook for editing the chart: one sheet, "ChartData", with the same texts and numbers. Throws what
+/// the ZIP writer throws.
 ByteBuffer chartWorkbook(const SourceTable& table, const ChartSelection& chart,
                          const std::stop_token& stop = {});
 

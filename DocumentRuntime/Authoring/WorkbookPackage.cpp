@@ -13,7 +13,7 @@ std::string sheetName(std::size_t index) {
 }
 
 ByteBuffer packageContentTypes(const WorkbookPlan& plan) {
-  std::vector<std::string> names;  // what the overrides view
+  std::vector<std::string> names;  // the overrides have views into them
   for (std::size_t i = 0; i < plan.sheets.size(); ++i)
     names.push_back("xl/worksheets/" + sheetName(i));
   for (const WorkbookPart& part : plan.parts)
@@ -57,7 +57,7 @@ ByteBuffer workbookRelationships(const WorkbookPlan& plan) {
   return OOXML::relationships(relationships);
 }
 
-/// Stores a part within xl/ and, where it has any, its relationships.
+/// Stores a part within xl/ and its relationships, if any.
 void add(PartMap& parts, const std::string& folder, const std::string& name, std::string_view xml,
          const std::vector<OOXML::Relationship>& relationships) {
   parts.set("xl/" + folder + "/" + name, OOXML::data(xml));

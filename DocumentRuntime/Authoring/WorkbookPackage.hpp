@@ -8,7 +8,7 @@
 #include "DocumentRuntime/PackageIO/PartMap.hpp"
 #include "DocumentRuntime/PackageIO/PartWriting.hpp"
 
-/// Workbooks of inline strings, without a shared string part: what every written workbook is built on.
+/// The package of every authored workbook: inline strings, without a shared string part.
 namespace zelvo::DocumentAuthor {
 
 struct WorkbookSheet {
@@ -17,7 +17,7 @@ struct WorkbookSheet {
   std::vector<OOXML::Relationship> relationships;
 };
 
-/// A part beside the worksheets: a table, a drawing, a chart.
+/// A part that is not a worksheet: a table, a drawing, a chart.
 struct WorkbookPart {
   std::string folder;            ///< within xl/
   std::string name;              ///< within the folder

@@ -7,11 +7,11 @@
 
 namespace zelvo {
 
-/// Finds repeated rows, and cells repeated within a row: since a cell must stand in the row that its address
-/// names and rows are unique, cells of different rows never collide.
+/// Finds repeated rows, and repeated cells within a row. A cell must be in the row of its address and rows
+/// are unique, so cells of different rows cannot be equal.
 class IdentityCheck {
  public:
-  /// `row` must lie in the sheet's bounds, which bound the memory used here; so must `column` below.
+  /// `row`, and `column` below, must be within the sheet's bounds, which bound the memory used here.
   bool isNewRow(std::int64_t row) {
     ++rowOrdinal_;
     std::vector<bool>::reference seen = at(seenRows_, row);
@@ -28,7 +28,7 @@ class IdentityCheck {
   }
 
  private:
-  /// Most sheets are small: room grows with the highest index met.
+  /// Grows the list to the highest index: most sheets are small.
   template <typename Items>
   static typename Items::reference at(Items& items, std::int64_t index) {
     const auto position = static_cast<std::size_t>(index);

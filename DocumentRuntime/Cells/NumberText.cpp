@@ -70,8 +70,8 @@ std::optional<double> value(std::string_view text) {
   double result = 0;
   const auto [end, failure] = std::from_chars(text.data(), text.data() + text.size(), result);
   if (failure == std::errc()) return result;
-  // Out of range is too large or too close to zero. Doubles reach 300 powers of ten both ways and 64 digits
-  // move a number by less, so the exponent's sign tells which.
+  // Out of range means too large or too close to zero. Doubles reach 300 powers of ten in both directions and
+  // 64 digits change the magnitude by fewer, so the exponent's sign decides which.
   if (number->exponent > 0) return std::nullopt;
   return 0.0;
 }

@@ -21,7 +21,7 @@ constexpr bool ours = true;
 // clang-format off
 /// In the order of `Tag`: the element, its attributes, its children in the order in which they are written.
 constexpr ElementRule allowList[] = {
-    // Written anew: nothing of the source's packaging is kept.
+    // Generated: nothing of the source's packaging is kept.
     {Tag::types, "Types", {}, {{Tag::typeDefault, Tag::typeOverride}}, dropped, repeated, ours},
     {Tag::typeDefault, "Default", {{{{extension, G::text, made}}, {{contentType, G::text, made}}}}, {}, dropped, repeated, ours},
     {Tag::typeOverride, "Override", {{{{partName, G::text, made}}, {{contentType, G::text, made}}}}, {}, dropped, repeated, ours},
@@ -104,7 +104,7 @@ static_assert([] {
   return true;
 }());
 
-/// Appearance, reading aids, and what only newer programs add.
+/// Appearance, phonetic text, and extensions.
 constexpr std::string_view valueless[] = {"extLst", "rPh", "phoneticPr", "rPr", "alignment", "protection"};
 
 constexpr std::string_view mainDeclaration =

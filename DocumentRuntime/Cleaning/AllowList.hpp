@@ -8,7 +8,8 @@
 
 #include "DocumentRuntime/Cleaning/ValueGrammar.hpp"
 
-/// What a cleaned workbook may hold, and what of a source workbook is read: one table (AllowList.cpp).
+/// The elements and attributes that are read from a source workbook and written to a cleaned one: one table,
+/// in AllowList.cpp.
 namespace zelvo::Cleaning {
 
 enum class Tag : std::uint8_t {
@@ -94,11 +95,11 @@ enum class Attribute : std::uint8_t {
 };
 inline constexpr std::size_t attributeCount = static_cast<std::size_t>(Attribute::pattern) + 1;
 
-/// Where the value of an attribute comes from, and what becomes of one outside its grammar.
+/// The source of an attribute's value, and the handling of a value outside its grammar.
 enum class Use : std::uint8_t {
-  optional,  ///< copied; dropped if it is wrong
-  required,  ///< copied; the workbook is refused if it is wrong
-  read,      ///< read, not written; the workbook is refused if it is wrong
+  optional,  ///< copied; dropped if invalid
+  required,  ///< copied; the workbook is refused if invalid
+  read,      ///< read, not written; the workbook is refused if invalid
   made,      ///< written, never read
 };
 
@@ -108,10 +109,10 @@ struct AttributeRule {
   Use use;
 };
 
-/// What happens to child elements that are not in the table.
+/// The handling of child elements that are not in the table.
 enum class OtherChildren : std::uint8_t {
   dropped,
-  refused,     ///< but for those that carry no value: see `isValueless`
+  refused,     ///< except for those without a value: see `isValueless`
   allRefused,  ///< the element is a text: readers differ on what children add to it
 };
 
@@ -123,15 +124,14 @@ struct ElementRule {
   std::array<std::optional<AttributeRule>, maximumRules> attributes = {};
   std::array<std::optional<Tag>, maximumRules> children = {};
   OtherChildren otherChildren = OtherChildren::dropped;
-  bool isUnique = false;  ///< its parent holds at most one, or the workbook is refused
+  bool isUnique = false;  ///< a second one in the same parent refuses the workbook
   bool isMade = false;    ///< written, never read
 };
 
 const ElementRule& rule(Tag tag);
 std::string_view name(Attribute attribute);
 
-/// The rule of a child element of that local name which is read from the main namespace; null if there is
-/// none.
+/// The rule of a child element with that local name in the main namespace. Null if such a child is not read.
 const ElementRule* childRule(Tag parent, std::string_view localName);
 
 /// Whether an element of the main namespace may be dropped where `OtherChildren::refused` applies.

@@ -6,7 +6,7 @@
 namespace zelvo::Cleaning {
 namespace {
 
-/// How many areas stand over each column of the row that is looked at: sums of differences, as a binary
+/// Counts the areas that cover each column of the current row: prefix sums of differences, in a binary
 /// indexed tree.
 class ColumnCover {
  public:

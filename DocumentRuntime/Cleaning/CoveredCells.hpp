@@ -7,8 +7,8 @@
 
 namespace zelvo::Cleaning {
 
-/// How many of the cells lie in a merged area without being its first cell. Takes n log n time, however the
-/// areas overlap.
+/// Counts the cells that are in a merged area but are not its first cell. Takes O(n log n) time, also for
+/// areas that overlap.
 std::int64_t countCoveredCells(std::vector<CellRange> areas, std::vector<CellAddress> cells);
 
 }  // namespace zelvo::Cleaning

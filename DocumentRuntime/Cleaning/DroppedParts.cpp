@@ -15,7 +15,7 @@ struct PartWords {
   CleaningKind kind;
 };
 
-/// The first row that matches counts, all content types before all names.
+/// The first matching row is used. Content types are compared before names.
 constexpr PartWords partWords[] = {
     {"package.relationships", ".rels", relationships},
     {"chartsheet", "chartsheets/", chartSheets},
@@ -75,7 +75,7 @@ constexpr std::pair<std::string_view, DroppedElement> elements[] = {
     {"cellWatches", {otherElements, element}},
 };
 
-/// Appearance, packaging, and what only leads to a part that is reported itself.
+/// Appearance, packaging, and references to parts that are reported themselves.
 constexpr std::string_view unreported[] = {
     "dimension",      "sheetPr",
     "sheetViews",     "sheetFormatPr",

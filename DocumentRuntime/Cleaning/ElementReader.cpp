@@ -37,7 +37,7 @@ KeptAttributes::KeptAttributes(const NamespaceScope& element, Tag tag, Findings&
       if (!rule) break;
       if (rule->use == Use::made || !isOf(element, i, *rule)) continue;
       const std::string_view value = node.attributeValue(i);
-      // By two prefixes of one namespace.
+      // Two prefixes of one namespace can name the same attribute.
       const bool isRepeated = (*this)[rule->attribute].has_value();
       if (!isRepeated && matches(rule->grammar, value)) {
         attributes_[count_] = rule->attribute;
@@ -68,7 +68,7 @@ void refuseElement(std::string_view problem, std::string_view name, const std::s
   std::string detail(problem);
   if (!name.empty()) detail.append(" \"").append(name).append("\"");
   detail.append(" in ").append(place);
-  // What is unknown is not supported; what is repeated is wrong.
+  // An unknown element is unsupported; a repeated one is invalid.
   throw name.empty() ? DocumentError::unsupported(std::move(detail))
                      : DocumentError::invalidArchive(std::move(detail));
 }
@@ -84,14 +84,15 @@ Namespace mainNamespace(const NamespaceScope& root, std::string_view localName, 
   return space;
 }
 
-LeftOut leftOut(const NamespaceScope& child, const ElementRule& parent, Namespace main, Findings& findings) {
+OtherChild handleOtherChild(const NamespaceScope& child, const ElementRule& parent, Namespace main,
+                            Findings& findings) {
   const auto [space, local] = child.name();
-  if (parent.otherChildren == OtherChildren::allRefused) return LeftOut::refused;
+  if (parent.otherChildren == OtherChildren::allRefused) return OtherChild::refused;
   if (parent.otherChildren == OtherChildren::refused) {
-    if (space != main || !isValueless(local)) return LeftOut::refused;
+    if (space != main || !isValueless(local)) return OtherChild::refused;
     if (local == "rPh") findings.add(CleaningKind::phoneticRuns);
     if (local == "extLst") findings.add(CleaningKind::extensionLists);
-    return LeftOut::counted;
+    return OtherChild::counted;
   }
   if (space == main) {
     if (const DroppedElement* const dropped = droppedElement(local))
@@ -100,7 +101,7 @@ LeftOut leftOut(const NamespaceScope& child, const ElementRule& parent, Namespac
     findings.add(space == Namespace::compatibility ? CleaningKind::alternateContent
                                                    : CleaningKind::foreignElements);
   }
-  return LeftOut::counted;
+  return OtherChild::counted;
 }
 
 }  // namespace zelvo::Cleaning

@@ -14,8 +14,8 @@ namespace zelvo::Cleaning {
 
 using OOXML::NamespaceScope;
 
-/// The attributes of an element that the allow-list knows. A value outside its grammar is left out and
-/// counted, or, where it is needed, makes `refused()` name its attribute. Keeps views into the tree.
+/// The attributes of an element that the allow-list has. An optional one with an invalid value is dropped and
+/// counted. A required one with an invalid value is returned by `refused()`. Keeps views into the tree.
 class KeptAttributes {
  public:
   KeptAttributes(const NamespaceScope& element, Tag tag, Findings& findings);
@@ -34,19 +34,20 @@ class KeptAttributes {
 [[noreturn]] void refuseElement(std::string_view problem, std::string_view name, const std::string& place);
 [[noreturn]] void refuseAttribute(Attribute attribute, const std::string& place);
 
-/// The namespace of a part's root, which must be of that local name in the main namespace. Throws
+/// The namespace of a part's root, which must have that local name in the main namespace. Throws
 /// `DocumentError` unsupported "root element of PLACE".
 OOXML::Namespace mainNamespace(const NamespaceScope& root, std::string_view localName,
                                std::string_view place);
 
-/// What is done with a child that has no rule.
-enum class LeftOut : std::uint8_t { counted, refused };
-LeftOut leftOut(const NamespaceScope& child, const ElementRule& parent, OOXML::Namespace main,
-                Findings& findings);
+/// Counts a child without a rule, or returns `refused`.
+enum class OtherChild : std::uint8_t { counted, refused };
+OtherChild handleOtherChild(const NamespaceScope& child, const ElementRule& parent, OOXML::Namespace main,
+                            Findings& findings);
 
-/// Calls take(scope, tag) for every child that the allow-list knows, in document order. Other children are
-/// counted, or refused where they could carry a value; `place()` says where the element stands. Throws
-/// `DocumentError` unsupported "unknown element in PLACE" or invalidArchive "repeated element NAME in PLACE".
+/// Calls take(scope, tag) for every child that the allow-list has, in document order. Other children are
+/// counted, or refused if they could carry a value. `place()` returns the element's location for errors.
+/// Throws `DocumentError` unsupported "unknown element in PLACE" or invalidArchive "repeated element NAME in
+/// PLACE".
 template <typename Place, typename Take>
 void eachChild(const NamespaceScope& element, Tag tag, OOXML::Namespace main, Findings& findings,
                const Place& place, const Take& take) {
@@ -58,7 +59,7 @@ void eachChild(const NamespaceScope& element, Tag tag, OOXML::Namespace main, Fi
     const auto [space, local] = scope.name();
     const ElementRule* const known = space == main ? childRule(tag, local) : nullptr;
     if (known == nullptr) {
-      if (leftOut(scope, parent, main, findings) == LeftOut::refused)
+      if (handleOtherChild(scope, parent, main, findings) == OtherChild::refused)
         refuseElement("unknown element", {}, place());
       continue;
     }

@@ -50,10 +50,10 @@ CleaningReport Findings::report() {
   for (std::size_t i = 0; i < cleaningKindCount; ++i) {
     const auto kind = static_cast<CleaningKind>(i);
     Finding& finding = findings_[i];
-    // Formats are one entry a code.
+    // One entry per format code.
     if (kind == CleaningKind::numberFormats)
       std::move(formats_.begin(), formats_.end(), std::back_inserter(report_.changed));
-    // What was counted in the sheets tells more than the number of parts.
+    // The number of parts is used only if nothing was counted in the sheets.
     if (finding.count == 0) finding.count = static_cast<std::int64_t>(finding.parts.size());
     if (finding.count == 0) continue;
     std::string name(kindName(kind));

@@ -11,27 +11,27 @@
 
 namespace zelvo::Cleaning {
 
-/// Gathers what the cleaner leaves out and changes, kind by kind.
+/// Collects what the cleaner drops and changes, by kind.
 class Findings {
  public:
-  /// What is counted from now on stands in this sheet of the result.
+  /// The following counts belong to this sheet of the result.
   void enterSheet(std::string_view name);
-  /// What is counted from now on stands in no sheet.
+  /// The following counts belong to no sheet.
   void leaveSheet() { sheet_ = none; }
   /// The counts of the sheet that was entered last.
   CleanedSheet& sheet() { return report_.sheets.back(); }
 
-  /// The sheet entered last has the content of an earlier one.
+  /// Copies the counts of an earlier sheet to the sheet that was entered last: both have the same part.
   void copyCounts(std::size_t earlierSheet);
 
   void add(CleaningKind kind, std::int64_t count = 1);
   void addPart(CleaningKind kind, std::string_view part);
-  /// A sheet that is left out.
+  /// A dropped sheet.
   void addSheet(CleaningKind kind, std::string_view name);
   /// A number format that was replaced, with the cells that use it.
   void addFormat(ChangedContent format) { formats_.push_back(std::move(format)); }
 
-  /// Leaves this empty.
+  /// Returns the report. Leaves this empty.
   CleaningReport report();
 
  private:

@@ -4,6 +4,7 @@
 #include <array>
 
 #include "DocumentRuntime/Cells/CellAddress.hpp"
+#include "Text/ASCII.hpp"
 
 namespace zelvo::Cleaning {
 namespace {
@@ -19,13 +20,10 @@ constexpr std::array<std::string_view, 17> errorLiterals = {
     "#BLOCKED!", "#CONNECT!",     "#PYTHON!", "#UNKNOWN!", "#EXTERNAL!",
 };
 
-bool isDigit(char c) {
-  return c >= '0' && c <= '9';
-}
-bool isLetter(char c) {
-  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
-}
-/// Of a name or a reference; every scalar outside ASCII counts.
+using ASCII::isDigit;
+using ASCII::isLetter;
+
+/// Whether a name or a reference may contain the character. True for every byte outside ASCII.
 bool isWordCharacter(char c) {
   return isLetter(c) || isDigit(c) || c == '_' || c == '.' || c == '\\' || c == '?' || c == '$' ||
          static_cast<unsigned char>(c) >= 0x80;
@@ -43,7 +41,7 @@ std::size_t runLength(std::string_view text, std::size_t start, Is is) {
   return end - start;
 }
 
-/// The length of a text between quotes at the front, quotes and doubled quotes within included.
+/// The length of the quoted text at the front, including its quotes and doubled quotes inside it.
 std::size_t quotedLength(std::string_view text, char quote) {
   std::size_t end = 1;
   while (end < text.size()) {
@@ -54,7 +52,7 @@ std::size_t quotedLength(std::string_view text, char quote) {
   return end;
 }
 
-/// The length of a group of brackets at the front. An apostrophe makes the next character stand for itself.
+/// The length of the group of brackets at the front. An apostrophe escapes the next character.
 std::size_t bracketsLength(std::string_view text) {
   std::size_t depth = 0;
   for (std::size_t i = 0; i < text.size(); ++i) {
@@ -69,8 +67,7 @@ std::size_t bracketsLength(std::string_view text) {
   return text.size();
 }
 
-/// The length of "S!" or "S1:S3!" from a position on, the position's distance included; 0 where there is
-/// none.
+/// The position after "S!" or "S1:S3!" if one of them begins at `start`, otherwise 0.
 std::size_t sheetLength(std::string_view text, std::size_t start) {
   std::size_t end = start + runLength(text, start, isWordCharacter);
   if (at(text, end) == ':') {
@@ -97,7 +94,7 @@ std::size_t numberLength(std::string_view text) {
   return exponent == 0 ? end : end + 1 + sign + exponent;
 }
 
-/// What a whole word refers to: a cell, a column ("$AB") or a row ("$12"); none for a name.
+/// The cell, column ("$AB") or row ("$12") that a whole word refers to. Returns nullopt for a name.
 std::optional<ReferenceEnd> endOf(std::string_view word) {
   ReferenceEnd end;
   std::size_t position = at(word, 0) == '$' ? 1 : 0;
@@ -136,8 +133,8 @@ bool isTruthValue(std::string_view word) {
 
 std::optional<FormulaToken> FormulaScanner::next() {
   if (rest_.empty()) return std::nullopt;
-  const bool isBehindSheet = isBehindSheet_;
-  isBehindSheet_ = false;
+  const bool followsSheet = followsSheet_;
+  followsSheet_ = false;
   const char c = rest_.front();
   switch (c) {
     case '"':
@@ -164,7 +161,7 @@ std::optional<FormulaToken> FormulaScanner::next() {
     }
     default:
       if (isDigit(c) || (c == '.' && isDigit(at(rest_, 1)))) return digits();
-      if (isWordCharacter(c)) return word(isBehindSheet);
+      if (isWordCharacter(c)) return word(followsSheet);
       return take(Kind::other, 1);
   }
 }
@@ -172,11 +169,11 @@ std::optional<FormulaToken> FormulaScanner::next() {
 FormulaToken FormulaScanner::take(Kind kind, std::size_t size) {
   const FormulaToken token{.kind = kind, .text = rest_.substr(0, size)};
   rest_.remove_prefix(size);
-  isBehindSheet_ = kind == Kind::sheet;
+  followsSheet_ = kind == Kind::sheet;
   return token;
 }
 
-/// A number, with what stands behind it like the rest of a word, or whole rows: "1:3".
+/// A number with the word characters after it, or whole rows: "1:3".
 FormulaToken FormulaScanner::digits() {
   const std::size_t length = runLength(rest_, 0, isDigit);
   if (at(rest_, length) == ':') {
@@ -186,9 +183,9 @@ FormulaToken FormulaScanner::digits() {
   return take(Kind::other, number + runLength(rest_, number, isWordCharacter));
 }
 
-FormulaToken FormulaScanner::word(bool isBehindSheet) {
-  // Sheets may be called like cells: "S1:S3!A1".
-  if (!isBehindSheet && rest_.front() != '$') {
+FormulaToken FormulaScanner::word(bool followsSheet) {
+  // A sheet may have the name of a cell: "S1:S3!A1".
+  if (!followsSheet && rest_.front() != '$') {
     if (const std::size_t sheet = sheetLength(rest_, 0); sheet > 0) return take(Kind::sheet, sheet);
   }
   const std::size_t length = runLength(rest_, 0, isWordCharacter);
@@ -199,8 +196,8 @@ FormulaToken FormulaScanner::word(bool isBehindSheet) {
   return take(isTruthValue(rest_.substr(0, length)) ? Kind::other : Kind::name, length);
 }
 
-/// The reference whose first end is the word of that length at the front; none if that word is none. Two ends
-/// must be of one kind. Columns and rows have two.
+/// The reference whose first end is the word of `size` bytes at the front. Returns nullopt if it is not a
+/// reference. Both ends must be of one kind. Whole columns and rows need two ends.
 std::optional<FormulaToken> FormulaScanner::reference(std::size_t size) {
   const auto first = endOf(rest_.substr(0, size));
   if (!first) return std::nullopt;

@@ -10,7 +10,7 @@ namespace {
 
 constexpr std::string_view outsideTheSheet = "#REF!";
 
-/// None if the end leaves the sheet.
+/// Returns nullopt if the end leaves the sheet.
 std::optional<ReferenceEnd> moved(ReferenceEnd end, std::int64_t rows, std::int64_t columns) {
   if (end.column > 0 && !end.isColumnAbsolute) {
     end.column += columns;

@@ -4,6 +4,7 @@
 #include <array>
 
 #include "DocumentRuntime/Cleaning/FormulaScanner.hpp"
+#include "Text/ASCII.hpp"
 #include "Text/Unicode.hpp"
 
 namespace zelvo::Cleaning {
@@ -11,38 +12,31 @@ namespace {
 
 using Kind = FormulaToken::Kind;
 
-constexpr std::array<std::string_view, 7> outwardFunctions = {"WEBSERVICE", "HYPERLINK", "IMAGE", "RTD",
-                                                              "CALL",       "FILTERXML", "DDE"};
-constexpr std::string_view outwardStart = "REGISTER";  // and REGISTER.ID
+/// In lower case, like the names below.
+constexpr std::array<std::string_view, 7> outwardFunctions = {"webservice", "hyperlink", "image", "rtd",
+                                                              "call",       "filterxml", "dde"};
+constexpr std::string_view outwardStart = "register";  // and register.id
 
-/// What programs write before the names of functions that are newer than the format.
-constexpr std::array<std::string_view, 2> functionPrefixes = {"_XLFN.", "_XLWS."};
-/// … and before the parameters of a function that a formula defines.
-constexpr std::string_view parameterPrefix = "_XLPM.";
-
-std::string uppercasedASCII(std::string_view text) {
-  std::string upper(text);
-  for (char& c : upper) {
-    if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
-  }
-  return upper;
-}
+/// Prefixes of the names of functions that are newer than the format.
+constexpr std::array<std::string_view, 2> functionPrefixes = {"_xlfn.", "_xlws."};
+/// Prefix of the parameters of a function that a formula defines.
+constexpr std::string_view parameterPrefix = "_xlpm.";
 
 bool reachesOut(std::string_view function) {
-  const std::string upper = uppercasedASCII(function);
-  std::string_view name = upper;
+  const std::string lower = ASCII::lowercased(function);
+  std::string_view name = lower;
   for (const std::string_view prefix : functionPrefixes) {
-    if (name.starts_with(prefix)) name.remove_prefix(prefix.size());
+    ASCII::takePrefix(name, prefix);
   }
   return name.starts_with(outwardStart) ||
          std::find(outwardFunctions.begin(), outwardFunctions.end(), name) != outwardFunctions.end();
 }
 
 bool isParameter(std::string_view name) {
-  return uppercasedASCII(name.substr(0, parameterPrefix.size())) == parameterPrefix;
+  return ASCII::lowercased(name.substr(0, parameterPrefix.size())) == parameterPrefix;
 }
 
-/// The sheets that a prefix names, without its "!" and its quotes.
+/// The sheet names of a prefix, without its "!" and its quotes.
 std::string sheetNames(std::string_view prefix) {
   prefix.remove_suffix(1);
   if (!prefix.starts_with('\'')) return std::string(prefix);
@@ -64,7 +58,7 @@ FormulaUsesReader::FormulaUsesReader(const std::vector<std::string>& keptSheets)
 
 FormulaUses FormulaUsesReader::read(std::string_view formula) {
   FormulaUses uses;
-  bool isBehindOtherWorkbook = false;
+  bool followsOtherWorkbook = false;
   FormulaScanner scanner(formula);
   while (const auto token = scanner.next()) {
     switch (token->kind) {
@@ -75,8 +69,8 @@ FormulaUses FormulaUsesReader::read(std::string_view formula) {
         uses.outside = uses.outside || reachesOut(token->text);
         break;
       case Kind::name:
-        // A name behind another workbook is one of that workbook's.
-        if (!isBehindOtherWorkbook && !isParameter(token->text)) uses.definedNames = true;
+        // A name after the prefix of another workbook is defined there.
+        if (!followsOtherWorkbook && !isParameter(token->text)) uses.definedNames = true;
         break;
       case Kind::structured:
         uses.tables = true;
@@ -88,7 +82,7 @@ FormulaUses FormulaUsesReader::read(std::string_view formula) {
       case Kind::other:
         break;
     }
-    isBehindOtherWorkbook = token->kind == Kind::sheet && token->text.find('[') != std::string_view::npos;
+    followsOtherWorkbook = token->kind == Kind::sheet && token->text.find('[') != std::string_view::npos;
   }
   return uses;
 }

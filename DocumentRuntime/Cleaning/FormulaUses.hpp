@@ -7,7 +7,8 @@
 
 namespace zelvo::Cleaning {
 
-/// What a formula needs that a cleaned workbook does not have, or should not be given when it is calculated.
+/// Features of a formula that a cleaned workbook lacks, or that reach outside it when the formula is
+/// calculated.
 struct FormulaUses {
   bool otherWorkbooks = false;
   bool definedNames = false;
@@ -16,7 +17,7 @@ struct FormulaUses {
   bool outside = false;  ///< functions that reach the network, other programs or their code
 };
 
-/// Tells what formulas use. Knows the sheets that are kept.
+/// Finds the features that formulas use.
 class FormulaUsesReader {
  public:
   explicit FormulaUsesReader(const std::vector<std::string>& keptSheets);
@@ -28,7 +29,7 @@ class FormulaUsesReader {
   bool isKept(std::string_view sheet) const;
 
   std::vector<std::string> keptSheets_;  ///< in lower case, sorted
-  std::string keptPrefix_;               ///< the last that named kept sheets: most formulas repeat it
+  std::string keptPrefix_;               ///< the last prefix of kept sheets: most formulas repeat it
 };
 
 }  // namespace zelvo::Cleaning

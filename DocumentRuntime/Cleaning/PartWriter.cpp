@@ -6,30 +6,23 @@
 
 #include "DocumentRuntime/Errors/DocumentError.hpp"
 #include "DocumentRuntime/PackageIO/BoundedXML.hpp"
+#include "DocumentRuntime/PackageIO/PartWriting.hpp"
 
 namespace zelvo::Cleaning {
 namespace {
 
-constexpr std::string_view declaration = R"(<?xml version="1.0" encoding="UTF-8" standalone="yes"?>)";
-
-/// What stands for a character that cannot stand for itself, in text or between double quotes. A raw carriage
-/// return would be read as a line feed, and between quotes a tab or line feed as a space.
-std::string_view entity(char character) {
+/// The reference that replaces a character in text or between double quotes. A raw carriage return would be
+/// read as a line feed, and a tab or line feed between quotes as a space.
+std::string_view reference(char character) {
   switch (character) {
-    case '&':
-      return "&amp;";
-    case '<':
-      return "&lt;";
-    case '>':
-      return "&gt;";
     case '\r':
       return "&#13;";
-    case '"':
-      return "&quot;";
     case '\t':
       return "&#9;";
-    default:
+    case '\n':
       return "&#10;";
+    default:
+      return OOXML::entity(character);
   }
 }
 
@@ -45,8 +38,8 @@ constexpr auto escapedInValue = marked("&<>\r\"\t\n");
 
 }  // namespace
 
-// The largest part needs this much; pages that are never written are never resident, and nothing is copied
-// for growth.
+// The size of the largest part, so that nothing is copied as the text grows. Pages that are never written are
+// never resident.
 PartWriter::PartWriter() {
   xml_.reserve(OOXML::maximumXMLBytes);
 }
@@ -58,7 +51,7 @@ void PartWriter::begin(Tag root, std::string place) {
   root_ = root;
   place_ = std::move(place);
   detail_.clear();
-  append(declaration);
+  append(OOXML::xmlDeclaration);
   start(root);
   append(namespaceDeclarations(root));
 }
@@ -102,7 +95,7 @@ void PartWriter::end(Tag tag) {
   append(">");
 }
 
-void PartWriter::requireRoom(std::size_t bytes) const {
+void PartWriter::requireCapacity(std::size_t bytes) const {
   if (bytes > OOXML::maximumXMLBytes - xml_.size())
     throw DocumentError::resourceLimit("more than 16 MiB of XML in " + place_ + detail_);
 }
@@ -120,16 +113,16 @@ void PartWriter::closeStartTag() {
 }
 
 void PartWriter::append(std::string_view fixed) {
-  requireRoom(fixed.size());
+  requireCapacity(fixed.size());
   xml_ += fixed;
 }
 
 void PartWriter::appendEscaped(std::string_view text, const std::array<bool, 256>& isEscaped) {
-  std::size_t run = 0;  // what lies between here and `i` is copied as it is
+  std::size_t run = 0;  // start of the bytes that are copied unchanged
   for (std::size_t i = 0; i < text.size(); ++i) {
     if (!isEscaped[static_cast<unsigned char>(text[i])]) continue;
     append(text.substr(run, i - run));
-    append(entity(text[i]));
+    append(reference(text[i]));
     run = i + 1;
   }
   append(text.substr(run));

@@ -12,14 +12,14 @@
 namespace zelvo::Cleaning {
 
 /// Writes the XML of one part after another. Every name comes from the allow-list, every value is escaped,
-/// and the limits of the strict reader on a part are counted on the way.
+/// and the limits of the strict reader on a part are enforced.
 class PartWriter {
  public:
   PartWriter();
 
-  /// Starts a part. `place` names it in errors.
+  /// Starts a part. Errors name it by `place`.
   void begin(Tag root, std::string place);
-  /// Ends the part and gives its text, valid until the next `begin`.
+  /// Ends the part and returns its text, valid until the next `begin`.
   std::string_view finish();
 
   /// Each of these throws `DocumentError` resourceLimit "more than 16 MiB of XML in PLACE" or "more than
@@ -34,10 +34,10 @@ class PartWriter {
 
   /// The bytes written so far.
   std::size_t size() const { return xml_.size(); }
-  /// Said behind the place when a limit is passed: ", cell B7".
+  /// Follows the place in errors: ", cell B7".
   void setDetail(std::string detail) { detail_ = std::move(detail); }
-  /// Throws the error of a size that would pass the limit, if so many more bytes would pass it.
-  void requireRoom(std::size_t bytes) const;
+  /// Throws the error above if `bytes` more bytes would exceed the size limit.
+  void requireCapacity(std::size_t bytes) const;
 
  private:
   void number(Attribute attribute, std::int64_t value);

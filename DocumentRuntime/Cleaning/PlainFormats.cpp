@@ -16,21 +16,21 @@ constexpr std::string_view timeCode = "h:mm:ss";
 
 constexpr char elapsed = 'E';
 
-/// Where the group that starts at a position ends.
+/// The position after the group that starts at `start`.
 std::size_t groupEnd(std::string_view code, std::size_t start, char closing) {
   const std::size_t end = code.find(closing, start + 1);
   return end == std::string_view::npos ? code.size() : end + 1;
 }
 
-/// Whether the brackets hold hours, minutes or seconds that pass 24 or 60: "[h]", "[mm]".
+/// Whether the brackets hold an elapsed time, in hours, minutes or seconds: "[h]", "[mm]".
 bool isElapsed(std::string_view brackets) {
   const std::string_view unit = brackets.substr(1, brackets.size() - 2);
   return !unit.empty() && std::string_view("hms").find(unit.front()) != std::string_view::npos &&
          unit.find_first_not_of(unit.front()) == std::string_view::npos;
 }
 
-/// The date and time tokens of a code's first section, a letter each: y m d h s, and `elapsed`. Texts in
-/// quotes, brackets, what an escape takes with it, and "AM/PM" are none.
+/// The date and time tokens of a code's first section, one letter each: y m d h s, and `elapsed`. Skips
+/// quoted texts, other brackets, escaped characters and "AM/PM".
 std::string tokensOf(const std::string& code) {
   std::string tokens;
   for (std::size_t i = 0; i < code.size() && code[i] != ';';) {
@@ -42,7 +42,7 @@ std::string tokensOf(const std::string& code) {
       const std::size_t end = groupEnd(code, i, ']');
       if (isElapsed(rest.substr(0, end - i))) tokens += elapsed;
       i = end;
-    } else if (c == '\\' || c == '_' || c == '*') {  // as it is, as a space of its width, repeated
+    } else if (c == '\\' || c == '_' || c == '*') {  // literal, space of that width, repeated
       i += 2;
     } else if (rest.starts_with("am/pm")) {
       i += 5;

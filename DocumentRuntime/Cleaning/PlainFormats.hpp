@@ -10,12 +10,12 @@
 
 namespace zelvo::Cleaning {
 
-/// What a number format that the strict reader cannot show becomes: a date, a time, or the stored number.
-/// None for one that it can show, and for elapsed times.
+/// The replacement of a number format that the strict reader cannot show: a date, a time, or the stored
+/// number. Returns nullopt for a format that it can show, and for elapsed times.
 std::optional<std::string_view> plainCode(std::string_view code);
 
-/// The same for a built-in format that has no code in the strict reader's table. None for an id whose meaning
-/// depends on the language.
+/// The same for a built-in format without a code in the strict reader's table. Returns nullopt for an id
+/// whose meaning depends on the language.
 std::optional<std::string_view> plainCodeOfBuiltin(std::int64_t id);
 
 inline constexpr std::string_view generalCode = "General";
@@ -23,9 +23,9 @@ inline constexpr std::string_view generalCode = "General";
 /// Counts the cells whose number format was replaced.
 class PlainFormats {
  public:
-  /// A format that was replaced; gives its number, for `addStyle`.
+  /// Adds a format that was replaced. Returns its index, for `addStyle`.
   std::size_t addFormat(std::string code);
-  /// The next cell style, and the number of its replaced format, if it has one.
+  /// Adds the next cell style, with the index of its replaced format, if any.
   void addStyle(std::optional<std::size_t> format) { formatOfStyle_.push_back(format); }
 
   void enterSheet(std::int64_t index) { sheet_ = index; }

@@ -3,13 +3,12 @@
 #include <utility>
 
 #include "DocumentRuntime/Errors/DocumentError.hpp"
+#include "DocumentRuntime/PackageIO/PartWriting.hpp"
 
 namespace zelvo::Cleaning {
 namespace {
 
 constexpr std::string_view officeTypes = "application/vnd.openxmlformats-officedocument.spreadsheetml.";
-constexpr std::string_view relationshipTypes =
-    "http://schemas.openxmlformats.org/officeDocument/2006/relationships/";
 
 void writeDefault(PartWriter& writer, std::string_view extension, std::string_view type) {
   writer.start(Tag::typeDefault);
@@ -61,7 +60,7 @@ std::string_view ResultPackage::writeRelationships(PartWriter& writer,
   for (const auto& [identifier, type, target] : list) {
     writer.start(Tag::relationship);
     writer.attribute(Attribute::identifier, identifier);
-    writer.attribute(Attribute::type, std::string(relationshipTypes).append(type));
+    writer.attribute(Attribute::type, std::string(OOXML::relationshipTypes).append(type));
     writer.attribute(Attribute::target, target);
     writer.end(Tag::relationship);
   }

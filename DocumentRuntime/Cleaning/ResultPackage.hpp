@@ -11,21 +11,21 @@
 
 namespace zelvo::Cleaning {
 
-/// The parts of the cleaned workbook, deflated one by one as they are written, and its packaging.
+/// The parts of the cleaned workbook, each deflated when it is added, and its packaging.
 class ResultPackage {
  public:
-  /// Adds a part below "xl/". Throws `DocumentError` resourceLimit with `place` where the strict reader's
-  /// limits on a whole archive are passed.
+  /// Adds a part below "xl/". Throws `DocumentError` resourceLimit with `place` if a limit of the strict
+  /// reader on a whole archive is exceeded.
   void add(std::string name, std::string_view type, std::string_view xml, std::string_view place);
 
-  /// Adds content types and relationships, and gives the archive.
+  /// Adds content types and relationships, and returns the archive.
   ByteBuffer finish(PartWriter& writer, const std::stop_token& stop);
 
-  /// The part of a sheet, seen from the folder "xl/".
+  /// The name of a sheet's part, relative to "xl/".
   static std::string worksheetPart(std::size_t number) {
     return "worksheets/sheet" + std::to_string(number) + ".xml";
   }
-  /// A relationship of the workbook part.
+  /// Adds a relationship of the workbook part.
   void relate(std::string identifier, std::string_view type, std::string target) {
     relationships_.push_back({std::move(identifier), type, std::move(target)});
   }

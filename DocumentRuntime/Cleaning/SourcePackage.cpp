@@ -1,7 +1,6 @@
 #include "DocumentRuntime/Cleaning/SourcePackage.hpp"
 
 #include <algorithm>
-#include <array>
 
 #include "DocumentRuntime/Cleaning/DroppedParts.hpp"
 #include "DocumentRuntime/Errors/DocumentError.hpp"
@@ -18,14 +17,7 @@ using OOXML::NamespaceScope;
 constexpr std::string_view contentTypesPart = "[Content_Types].xml";
 constexpr std::string_view packageRelationshipsPart = "_rels/.rels";
 
-/// Where relationship types stand: Transitional, Strict, and what one program added.
-constexpr std::array<std::string_view, 3> relationshipTypeFolders = {
-    "http://schemas.openxmlformats.org/officeDocument/2006/relationships/",
-    "http://purl.oclc.org/ooxml/officeDocument/relationships/",
-    "http://schemas.microsoft.com/office/2006/relationships/",
-};
-
-// By what readers look for these parts, whatever the relationships say.
+// Names by which some readers find these parts, regardless of the relationships.
 constexpr std::string_view usualWorkbook = "xl/workbook.xml";
 constexpr std::string_view usualSharedStrings = "xl/sharedStrings.xml";
 constexpr std::string_view usualStyles = "xl/styles.xml";
@@ -33,21 +25,8 @@ constexpr std::string_view usualStyles = "xl/styles.xml";
 constexpr std::string_view plainWorkbookType =
     "application/vnd.openxmlformats-officedocument.spreadsheetml.sheet.main+xml";
 
-std::string typeWord(std::string_view type) {
-  for (const std::string_view folder : relationshipTypeFolders) {
-    if (type.starts_with(folder)) return std::string(type.substr(folder.size()));
-  }
-  return {};
-}
-
 DocumentError ambiguousRelationship() {
   return DocumentError::unsafeContent("external or ambiguous relationship");
-}
-
-std::string relationshipsPartOf(std::string_view part) {
-  const std::size_t name = part.rfind('/') + 1;  // npos + 1 is 0: a part in no folder
-  std::string path(part.substr(0, name));
-  return path.append("_rels/").append(part.substr(name)).append(".rels");
 }
 
 }  // namespace
@@ -64,11 +43,12 @@ SourceRelationships::SourceRelationships(XMLNode root, std::string_view partName
     if (!identifier) throw ambiguousRelationship();
     const bool isNew =
         byIdentifier_
-            .try_emplace(std::string(*identifier),
-                         SourceRelationship{
-                             .type = typeWord(child.attribute("Type").value_or("")),
-                             .target = std::string(child.attribute("Target").value_or("")),
-                             .isExternal = child.attribute("TargetMode").value_or("Internal") != "Internal"})
+            .try_emplace(
+                std::string(*identifier),
+                SourceRelationship{
+                    .type = std::string(OOXML::relationshipType(child.attribute("Type").value_or(""))),
+                    .target = std::string(child.attribute("Target").value_or("")),
+                    .isExternal = child.attribute("TargetMode").value_or("Internal") != "Internal"})
             .second;
     if (!isNew) throw ambiguousRelationship();
   }
@@ -105,7 +85,7 @@ const SourcePackage::Entry& SourcePackage::required(std::string_view name) {
 }
 
 SourceRelationships SourcePackage::relationshipsOf(std::string_view part) {
-  const std::string name = relationshipsPartOf(part);
+  const std::string name = OOXML::relationshipsPart(part);
   const Entry* const entry = trees_.archive().find(name);
   if (entry == nullptr) return {};
   markRead(*entry);
@@ -135,8 +115,8 @@ std::string SourcePackage::contentType(std::string_view part) const {
   return found == typeOfExtension_.end() ? std::string() : found->second;
 }
 
-/// Programs find a part by its relationship's type or by its usual name. Where the two lead to different
-/// parts, or several relationships do, two programs read two workbooks.
+/// Some programs find a part by its relationship's type, others by its usual name. If these are different
+/// parts, or several relationships have the type, two programs would read different workbooks.
 const SourcePackage::Entry* SourcePackage::linkedPart(const SourceRelationships& relationships,
                                                       std::string_view type, std::string_view usualName) {
   const Entry* found = trees_.archive().find(usualName);

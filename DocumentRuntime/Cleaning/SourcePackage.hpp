@@ -11,7 +11,7 @@
 
 namespace zelvo::Cleaning {
 
-/// One relationship of a part, as its relationships part says.
+/// One relationship, as written in a relationships part.
 struct SourceRelationship {
   std::string type;  ///< the last segment of a known type's URI, else empty
   std::string target;
@@ -21,13 +21,14 @@ struct SourceRelationship {
 /// The relationships of one part.
 class SourceRelationships {
  public:
-  /// `root` is of the relationships part of that name. Throws `DocumentError` invalidArchive "relationships
-  /// root" or unsafeContent "external or ambiguous relationship" where an identifier is missing or repeated.
+  /// `root` is the root of the relationships part `partName`. Throws `DocumentError` invalidArchive
+  /// "relationships root", or unsafeContent "external or ambiguous relationship" if an identifier is missing
+  /// or repeated.
   SourceRelationships(XMLNode root, std::string_view partName);
   SourceRelationships() = default;
 
   const std::map<std::string, SourceRelationship, std::less<>>& byIdentifier() const { return byIdentifier_; }
-  /// The part that a relationship leads to. Throws `DocumentError` unsafeContent "external or ambiguous
+  /// The target part of a relationship. Throws `DocumentError` unsafeContent "external or ambiguous
   /// relationship", invalidArchive "missing relationship target", and what resolving the target throws.
   const OOXML::ArchiveTrees::Entry& target(const SourceRelationship& relationship,
                                            const BoundedZIP::Archive& archive) const;
@@ -37,7 +38,7 @@ class SourceRelationships {
   std::map<std::string, SourceRelationship, std::less<>> byIdentifier_;
 };
 
-/// The packaging of a source workbook. Only what is followed from the package's relationships is expanded.
+/// The packaging of a source workbook. Only parts that are reached by relationships are expanded.
 class SourcePackage {
  public:
   using Entry = OOXML::ArchiveTrees::Entry;
@@ -51,10 +52,10 @@ class SourcePackage {
   /// Null if the workbook has none.
   const Entry* sharedStrings() const { return sharedStrings_; }
   const Entry* styles() const { return styles_; }
-  /// Whether the content type is the one of a plain workbook.
+  /// Whether the workbook part has the content type of a plain workbook.
   bool isPlainWorkbook() const;
 
-  /// Says that a part was read.
+  /// Marks a part as read.
   void markRead(const Entry& part) { read_.insert(&part); }
   /// Reports every part that was not read, by its content type, else by its name.
   void reportUnread(Findings& findings) const;

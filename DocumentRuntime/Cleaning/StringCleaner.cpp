@@ -7,7 +7,7 @@
 namespace zelvo::Cleaning {
 namespace {
 
-/// The characters of an item's texts, phonetic runs aside, in the strict reader's way of counting.
+/// Whether an item's texts, without phonetic runs, exceed the strict reader's limit on characters.
 bool isTooLong(XMLNode item) {
   std::string text;
   for (const XMLNode child : item.children()) {
@@ -34,7 +34,7 @@ void writeSharedStrings(XMLNode root, Findings& findings, PartWriter& writer) {
     writer.start(tag);
     writeString(item, tag, main, findings, writer, place);
     writer.end(tag);
-    // Characters are no more than the bytes that were written.
+    // A character has at least one byte: short strings need no count.
     if (writer.size() - before > SharedStrings::maximumCharacters && isTooLong(item.element()))
       throw DocumentError::resourceLimit("more than 32,768 characters in " + place());
   });

@@ -5,8 +5,8 @@
 
 namespace zelvo::Cleaning {
 
-/// Writes the text, plain or in runs, of a shared or an inline string. Phonetic runs are left out and
-/// counted. `tag` is the string's. Throws what `eachChild` throws.
+/// Writes the text, plain or in runs, of a shared or inline string with the tag `tag`. Phonetic runs are
+/// dropped and counted. Throws what `eachChild` throws.
 template <typename Place>
 void writeString(const NamespaceScope& string, Tag tag, OOXML::Namespace main, Findings& findings,
                  PartWriter& writer, const Place& place) {
@@ -26,8 +26,8 @@ void writeString(const NamespaceScope& string, Tag tag, OOXML::Namespace main, F
   });
 }
 
-/// Writes the shared strings part, every item at its place. Throws `DocumentError` resourceLimit where the
-/// strict reader's limits on items are passed, and what `writeString` throws.
+/// Writes the shared strings part. Every item keeps its index. Throws `DocumentError` resourceLimit if a
+/// limit of the strict reader on items is exceeded, and what `writeString` throws.
 void writeSharedStrings(XMLNode root, Findings& findings, PartWriter& writer);
 
 }  // namespace zelvo::Cleaning

@@ -17,15 +17,15 @@ constexpr std::int64_t firstCustomID = 164;
 /// The number formats of the cell styles, by id.
 class StyleFormats {
  public:
-  /// A format that the part defines.
+  /// Adds a format that the part defines.
   void define(std::int64_t id, std::string_view code) {
     Definition& definition = definitions_.try_emplace(id, Definition{.code = code}).first->second;
     definition.isAmbiguous = definition.isAmbiguous || definition.code != code;
   }
-  /// A format that is defined without a code.
+  /// Adds a format that the part defines without a code.
   void defineWithoutCode(std::int64_t id) { definitions_[id].isAmbiguous = true; }
 
-  /// The code of a format that a style names; none if the part defines none of that id.
+  /// The code of a format that a style uses. Returns nullopt if the part does not define that id.
   std::optional<std::string_view> code(std::int64_t id) const {
     const auto found = definitions_.find(id);
     if (found == definitions_.end()) return std::nullopt;
@@ -37,14 +37,14 @@ class StyleFormats {
     }
     return definition.code;
   }
-  /// The format will be written, if the part defines it.
+  /// Marks a format to be written, if the part defines it.
   void use(std::int64_t id) {
     const auto found = definitions_.find(id);
     // Checked once: thousands of styles may share a long code.
     if (found != definitions_.end() && !found->second.isUsed) found->second.isUsed = code(id).has_value();
   }
 
-  /// An id that no format has had so far, which is given this code.
+  /// Adds a format with this code under an unused id. Returns the id.
   std::int64_t add(std::string_view code) {
     std::int64_t id = firstCustomID;
     while (definitions_.contains(id))
@@ -92,7 +92,7 @@ void readDefinitions(const NamespaceScope& formats, OOXML::Namespace main, Findi
       });
 }
 
-/// The format id of every cell style; none for a style that names no format.
+/// The format id of every cell style; nullopt for a style without one.
 using StyleIDs = std::vector<std::optional<std::int64_t>>;
 
 StyleIDs readStyles(const NamespaceScope& styles, OOXML::Namespace main, Findings& findings) {
@@ -105,7 +105,7 @@ StyleIDs readStyles(const NamespaceScope& styles, OOXML::Namespace main, Finding
   return ids;
 }
 
-/// Gives the id that stands for each id in use once formats are replaced.
+/// Replaces the format ids of styles by those of plain formats.
 class Replacement {
  public:
   Replacement(StyleFormats& formats, PlainFormats& replaced) : formats_(formats), replaced_(replaced) {}
@@ -152,7 +152,7 @@ class Replacement {
   std::map<std::string_view, std::int64_t> ids_;
 };
 
-/// An element without content and attributes in a list of its own.
+/// Writes a list of one empty element.
 void writeOne(PartWriter& writer, Tag list, Tag item) {
   writer.start(list);
   writer.start(item);

@@ -6,12 +6,12 @@
 
 namespace zelvo::Cleaning {
 
-/// Writes the styles part: the number formats in use, every cell style at its place with the id of its format
-/// alone, and one font, two fills, a border and a cell style format, without which programs repair the file.
+/// Writes the styles part: the number formats in use, every cell style with its index and format id only, and
+/// one font, two fills, one border and one cell style format: office programs repair a file without these.
 /// With `plainFormats`, formats that the strict reader cannot show are replaced.
 ///
-/// Throws `DocumentError` invalidArchive "number format N in the styles" where one in use has no code or two,
-/// resourceLimit where its code is too long, and what `eachChild` throws.
+/// Throws `DocumentError` invalidArchive "number format N in the styles" if a format in use has no code or
+/// two codes, resourceLimit if its code is too long, and what `eachChild` throws.
 void writeStyles(XMLNode root, Findings& findings, PartWriter& writer, bool plainFormats,
                  PlainFormats& replaced);
 

@@ -18,7 +18,7 @@ bool isOneOf(std::string_view value, std::initializer_list<std::string_view> cho
 }  // namespace
 
 std::optional<CellAddress> plainCellOf(std::string_view value) {
-  constexpr std::size_t maximumLength = 10;  // XFD1048576, so that nothing wraps
+  constexpr std::size_t maximumLength = 10;  // XFD1048576; prevents overflow
   if (value.size() > maximumLength) return std::nullopt;
   CellAddress address{.column = 0, .row = 0};
   std::size_t i = 0;
@@ -33,8 +33,8 @@ std::optional<CellAddress> plainCellOf(std::string_view value) {
 }
 
 std::optional<CellRange> areaOf(std::string_view value) {
-  // A few letters outside ASCII have one of A to Z in upper case; programs differ on whether they name a
-  // column.
+  // The upper case of a few letters outside ASCII is one of A to Z; programs differ on whether these are
+  // column letters.
   if (!Unicode::isASCII(value)) return std::nullopt;
   try {
     return CellRange::parse(value);

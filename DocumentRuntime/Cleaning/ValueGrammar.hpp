@@ -8,9 +8,9 @@
 
 namespace zelvo::Cleaning {
 
-/// What the value of an attribute may be.
+/// The grammar of an attribute's value.
 enum class Grammar : std::uint8_t {
-  text,         ///< any; escaped when written
+  text,         ///< any text; escaped when written
   flag,         ///< "0", "1", "false", "true"
   measure,      ///< a number that is not negative
   integer,      ///< ASCII digits with an optional "-", within 64 bits
@@ -26,11 +26,11 @@ enum class Grammar : std::uint8_t {
   preserve,
 };
 
-/// The cell that a value names in the form in which cells are written, "B7"; none for any other value, be it
-/// the same cell in another form.
+/// The cell of a value in canonical form, "B7". Returns nullopt for any other value, including "b7" and
+/// "$B$7".
 std::optional<CellAddress> plainCellOf(std::string_view value);
 
-/// The area that a value names, a single cell included; none if it matches neither `cell` nor `area`.
+/// The area of a value, which may be a single cell. Returns nullopt if it matches neither `cell` nor `area`.
 std::optional<CellRange> areaOf(std::string_view value);
 
 bool matches(Grammar grammar, std::string_view value);

@@ -23,7 +23,7 @@ namespace {
 
 using Entry = OOXML::ArchiveTrees::Entry;
 
-/// What the workbook part says of a sheet.
+/// A sheet as listed in the workbook part.
 struct SourceSheet {
   std::string name;
   std::string state;
@@ -35,10 +35,10 @@ struct KeptSheet {
   std::string name;
   std::string state;
   const Entry* part;
-  std::size_t number = 0;  ///< of the result's part, from 1; sheets may share one
+  std::size_t number = 0;  ///< of the result's part, from 1; sheets may share a part
 };
 
-/// What sheets other than worksheets are called; the types of their relationships.
+/// Relationship types of sheets that are not worksheets.
 constexpr std::pair<std::string_view, CleaningKind> otherSheetTypes[] = {
     {"chartsheet", CleaningKind::chartSheets},
     {"dialogsheet", CleaningKind::dialogSheets},
@@ -81,7 +81,8 @@ class Cleaner {
   ResultPackage result_;
   PlainFormats plainFormats_;
   std::optional<FormulaUsesReader> formulaUses_;
-  /// The result's part of a source part, and the index of the sheet that it was written for.
+  /// By source part: the number of its part in the result, and the index of the sheet that it was written
+  /// for.
   std::map<const Entry*, std::pair<std::size_t, std::size_t>> written_;
 };
 
@@ -123,7 +124,7 @@ void Cleaner::readSheet(const NamespaceScope& sheet) {
   const auto relationshipID = attributes[Attribute::relationshipID];
   if (!name || !relationshipID || attributes.refused())
     throw DocumentError::invalidArchive("worksheet identity");
-  // An unknown state is no reason to show the sheet.
+  // Fail-safe: an unknown state may mean hidden.
   std::string_view state = sheet.element().attribute("state").value_or("visible");
   if (!matches(Grammar::sheetState, state)) {
     findings_.add(CleaningKind::sheetStates);
@@ -189,7 +190,7 @@ void Cleaner::checkNames() const {
   }
 }
 
-/// Says where a limit on a part was passed.
+/// Reads a part. Errors name it by `place`.
 XMLNode Cleaner::read(const Entry& part, std::string_view place) {
   package_.markRead(part);
   try {
@@ -286,11 +287,11 @@ void Cleaner::writeWorkbook() {
   result_.add("workbook.xml", "sheet.main", writer_.finish(), "the workbook");
 }
 
-/// How compound files begin: encrypted workbooks, and those of the binary format before this one.
+/// Start of a compound file: an encrypted workbook, or one in the older binary format.
 constexpr std::string_view compoundFileSignature = "\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1";
 
-/// Any difference is a defect of the cleaner, and so is a result that the strict reader refuses: its rules
-/// were checked before.
+/// A difference is a defect of the cleaner. So is a result that the strict reader refuses, because the
+/// cleaner has checked the reader's rules.
 void verify(OOXML::ArchiveTrees& source, ByteView result, const CleaningOptions& options) {
   std::optional<std::string> difference;
   try {

@@ -14,7 +14,7 @@ namespace zelvo {
 struct CleaningOptions {
   /// The worksheets to keep, by their exact names; all if absent.
   std::optional<std::vector<std::string>> sheets;
-  bool unmerge = false;       ///< removes merged areas, and touches no cell
+  bool unmerge = false;       ///< removes merged areas; cells are unchanged
   bool plainFormats = false;  ///< replaces number formats that the workbook reader cannot show
 
   bool operator==(const CleaningOptions&) const = default;
@@ -27,16 +27,16 @@ struct CleanedWorkbook {
   CleaningReport report;
 };
 
-/// Writes a new workbook that holds only what was understood of `source`: sheets, cells with their stored
-/// values, formulas and number formats, hidden rows and columns, merged areas. `WorkbookReader` accepts it.
-/// The same source and options give the same bytes.
+/// Writes a new workbook with only those contents of `source` that are on the allow-list: sheets, cells with
+/// their stored values, formulas and number formats, hidden rows and columns, merged areas. `WorkbookReader`
+/// accepts the result. The same source and options give the same bytes.
 ///
-/// What could be read in two ways is refused, and so is what passes a limit of the reader, with the sheet.
-/// Before it returns, a second reader compares source and result cell by cell.
+/// Refuses a workbook that programs could read in two ways, or that exceeds a limit of the reader; the error
+/// names the sheet. Before returning, compares source and result cell by cell with an independent reader.
 ///
-/// Throws `DocumentError`: the errors of `BoundedZIP::read` for the archive, others for what is refused;
-/// validationFailed where the comparison fails, which is a defect of the cleaner and none of the document.
-/// And `Cancelled`.
+/// Throws `DocumentError`: the errors of `BoundedZIP::read` for the archive, and others for a refused
+/// workbook; validationFailed if the comparison fails, which is a defect of the cleaner, not of the document.
+/// Throws `Cancelled`.
 CleanedWorkbook cleanWorkbook(ByteBuffer source, std::string_view sourceName,
                               const CleaningOptions& options = {}, const std::stop_token& stop = {});
 

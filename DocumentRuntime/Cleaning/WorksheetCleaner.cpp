@@ -16,7 +16,7 @@
 namespace zelvo::Cleaning {
 namespace {
 
-/// Of a formula that is written out: what spreadsheet programs take.
+/// Limit of a formula that is written out: the longest that spreadsheet programs accept.
 constexpr std::size_t maximumFormulaCharacters = 8'192;
 
 constexpr std::string_view whiteSpace = " \t\r\n";
@@ -50,7 +50,7 @@ void WorksheetCleaner::eachChild(const NamespaceScope& element, Tag tag, const T
       element, tag, main_, tools_.findings, [this] { return place(); }, take);
 }
 
-/// Refuses what is unknown at any depth, and counts what is left out.
+/// Refuses unknown elements at any depth, and counts dropped ones.
 void WorksheetCleaner::checkChildren(const NamespaceScope& element, Tag tag) {
   eachChild(element, tag,
             [this](const NamespaceScope& child, Tag childTag) { checkChildren(child, childTag); });
@@ -102,8 +102,8 @@ void WorksheetCleaner::writeColumns(const std::vector<XMLNode>& lists) {
   if (isStarted) tools_.writer.end(Tag::columns);
 }
 
-/// Columns that are hidden or have a width, as far as they lie in the sheet. Readers pass over spans that are
-/// malformed or reversed.
+/// Writes columns that are hidden or have a width, clipped to the sheet. Readers ignore malformed and
+/// reversed spans.
 void WorksheetCleaner::writeColumn(const NamespaceScope& column, bool& isStarted) {
   const KeptAttributes attributes(column, Tag::column, tools_.findings);
   const auto first = xmlInteger(attributes[Attribute::minimum]);
@@ -174,7 +174,7 @@ void WorksheetCleaner::startRow(const KeptAttributes& row) {
   if (height && row.isSet(Attribute::customHeight)) writer.attribute(Attribute::customHeight, "1");
 }
 
-/// The address of a cell, which must be new and stand in the row being read.
+/// The address of a cell, which must be new and in the current row.
 CellAddress WorksheetCleaner::position(const KeptAttributes& cell) {
   const auto reference = cell[Attribute::position];
   if (!reference) tools_.findings.add(CleaningKind::impliedPositions);
@@ -277,8 +277,8 @@ void WorksheetCleaner::writeFormula(const NamespaceScope& formula) {
   countUses(tools_.formulaUses.read(text));
 }
 
-/// Programs that write shared formulas store the text once, with the first cell. A later cell with a text and
-/// an area starts over; one with a text alone is on its own.
+/// A shared formula's text is stored once, in the first cell (the master). A later cell with a text and an
+/// area is a new master. A later cell with only a text has a formula of its own.
 void WorksheetCleaner::writeSharedFormula(const KeptAttributes& formula, std::string_view text) {
   PartWriter& writer = tools_.writer;
   const auto index = xmlInteger(formula[Attribute::sharedIndex]);
@@ -305,7 +305,7 @@ void WorksheetCleaner::writeSharedFormula(const KeptAttributes& formula, std::st
   if (!fits || (moved.size() > maximumFormulaCharacters && Unicode::exceeds(moved, maximumFormulaCharacters)))
     throw DocumentError::resourceLimit("more than 8,192 characters of a formula in " + place());
   writer.setDetail(", written out up to cell " + CellAddress{column_, row_}.name());
-  writer.requireRoom(moved.size());
+  writer.requireCapacity(moved.size());
   writer.setDetail({});
   writePlainFormula(moved, uses);
   tools_.findings.add(CleaningKind::sharedFormulas);

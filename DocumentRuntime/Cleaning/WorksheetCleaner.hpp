@@ -18,7 +18,7 @@
 
 namespace zelvo::Cleaning {
 
-/// Writes one worksheet part. Made for each sheet anew.
+/// Writes one worksheet part. One object per sheet.
 class WorksheetCleaner {
  public:
   struct Tools {
@@ -33,8 +33,8 @@ class WorksheetCleaner {
   WorksheetCleaner(std::string_view sheetName, Tools tools)
       : place_("sheet " + std::string(sheetName)), tools_(tools) {}
 
-  /// Throws `DocumentError` for what cannot be written as it was meant, with the cell and the sheet, or for a
-  /// limit, with the sheet; and `Cancelled` (looked at once per row).
+  /// Throws `DocumentError` for content that cannot be written unambiguously, with the cell and the sheet,
+  /// and for an exceeded limit, with the sheet. Throws `Cancelled` (checked once per row).
   void write(XMLNode root);
 
  private:
@@ -61,7 +61,7 @@ class WorksheetCleaner {
   template <typename Take>
   void eachChild(const NamespaceScope& element, Tag tag, const Take& take);
   void checkChildren(const NamespaceScope& element, Tag tag);
-  /// Where the element stands that is being read.
+  /// The location of the current element, for errors.
   std::string place() const;
 
   std::string place_;

@@ -1,10 +1,10 @@
 #include "DocumentRuntime/CleaningReadBack/BookReadBack.hpp"
 
-#include <charconv>
 #include <map>
 
 #include "DocumentRuntime/Errors/DocumentError.hpp"
 #include "DocumentRuntime/PackageIO/Relationships.hpp"
+#include "DocumentRuntime/Workbook/XMLInteger.hpp"
 
 namespace zelvo::CleaningReadBack {
 namespace {
@@ -13,20 +13,10 @@ using Entry = OOXML::ArchiveTrees::Entry;
 using OOXML::Namespace;
 
 struct Link {
-  std::string type;  ///< the last word of a known type, else empty
+  std::string type;  ///< the last segment of a known type's URI, else empty
   std::string target;
 };
 using Links = std::map<std::string, Link, std::less<>>;
-
-std::string linkType(std::string_view type) {
-  for (const std::string_view folder :
-       {"http://schemas.openxmlformats.org/officeDocument/2006/relationships/",
-        "http://purl.oclc.org/ooxml/officeDocument/relationships/",
-        "http://schemas.microsoft.com/office/2006/relationships/"}) {
-    if (type.starts_with(folder)) return std::string(type.substr(folder.size()));
-  }
-  return {};
-}
 
 Links readLinks(OOXML::ArchiveTrees& trees, const std::string& part) {
   Links links;
@@ -36,7 +26,7 @@ Links readLinks(OOXML::ArchiveTrees& trees, const std::string& part) {
   for (const XMLNode link : root.element().children()) {
     if (Element(root, link).name().space != Namespace::packageRelationships) continue;
     links.emplace(link.attribute("Id").value_or(""),
-                  Link{linkType(link.attribute("Type").value_or("")),
+                  Link{std::string(OOXML::relationshipType(link.attribute("Type").value_or(""))),
                        std::string(link.attribute("Target").value_or(""))});
   }
   return links;
@@ -46,7 +36,7 @@ const Entry* target(OOXML::ArchiveTrees& trees, const std::string& part, const L
   return trees.archive().find(OOXML::resolve(link.target, part));
 }
 
-/// The part that a relationship of that type leads to, else the one of the usual name; null without either.
+/// The target of a relationship of that type, or else the part of the usual name. Null if there is neither.
 const Entry* linked(OOXML::ArchiveTrees& trees, const std::string& part, const Links& links,
                     std::string_view type, std::string_view usualName) {
   for (const auto& [identifier, link] : links) {
@@ -84,32 +74,31 @@ std::vector<XMLNode> named(const Element& parent, std::string_view local) {
   return found;
 }
 
-std::optional<std::int64_t> numberOf(std::optional<std::string_view> text) {
-  std::int64_t number = 0;
-  if (!text) return std::nullopt;
-  const char* const end = text->data() + text->size();
-  const auto [stop, error] = std::from_chars(text->data(), end, number);
-  return error == std::errc() && stop == end ? std::optional(number) : std::nullopt;
-}
-
-bool isTrue(std::optional<std::string_view> text) {
-  return text && (*text == "1" || *text == "true");
+std::string stringText(const Element& string) {
+  std::string text;
+  std::string scratch;
+  for (const XMLNode child : string.element().children()) {
+    const Element scope(string, child);
+    if (isMain(scope, "t")) text += child.content(scratch);
+    if (!isMain(scope, "r")) continue;
+    for (const XMLNode inner : named(scope, "t"))
+      text += inner.content(scratch);
+  }
+  return text;
 }
 
 Book::Book(OOXML::ArchiveTrees& trees) {
   const Entry* const workbook =
       linked(trees, "_rels/.rels", readLinks(trees, "_rels/.rels"), "officeDocument", "xl/workbook.xml");
   if (workbook == nullptr) throw DocumentError::validationFailed("no workbook part");
-  std::string part(workbook->name);
-  part.insert(part.rfind('/') + 1, "_rels/");
-  part += ".rels";
+  const std::string part = OOXML::relationshipsPart(workbook->name);
   const Links links = readLinks(trees, part);
   strings = linked(trees, part, links, "sharedStrings", "xl/sharedStrings.xml");
   styles = linked(trees, part, links, "styles", "xl/styles.xml");
 
   const Element root(trees.root(*workbook));
   for (const XMLNode properties : named(root, "workbookPr"))
-    uses1904Dates = isTrue(properties.attribute("date1904"));
+    uses1904Dates = xmlFlag(properties.attribute("date1904"));
   for (const XMLNode list : named(root, "sheets")) {
     const Element scope(root, list);
     for (const XMLNode sheet : named(scope, "sheet")) {

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <cstdint>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -13,25 +11,23 @@ namespace zelvo::CleaningReadBack {
 
 using Element = OOXML::NamespaceScope;
 
-/// Whether the element is of that local name in the main namespace, Transitional or Strict.
+/// Whether the element has that local name and is in the main namespace, Transitional or Strict.
 bool isMain(const Element& element, std::string_view local);
-/// The children of that local name in the main namespace.
+/// The children with that local name in the main namespace.
 std::vector<XMLNode> named(const Element& parent, std::string_view local);
-
-/// A whole number; none for any other text.
-std::optional<std::int64_t> numberOf(std::optional<std::string_view> text);
-bool isTrue(std::optional<std::string_view> text);
+/// The text of a shared or inline string, in document order, without phonetic runs.
+std::string stringText(const Element& string);
 
 struct BookSheet {
   std::string name;
   bool isHidden = false;
   bool isWorksheet = false;
-  const OOXML::ArchiveTrees::Entry* part = nullptr;  ///< null only if it is no worksheet
+  const OOXML::ArchiveTrees::Entry* part = nullptr;  ///< null if it is not a worksheet
 };
 
-/// What a workbook's own part and its relationships say.
+/// The contents of the workbook part and its relationships.
 struct Book {
-  /// Throws `DocumentError` validationFailed where a part is missing.
+  /// Throws `DocumentError` validationFailed if a part is missing.
   explicit Book(OOXML::ArchiveTrees& trees);
 
   bool uses1904Dates = false;

@@ -1,7 +1,6 @@
 #include "DocumentRuntime/CleaningReadBack/CleaningReadBack.hpp"
 
 #include <algorithm>
-#include <charconv>
 #include <map>
 #include <set>
 #include <string_view>
@@ -9,24 +8,13 @@
 
 #include "DocumentRuntime/CleaningReadBack/BookReadBack.hpp"
 #include "DocumentRuntime/CleaningReadBack/SheetReadBack.hpp"
+#include "DocumentRuntime/Workbook/XMLInteger.hpp"
+#include "Text/ASCII.hpp"
 
 namespace zelvo::CleaningReadBack {
 namespace {
 
 using Entry = OOXML::ArchiveTrees::Entry;
-
-/// The texts of an item, in document order, without reading aids.
-std::string textOf(const Element& item) {
-  std::string text;
-  for (const XMLNode child : item.element().children()) {
-    const Element scope(item, child);
-    if (isMain(scope, "t")) text += child.content();
-    if (!isMain(scope, "r")) continue;
-    for (const XMLNode inner : named(scope, "t"))
-      text += inner.content();
-  }
-  return text;
-}
 
 std::optional<std::string> compareStrings(OOXML::ArchiveTrees& source, const Entry* sourcePart,
                                           OOXML::ArchiveTrees& result, const Entry* resultPart) {
@@ -38,13 +26,14 @@ std::optional<std::string> compareStrings(OOXML::ArchiveTrees& source, const Ent
   const auto resultItems = named(resultRoot, "si");
   if (sourceItems.size() != resultItems.size()) return "number of shared strings";
   for (std::size_t i = 0; i < sourceItems.size(); ++i) {
-    if (textOf(Element(sourceRoot, sourceItems[i])) != textOf(Element(resultRoot, resultItems[i])))
+    if (stringText(Element(sourceRoot, sourceItems[i])) != stringText(Element(resultRoot, resultItems[i])))
       return "shared string " + std::to_string(i);
   }
   return std::nullopt;
 }
 
-/// The number formats of a styles part: the id of each cell style, and the codes of the ids that it defines.
+/// The number formats of a styles part: the format id of each cell style, and the codes of the ids that the
+/// part defines.
 struct Formats {
   std::vector<std::optional<std::int64_t>> styles;
   std::map<std::int64_t, std::string> codes;
@@ -54,13 +43,13 @@ struct Formats {
     const Element root(trees.root(*part));
     for (const XMLNode list : named(root, "numFmts")) {
       for (const XMLNode format : named(Element(root, list), "numFmt")) {
-        const auto id = numberOf(format.attribute("numFmtId"));
+        const auto id = xmlInteger(format.attribute("numFmtId"));
         if (id && format.attribute("formatCode")) codes.emplace(*id, *format.attribute("formatCode"));
       }
     }
     for (const XMLNode list : named(root, "cellXfs")) {
       for (const XMLNode style : named(Element(root, list), "xf"))
-        styles.push_back(numberOf(style.attribute("numFmtId")));
+        styles.push_back(xmlInteger(style.attribute("numFmtId")));
     }
   }
 
@@ -70,17 +59,18 @@ struct Formats {
   }
 };
 
-/// Whether a code that was given in place of another one shows the same: dates stay dates, times times.
+/// Whether a plain code is a correct replacement of `code`: a date for a date, a time for a time. `code` is
+/// null for a built-in format.
 bool isPlainFormOf(const std::string& plain, const std::string* code) {
   const bool isDate = plain == "yyyy-mm-dd";
   const bool isDateTime = plain == "yyyy-mm-dd hh:mm:ss";
   const bool isTime = plain == "h:mm:ss";
   if (!isDate && !isDateTime && !isTime && plain != "General") return false;
-  if (code == nullptr) return true;  // of a built-in format
+  if (code == nullptr) return true;
   std::set<char> tokens;
   char closing = '\0';
   for (std::size_t i = 0; i < code->size(); ++i) {
-    const char c = static_cast<char>((*code)[i] | ((*code)[i] >= 'A' && (*code)[i] <= 'Z' ? 0x20 : 0));
+    const char c = ASCII::lowercased((*code)[i]);
     if (closing != '\0') {
       if (c == closing) closing = '\0';
     } else if (c == '"' || c == '[') {

@@ -4,11 +4,12 @@
 #include <cstddef>
 #include <optional>
 
+#include "DocumentRuntime/Cells/CellAddress.hpp"
+#include "Text/ASCII.hpp"
+
 namespace zelvo::CleaningReadBack {
 namespace {
 
-constexpr std::int64_t lastColumn = 16'384;
-constexpr std::int64_t lastRow = 1'048'576;
 constexpr std::string_view lostReference = "#REF!";
 
 constexpr std::string_view errorTexts[] = {
@@ -17,54 +18,52 @@ constexpr std::string_view errorTexts[] = {
     "#BLOCKED!", "#CONNECT!", "#UNKNOWN!", "#PYTHON!", "#EXTERNAL!",
 };
 
-/// A token of a formula that may be a reference or one end of it.
-struct Place {
+/// One end of a reference: a cell, a column (row 0) or a row (column 0).
+struct End {
   std::int64_t column = 0;
   std::int64_t row = 0;
   bool hasFixedColumn = false;
   bool hasFixedRow = false;
 
   bool isCell() const { return column > 0 && row > 0; }
-  bool isSameKind(const Place& other) const {
+  bool isSameKind(const End& other) const {
     return (column > 0) == (other.column > 0) && (row > 0) == (other.row > 0);
   }
-  bool isInSheet() const { return column >= 0 && column <= lastColumn && row >= 0 && row <= lastRow; }
-  bool operator==(const Place&) const = default;
+  bool isInSheet() const { return column <= CellAddress::maximumColumn && row <= CellAddress::maximumRow; }
+  bool operator==(const End&) const = default;
 };
 
 bool isWord(char c) {
   constexpr std::string_view others = "_.$?\\";
-  return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') ||
-         others.find(c) != std::string_view::npos || static_cast<unsigned char>(c) >= 0x80;
+  return ASCII::isDigit(c) || ASCII::isLetter(c) || others.find(c) != std::string_view::npos ||
+         static_cast<unsigned char>(c) >= 0x80;
 }
 
-std::optional<Place> placeOf(std::string_view word) {
-  Place place;
-  std::size_t i = 0;
-  std::size_t signs = word.starts_with('$') ? 1 : 0;
-  const bool beginsWithSign = signs == 1;
-  i += signs;
+std::optional<End> endOf(std::string_view word) {
+  End end;
+  const bool beginsWithSign = word.starts_with('$');
+  std::size_t i = beginsWithSign ? 1 : 0;
   const std::size_t lettersStart = i;
-  for (; i < word.size() && (word[i] | 0x20) >= 'a' && (word[i] | 0x20) <= 'z'; ++i) {
+  for (; i < word.size() && ASCII::isLetter(word[i]); ++i) {
     if (i - lettersStart == 3) return std::nullopt;
-    place.column = place.column * 26 + (word[i] | 0x20) - 'a' + 1;
+    end.column = end.column * 26 + ASCII::lowercased(word[i]) - 'a' + 1;
   }
-  place.hasFixedColumn = place.column > 0 && beginsWithSign;
-  place.hasFixedRow = place.column == 0 && beginsWithSign;
-  if (place.column > 0 && i < word.size() && word[i] == '$') {
-    place.hasFixedRow = true;
+  end.hasFixedColumn = end.column > 0 && beginsWithSign;
+  end.hasFixedRow = end.column == 0 && beginsWithSign;
+  if (end.column > 0 && i < word.size() && word[i] == '$') {
+    end.hasFixedRow = true;
     ++i;
     if (i == word.size()) return std::nullopt;
   }
   const std::size_t digitsStart = i;
-  for (; i < word.size() && word[i] >= '0' && word[i] <= '9'; ++i) {
+  for (; i < word.size() && ASCII::isDigit(word[i]); ++i) {
     if (i - digitsStart == 7) return std::nullopt;
-    place.row = place.row * 10 + word[i] - '0';
+    end.row = end.row * 10 + word[i] - '0';
   }
-  const bool isRowMissing = digitsStart < word.size() && place.row == 0;
-  if (i < word.size() || isRowMissing || place == Place{} || !place.isInSheet()) return std::nullopt;
-  if (place.column == 0 && place.row == 0) return std::nullopt;
-  return place;
+  const bool isRowMissing = digitsStart < word.size() && end.row == 0;
+  const bool isEmpty = end.column == 0 && end.row == 0;
+  if (i < word.size() || isRowMissing || isEmpty || !end.isInSheet()) return std::nullopt;
+  return end;
 }
 
 class Comparison {
@@ -80,7 +79,7 @@ class Comparison {
   }
 
  private:
-  /// Compares the next piece of the master with the next of the copy.
+  /// Compares the next token of the master with the next of the copy.
   bool step() {
     const char c = master_.front();
     if (c == '"') return same(quoted('"', 0));
@@ -140,7 +139,7 @@ class Comparison {
     return at(end) == '\'' ? quoted('\'', end) : wordEnd(end);
   }
 
-  /// What names a sheet, or a table's columns, and the first word behind the sheet.
+  /// A sheet prefix with the reference that follows it, or the brackets of a structured reference.
   bool sheet(std::size_t length) {
     std::size_t end = length;
     if (master_.front() == '[') {
@@ -161,51 +160,52 @@ class Comparison {
     return same((at(end) == '!' ? end : second) + 1) && reference();
   }
 
-  /// A word at the front that is a reference, or anything else.
+  /// The word at the front, which may be a reference.
   bool reference() {
     const std::size_t end = wordEnd(0);
     if (end == 0) return true;
-    if (at(0) >= '0' && at(0) <= '9') {
+    if (ASCII::isDigit(at(0))) {
       // A number, unless it is whole rows; an exponent may have a sign.
-      if (at(end) != ':' || !placeOf(master_.substr(0, end))) return same(end);
+      if (at(end) != ':' || !endOf(master_.substr(0, end))) return same(end);
     }
     if (at(end) == '(' || at(end) == '[') return same(end);
-    const auto first = placeOf(master_.substr(0, end));
+    const auto first = endOf(master_.substr(0, end));
     if (!first) return same(end);
     const std::size_t second = at(end) == ':' ? wordEnd(end + 1) : end;
     const auto last = second > end + 1 && at(second) != '(' && at(second) != '[' && at(second) != '!'
-                          ? placeOf(master_.substr(end + 1, second - end - 1))
+                          ? endOf(master_.substr(end + 1, second - end - 1))
                           : std::nullopt;
     if (last && first->isSameKind(*last)) return moved(*first, last, second);
     return first->isCell() ? moved(*first, std::nullopt, end) : same(end);
   }
 
-  bool moved(Place first, std::optional<Place> last, std::size_t length) {
+  bool moved(End first, std::optional<End> last, std::size_t length) {
     move(first);
     if (last) move(*last);
     master_.remove_prefix(length);
     if (isLost(first) || (last && isLost(*last))) return take(lostReference);
-    return takePlace(first) && (!last || (take(":") && takePlace(*last)));
+    return takeEnd(first) && (!last || (take(":") && takeEnd(*last)));
   }
 
-  void move(Place& place) const {
-    if (place.column > 0 && !place.hasFixedColumn) place.column = orLost(place.column + columns_, lastColumn);
-    if (place.row > 0 && !place.hasFixedRow) place.row = orLost(place.row + rows_, lastRow);
+  void move(End& end) const {
+    if (end.column > 0 && !end.hasFixedColumn)
+      end.column = orLost(end.column + columns_, CellAddress::maximumColumn);
+    if (end.row > 0 && !end.hasFixedRow) end.row = orLost(end.row + rows_, CellAddress::maximumRow);
   }
   static std::int64_t orLost(std::int64_t number, std::int64_t limit) {
     return number < 1 || number > limit ? -1 : number;
   }
-  static bool isLost(const Place& place) { return place.column < 0 || place.row < 0; }
+  static bool isLost(const End& end) { return end.column < 0 || end.row < 0; }
 
   bool take(std::string_view expected) {
     if (!copy_.starts_with(expected)) return false;
     copy_.remove_prefix(expected.size());
     return true;
   }
-  bool takePlace(const Place& expected) {
+  bool takeEnd(const End& expected) {
     const auto end =
         static_cast<std::size_t>(std::find_if_not(copy_.begin(), copy_.end(), isWord) - copy_.begin());
-    const bool isExpected = placeOf(copy_.substr(0, end)) == expected;
+    const bool isExpected = endOf(copy_.substr(0, end)) == expected;
     copy_.remove_prefix(end);
     return isExpected;
   }

@@ -5,8 +5,8 @@
 
 namespace zelvo::CleaningReadBack {
 
-/// Whether `copy`, moved back by so many rows and columns, is `master`: its relative references are those of
-/// the master, moved, or #REF! where that leaves the sheet, and everything else is equal.
+/// Whether `copy` is the formula `master` copied to a cell `rows` below and `columns` right of its own:
+/// relative references are moved, or #REF! if that leaves the sheet, and everything else is equal.
 bool isMovedCopy(std::string_view master, std::string_view copy, std::int64_t rows, std::int64_t columns);
 
 }  // namespace zelvo::CleaningReadBack

@@ -1,62 +1,48 @@
 #include "DocumentRuntime/CleaningReadBack/SheetReadBack.hpp"
 
 #include <algorithm>
-#include <array>
 #include <map>
+#include <optional>
 #include <string_view>
 #include <utility>
 #include <vector>
 
+#include "DocumentRuntime/Cells/CellAddress.hpp"
 #include "DocumentRuntime/CleaningReadBack/BookReadBack.hpp"
 #include "DocumentRuntime/CleaningReadBack/FormulaReadBack.hpp"
+#include "DocumentRuntime/Errors/DocumentError.hpp"
+#include "DocumentRuntime/Workbook/XMLInteger.hpp"
+#include "Text/Unicode.hpp"
 
 namespace zelvo::CleaningReadBack {
 namespace {
 
-constexpr std::int64_t lastColumn = 16'384;
-
-struct Position {
-  std::int64_t column = 0;
-  std::int64_t row = 0;
-
-  bool operator==(const Position&) const = default;
-};
-
-/// The position that an address names, or the part of one that it names: 0 for what is missing.
-Position positionOf(std::string_view address) {
-  Position position;
-  for (const char c : address) {
-    if (c >= '0' && c <= '9') position.row = position.row * 10 + (c - '0');
-    if ((c | 0x20) >= 'a' && (c | 0x20) <= 'z')
-      position.column = position.column * 26 + ((c | 0x20) - 'a' + 1);
+/// The area of a reference. Returns nullopt if it is absent, or invalid and was therefore dropped.
+std::optional<CellRange> areaOf(std::optional<std::string_view> reference) {
+  if (!reference || !Unicode::isASCII(*reference)) return std::nullopt;
+  try {
+    return CellRange::parse(*reference);
+  } catch (const DocumentError&) {
+    return std::nullopt;
   }
-  return position;
-}
-
-/// The corners of an area; of a single cell, twice the same.
-std::array<Position, 2> areaOf(std::optional<std::string_view> reference) {
-  const std::string_view text = reference.value_or("");
-  const std::size_t colon = std::min(text.find(':'), text.size());
-  const Position first = positionOf(text.substr(0, colon));
-  return {first, colon == text.size() ? first : positionOf(text.substr(colon + 1))};
 }
 
 std::vector<bool> hiddenColumns(const Element& worksheet) {
-  std::vector<bool> hidden(lastColumn + 1);
+  std::vector<bool> hidden(CellAddress::maximumColumn + 1);
   for (const XMLNode list : named(worksheet, "cols")) {
     for (const XMLNode column : named(Element(worksheet, list), "col")) {
-      const auto first = numberOf(column.attribute("min"));
-      const auto last = numberOf(column.attribute("max"));
-      if (!isTrue(column.attribute("hidden")) || !first || !last) continue;
-      for (auto i = std::max<std::int64_t>(*first, 1); i <= std::min(*last, lastColumn); ++i)
+      const auto first = xmlInteger(column.attribute("min"));
+      const auto last = xmlInteger(column.attribute("max"));
+      if (!xmlFlag(column.attribute("hidden")) || !first || !last) continue;
+      for (auto i = std::max<std::int64_t>(*first, 1); i <= std::min(*last, CellAddress::maximumColumn); ++i)
         hidden[static_cast<std::size_t>(i)] = true;
     }
   }
   return hidden;
 }
 
-std::vector<std::array<Position, 2>> merges(const Element& worksheet) {
-  std::vector<std::array<Position, 2>> areas;
+std::vector<std::optional<CellRange>> merges(const Element& worksheet) {
+  std::vector<std::optional<CellRange>> areas;
   for (const XMLNode list : named(worksheet, "mergeCells")) {
     for (const XMLNode merge : named(Element(worksheet, list), "mergeCell")) {
       if (const auto reference = merge.attribute("ref")) areas.push_back(areaOf(reference));
@@ -65,7 +51,7 @@ std::vector<std::array<Position, 2>> merges(const Element& worksheet) {
   return areas;
 }
 
-/// A cell's element, and those of its children that hold something.
+/// A cell's element, and its children that hold a value.
 struct Cell {
   explicit Cell(const Element& cell) : node(cell.element()) {
     for (const XMLNode child : node.children()) {
@@ -73,21 +59,14 @@ struct Cell {
       if (isMain(part, "f")) formula = child;
       if (isMain(part, "v")) value = child;
       if (!isMain(part, "is")) continue;
-      inlineText.emplace();
-      for (const XMLNode piece : child.children()) {
-        const Element pieceScope(part, piece);
-        if (isMain(pieceScope, "t")) *inlineText += piece.content();
-        if (!isMain(pieceScope, "r")) continue;
-        for (const XMLNode text : named(pieceScope, "t"))
-          *inlineText += text.content();
-      }
-      hasReadingAidOnly = inlineText->empty() && child.hasContent();
+      inlineText = stringText(part);
+      hasOnlyPhoneticText = inlineText->empty() && child.hasContent();
     }
   }
 
   bool hasContent() const {
     return formula || (value && value->hasContent()) || (inlineText && !inlineText->empty()) ||
-           hasReadingAidOnly;
+           hasOnlyPhoneticText;
   }
   std::string_view type() const {
     const std::string_view written = node.attribute("t").value_or("n");
@@ -98,7 +77,7 @@ struct Cell {
   std::optional<XMLNode> formula;
   std::optional<XMLNode> value;
   std::optional<std::string> inlineText;
-  bool hasReadingAidOnly = false;
+  bool hasOnlyPhoneticText = false;
 };
 
 class SheetComparison {
@@ -121,31 +100,31 @@ class SheetComparison {
 
  private:
   struct Master {
-    Position at;
+    CellAddress at;
     std::string text;
   };
 
-  static std::string name(const Position& position) {
-    return "in row " + std::to_string(position.row) + ", column " + std::to_string(position.column);
+  static std::string name(const CellAddress& address) {
+    return "in row " + std::to_string(address.row) + ", column " + std::to_string(address.column);
   }
 
   bool rows(const Element& sourceData, const Element& resultData) {
     for (const XMLNode row : named(sourceData, "row")) {
-      at_ = {0, numberOf(row.attribute("r")).value_or(at_.row + 1)};
+      at_ = {0, xmlInteger(row.attribute("r")).value_or(at_.row + 1)};
       if (!cells(Element(sourceData, row), resultData)) return false;
     }
     return true;
   }
 
   bool cells(const Element& row, const Element& resultData) {
-    const bool isHidden = isTrue(row.element().attribute("hidden"));
+    const bool isHidden = xmlFlag(row.element().attribute("hidden"));
     std::vector<Cell> expected;
-    std::vector<Position> positions;
+    std::vector<CellAddress> positions;
     for (const XMLNode child : row.element().children()) {
       const Element scope(row, child);
       if (!isMain(scope, "c")) continue;
       const auto address = child.attribute("r");
-      at_ = address ? positionOf(*address) : Position{at_.column + 1, at_.row};
+      at_ = address ? CellAddress::parse(*address) : CellAddress{at_.column + 1, at_.row};
       Cell cell(scope);
       if (!cell.hasContent()) continue;
       expected.push_back(std::move(cell));
@@ -155,8 +134,8 @@ class SheetComparison {
     if (nextRow_ == resultRows_.size()) return false;
     const Element written(resultData, resultRows_[nextRow_++]);
     const auto writtenCells = named(written, "c");
-    if (numberOf(written.element().attribute("r")) != at_.row ||
-        isTrue(written.element().attribute("hidden")) != isHidden || writtenCells.size() != expected.size())
+    if (xmlInteger(written.element().attribute("r")) != at_.row ||
+        xmlFlag(written.element().attribute("hidden")) != isHidden || writtenCells.size() != expected.size())
       return false;
     for (std::size_t i = 0; i < expected.size(); ++i) {
       at_ = positions[i];
@@ -168,8 +147,8 @@ class SheetComparison {
   bool cell(const Cell& expected, const Cell& written) {
     std::string scratch;
     std::string writtenScratch;
-    if (positionOf(written.node.attribute("r").value_or("")) != at_ || written.type() != expected.type() ||
-        written.node.attribute("s") != expected.node.attribute("s") ||
+    if (CellAddress::parse(written.node.attribute("r").value_or("")) != at_ ||
+        written.type() != expected.type() || written.node.attribute("s") != expected.node.attribute("s") ||
         written.value.has_value() != expected.value.has_value() ||
         written.inlineText != expected.inlineText ||
         written.formula.has_value() != expected.formula.has_value())
@@ -193,7 +172,7 @@ class SheetComparison {
 
   bool sharedFormula(XMLNode expected, std::string_view text, std::string_view writtenText,
                      std::string_view writtenType) {
-    const auto index = numberOf(expected.attribute("si"));
+    const auto index = xmlInteger(expected.attribute("si"));
     const auto master = index ? masters_.find(*index) : masters_.end();
     if (!text.empty()) {
       if (index && (master == masters_.end() || expected.attribute("ref")))
@@ -201,7 +180,7 @@ class SheetComparison {
       return writtenText == text && writtenType == "normal";
     }
     if (master == masters_.end()) return writtenText.empty() && writtenType == "shared";
-    const Position& from = master->second.at;
+    const CellAddress& from = master->second.at;
     return writtenType == "normal" &&
            isMovedCopy(master->second.text, writtenText, at_.row - from.row, at_.column - from.column);
   }
@@ -210,7 +189,7 @@ class SheetComparison {
   Element result_;
   std::vector<XMLNode> resultRows_;
   std::size_t nextRow_ = 0;
-  Position at_;
+  CellAddress at_{.column = 0, .row = 0};
   std::map<std::int64_t, Master> masters_;
 };
 

@@ -7,7 +7,7 @@
 
 namespace zelvo::CleaningReadBack {
 
-/// Compares two worksheets and says what differs first.
+/// Compares two worksheets. Returns the first difference, or nullopt.
 std::optional<std::string> compareSheets(XMLNode source, XMLNode result, bool keepsMerges);
 
 }  // namespace zelvo::CleaningReadBack

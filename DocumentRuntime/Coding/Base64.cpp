@@ -9,10 +9,10 @@ namespace {
 
 constexpr std::string_view alphabet = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
 
-/// A bit above the 24 of a group: it remains set in every "or", and is checked once.
+/// Marks an invalid character: a bit above the 24 of a group. It accumulates by "or" and is checked once.
 constexpr std::uint32_t invalid = 1U << 31;
 
-/// The bits of a character in its group of 24, one table for each of the four positions.
+/// Maps a character to its bits in a group of 24, for one of the four positions.
 using PlaceTable = std::array<std::uint32_t, 256>;
 
 constexpr PlaceTable placeTable(unsigned shift) {

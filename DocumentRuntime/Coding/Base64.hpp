@@ -9,8 +9,8 @@
 /// Standard base64: the alphabet with "+" and "/", padded with "=".
 namespace zelvo::Base64 {
 
-/// The bytes of a text that `append` could have written. Returns nullopt for any other text: white space,
-/// missing or misplaced padding, other alphabets, and bits after the last byte that are not zero.
+/// Decodes strictly. Returns nullopt for white space, missing or misplaced padding, other alphabets, and
+/// nonzero bits after the last byte.
 std::optional<ByteBuffer> decode(std::string_view text);
 
 void append(std::string& out, ByteView bytes);

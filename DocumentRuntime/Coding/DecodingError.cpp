@@ -7,7 +7,7 @@ namespace {
 
 constexpr std::string_view ellipsis = "\u2026";
 
-/// At most so many bytes of whole characters, and an ellipsis where something is missing.
+/// At most `maximumBytes` of `text`, without a partial scalar. A text that is cut ends in an ellipsis.
 std::string shortened(std::string text, std::size_t maximumBytes) {
   if (text.size() <= maximumBytes) return text;
   const auto continuesCharacter = [](char byte) {

@@ -8,14 +8,15 @@ namespace zelvo {
 
 /// A JSON text is malformed, or does not have the structure of the record.
 ///
-/// The texts are human-readable: keys of the JSON, which may be as long as the JSON itself, are cut.
+/// The texts are human-readable. They are cut, since they can hold keys of the JSON, which may be as long as
+/// the JSON itself.
 class DecodingError : public std::exception {
  public:
   static constexpr std::size_t maximumPathBytes = 300;
   static constexpr std::size_t maximumMessageBytes = 200;
 
-  /// `path` leads from the root to the value at fault ("rows[3][0].value"); empty for the root itself. Both
-  /// are UTF-8.
+  /// `path` is the path from the root to the invalid value ("rows[3][0].value"); empty for the root itself.
+  /// Both are UTF-8.
   explicit DecodingError(std::string message, std::string path = {});
 
   const std::string& message() const { return message_; }

@@ -28,6 +28,7 @@
 ///       field("x", point.x);
 ///       field("label", point.label);  // std::optional: not written when absent; absent when missing or null
 ///       field("tags", bounded(point.tags, 10));  // a list that is cut when it is decoded
+///       field("notes", limited(point.notes, 5));  // a list that fails to decode if it is longer
 ///     }
 namespace zelvo {
 
@@ -86,9 +87,9 @@ void encode(JsonWriter& writer, const std::vector<T>& list) {
 }
 
 /// A field that is a list. Decoding keeps its first `limit` elements, and of a list of lists the first
-/// `innerLimit` of each. The others are decoded and dropped: an element of a few bytes of JSON is many times
-/// larger in memory, and the record's rules refuse a list that is too long, even if it has been cut. Refers
-/// to the list.
+/// `innerLimit` of each. The others are decoded and dropped, because an element of a few bytes of JSON is
+/// many times larger in memory. `limit` must be above the record's own limit, so that its rules refuse the
+/// cut list too. Refers to the list.
 template <typename List>
 struct BoundedList {
   List& list;
@@ -120,6 +121,26 @@ void decode(JsonValue value, BoundedList<std::vector<T>> field) {
   }
 }
 
+/// A field that is a list, optional or not, of at most `limit` elements. Refers to the list.
+template <typename List>
+struct LimitedList {
+  List& list;
+  std::size_t limit;
+};
+
+template <typename List>
+LimitedList<List> limited(List& list, std::size_t limit) {
+  return {list, limit};
+}
+
+/// Fails at the first element too many. Allocates nothing.
+inline void requireAtMost(std::size_t limit, JsonValue list) {
+  std::size_t count = 0;
+  for (const JsonValue element : list.array()) {
+    if (++count > limit) element.fail("Too many elements.");
+  }
+}
+
 /// Fills fields from the members of an object.
 class FieldDecoder {
  public:
@@ -137,6 +158,11 @@ class FieldDecoder {
   template <typename List>
   void operator()(std::string_view key, const BoundedList<List>& field) const {
     decode(object_.required(key), field);
+  }
+  template <typename List>
+  void operator()(std::string_view key, const LimitedList<List>& field) const {
+    if (const auto value = object_.optional(key)) requireAtMost(field.limit, *value);
+    (*this)(key, field.list);
   }
 
  private:
@@ -161,22 +187,14 @@ class FieldEncoder {
   void operator()(std::string_view key, const BoundedList<List>& field) const {
     (*this)(key, field.list);
   }
+  template <typename List>
+  void operator()(std::string_view key, const LimitedList<List>& field) const {
+    (*this)(key, field.list);
+  }
 
  private:
   JsonWriter& writer_;
 };
-
-template <typename Record>
-void decodeFields(JsonValue value, Record& record) {
-  eachField(record, FieldDecoder(value.object()));
-}
-
-template <typename Record>
-void encodeFields(JsonWriter& writer, const Record& record) {
-  writer.beginObject();
-  eachField(record, FieldEncoder(writer));
-  writer.endObject();
-}
 
 /// A record whose header lists its fields.
 template <typename Record>
@@ -186,12 +204,14 @@ concept HasFields = requires(Record& record, const FieldDecoder& decoder) {
 
 template <HasFields Record>
 void decode(JsonValue value, Record& record) {
-  decodeFields(value, record);
+  eachField(record, FieldDecoder(value.object()));
 }
 
 template <HasFields Record>
 void encode(JsonWriter& writer, const Record& record) {
-  encodeFields(writer, record);
+  writer.beginObject();
+  eachField(record, FieldEncoder(writer));
+  writer.endObject();
 }
 
 /// The enumerator with the index of the string in `names`.

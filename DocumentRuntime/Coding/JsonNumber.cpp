@@ -9,16 +9,15 @@
 namespace zelvo::JsonNumber {
 namespace {
 
-/// A decimal taken apart without converting it: 0.DIGITS × 10^point, the digits neither beginning nor ending
-/// with 0.
+/// A decimal as 0.DIGITS × 10^point. The digits neither begin nor end with 0.
 struct Decimal {
   bool negative = false;
   std::string_view digits;  ///< from the first to the last significant digit; may include the point
-  std::int64_t count = 0;   ///< of the digits, the point left out; zero for the number zero
+  std::int64_t count = 0;   ///< of the digits, without the point; zero for the number zero
   std::int64_t point = 0;
 };
 
-Decimal takeApart(std::string_view text) {
+Decimal parse(std::string_view text) {
   Decimal decimal;
   decimal.negative = text.front() == '-';
   if (decimal.negative) text.remove_prefix(1);
@@ -54,7 +53,7 @@ std::optional<std::int64_t> integer(std::string_view text) {
   const auto plain = std::from_chars(text.data(), end, value);
   if (plain.ec == std::errc() && plain.ptr == end) return value;
 
-  const Decimal decimal = takeApart(text);
+  const Decimal decimal = parse(text);
   if (decimal.count == 0) return 0;
   constexpr std::int64_t maximumDigits = 19;  // of 2^63
   if (decimal.count > decimal.point || decimal.point > maximumDigits) return std::nullopt;
@@ -73,7 +72,7 @@ std::optional<double> number(std::string_view text) {
   const auto result = std::from_chars(text.data(), text.data() + text.size(), value);
   if (result.ec == std::errc()) return value;
   // from_chars also reports underflow as out of range; the value is zero.
-  const Decimal decimal = takeApart(text);
+  const Decimal decimal = parse(text);
   if (decimal.point > 0) return std::nullopt;
   return decimal.negative ? -0.0 : 0.0;
 }

@@ -13,8 +13,8 @@ namespace zelvo::JsonNumber {
 /// for a fraction, and for a number of more than 64 bits.
 std::optional<std::int64_t> integer(std::string_view text);
 
-/// The nearest double; a number that is too small gives zero with its sign. Returns nullopt for a number
-/// above the largest double.
+/// The nearest double. A number that is too small is zero with its sign. Returns nullopt for a number above
+/// the largest double.
 std::optional<double> number(std::string_view text);
 
 /// Appends the shortest text that reads back as the same double: in fixed notation from 1e-4 up to 2^54 in

@@ -9,22 +9,22 @@ namespace zelvo {
 
 namespace json = boost::json;
 
-/// Ends each text. It is not part of any: strings are valid UTF-8, numbers are ASCII.
+/// Ends each text. No text contains it: strings are valid UTF-8, numbers are ASCII.
 constexpr char terminator = '\xFF';
 
 /// Handler of the parser's events: builds the token list, and packs the decoded texts towards the front of
 /// the source, each with a terminator.
 ///
-/// `packed_` is the end of the texts that have been packed, without the last one's terminator. It never
-/// passes the position that the parser has read to, because a text comes from at least as many bytes of the
-/// source: an escape is longer than the character. The terminator is written when the next text begins: by
-/// then the parser has left the quotation mark, comma or bracket whose place it takes. The parser never looks
-/// back at what it has reported.
+/// `packed_` is the end of the packed texts, without the last one's terminator. It never exceeds the parser's
+/// position, because a text is never longer than its source: an escape is longer than the character. The
+/// terminator is written when the next text begins: by then the parser has read past the quotation mark,
+/// comma or bracket that the terminator overwrites. The parser never reads a byte again after it has reported
+/// it.
 class JsonDocument::Builder {
  public:
   explicit Builder(JsonDocument& document) : text_(document.text_), tokens_(document.tokens_) {}
 
-  // NOLINTBEGIN(readability-identifier-naming): these names are what the parser asks for.
+  // NOLINTBEGIN(readability-identifier-naming): the parser requires these names.
   static constexpr std::size_t max_object_size = maximumTextBytes;
   static constexpr std::size_t max_array_size = maximumTextBytes;
   static constexpr std::size_t max_key_size = maximumTextBytes;
@@ -41,7 +41,7 @@ class JsonDocument::Builder {
   bool on_null(Failure&) { return add(JsonKind::null, 0); }
   bool on_bool(bool value, Failure&) { return add(JsonKind::boolean, value ? 1 : 0); }
 
-  // The parser's conversion of numbers is inexact: only their texts are taken.
+  // The parser's conversion of numbers is inexact, so only their texts are used.
   bool on_number_part(Text part, Failure&) { return pack(part); }
   bool on_int64(std::int64_t, Text part, Failure&) { return addText(JsonKind::number, part); }
   bool on_uint64(std::uint64_t, Text part, Failure&) { return addText(JsonKind::number, part); }
@@ -70,8 +70,8 @@ class JsonDocument::Builder {
     return true;
   }
 
-  /// Appends a piece of the string or number that is being read. The first piece of most is in the source,
-  /// and stays where it is: a long string is not moved.
+  /// Appends a piece of the string or number that is being read. A first piece that is a view into the source
+  /// is not moved, so a long string is not copied.
   bool pack(Text piece) {
     if (!inText_) {
       beginText(piece);
@@ -126,8 +126,8 @@ class JsonDocument::Builder {
 
 JsonDocument::JsonDocument(std::string text) : text_(std::move(text)) {
   if (text_.size() > maximumTextBytes) throw DecodingError("The JSON is too long.");
-  // Every token except the root's takes at least two bytes, with its separator.
-  // Memory that no token reaches is never resident.
+  // Every token except the root's takes at least two bytes, with its separator. Reserved memory that is never
+  // written is never resident.
   tokens_.reserve(text_.size() / 2 + 1);
 
   json::parse_options options;

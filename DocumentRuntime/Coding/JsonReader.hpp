@@ -64,9 +64,9 @@ class JsonDocument {
   static_assert(sizeof(Token) == 4);
 
   std::string_view text(const Token& token) const;
-  /// The index of the token behind the value at `index` and all that it holds.
+  /// The index of the first token after the value at `index` and everything inside it.
   std::uint32_t next(std::uint32_t index) const;
-  /// Cut where it is longer than an error shows.
+  /// The path of a value, cut to the length of a path in an error.
   std::string path(std::uint32_t index) const;
 
   std::string text_;

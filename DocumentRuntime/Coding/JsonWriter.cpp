@@ -41,8 +41,8 @@ void appendEscape(std::string& out, char c) {
       return;
     default:
       out += "\\u00";
-      out += ASCII::hexDigits[static_cast<unsigned char>(c) >> 4];
-      out += ASCII::hexDigits[static_cast<unsigned char>(c) & 0xF];
+      const auto digits = ASCII::hexadecimal(static_cast<unsigned char>(c));
+      out.append(digits.data(), digits.size());
   }
 }
 
@@ -83,7 +83,7 @@ void JsonWriter::integer(std::int64_t value) {
 
 void JsonWriter::number(double value) {
   if (!std::isfinite(value))
-    throw DocumentError::validationFailed("JSON cannot carry a number that is not finite.");
+    throw DocumentError::validationFailed("JSON cannot represent a number that is not finite.");
   separate();
   JsonNumber::append(text_, value);
 }

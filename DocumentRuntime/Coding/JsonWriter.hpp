@@ -28,7 +28,7 @@ class JsonWriter {
   void null() { raw("null"); }
   void boolean(bool value) { raw(value ? "true" : "false"); }
   void integer(std::int64_t value);
-  /// Throws `DocumentError` validationFailed for infinities and NaN, which JSON cannot carry.
+  /// Throws `DocumentError` validationFailed for infinities and NaN, which JSON cannot represent.
   void number(double value);
   /// `text` is valid UTF-8.
   void string(std::string_view text);

@@ -11,10 +11,10 @@
 /// and `fromJson`. Unknown keys are ignored.
 namespace zelvo {
 
-// Limits of a table's lists when they are decoded; elements beyond them are dropped. A request is untrusted.
-// Each limit is above that of the input rules, which accept 200 rows and 16 warnings, so that a cut table is
-// refused with the same error as a whole one. They accept 8 columns, too, but the rules of a chart, which
-// are checked first, may refer to any column.
+// Limits of a table's lists when they are decoded; elements beyond them are dropped, since a request is
+// untrusted. Each limit is above that of the input rules, which accept 200 rows and 16 warnings, so that a
+// cut table is refused with the same error as a whole one. The input rules accept 8 columns, but the rules of
+// a chart, which are checked first, may refer to any column.
 inline constexpr std::size_t keptRows = 201;
 inline constexpr std::size_t keptWarnings = 17;
 inline constexpr std::size_t keptColumns = 1'024;

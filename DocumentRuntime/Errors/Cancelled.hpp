@@ -5,8 +5,8 @@
 
 namespace zelvo {
 
-/// Thrown when the caller's stop token requests cancellation. Not a `DocumentError`: the document is not at
-/// fault.
+/// Thrown when the caller's stop token requests cancellation. Not a `DocumentError`: the document is not the
+/// cause.
 class Cancelled : public std::exception {
  public:
   const char* what() const noexcept override { return "The operation was cancelled."; }

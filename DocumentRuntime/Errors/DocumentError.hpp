@@ -49,8 +49,8 @@ class DocumentError : public std::exception {
   std::string description_;
 };
 
-/// resourceLimit "response size": the result is larger than any response. A kind of its own, because the
-/// worker then ends without a response, as it does when an encoded response is too large.
+/// resourceLimit "response size": the result is larger than any response. A separate type, because the worker
+/// then ends without a response, as it does if an encoded response is too large.
 class ResponseTooLarge final : public DocumentError {
  public:
   ResponseTooLarge();

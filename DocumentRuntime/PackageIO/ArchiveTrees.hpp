@@ -10,8 +10,8 @@
 
 namespace zelvo::OOXML {
 
-/// The parts of an archive as XML, each expanded and parsed when it is asked for. Trees are kept within a
-/// fixed budget; what does not fit is parsed again when it is asked for again.
+/// The parts of an archive as XML, each expanded and parsed on request. Trees are cached within a fixed
+/// budget; a part that does not fit is parsed again on each request.
 class ArchiveTrees {
  public:
   using Entry = BoundedZIP::Archive::Entry;
@@ -26,7 +26,7 @@ class ArchiveTrees {
   XMLNode root(const Entry& part);
 
  private:
-  /// The bytes stand beside their tree, which may show them.
+  /// A part's bytes, kept with the tree, which may have views into them.
   struct ParsedPart {
     ByteBuffer bytes;
     XMLTree tree;

@@ -16,8 +16,9 @@ constexpr std::string_view dotlessI = "\u0131";
 /// y with ring above, whose upper case is Y and a combining ring.
 constexpr std::string_view ringY = "\u1E99";
 
-/// Whether the upper case of `text` starts with the upper case of `word`, which is lower case. Of all other
-/// letters only the two above become I or Y; the ring after the second matters only inside the word.
+/// Whether the upper case of `text` starts with the upper case of `word`, which is in lower case. Apart from
+/// i and y, only the two letters above have an upper case that starts with I or Y. The combining ring of the
+/// second allows a match only at the end of the word.
 bool startsWithUpper(std::string_view text, std::string_view word) {
   for (std::size_t i = 0; i < word.size(); ++i) {
     if (text.empty()) return false;
@@ -52,7 +53,7 @@ XMLTree OOXML::xml(ByteView part) {
     throw DocumentError::unsupported("XML encoding or size");
   }
   if (holdsDeclaration(text)) throw DocumentError::unsafeContent("XML DTD or entity declaration");
-  // NUL is not allowed in XML, and programs that guess encodings take it for UTF-16.
+  // NUL is not allowed in XML, and programs that guess encodings would read the part as UTF-16.
   if (text.find('\0') != std::string_view::npos) throw DocumentError::invalidArchive("malformed XML");
   XMLTreeBuilder builder(text.size());
   XMLScanner(text, builder).run();

@@ -10,9 +10,8 @@
 #include "DocumentRuntime/PackageIO/PartMap.hpp"
 #include "DocumentRuntime/Records/ByteBuffer.hpp"
 
-/// ZIP archives as OOXML packages use them, and nothing else: no ZIP64, no encryption, no other method than
-/// stored and raw deflate, no links, no ambiguous or overlapping entries. Sizes are checked before memory is
-/// allocated.
+/// The subset of ZIP that OOXML packages use: no ZIP64, no encryption, no methods except stored and raw
+/// deflate, no links, no ambiguous or overlapping entries. Sizes are checked before memory is allocated.
 namespace zelvo::BoundedZIP {
 
 inline constexpr std::size_t minimumArchiveBytes = 22;  ///< one end-of-central-directory record
@@ -28,8 +27,8 @@ inline constexpr std::size_t maximumNameBytes = 256;
 /// `Cancelled` (checked once per entry). The result owns its bytes.
 PartMap read(ByteView archive, const std::stop_token& stop = {});
 
-/// How large an archive of stored entries becomes. Authors that repeat a text add up the parts while they
-/// write them, to stop where `write` would refuse, before the parts fill memory.
+/// Computes the size of an archive of stored entries. Authors that repeat a text add each part as they write
+/// it, so that they fail where `write` would fail, before the parts fill memory.
 class OutputSize {
  public:
   /// Throws `DocumentError` resourceLimit "output part".
@@ -53,7 +52,7 @@ class OutputSize {
 /// archive", or `Cancelled` (checked once per entry).
 ByteBuffer write(const PartMap& parts, const std::stop_token& stop = {});
 
-/// One part as `writePacked` puts it into an archive.
+/// One part as `writePacked` stores it.
 struct PackedPart {
   std::string name;
   std::uint32_t crc = 0;
@@ -66,11 +65,11 @@ struct PackedPart {
 /// shrink, or that would break the reader's rule on the ratio, is stored. At most `maximumEntryBytes`.
 PackedPart packed(std::string name, ByteView bytes);
 
-/// As `write`, of parts that are packed already.
+/// As `write`, for packed parts.
 ByteBuffer writePacked(const std::vector<PackedPart>& parts, const std::stop_token& stop = {});
 
 /// Whether a name is allowed in an archive: 1 to 256 bytes, relative, no "\", ":", "%" or control character,
-/// no empty piece but a last one, no "." or ".." piece. `name` must be valid UTF-8.
+/// no empty piece except the last, no "." or ".." piece. `name` must be valid UTF-8.
 bool safeName(std::string_view name);
 
 }  // namespace zelvo::BoundedZIP

@@ -14,9 +14,9 @@ namespace zelvo::BoundedZIP {
 
 /// An archive whose entries are expanded one at a time, for readers that need only some of them.
 ///
-/// When the archive is opened, every entry of its directory is held to the rules of `read` on size, count,
-/// bounds, names, duplicates, links, local headers and overlaps. Only an entry that is expanded is held to
-/// the rules on encryption, method, sizes, ratio and checksum.
+/// Opening the archive checks every entry of its directory against the rules of `read` on size, count,
+/// bounds, names, duplicates, links, local headers and overlaps. Expanding an entry checks it against the
+/// rules on encryption, method, sizes, ratio and checksum.
 class Archive {
  public:
   /// One entry as the central directory describes it.
@@ -34,8 +34,8 @@ class Archive {
     ByteView data;       ///< compressed
   };
 
-  /// `bytes` must outlive this. Throws the `DocumentError`s of `read` that the rules named above give, and
-  /// `Cancelled` (looked at once per entry).
+  /// `bytes` must outlive this. Throws the `DocumentError`s of `read` for the rules above, and `Cancelled`
+  /// (checked once per entry).
   explicit Archive(ByteView bytes, const std::stop_token& stop = {});
 
   /// In the order of the directory, without folders.

@@ -15,23 +15,23 @@
 namespace zelvo::BoundedZIP {
 namespace {
 
-/// Positions and sizes are 64-bit. A position is at most 2^25 (the largest archive), a field at most 2^32 -
-/// 1, and what is computed from them is at most a position and four fields, or a field times 200 and a
-/// little: nothing can wrap.
+/// Positions and sizes are 64-bit. A position is at most 2^25 (the largest archive), a field is below 2^32.
+/// Computed values are at most a position plus four fields, or a field times 200 plus 2^20: nothing can
+/// overflow.
 using Size = std::uint64_t;
 
 /// The length of an archive's comment is a 16-bit field, so the end record starts no further from the end.
 constexpr Size maximumCommentBytes = 0xFFFF;
 
-/// A size or offset that is in the ZIP64 record instead.
+/// Marks a size or offset that is stored in the ZIP64 record.
 constexpr std::uint32_t zip64Marker = 0xFFFFFFFF;
 
 constexpr std::uint32_t encryptionFlags = 0x41;  ///< bit 0: encrypted, bit 6: strongly
-constexpr std::uint32_t descriptorFlag = 0x08;   ///< the local sizes and CRC follow the data instead
+constexpr std::uint32_t descriptorFlag = 0x08;   ///< the local sizes and CRC follow the data
 
 // Unix file types, in the upper half of the external attributes.
 constexpr std::uint32_t fileTypeMask = 0xF000;
-constexpr std::uint32_t noFileType = 0;  ///< what programs write that know nothing of Unix
+constexpr std::uint32_t noFileType = 0;  ///< written by programs for other systems
 constexpr std::uint32_t directoryType = 0x4000;
 constexpr std::uint32_t regularFileType = 0x8000;
 
@@ -129,8 +129,8 @@ void checkFileType(const Entry& entry) {
   }
 }
 
-/// Stands before anything is expanded: no memory is spent on a bomb. Adds the entry to what was expanded
-/// before it.
+/// Called before an entry is expanded, so that a ZIP bomb allocates nothing. Adds the entry's size to
+/// `expandedBytes`.
 void checkExpansion(const Entry& entry, Size& expandedBytes) {
   if (entry.uncompressedSize > maximumEntryBytes ||
       expandedBytes + entry.uncompressedSize > maximumExpandedBytes ||

@@ -12,15 +12,15 @@
 namespace zelvo::BoundedZIP {
 namespace {
 
-constexpr std::uint16_t version20 = 20;  ///< 2.0, the first with folders: what every reader understands
+constexpr std::uint16_t version20 = 20;  ///< 2.0, the first version with folders; every reader supports it
 constexpr std::uint16_t utf8NamesFlag = 0x0800;
 constexpr std::uint16_t midnight = 0;
-constexpr std::uint16_t january1st1980 = 0x21;  ///< the first day that the format can name
+constexpr std::uint16_t january1st1980 = 0x21;  ///< the earliest date of the format
 
-/// An entry and where it goes. Sizes and offsets fit 32 bits, because the whole archive is at most 32 MiB.
+/// An entry and its position. Sizes and offsets fit 32 bits, because the whole archive is at most 32 MiB.
 struct Record {
   std::string_view name;
-  ByteView data;  ///< as it stands in the archive
+  ByteView data;  ///< as stored in the archive
   std::size_t expandedBytes = 0;
   std::uint16_t method = storedMethod;
   std::uint32_t crc = 0;
@@ -32,8 +32,8 @@ struct Layout {
   OutputSize size;
 };
 
-/// Puts the parts in order and gives each its place. Everything that can be refused is refused here, before
-/// the archive takes any memory.
+/// Sorts the parts and assigns their positions. All checks are here, before memory is allocated for the
+/// archive.
 Layout layOut(std::vector<Record> records, const std::stop_token& stop) {
   if (records.empty() || records.size() > maximumEntries) throw DocumentError::resourceLimit("part count");
 
@@ -51,7 +51,7 @@ Layout layOut(std::vector<Record> records, const std::stop_token& stop) {
   return layout;
 }
 
-/// Fills a buffer of the size that the layout gave, front to back.
+/// Fills a buffer from front to back. Its size must be that of the layout.
 class Output {
  public:
   explicit Output(ByteBuffer& buffer) : next_(buffer.data()) {}
@@ -70,7 +70,7 @@ class Output {
   std::uint8_t* next_;
 };
 
-/// The run of fields that local and central headers share.
+/// The sequence of fields that local and central headers share.
 void appendSharedFields(Output& out, const Record& record) {
   out.le16(version20);  // needed to extract
   out.le16(utf8NamesFlag);
@@ -128,7 +128,7 @@ ByteBuffer archiveOf(const Layout& layout, const std::stop_token& stop) {
   return archive;
 }
 
-/// Whether the reader takes so many bytes out of so few.
+/// Whether the reader's rule on the ratio accepts these sizes.
 bool keepsRatio(std::size_t expandedBytes, std::size_t compressedBytes) {
   return expandedBytes <= compressedBytes * maximumExpansionRatio + expansionAllowanceBytes;
 }

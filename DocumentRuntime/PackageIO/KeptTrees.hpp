@@ -44,7 +44,7 @@ class KeptTrees {
     XMLTree tree;
   };
   std::vector<KeptTree> trees_;
-  std::size_t budgetBytes_;  ///< what is left
+  std::size_t budgetBytes_;  ///< not used yet
 };
 
 }  // namespace zelvo::OOXML

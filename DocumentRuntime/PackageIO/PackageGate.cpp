@@ -28,7 +28,7 @@ constexpr std::array<std::string_view, 8> refusedNames = {
 };
 constexpr std::string_view embeddingsFolder = "embeddings/";
 
-/// The same for content types: an active part may have a harmless name.
+/// The same for content types: an active part may have any name.
 constexpr std::array<std::string_view, 4> activeContentTypes = {"macroenabled", "vbaproject", "activex",
                                                                 "oleobject"};
 

@@ -19,7 +19,7 @@ struct PackageAllowance {
 };
 
 /// Called with every parsed part that has passed, in ascending byte order of the names. A visitor that needs
-/// a tree later moves it.
+/// a tree later must move it.
 using PartVisitor = std::function<void(std::string_view name, XMLTree& tree)>;
 
 /// Opens a package and vets all of it: every XML part is parsed, once, and every relationship must be

@@ -6,7 +6,7 @@
 namespace zelvo {
 namespace {
 
-// `char` compares as unsigned in a string's order, so byte order is what `<` gives.
+// Strings compare `char` as unsigned, so `<` is byte order.
 bool nameIsBefore(const Part& part, std::string_view name) {
   return part.name < name;
 }

@@ -26,7 +26,7 @@ class PartMap {
   /// Adds a part, or replaces the one of that name.
   void set(std::string name, ByteBuffer bytes);
 
-  /// The bytes of a part, or null. Valid until the map is changed.
+  /// The bytes of a part. Null if there is no such part. Valid until the map is changed.
   const ByteBuffer* find(std::string_view name) const;
   bool contains(std::string_view name) const { return find(name) != nullptr; }
 

@@ -8,10 +8,6 @@
 namespace zelvo::OOXML {
 namespace {
 
-constexpr std::string_view declaration = R"(<?xml version="1.0" encoding="UTF-8" standalone="yes"?>)";
-constexpr std::string_view relationshipTypes =
-    "http://schemas.openxmlformats.org/officeDocument/2006/relationships/";
-
 /// Marks the bytes at which `escaped` may have to stop copying: special characters, control characters, and
 /// the first byte of a noncharacter.
 constexpr auto endsRun = [] {
@@ -23,7 +19,8 @@ constexpr auto endsRun = [] {
   return marks;
 }();
 
-/// The entity of a special character; empty for a control character.
+}  // namespace
+
 std::string_view entity(char character) {
   switch (character) {
     case '&':
@@ -40,8 +37,6 @@ std::string_view entity(char character) {
       return {};
   }
 }
-
-}  // namespace
 
 std::string escaped(std::string_view text) {
   std::string out;
@@ -61,8 +56,8 @@ std::string escaped(std::string_view text) {
 }
 
 ByteBuffer data(std::string_view xml) {
-  ByteBuffer bytes(declaration.size() + xml.size());
-  std::copy(xml.begin(), xml.end(), std::copy(declaration.begin(), declaration.end(), bytes.data()));
+  ByteBuffer bytes(xmlDeclaration.size() + xml.size());
+  std::copy(xml.begin(), xml.end(), std::copy(xmlDeclaration.begin(), xmlDeclaration.end(), bytes.data()));
   return bytes;
 }
 

@@ -15,7 +15,7 @@ inline void appendPiece(std::string& out, std::string_view text) {
   out += text;
 }
 
-/// In decimal, whatever the locale.
+/// In decimal, independent of the locale.
 template <std::integral Integer>
 requires(!std::same_as<Integer, char> && !std::same_as<Integer, bool>) void appendPiece(std::string& out,
                                                                                         Integer value) {
@@ -29,8 +29,19 @@ void append(std::string& out, const Pieces&... pieces) {
   (appendPiece(out, pieces), ...);
 }
 
+/// Starts every part that is written.
+inline constexpr std::string_view xmlDeclaration =
+    R"(<?xml version="1.0" encoding="UTF-8" standalone="yes"?>)";
+
+/// Precedes the last segment of a relationship type's URI.
+inline constexpr std::string_view relationshipTypes =
+    "http://schemas.openxmlformats.org/officeDocument/2006/relationships/";
+
+/// The predefined entity of one of the five special characters; empty for any other character.
+std::string_view entity(char character);
+
 /// `text` for an XML text node or attribute value: the five special characters as entities, and without the
-/// characters that XML cannot carry.
+/// characters that XML does not allow.
 std::string escaped(std::string_view text);
 
 /// The bytes of a part: the XML declaration, then the body.

@@ -10,12 +10,6 @@
 namespace zelvo {
 namespace {
 
-std::optional<unsigned> hexDigit(char character) {
-  const std::size_t value = ASCII::hexDigits.find(ASCII::lowercased(character));
-  if (value == std::string_view::npos) return std::nullopt;
-  return static_cast<unsigned>(value);
-}
-
 /// Decodes percent escapes. Returns nullopt for an incomplete escape, and if the result is not valid UTF-8.
 std::optional<std::string> percentDecoded(std::string_view text) {
   std::string decoded;
@@ -26,8 +20,8 @@ std::optional<std::string> percentDecoded(std::string_view text) {
       continue;
     }
     if (text.size() - i < 3) return std::nullopt;
-    const auto high = hexDigit(text[i + 1]);
-    const auto low = hexDigit(text[i + 2]);
+    const auto high = ASCII::hexValue(text[i + 1]);
+    const auto low = ASCII::hexValue(text[i + 2]);
     if (!high || !low) return std::nullopt;
     decoded += static_cast<char>(*high << 4 | *low);
     i += 2;
@@ -101,6 +95,24 @@ std::string OOXML::TargetResolver::resolve(std::string_view target) const {
 
 std::string OOXML::resolve(std::string_view target, std::string_view relationshipPart) {
   return TargetResolver(relationshipPart).resolve(target);
+}
+
+std::string OOXML::relationshipsPart(std::string_view part) {
+  const std::size_t name = part.rfind('/') + 1;  // npos + 1 is 0: a part in no folder
+  std::string path(part.substr(0, name));
+  return path.append("_rels/").append(part.substr(name)).append(".rels");
+}
+
+std::string_view OOXML::relationshipType(std::string_view uri) {
+  constexpr std::string_view starts[] = {
+      "http://schemas.openxmlformats.org/officeDocument/2006/relationships/",
+      "http://purl.oclc.org/ooxml/officeDocument/relationships/",
+      "http://schemas.microsoft.com/office/2006/relationships/",
+  };
+  for (const std::string_view start : starts) {
+    if (ASCII::takePrefix(uri, start)) return uri;
+  }
+  return {};
 }
 
 RelationshipTargets RelationshipTargets::read(XMLNode root) {

@@ -15,6 +15,13 @@ namespace OOXML {
 /// "relationship path", or invalidArchive "relationship location".
 std::string resolve(std::string_view target, std::string_view relationshipPart);
 
+/// The last segment of a relationship type's URI, as a view into `uri`: "worksheet". The part before it may
+/// be that of Transitional or Strict documents, or of the first extensions. Empty for any other URI.
+std::string_view relationshipType(std::string_view uri);
+
+/// The name of the part with the relationships of a part; those of the package for an empty name.
+std::string relationshipsPart(std::string_view part);
+
 /// `resolve` for all targets of one relationships part, whose folder is then computed once: a part may hold
 /// 200,000 targets in a folder at a depth of one hundred.
 class TargetResolver {

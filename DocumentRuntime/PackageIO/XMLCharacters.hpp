@@ -8,10 +8,10 @@
 
 #include "Text/ASCII.hpp"
 
-/// The characters of XML 1.0, fifth edition: the one place that decides which a document may hold.
+/// The characters that XML 1.0, fifth edition, allows in a document.
 namespace zelvo::OOXML {
 
-/// Whether a document may hold the scalar, as itself or by a character reference.
+/// Whether a document may contain the scalar, literally or as a character reference.
 constexpr bool isAllowed(char32_t scalar) {
   if (scalar < 0x20) return scalar == '\t' || scalar == '\n' || scalar == '\r';
   const bool isSurrogate = scalar >= 0xD800 && scalar <= 0xDFFF;

@@ -2,11 +2,11 @@
 
 namespace zelvo {
 
-// Elements lie in document order, which is the order in which an element's content joins their texts.
+// Elements are stored in document order, which is also the order of the texts in an element's content.
 XMLContents::XMLContents(XMLNode root) : first_(root.index_) {
   const XMLTreeStorage& storage = *root.storage_;
   const std::uint32_t end = storage.elements[first_].end;
-  text_.reserve(storage.characters.size());  // what is not written is never resident
+  text_.reserve(storage.characters.size());  // pages that are never written are never resident
   starts_.reserve(std::size_t{end} - first_ + 1);
   for (std::uint32_t i = first_; i < end; ++i) {
     starts_.push(static_cast<std::uint32_t>(text_.size()));

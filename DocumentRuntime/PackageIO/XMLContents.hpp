@@ -9,9 +9,9 @@
 
 namespace zelvo {
 
-/// The character data at and below one element, each character once and in the order of contents. The content
-/// of every element is a stretch of it, so elements that nest share their text: joining each element's
-/// content on its own would copy a text once for each of up to 64 levels around it.
+/// The character data at and below one element, each character once, in the order of `XMLNode::content`. The
+/// content of every element is a range of it, so nested elements share their text. Joining each element's
+/// content separately would copy a text once for each of up to 64 levels.
 class XMLContents {
  public:
   /// Copies the texts of the tree. The tree must outlive this.

@@ -26,7 +26,8 @@ Namespace namespaceOf(std::string_view uri) {
   return Namespace::other;
 }
 
-/// The prefix that an attribute declares, empty for the default namespace; none for other attributes.
+/// The prefix that an attribute declares, empty for the default namespace. Returns nullopt for other
+/// attributes.
 std::optional<std::string_view> declaredPrefix(std::string_view attributeName) {
   if (!attributeName.starts_with(declarationName)) return std::nullopt;
   const std::string_view rest = attributeName.substr(declarationName.size());

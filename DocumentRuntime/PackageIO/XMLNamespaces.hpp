@@ -8,7 +8,7 @@
 
 namespace zelvo::OOXML {
 
-/// The namespaces that workbooks are told apart by.
+/// The namespaces that the readers of workbooks distinguish.
 enum class Namespace : std::uint8_t {
   none,
   main,        ///< SpreadsheetML, Transitional
@@ -19,7 +19,7 @@ enum class Namespace : std::uint8_t {
   contentTypes,
   compatibility,  ///< markup compatibility: AlternateContent
   xml,
-  other,  ///< any other, an undeclared prefix included
+  other,  ///< any other, and undeclared prefixes
 };
 
 /// A name with its prefix resolved.
@@ -30,8 +30,8 @@ struct ExpandedName {
   bool operator==(const ExpandedName&) const = default;
 };
 
-/// The namespace declarations in force at one element. Made on the way down a tree: the parent's scope must
-/// outlive the child's, and the tree both.
+/// The namespace declarations in scope at one element. Created while descending a tree: the parent's scope
+/// must outlive the child's, and the tree must outlive both.
 class NamespaceScope {
  public:
   explicit NamespaceScope(XMLNode root) : NamespaceScope(nullptr, root) {}

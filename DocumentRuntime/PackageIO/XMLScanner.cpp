@@ -135,7 +135,7 @@ void XMLScanner::startTag() {
   const bool isEmpty = take('/');
   require(take('>'));
 
-  builder_.start(elementName, attributeCount_);  // refuses more attributes than are kept, and more levels
+  builder_.start(elementName, attributeCount_);  // refuses too many attributes and levels
   for (std::size_t i = 0; i < attributeCount_; ++i) {
     const Attribute& kept = attributes_[i];
     const std::string_view decoded =
@@ -326,7 +326,7 @@ char32_t XMLScanner::characterReference() {
     const std::size_t digit = ASCII::hexDigits.find(ASCII::lowercased(c));
     require(digit < base);
     scalar = scalar * base + static_cast<char32_t>(digit);
-    require(scalar <= 0x10FFFF);  // after every digit, so that nothing wraps
+    require(scalar <= 0x10FFFF);  // after every digit, so that nothing overflows
   }
   require(position_ > start && isAllowed(scalar));
   ++position_;

@@ -10,10 +10,10 @@
 
 namespace zelvo::OOXML {
 
-/// Reads one XML 1.0 document without a document type, once from front to back, and reports its contents to a
-/// builder. Time is linear in the text: only the few names of one tag are compared repeatedly. Memory, except
-/// the builder's, is fixed plus one tag's values: attributes above the limit of an element are counted, not
-/// kept.
+/// Reads one XML 1.0 document without a document type in a single pass, and passes its contents to a builder.
+/// Time is linear in the text: only the names of one tag, at most 64, are compared with each other. Memory,
+/// except the builder's, is fixed plus one tag's values: attributes above the limit of an element are
+/// counted, not kept.
 ///
 /// `text` must be valid UTF-8 without NUL bytes, and outlive the scanner.
 class XMLScanner {
@@ -51,16 +51,16 @@ class XMLScanner {
   // Pieces of it.
   std::string_view name();
   bool skipSpace();
-  /// Decodes the reference at the position and moves behind it. The view is valid until the next one.
+  /// Decodes the reference at the position and moves past it. The view is valid until the next call.
   std::string_view reference();
   char32_t characterReference();
-  /// Moves behind the next `end` and returns the text before it.
+  /// Moves past the next `end` and returns the text before it.
   std::string_view upTo(std::string_view end);
   static void checkCharacters(std::string_view text);
 
   // The text.
   bool isAtEnd() const { return position_ == text_.size(); }
-  /// NUL at the end: the text holds none.
+  /// The next byte; NUL at the end, since the text has no NUL.
   char peek() const { return isAtEnd() ? '\0' : text_[position_]; }
   std::string_view rest() const { return text_.substr(position_); }
   bool take(std::string_view expected);

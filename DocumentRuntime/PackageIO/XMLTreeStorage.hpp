@@ -11,8 +11,8 @@ namespace zelvo {
 /// document order, so the children of element i are i + 1, then the element after each child's subtree, up to
 /// the end of i's own.
 ///
-/// Every byte of the part feeds at most one byte of `characters` (references only ever shrink), which bounds
-/// all offsets and counts by the part's size and so by 32 bits.
+/// Every byte of the part adds at most one byte to `characters` (a decoded reference is never longer), which
+/// bounds all offsets and counts by the part's size and so by 32 bits.
 struct XMLTreeStorage {
   struct Span {
     std::uint32_t offset;
@@ -23,14 +23,15 @@ struct XMLTreeStorage {
     std::uint32_t localOffset;  ///< from the start of the qualified name
     std::uint32_t localLength;
   };
-  /// The name, and behind it the value. Not shared like the names of elements: a part may hold millions of
-  /// attributes, and twelve bytes for each is what bounds the tree of such a part.
+  /// The name, followed by the value. Names are not shared like those of elements: a part may hold millions
+  /// of attributes, and at twelve bytes each their tree stays small.
   struct Attribute {
     std::uint32_t offset;
     std::uint32_t nameLength;
     std::uint32_t valueLength;
   };
-  /// Character data that goes on after a child element; a chain, so that no text is ever moved to be joined.
+  /// Character data that continues after a child element. Chained, so that no text is moved in order to be
+  /// joined.
   struct MoreText {
     Span span;
     std::uint32_t next;  ///< index into `moreText`, `none` at the end

@@ -15,7 +15,7 @@ namespace {
 /// Raw deflate with the full window: no header, no trailer.
 constexpr int rawWindowBits = -15;
 
-/// The quickest level: a quarter more bytes than the usual one, in a quarter of its time.
+/// The fastest level: a quarter more bytes than the default level, in a quarter of its time.
 constexpr int deflateLevel = 1;
 constexpr int defaultMemoryLevel = 8;
 
@@ -54,7 +54,7 @@ ByteBuffer inflateRaw(ByteView input, std::size_t size) {
 std::optional<ByteBuffer> deflateRaw(ByteView input) {
   if (input.empty()) return std::nullopt;
   z_stream stream{};
-  // With constant parameters only memory can be wanting.
+  // The parameters are constant, so only an allocation can fail.
   if (deflateInit2(&stream, deflateLevel, Z_DEFLATED, rawWindowBits, defaultMemoryLevel,
                    Z_DEFAULT_STRATEGY) != Z_OK) {
     throw std::bad_alloc();
@@ -62,7 +62,7 @@ std::optional<ByteBuffer> deflateRaw(ByteView input) {
   const std::unique_ptr<z_stream, DeflateEnd> ending(&stream);
 
   ByteBuffer output(input.size() - 1);
-  std::uint8_t spare = 0;  // no room at all must still be an address
+  std::uint8_t spare = 0;  // the output pointer must not be null
   stream.next_in = input.data();
   stream.avail_in = static_cast<uInt>(input.size());
   stream.next_out = output.size() == 0 ? &spare : output.data();

@@ -27,7 +27,7 @@ inline constexpr std::uint16_t deflatedMethod = 8;
 /// `DocumentError` invalidArchive "decompressor initialization" or "deflate length mismatch".
 ByteBuffer inflateRaw(ByteView input, std::size_t size);
 
-/// A raw deflate stream of `input` at one fixed level; none unless it is shorter than `input`.
+/// A raw deflate stream of `input` at one fixed level. Returns nullopt unless it is shorter than `input`.
 std::optional<ByteBuffer> deflateRaw(ByteView input);
 
 /// The CRC-32 that archives store.

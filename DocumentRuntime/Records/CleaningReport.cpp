@@ -6,8 +6,8 @@
 namespace zelvo {
 namespace {
 
-/// A kind's name, and how a count of it is said: "#" stands for the number. Without phrases it is not said:
-/// packaging, and what every workbook has.
+/// A kind's name, and its phrases for a count of one and of many; "#" is replaced by the number. Kinds
+/// without phrases are left out of sentences: packaging, and contents of every workbook.
 struct KindText {
   CleaningKind kind;
   std::string_view name;
@@ -96,7 +96,7 @@ std::string grouped(std::int64_t number) {
   return digits;
 }
 
-/// Nothing for a kind that is not said. A kind that is not known, of a later release, is said by its name.
+/// Empty for a kind without phrases. An unknown kind, of a later release, is given by its name.
 std::string phrase(std::string_view kind, std::int64_t count) {
   const auto known = std::find_if(std::begin(kindTexts), std::end(kindTexts),
                                   [&](const KindText& text) { return text.name == kind; });

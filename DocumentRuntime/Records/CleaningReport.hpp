@@ -6,14 +6,14 @@
 #include <string_view>
 #include <vector>
 
-/// What the workbook cleaner says about its work. Plain values, compared field by field; the fields stand in
-/// the order of their JSON keys. Texts are UTF-8 and come from an untrusted document.
+/// The report of the workbook cleaner. Plain values, compared field by field, fields in the order of their
+/// JSON keys. Texts are UTF-8 and come from an untrusted document.
 namespace zelvo {
 
 /// One sheet of the cleaned workbook.
 struct CleanedSheet {
   std::string name;
-  std::int64_t cells = 0;     ///< that hold a value, a formula or a text
+  std::int64_t cells = 0;     ///< with a value, a formula or a text
   std::int64_t formulas = 0;  ///< of these cells
 
   bool operator==(const CleanedSheet&) const = default;
@@ -26,21 +26,20 @@ struct SheetCount {
   bool operator==(const SheetCount&) const = default;
 };
 
-/// Something that was left out.
+/// Content that was dropped.
 struct DroppedContent {
   std::string kind;  ///< of `CleaningKind`
   std::int64_t count = 0;
-  std::vector<std::string> parts;                 ///< the names of the parts that held it
+  std::vector<std::string> parts;                 ///< the names of the dropped parts
   std::optional<std::vector<std::string>> names;  ///< of sheets: the first `maximumListedNames`
-  std::optional<std::vector<SheetCount>> sheets;  ///< where it was found, as far as it stood in kept sheets
+  std::optional<std::vector<SheetCount>> sheets;  ///< counts in the kept sheets
 
   static constexpr std::size_t maximumListedNames = 1000;
 
   bool operator==(const DroppedContent&) const = default;
 };
 
-/// Something that was written in another way than it was read, or that reads differently without what was
-/// left out.
+/// Content that was written in another form, or that reads differently without the dropped content.
 struct ChangedContent {
   std::string kind;  ///< of `CleaningKind`
   std::int64_t count = 0;
@@ -58,7 +57,7 @@ struct CleaningReport {
   bool operator==(const CleaningReport&) const = default;
 };
 
-/// What is told apart in a report, in the order in which it is listed: first what is dropped.
+/// The kinds of a report, in the order in which they are listed: dropped content first.
 enum class CleaningKind : std::uint8_t {
   // Sheets and parts.
   worksheets,
@@ -88,7 +87,7 @@ enum class CleaningKind : std::uint8_t {
   calculationChain,
   relationships,
   otherParts,
-  // What stands in the parts that are kept.
+  // Content of kept parts.
   hyperlinks,
   definedNames,
   dataValidations,
@@ -105,7 +104,7 @@ enum class CleaningKind : std::uint8_t {
   alternateContent,
   foreignElements,
   otherElements,
-  // What is changed, not dropped.
+  // Changed content.
   strictConformance,
   workbookType,
   sharedFormulas,
@@ -127,11 +126,11 @@ inline constexpr CleaningKind firstChangedKind = CleaningKind::strictConformance
 /// The kind's name in reports.
 std::string_view kindName(CleaningKind kind);
 
-/// What was left out, human-readable: "2 pictures, printer settings of 3 sheets, 11,672 hyperlinks". Without
-/// what every workbook loses, such as its theme. Empty if nothing else was left out.
+/// The dropped content, human-readable: "2 pictures, printer settings of 3 sheets, 11,672 hyperlinks". Leaves
+/// out content that every workbook loses, such as its theme. Empty if nothing else was dropped.
 std::string droppedInWords(const CleaningReport& report);
 
-/// The same for what was changed.
+/// The same for changed content.
 std::string changedInWords(const CleaningReport& report);
 
 }  // namespace zelvo

@@ -15,7 +15,7 @@
 namespace zelvo {
 namespace {
 
-/// The input rules have the same limit. Kept separate on purpose: the document may have another origin.
+/// The input rules have the same limit. Kept separate on purpose: the document may come from elsewhere.
 constexpr std::size_t maximumPoints = 30;
 constexpr std::string_view sheetName = "ChartData";
 
@@ -57,8 +57,8 @@ struct ChartCaches {
   }
 };
 
-/// The texts of a cache's points. Skips points without a value; of several values the first counts. Stops at
-/// the first point above the limit, because the chart is then refused.
+/// The texts of a cache's points. Skips points without a value, and uses the first of several values. Stops
+/// at the first point above the limit, because the chart is then refused.
 std::vector<std::string_view> pointTexts(XMLNode cache, const XMLContents& contents) {
   std::vector<std::string_view> texts;
   for (const XMLNode point : cache.all("pt")) {
@@ -68,7 +68,7 @@ std::vector<std::string_view> pointTexts(XMLNode cache, const XMLContents& conte
   return texts;
 }
 
-/// Whether the cache counts `count` points and numbers them from 0.
+/// Whether the cache declares `count` points and has them with the indexes from 0.
 bool isIndexed(XMLNode cache, std::size_t count) {
   const auto pointCount = cache.child("ptCount");
   if (!pointCount || pointCount->attribute("val") != std::to_string(count)) return false;

@@ -3,14 +3,14 @@
 #include <stop_token>
 
 #include "DocumentRuntime/Records/DocumentModels.hpp"
-#include "DocumentRuntime/Validation/GeneratedDocumentProfile.hpp"
+#include "DocumentRuntime/Validation/GeneratedPackage.hpp"
 
 namespace zelvo {
 
 inline constexpr std::string_view chartPartName = "ppt/charts/chart1.xml";
 inline constexpr std::string_view chartWorkbookName = "ppt/embeddings/chart-data.xlsx";
 
-/// Verifies that the chart part, which must exist, and its embedded workbook hold the same data, and, with a
+/// Verifies that the chart part, which must exist, and its embedded workbook have the same data, and, with a
 /// table, that this is the data of the approved columns. Throws what the gate, the profile, the workbook
 /// reader and the rules for charts throw, and `DocumentError` validationFailed, in this order: "chart
 /// workbook" (missing), "unexpected data in embedded chart workbook", "chart data" (the part's shape), "chart

@@ -4,7 +4,7 @@
 #include <string_view>
 
 #include "DocumentRuntime/Records/DocumentModels.hpp"
-#include "DocumentRuntime/Validation/GeneratedDocumentProfile.hpp"
+#include "DocumentRuntime/Validation/GeneratedPackage.hpp"
 #include "DocumentRuntime/Validation/TableReadBack.hpp"
 
 namespace zelvo {
@@ -16,11 +16,11 @@ inline constexpr std::string_view presentationPartName = "ppt/presentation.xml";
 /// Word package part" or "Word table".
 void readWord(const GeneratedPackage& package, TableReadBack& table);
 
-/// Reads the table that a presentation shows over its slides into `table`, with the header that every slide
-/// repeats counted once, and verifies the chart. Throws `DocumentError` validationFailed, in this order:
-/// "unexpected presentation package part", "presentation slides"; slide by slide "presentation slides",
-/// "duplicate slide", "slide root", "repeated table header"; then "missing chart or orphaned chart workbook",
-/// "unexpected chart"; then what the chart's read-back throws.
+/// Reads the table on the slides of a presentation into `table`, with the header of every slide counted once,
+/// and verifies the chart. Throws `DocumentError` validationFailed, in this order: "unexpected presentation
+/// package part", "presentation slides"; slide by slide "presentation slides", "duplicate slide", "slide
+/// root", "repeated table header"; then "missing chart or orphaned chart workbook", "unexpected chart"; then
+/// what the chart's read-back throws.
 void readPresentation(const GeneratedPackage& package, TableReadBack& table, const SourceTable* expectedTable,
                       const ChartSelection* expectedChart, const std::stop_token& stop);
 

@@ -1,18 +1,12 @@
 #pragma once
 
-#include <optional>
-#include <stop_token>
 #include <string_view>
 
-#include "DocumentRuntime/PackageIO/KeptTrees.hpp"
-#include "DocumentRuntime/PackageIO/PackageGate.hpp"
-#include "DocumentRuntime/PackageIO/PartMap.hpp"
+#include "DocumentRuntime/PackageIO/XMLTree.hpp"
 
-namespace zelvo {
-
-/// The allow-list of elements and namespaces of generated documents. Anything else was not written by this
-/// system, and could run, load or show unapproved content.
-namespace GeneratedDocumentProfile {
+/// The allow-list of elements and namespaces of generated documents. Any other element was not written by
+/// this system, and could run, load or show unapproved content.
+namespace zelvo::GeneratedDocumentProfile {
 
 inline constexpr std::string_view version = "zelvo-ooxml-profile-1";
 
@@ -20,33 +14,4 @@ inline constexpr std::string_view version = "zelvo-ooxml-profile-1";
 /// or unsupported document element", "unexpected document namespace" or "unexpected default namespace".
 void check(XMLNode element);
 
-}  // namespace GeneratedDocumentProfile
-
-/// A package that has passed the gate and all XML parts of which are within the profile. Owns its parts.
-class GeneratedPackage {
- public:
-  /// Throws what the gate throws, then what the profile throws, and `Cancelled`.
-  GeneratedPackage(ByteView bytes, OOXML::PackageAllowance allowance, const std::stop_token& stop);
-
-  const PartMap& parts() const { return parts_; }
-  bool contains(std::string_view name) const { return parts_.contains(name); }
-
-  /// A parsed part, which must exist. Owns the tree if it had to be parsed again. Valid while the package
-  /// lives.
-  class ParsedPart {
-   public:
-    XMLNode root() const { return *root_; }
-
-   private:
-    friend class GeneratedPackage;
-    std::optional<XMLTree> fallback_;
-    std::optional<XMLNode> root_;
-  };
-  ParsedPart parsed(std::string_view name) const;
-
- private:
-  PartMap parts_;
-  OOXML::KeptTrees trees_;
-};
-
-}  // namespace zelvo
+}  // namespace zelvo::GeneratedDocumentProfile

@@ -7,6 +7,7 @@
 #include "DocumentRuntime/PackageIO/Relationships.hpp"
 #include "DocumentRuntime/Validation/DocumentReadBack.hpp"
 #include "DocumentRuntime/Validation/GeneratedDocumentProfile.hpp"
+#include "DocumentRuntime/Validation/GeneratedPackage.hpp"
 #include "DocumentRuntime/Validation/TableReadBack.hpp"
 
 namespace zelvo {

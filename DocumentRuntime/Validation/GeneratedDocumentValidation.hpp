@@ -6,7 +6,7 @@
 
 namespace zelvo {
 
-/// Verifies that a package is a document as this system writes it and, with a table, that it shows exactly
+/// Verifies that a package has the structure of a generated document and, with a table, that it shows exactly
 /// the values of that table. Nothing is rendered. Throws `DocumentError` (the rules of package, profile,
 /// structure, chart and table, in this order) or `Cancelled`. `expectedChart` applies to presentations only.
 DocumentValidation validateGeneratedDocument(ByteView data, DocumentFormat format,

@@ -9,11 +9,11 @@
 namespace zelvo {
 namespace {
 
-// The input rules have the same limits. Kept separate on purpose: the document may have another origin.
+// The input rules have the same limits. Kept separate on purpose: the document may come from elsewhere.
 constexpr std::size_t maximumRows = 201;  ///< the header included
 constexpr std::size_t maximumColumns = 8;
 
-/// The text of a cell, one `t` element after the other.
+/// Iterates over the text of a cell, one `t` element after the other.
 class CellText {
  public:
   CellText(XMLNode cell, const XMLContents& contents)
@@ -53,7 +53,7 @@ bool isText(XMLNode cell, const XMLContents& contents, std::string_view expected
 /// repeat parts of these ranges at every level; each byte is then compared only once.
 class RangeComparison {
  public:
-  /// The texts have equal lengths. All first ones are in one buffer, all second ones in another.
+  /// Compares texts of equal length. Every `a` must be in one buffer, every `b` in another.
   bool areEqual(std::string_view a, std::string_view b) {
     if (isKnown(a, b)) return true;
     if (a != b) return false;
@@ -108,8 +108,8 @@ bool showSameTexts(const TableRow& a, const TableRow& b) {
 }
 
 TableReadBack::TableReadBack(const SourceTable* expected) : expected_(expected) {
-  // An error of the expected table is thrown after one of the document's dimensions, but only a valid table
-  // can be compared.
+  // An error of the expected table is thrown after an error of the document's dimensions, but only a valid
+  // table can be compared.
   if (expected != nullptr) {
     try {
       DocumentInputRules::checkTable(*expected, "Validation");

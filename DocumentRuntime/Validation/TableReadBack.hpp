@@ -10,18 +10,18 @@
 
 namespace zelvo {
 
-/// A row of a table in either vocabulary: its `tc` children. A cell's text is that of all `t` elements at any
-/// depth below it, joined. `t` elements may nest: the text of the inner one then counts for each.
+/// A row of a Word or presentation table: its `tc` children. A cell's text is that of all `t` elements at any
+/// depth below it, joined. `t` elements may nest: the text of an inner one is then part of both.
 struct TableRow {
   XMLNode element;
   const XMLContents& contents;  ///< of the tree
 };
 
-/// Whether two rows have as many cells, and equal texts in all of them.
+/// Whether two rows have the same number of cells, with equal texts.
 bool showSameTexts(const TableRow& a, const TableRow& b);
 
-/// Checks the table of a document row by row, the header first, as its parts are read. Keeps counts and a
-/// result, and no rows.
+/// Checks the table of a document row by row, the header first, while its parts are read. Stores counts and a
+/// result, no rows.
 class TableReadBack {
  public:
   /// `expected` may be null, and must outlive this.
@@ -30,9 +30,9 @@ class TableReadBack {
   void add(const TableRow& row);
 
   /// Checks the whole table. Throws `DocumentError`: validationFailed "table dimensions" unless there are 1
-  /// to 201 rows of 1 to 8 cells, all as many; with an expected table what the input rules throw for it, then
-  /// validationFailed "table cells differ from frozen source values" unless the rows are exactly its titles
-  /// and display texts.
+  /// to 201 rows of 1 to 8 cells, with the same number in all rows; with an expected table what the input
+  /// rules throw for it, then validationFailed "table cells differ from frozen source values" unless the rows
+  /// are exactly its titles and display texts.
   void check() const;
 
  private:

@@ -8,7 +8,7 @@
 namespace zelvo {
 
 /// The result of reading a part: a value, or the error to throw when the value is requested. Parts are read
-/// in the order of their names, but the error that is thrown must be that of the first rule that fails.
+/// in the order of their names, but the first error in the order of the rules must be thrown.
 template <typename Value>
 class Deferred {
  public:

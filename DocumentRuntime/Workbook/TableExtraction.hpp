@@ -17,7 +17,7 @@ inline constexpr std::int64_t maximumColumns = 8;
 /// With or without a header: a table without one may have 201 data rows.
 inline constexpr std::int64_t maximumRows = 201;
 inline constexpr std::size_t maximumHeaderCharacters = 120;
-/// The detail of the error for a larger range. Hosts compare it.
+/// The detail of the error for a larger range. Hosts compare against it.
 inline constexpr const char* selectionTooLarge = "select at most eight columns and 200 data rows";
 
 /// Parses the selection's range and checks its size. Throws the errors of `CellRange::parse`, and

@@ -150,8 +150,7 @@ TEST(DocumentWorkerHost, AcceptsOnlyWhatTheOperationCanReturn) {
     const WorkerReply reply = replyOf("say " + toJson(response), requestOf("x", row.operation));
     const auto* failure = std::get_if<WorkerFailure>(&reply);
     const bool isList = row.detail.ends_with("]");
-    EXPECT_EQ(failure != nullptr ? failure->detail : "",
-              row.detail + (isList ? ": No operation returns so long a list." : ""));
+    EXPECT_EQ(failure != nullptr ? failure->detail : "", row.detail + (isList ? ": Too many elements." : ""));
   }
 }
 

@@ -48,7 +48,7 @@ void appendPoint(std::string& xml, std::size_t index, std::string_view text) {
   OOXML::append(xml, R"(<c:pt idx=")", index, R"("><c:v>)", text, "</c:v></c:pt>");
 }
 
-/// Every row has a category, a blank one too.
+/// Every row has a category point, even if it is blank.
 std::string categoryXML(const Cells& cells, std::size_t column, const ColumnReference& reference) {
   std::string xml = "<c:cat><c:strRef>";
   reference.append(xml);
@@ -59,7 +59,7 @@ std::string categoryXML(const Cells& cells, std::size_t column, const ColumnRefe
   return xml;
 }
 
-/// A missing value has no point, so that it shows as a gap and never as zero.
+/// A missing value has no point: it is shown as a gap, not as zero.
 void appendValues(std::string& xml, const Cells& cells, std::size_t column,
                   const ColumnReference& reference) {
   xml += "<c:val><c:numRef>";
@@ -83,7 +83,8 @@ void appendCategoryAxis(std::string& xml, const ResearchChartAuthor::Looks& look
   xml += R"(<c:crossAx val="200"/><c:crosses val="autoZero"/></c:catAx>)";
 }
 
-/// Pins the end of the axis that is at zero; empty if there are values on both sides of zero, or no values.
+/// The element that fixes one end of the axis at zero; empty if there are values on both sides of zero, or no
+/// values.
 std::string_view baseline(const Cells& cells, const std::vector<std::int64_t>& columns) {
   bool any = false;
   bool negative = false;

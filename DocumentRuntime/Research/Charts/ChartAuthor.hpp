@@ -20,11 +20,11 @@ struct Looks {
 };
 
 /// The chart part, without the XML declaration. The dataset and the chart must have passed validation:
-/// `cells` are the resolved ones, one a column.
+/// `cells` are the resolved cells, one per column in each row.
 ///
-/// `embedded`: the sheet is in a workbook of its own, related to the part as "rId1". `columnMap`
-/// maps the dataset's columns to the sheet's, where they differ, both zero-based. `zeroBaseline` pins
-/// the value axis of a bar chart at zero where all values lie on one side of it.
+/// `embedded`: the sheet is in a workbook of its own, related to the part as "rId1". `columnMap` maps the
+/// dataset's columns to the sheet's where they differ; both are zero-based. `zeroBaseline` fixes one end of
+/// the value axis of a bar chart at zero if all values are on one side of it.
 std::string xml(const ResearchSpreadsheet& content,
                 const std::vector<std::vector<ResearchSpreadsheet::Cell>>& cells,
                 const ResearchSpreadsheet::Chart& chart, bool embedded,
@@ -34,10 +34,10 @@ std::string xml(const ResearchSpreadsheet& content,
 /// The letter of a zero-based column. One letter is enough: a dataset has at most twelve columns.
 char letter(std::int64_t index);
 
-/// The name of a series, as legends show it: the column's, with its unit, where that is not empty.
+/// The name of a series in legends: the column's name, with its unit if that is not empty.
 std::string seriesName(const ResearchSpreadsheet::Column& column);
 
-/// A user's text as charts show it, unescaped: without control characters.
+/// A text without control characters, as charts show it. Not escaped.
 std::string cleaned(std::string_view text);
 
 }  // namespace zelvo::ResearchChartAuthor

@@ -1,11 +1,9 @@
-#include "DocumentRuntime/Research/Dataset/ChartRules.hpp"
-
 #include <algorithm>
 #include <cstddef>
 #include <string>
 #include <string_view>
 
-#include "DocumentRuntime/Research/Dataset/Rule.hpp"
+#include "DocumentRuntime/Research/Dataset/Rules.hpp"
 #include "Text/Unicode.hpp"
 
 namespace zelvo::ResearchChartRules {
@@ -44,7 +42,7 @@ bool hasValidColumns(const Chart& chart, const std::vector<Column>& columns) {
   });
 }
 
-/// Rows without any value are no observations, whatever their category is.
+/// Ignores rows without any value, whatever their category is: they are not observations.
 bool hasUniqueCategories(const Chart& chart, const std::vector<CellRow>& cells) {
   std::vector<std::string> labels;
   for (const CellRow& row : cells) {

@@ -22,13 +22,13 @@ using Column = ResearchSpreadsheet::Column;
 using ResearchFormulaEvaluator::maximumCalculations;
 using ResearchFormulaEvaluator::maximumNodes;
 
-/// Of one expression tree, the root being 1.
+/// The depth of one expression tree; that of the root is 1.
 constexpr std::size_t maximumDepth = 32;
-/// Cells read for one dataset, one by one and in ranges: without it each of many formulas could read the
-/// whole table.
+/// The number of cell reads for one dataset, single cells and ranges together: otherwise each of many
+/// formulas could read the whole table.
 constexpr std::size_t maximumCellReads = 200'000;
-/// Bytes of one node's text, which an arithmetic operation repeats twice: it doubles with every level. Also
-/// the most that spreadsheets accept as one formula.
+/// The bytes of one node's text. An arithmetic operation repeats each operand, so the text doubles with every
+/// level. Also the longest formula that spreadsheets accept.
 constexpr std::size_t maximumTextBytes = 8192;
 
 bool isAdditive(Operation operation) {
@@ -49,7 +49,7 @@ DocumentError circularDependencies() {
   return DocumentError::validationFailed("Circular or deeply nested formula dependencies.");
 }
 
-/// Where dataset cells are, in coordinates that a formula gave.
+/// The coordinates of a dataset cell as written in a formula. Not validated.
 struct Coordinates {
   std::int64_t row;
   std::int64_t column;
@@ -59,8 +59,8 @@ struct Coordinates {
   }
 };
 
-/// One resolution. Formulas depend on one another in chains as long as the list, so nodes wait on a stack of
-/// our own, not on the native one: an operation waits for its next argument, a cell or range for the
+/// Resolves one dataset. Chains of dependencies can be as long as the list of formulas, so evaluation uses an
+/// explicit stack, not recursion. On it an operation waits for its next argument, and a cell or range for the
 /// calculation whose output it reads.
 class Resolution {
  public:
@@ -86,11 +86,11 @@ class Resolution {
   /// A node whose evaluation has begun.
   struct Node {
     const Formula* formula;
-    std::size_t calculation;  ///< the one that it belongs to
+    std::size_t calculation;  ///< index of its calculation
     std::size_t depth;
-    Coordinates next = {0, 0};                  ///< of a cell or range: what is to be read next
-    std::vector<std::optional<double>> values;  ///< of a cell or range: what has been read
-    std::vector<EvaluatedFormula> arguments;    ///< of an operation: those that have been evaluated
+    Coordinates next = {0, 0};                  ///< of a cell or range: the next cell to read
+    std::vector<std::optional<double>> values;  ///< of a cell or range: the values read so far
+    std::vector<EvaluatedFormula> arguments;    ///< of an operation: the arguments evaluated so far
   };
 
   void indexOutputs() {
@@ -152,7 +152,7 @@ class Resolution {
       } else if (states_[output->second] == State::inProgress || node.depth >= maximumDepth) {
         throw circularDependencies();
       } else {
-        return begin(output->second);  // its value comes as the next of `values`
+        return begin(output->second);  // its result is appended to `values`
       }
     }
     end({std::move(node.values), referenceText(formula, last)});
@@ -219,7 +219,7 @@ class Resolution {
     return *cell.number();
   }
 
-  /// Whether the coordinates are those of a cell of a numeric column, in a row that has all its cells.
+  /// Whether the coordinates are of a cell in a numeric column, in a row with all its cells.
   bool isNumeric(Coordinates at) const {
     const auto rows = static_cast<std::int64_t>(spreadsheet_.rows.size());
     const auto columns = static_cast<std::int64_t>(spreadsheet_.columns.size());
@@ -228,7 +228,7 @@ class Resolution {
            columnAt(at.column).kind == Column::Kind::number;
   }
 
-  // Only for coordinates that are numeric.
+  // Requires `isNumeric` coordinates.
   const Column& columnAt(std::int64_t column) const {
     return spreadsheet_.columns[static_cast<std::size_t>(column)];
   }

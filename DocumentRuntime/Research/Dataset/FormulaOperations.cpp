@@ -76,7 +76,7 @@ std::string joinedTexts(const std::vector<EvaluatedFormula>& arguments) {
   return joined;
 }
 
-/// Added plainly, in the order of the arguments and of a range's rows.
+/// Adds without compensation, in the order of the arguments and of a range's rows.
 double sumOf(const std::vector<double>& numbers) {
   return std::accumulate(numbers.begin(), numbers.end(), 0.0);
 }

@@ -16,8 +16,8 @@ struct EvaluatedFormula {
 };
 
 /// Applies an arithmetic or aggregate operation to its arguments. A missing operand and a division by zero
-/// give no value, never zero, and the text does the same in a spreadsheet. The value may not be finite.
-/// Throws `DocumentError` validationFailed for arithmetic on anything but two scalars.
+/// result in no value, never zero; the formula text has the same effect in a spreadsheet. The value may be
+/// infinite or NaN. Throws `DocumentError` validationFailed for arithmetic on anything but two scalars.
 EvaluatedFormula applyOperation(Formula::Operation operation, const std::vector<EvaluatedFormula>& arguments);
 
 }  // namespace zelvo

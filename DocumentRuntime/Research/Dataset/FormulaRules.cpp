@@ -4,14 +4,14 @@
 #include <cstddef>
 
 #include "DocumentRuntime/Errors/DocumentError.hpp"
-#include "DocumentRuntime/Research/Dataset/Rule.hpp"
+#include "DocumentRuntime/Research/Dataset/Rules.hpp"
 
 namespace zelvo {
 namespace {
 
 using ResearchRule::require;
 
-/// More operands are a range, or a sum of sums.
+/// Formulas with more operands use a range, or a sum of sums.
 constexpr std::size_t maximumArguments = 32;
 
 bool hasCoordinates(const Formula& node) {
@@ -40,7 +40,7 @@ bool isOperation(const Formula& node) {
   return !node.value && !hasCoordinates(node) && count >= 1 && count <= maximumArguments;
 }
 
-/// Below the formula's root. It bounds this recursion for every caller.
+/// The depth below the formula's root. Bounds the recursion for every caller.
 constexpr int maximumDepth = 32;
 
 class UnitCollector {

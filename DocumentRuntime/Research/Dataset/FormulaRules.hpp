@@ -10,8 +10,8 @@
 
 namespace zelvo {
 
-/// Checks that a node has exactly the fields of its operation, in a table of this size; its arguments are not
-/// checked. Throws `DocumentError` validationFailed.
+/// Checks that a node has exactly the fields of its operation, in a table of this size. Does not check its
+/// arguments. Throws `DocumentError` validationFailed.
 ///
 /// Afterwards a cell has its row and column, and a range its corners: the last is inside the table and not
 /// before the first; either may still be below zero.

@@ -12,12 +12,12 @@
 namespace zelvo {
 namespace {
 
-/// Bytes of JSON: a small multiple of the text of a few pages.
+/// The limit of a response in bytes of JSON: a small multiple of the text of a few pages.
 constexpr std::size_t maximumResponseBytes = 240'000;
 
 constexpr std::string_view fence = "```";
 
-/// Without its code fence, whose first line may name a language. The line feed is in neither mark, so the two
+/// Removes a code fence, whose first line may name a language. The line feed is in neither mark, so the two
 /// marks do not overlap.
 std::string_view withoutFence(std::string_view text) {
   const std::size_t lineFeed = text.find('\n');

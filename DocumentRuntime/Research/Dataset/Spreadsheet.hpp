@@ -17,10 +17,10 @@ namespace zelvo {
 ///
 /// Texts are valid UTF-8; the JSON reader checks that.
 struct ResearchSpreadsheet {
-  /// Numbers of this magnitude and above are refused: below it a double still distinguishes eighths.
+  /// Numbers of this magnitude and above are refused. Below it, doubles still represent eighths exactly.
   static constexpr double numberBound = 1e15;
 
-  // They keep a workbook readable and bound the work of every function over a dataset.
+  // Limits that keep a workbook readable and bound the work of every function over a dataset.
   static constexpr std::size_t maximumColumns = 12;
   static constexpr std::size_t maximumRows = 500;
   static constexpr std::size_t maximumCharts = 4;
@@ -32,9 +32,9 @@ struct ResearchSpreadsheet {
     Kind kind = Kind::text;
     std::optional<std::string> unit;
 
-    /// The name, and the unit in parentheses where there is one, an empty one included.
+    /// The name, and the unit in parentheses if there is one, even an empty one.
     std::string headerLabel() const;
-    /// A column without a unit has the empty unit where units are compared.
+    /// The unit for comparisons; empty for a column without a unit.
     std::string_view unitText() const { return unit ? std::string_view(*unit) : std::string_view(); }
 
     bool operator==(const Column&) const = default;
@@ -59,8 +59,8 @@ struct ResearchSpreadsheet {
     bool operator==(const Cell&) const = default;
 
    private:
-    // No std::variant: when memory runs out while a text is copied into one, GCC 12's destroys a value that
-    // is not there.
+    // Not a std::variant: if memory runs out while a text is copied into it, that of GCC 12 destroys a value
+    // that does not exist.
     enum class Kind : std::uint8_t { blank, number, text };
 
     Kind kind_ = Kind::blank;
@@ -69,11 +69,11 @@ struct ResearchSpreadsheet {
   };
 
   struct Row {
-    std::vector<Cell> cells;           ///< one a column
+    std::vector<Cell> cells;           ///< one per column
     std::vector<std::string> sources;  ///< URLs
     std::optional<std::vector<std::string>> sourceIDs;
 
-    /// A line "Source ID: …" for each identifier, then the URLs, one a line, without a final line feed.
+    /// A line "Source ID: …" for each identifier, then the URLs, one per line, without a final line feed.
     std::string provenanceText() const;
 
     bool operator==(const Row&) const = default;
@@ -109,11 +109,11 @@ struct ResearchSpreadsheet {
   void validate(bool requiresChart, const AllowedSources& allowedSources,
                 const std::optional<ResearchSourceScope>& sourceScope) const;
 
-  /// The rows' cells, with every calculation's value in its output cell; blank stays blank where there is no
+  /// The rows' cells, with every calculation's value in its output cell; the cell stays blank if there is no
   /// value. Throws what `ResearchFormulaEvaluator::resolve` throws.
   std::vector<std::vector<Cell>> resolvedCells() const;
 
-  /// The canonical JSON: compact, keys sorted, absent fields left out. Equal datasets give equal bytes.
+  /// The canonical JSON: compact, keys sorted, absent fields left out. Equal datasets have equal bytes.
   std::string encoded() const;
 
   /// Whether the text is a calendar date written exactly YYYY-MM-DD.

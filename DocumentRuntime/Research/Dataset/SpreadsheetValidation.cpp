@@ -6,8 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "DocumentRuntime/Research/Dataset/ChartRules.hpp"
-#include "DocumentRuntime/Research/Dataset/Rule.hpp"
+#include "DocumentRuntime/Research/Dataset/Rules.hpp"
 #include "DocumentRuntime/Research/Dataset/Spreadsheet.hpp"
 #include "DocumentRuntime/Research/Provenance/SourceReferences.hpp"
 #include "Text/Unicode.hpp"

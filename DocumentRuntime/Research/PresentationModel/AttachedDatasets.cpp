@@ -1,4 +1,4 @@
-// Attaching the host's datasets: a model may repeat them, never add or change one.
+// Attaches the host's datasets to a deck. A model's deck may repeat them, but must not add or change one.
 
 #include <algorithm>
 #include <set>
@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "DocumentRuntime/Research/Dataset/Rule.hpp"
+#include "DocumentRuntime/Research/Dataset/Rules.hpp"
 #include "DocumentRuntime/Research/PresentationModel/Presentation.hpp"
 #include "DocumentRuntime/Research/Provenance/SourceReferences.hpp"
 

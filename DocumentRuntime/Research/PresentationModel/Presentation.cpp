@@ -10,8 +10,8 @@
 namespace zelvo {
 namespace {
 
-// Bytes of JSON. A model that repeats what it was given writes a dataset's response and a report; of a
-// collection's datasets, all of which it may repeat, more.
+// Limits in bytes of JSON. A deck may repeat its dataset, in addition to a report; a collection deck may
+// repeat several datasets.
 constexpr std::size_t maximumBytes = 340'000;
 constexpr std::size_t maximumCollectionBytes = 400'000;
 

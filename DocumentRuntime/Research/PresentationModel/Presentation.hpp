@@ -14,7 +14,7 @@
 
 namespace zelvo {
 
-/// A chart of a dataset, as slides name it.
+/// A slide's reference to a chart of a dataset.
 struct ResearchChartReference {
   std::string datasetID;        ///< empty for a deck's shared dataset; no identifier in a collection is
   std::int64_t chartIndex = 0;  ///< zero-based
@@ -26,12 +26,12 @@ struct ResearchChartReference {
 /// some with a chart. Nothing in it is trusted before `validate`.
 ///
 /// Charts come from one shared dataset (`dataset`, slides name a chart by `chartIndex`) or from a collection
-/// (`datasets`, slides name dataset and chart by `chartReference`). Those are the host's: it attaches them,
-/// and a model may repeat them but never add or change one.
+/// (`datasets`, slides name dataset and chart by `chartReference`). Datasets belong to the host, which
+/// attaches them; a model may repeat them but must not add or change one.
 ///
 /// Texts are valid UTF-8; the JSON reader checks that.
 struct ResearchPresentation {
-  /// Of a collection.
+  /// The limit of a collection.
   static constexpr std::size_t maximumDatasets = 4;
 
   using ChartReference = ResearchChartReference;
@@ -44,7 +44,7 @@ struct ResearchPresentation {
     std::optional<std::int64_t> chartIndex;             ///< into the shared dataset's charts
     std::optional<ChartReference> chartReference;       ///< into the collection
 
-    /// The chart that the slide names, in either form; nullopt for a slide of points.
+    /// The chart that the slide refers to, in either form. Returns nullopt for a slide of points.
     std::optional<ChartReference> namedChart() const;
 
     bool operator==(const Slide&) const = default;
@@ -58,16 +58,16 @@ struct ResearchPresentation {
     bool operator==(const Dataset&) const = default;
   };
 
-  /// A chart slide's data, ready to be drawn. Valid while the deck lives and is not changed: it refers to the
-  /// deck's dataset, and slides that show the same dataset share its cells.
+  /// The data of a chart slide. Valid while the deck lives and is not changed: it refers to the deck's
+  /// dataset, and slides that show the same dataset share its cells.
   struct ResolvedChartBinding {
     ChartReference reference;
-    /// The chart part's number, from 1 in the order of first use. Slides that name the same chart share it.
-    /// A valid deck names at most four charts: a collection deck by a rule of its own, any other because
-    /// its dataset has no more.
+    /// The chart part's number, from 1 in the order of first use. Slides that refer to the same chart share
+    /// it. A valid deck refers to at most four charts: a collection deck by a rule of its own, any other
+    /// because its dataset has at most four.
     std::int64_t partNumber = 0;
     const ResearchSpreadsheet* dataset = nullptr;
-    /// The dataset's rows with their calculated values, one cell a column of the dataset.
+    /// The dataset's rows with their calculated values, one cell per column of the dataset.
     std::shared_ptr<const std::vector<std::vector<ResearchSpreadsheet::Cell>>> cells;
 
     const ResearchSpreadsheet::Chart& chart() const {
@@ -76,30 +76,30 @@ struct ResearchPresentation {
   };
 
   std::string title;
-  std::string report;         ///< what the deck sums up
+  std::string report;         ///< the text that the deck summarizes
   std::vector<Slide> slides;  ///< the first is the cover
   std::optional<ResearchSpreadsheet> dataset;
   std::optional<std::vector<Dataset>> datasets;
 
-  /// Decodes and validates a deck, with the host's shared dataset attached where there is one; without, a
-  /// dataset in the text is validated like any other. Throws `DocumentError` resourceLimit
-  /// "presentation content", `DecodingError`, and what `attachingDataset` and `validate` throw.
+  /// Decodes and validates a deck, with the host's shared dataset attached, if any; otherwise a dataset in
+  /// the text is validated like any other. Throws `DocumentError` resourceLimit "presentation content",
+  /// `DecodingError`, and what `attachingDataset` and `validate` throw.
   static ResearchPresentation decode(std::string_view text, const AllowedSources& allowedSources,
                                      std::optional<ResearchSpreadsheet> dataset,
                                      const std::optional<ResearchSourceScope>& sourceScope);
 
-  /// The same with a collection, of which the deck may show the datasets of `allowedDatasetIDs`. The limit is
-  /// another: resourceLimit "presentation collection content".
+  /// The same with a collection, of which the deck may show the datasets of `allowedDatasetIDs`. The error of
+  /// its larger limit is resourceLimit "presentation collection content".
   static ResearchPresentation decode(std::string_view text, const AllowedSources& allowedSources,
                                      std::vector<Dataset> datasets,
                                      const std::vector<std::string>& allowedDatasetIDs,
                                      const std::optional<ResearchSourceScope>& sourceScope);
 
-  /// A copy that carries the host's dataset. Throws `DocumentError` validationFailed when there is another.
+  /// A copy with the host's dataset. Throws `DocumentError` validationFailed if the deck has another dataset.
   ResearchPresentation attachingDataset(ResearchSpreadsheet canonical) const;
 
-  /// A copy that carries all of the host's datasets, shown or not. Throws `DocumentError` validationFailed
-  /// when the deck is no collection deck, leaves its allowed datasets, or brings along one that is not the
+  /// A copy with all of the host's datasets, shown or not. Throws `DocumentError` validationFailed if the
+  /// deck is not a collection deck, refers to a dataset that is not allowed, or has one that is not the
   /// host's.
   ResearchPresentation attachingDatasets(std::vector<Dataset> canonical,
                                          const std::vector<std::string>& allowedDatasetIDs) const;
@@ -109,21 +109,21 @@ struct ResearchPresentation {
   void validate(const AllowedSources& allowedSources,
                 const std::optional<ResearchSourceScope>& sourceScope) const;
 
-  /// The datasets that the slides' chart references name.
+  /// The identifiers of the datasets in the slides' chart references.
   std::set<std::string> referencedChartDatasetIDs() const;
 
-  /// The dataset of the chart that a slide names; null if it names no chart, or one that does not exist.
+  /// The dataset of a slide's chart. Null if the slide has no chart, or one that does not exist.
   const ResearchSpreadsheet* chartDataset(const Slide& slide) const;
 
-  /// One binding a chart slide, in the order of the slides. Throws `DocumentError` validationFailed for a
-  /// chart that does not exist, and what `resolvedCells` throws; neither happens with a valid deck.
+  /// One binding per chart slide, in slide order. Throws `DocumentError` validationFailed for a chart that
+  /// does not exist, and what `resolvedCells` throws; neither happens with a valid deck.
   std::vector<ResolvedChartBinding> resolvedChartBindings() const;
 
   /// The provenance records of a slide's references; empty without a scope.
   static std::vector<ResearchSourceScope::Record> sourceRecords(
       const Slide& slide, const std::optional<ResearchSourceScope>& scope);
 
-  /// The canonical JSON: compact, keys sorted, absent fields left out. Equal decks give equal bytes.
+  /// The canonical JSON: compact, keys sorted, absent fields left out. Equal decks have equal bytes.
   std::string encoded() const;
 
   bool operator==(const ResearchPresentation&) const = default;

@@ -4,7 +4,7 @@
 
 #include "DocumentRuntime/Research/PresentationModel/Presentation.hpp"
 
-/// The abilities of the versions of the presentation renderer. A host names the version that it was built
+/// The features of the versions of the presentation renderer. A host passes the version that it was built
 /// for, so that a newer renderer does not change the appearance of its decks.
 namespace zelvo::PresentationRendererVersion {
 

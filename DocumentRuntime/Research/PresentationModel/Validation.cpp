@@ -8,7 +8,7 @@
 #include <utility>
 #include <vector>
 
-#include "DocumentRuntime/Research/Dataset/Rule.hpp"
+#include "DocumentRuntime/Research/Dataset/Rules.hpp"
 #include "DocumentRuntime/Research/PresentationModel/Presentation.hpp"
 #include "DocumentRuntime/Research/Provenance/SourceReferences.hpp"
 #include "Text/Unicode.hpp"
@@ -29,18 +29,19 @@ constexpr std::size_t minimumSlides = 3;
 constexpr std::size_t maximumSlides = 16;
 constexpr std::size_t maximumPoints = 4;
 constexpr std::size_t maximumPointLength = 160;
-constexpr std::size_t maximumCategoryLength = 60;  // beside a shared dataset's chart
+constexpr std::size_t maximumCategoryLength = 60;  // of a shared dataset's chart
 constexpr std::size_t maximumPeriods = 40;         // rows of a chart's dataset: all of them are drawn
 
-/// URLs, and likewise identifiers, that fit below a slide's points.
+/// The most URLs, and likewise identifiers, that fit below a slide's points.
 constexpr std::size_t maximumSourcesPerSlide = 3;
-/// Of a URL, which is ASCII where it is one: characters are bytes.
+/// The limit of a URL, which is ASCII: one byte per character.
 constexpr std::size_t maximumURLBytes = 2000;
 
-/// One chart part each.
+/// The limit of chart references of a deck, each of which has one chart part.
 constexpr std::size_t maximumChartReferences = 4;
 
-/// A control character that no slide can show. Bytes below 0x20 are scalars of their own in UTF-8.
+/// Whether the byte is a control character that a slide cannot show. In UTF-8 a byte below 0x20 is a whole
+/// scalar.
 bool isForbiddenControl(char c) {
   return c >= '\0' && c < ' ' && c != '\t' && c != '\n' && c != '\r';
 }
@@ -93,8 +94,7 @@ void checkSingleBinding(const Slide& slide) {
   require(!slide.chartIndex || !slide.chartReference, "Use one explicit chart binding per slide.");
 }
 
-/// A list of URLs names no identifiers, so no identifier can be trusted; without list and scope there is no
-/// rule.
+/// A list of URLs allows no identifiers. Without a list and a scope, everything is allowed.
 void checkEvidence(const Slide& slide, const AllowedSources& allowedSources,
                    const std::optional<Scope>& scope) {
   if (scope) {
@@ -110,7 +110,7 @@ void checkReferencedChart(const Slide& slide, bool isCover, const ResearchSpread
           "A chart slide needs its exact canonical dataset and chart, at most 40 periods and one insight.");
 }
 
-/// Numbers, which calculations may fill in too, have texts far below the limit.
+/// Checks texts only: the text of a number is always shorter than the limit.
 bool hasShortCategories(const ResearchSpreadsheet& dataset, std::int64_t chartIndex) {
   const auto column =
       static_cast<std::size_t>(dataset.charts[static_cast<std::size_t>(chartIndex)].categoryColumn);

@@ -39,7 +39,7 @@ ChartColumn columnOf(const Binding& binding, std::int64_t index) {
   return data;
 }
 
-/// The category first, then the series: the order of the sheet's columns, too.
+/// The category first, then the series: also the order of the sheet's columns.
 std::vector<ChartColumn> columnsOf(const Binding& binding) {
   std::vector<ChartColumn> columns = {columnOf(binding, binding.chart().categoryColumn)};
   for (const std::int64_t column : binding.chart().valueColumns)
@@ -64,7 +64,7 @@ std::optional<std::string> valueText(const Cell& cell) {
   return cell.displayText();
 }
 
-/// A reference to one column below its heading, and a cache that shows exactly its cells.
+/// Checks a reference to one column below its heading, and a cache of exactly its cells.
 void checkCache(XMLNode parent, const char* cacheName, char letter, const ChartColumn& column,
                 PointText textOf) {
   const std::string reference =
@@ -105,7 +105,7 @@ void checkCell(const SourceCell& found, const Cell& expected) {
           holds(found.value.payload(), expected.displayText()));
 }
 
-/// The sheet holds the chart's columns and nothing else: no data beyond the charted columns may be embedded.
+/// Checks that the sheet has the chart's columns and nothing else: no other data may be embedded.
 void checkWorkbook(const ByteBuffer& workbook, const std::vector<ChartColumn>& columns,
                    const std::stop_token& stop) {
   const WorkbookReader reader(workbook.view(), "chart-data.xlsx", stop);

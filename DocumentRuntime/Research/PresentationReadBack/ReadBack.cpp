@@ -8,7 +8,7 @@
 #include <utility>
 #include <vector>
 
-#include "DocumentRuntime/Research/Dataset/Rule.hpp"
+#include "DocumentRuntime/Research/Dataset/Rules.hpp"
 #include "DocumentRuntime/Research/PresentationReadBack/Chart.hpp"
 #include "DocumentRuntime/Research/PresentationReadBack/Texts.hpp"
 #include "DocumentRuntime/Research/PresentationReadBack/WrittenPresentation.hpp"
@@ -31,14 +31,14 @@ bool isShown(std::string_view found, std::string_view expected) {
   return found == ReadBackTexts::onSlide(expected);
 }
 
-/// An attribute of a shape's non-visual properties; empty where it is missing.
+/// An attribute of a shape's non-visual properties; empty if it is missing.
 std::string_view attributeOf(XMLNode shape, std::string_view attribute) {
   const XMLElements properties = shape.descendants("cNvPr");
   if (properties.empty()) return {};
   return (*properties.begin()).attribute(attribute).value_or("");
 }
 
-/// The only shape of that name; nullopt where there are more or fewer.
+/// The only shape of that name. Returns nullopt if there is not exactly one.
 std::optional<XMLNode> shapeNamed(XMLNode slide, std::string_view name) {
   std::optional<XMLNode> found;
   for (const XMLNode shape : slide.descendants("sp")) {
@@ -75,7 +75,8 @@ struct FooterSource {
   std::string identity;
 };
 
-/// The text of a shape's one paragraph; nullopt where there are more or fewer, or it is not a single run.
+/// The text of a shape's one paragraph. Returns nullopt if there is not exactly one, or if it is not a single
+/// run.
 std::optional<std::string> textOf(XMLNode shape) {
   const XMLElements paragraphs = shape.descendants("p");
   const XMLElements runs = shape.descendants("t");
@@ -83,7 +84,7 @@ std::optional<std::string> textOf(XMLNode shape) {
   return (*runs.begin()).content();
 }
 
-/// The sources of a slide in their order. Throws if there are not `count`, or if one has no line of its own.
+/// The sources of a slide in order. Throws if there are not `count`, or if one has no line of its own.
 std::vector<FooterSource> footerSources(XMLNode slide, std::size_t count) {
   const auto isSource = [](XMLNode shape) { return attributeOf(shape, "name").starts_with("Source "); };
   const XMLElements shapes = slide.descendants("sp");
@@ -125,7 +126,7 @@ struct ShownChart {
   std::optional<std::string> part;
 };
 
-/// Slides may share a chart part: it is compared once for each chart that it must show.
+/// Slides may share a chart part: it is compared once for each chart that refers to it.
 void checkCharts(const WrittenPresentation& package, const std::vector<ShownChart>& charts,
                  const ResearchPresentation& presentation, const std::stop_token& stop) {
   const auto bindings = presentation.resolvedChartBindings();

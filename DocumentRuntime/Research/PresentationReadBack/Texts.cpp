@@ -12,8 +12,8 @@ bool isLineBreak(char32_t scalar) {
          scalar == U'\u2029';
 }
 
-/// Control characters, of which only tab, line feed and carriage return could be written, are dropped with
-/// the two scalars above them that XML cannot carry.
+/// Drops control characters, of which only tab, line feed and carriage return could be written, and the two
+/// other scalars that XML does not allow.
 void appendKept(std::string& text, char32_t scalar) {
   if (scalar >= U' ' && scalar != U'\uFFFE' && scalar != U'\uFFFF') Unicode::append(text, scalar);
 }

@@ -5,9 +5,8 @@
 
 #include "DocumentRuntime/Research/Dataset/Spreadsheet.hpp"
 
-/// The texts that a written presentation must hold, by rules of its own: the check shares nothing with the
-/// authors that it checks, or their mistakes would pass. All are without the characters that XML cannot
-/// carry.
+/// The texts that a written presentation must have, by rules of its own: a check that shared code with the
+/// authors would repeat their mistakes. All are without the characters that XML does not allow.
 namespace zelvo::ReadBackTexts {
 
 /// A text of the model on a slide: with one space for each line break and tab.

@@ -11,12 +11,6 @@ namespace {
 
 constexpr const char* presentationName = "ppt/presentation.xml";
 
-/// The name of the part with the relationships of a part.
-std::string relationshipsOf(const std::string& name) {
-  const std::size_t file = name.rfind('/') + 1;
-  return name.substr(0, file) + "_rels/" + name.substr(file) + ".rels";
-}
-
 std::string_view relationshipID(XMLNode node) {
   return node.attribute("r:id").value_or("");
 }
@@ -70,7 +64,7 @@ std::optional<XMLTree> WrittenPresentation::parsed(std::string_view name) const 
 std::vector<std::optional<std::string>> WrittenPresentation::related(
     const std::string& name, const std::vector<std::string_view>& identifiers) const {
   std::vector<std::optional<std::string>> names(identifiers.size());
-  const std::string relationships = relationshipsOf(name);
+  const std::string relationships = OOXML::relationshipsPart(name);
   const auto list = parsed(relationships);
   if (!list) return names;
   const auto targets = RelationshipTargets::read(list->root());

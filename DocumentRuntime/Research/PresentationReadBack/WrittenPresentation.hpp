@@ -12,9 +12,9 @@
 
 namespace zelvo {
 
-/// A written deck, opened through the package gate. Parts are found by their relationships, as office
-/// programs find them. Owns its parts. No tree is kept: each call parses its part, so that memory holds one
-/// tree at a time.
+/// A written deck, opened through the package gate. Parts are found by their relationships, as in office
+/// programs. Owns its parts. Trees are not cached: each call parses its part, so that there is one tree in
+/// memory at a time.
 class WrittenPresentation {
  public:
   struct Slide {
@@ -40,15 +40,15 @@ class WrittenPresentation {
   /// A slide by its position in the slide list.
   Slide slide(std::size_t index) const;
 
-  /// The name of the part of a slide's one chart; nullopt if there is not exactly one, or if its relationship
-  /// is missing.
+  /// The name of the part of a slide's only chart. Returns nullopt if there is not exactly one, or if its
+  /// relationship is missing.
   std::optional<std::string> chartName(const Slide& slide) const;
 
-  /// A chart part with its workbook; nullopt if one of them is missing.
+  /// A chart part with its workbook. Returns nullopt if one of them is missing.
   std::optional<Chart> chart(const std::string& name) const;
 
  private:
-  /// A parsed part; nullopt if there is no such part.
+  /// A parsed part. Returns nullopt if there is no such part.
   std::optional<XMLTree> parsed(std::string_view name) const;
   /// The names of the parts that a part's relationships refer to, for each identifier in turn.
   std::vector<std::optional<std::string>> related(const std::string& name,

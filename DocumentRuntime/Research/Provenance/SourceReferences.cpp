@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "Text/ASCII.hpp"
 #include "Text/Unicode.hpp"
 #include "Text/Url.hpp"
 
@@ -13,8 +14,7 @@ namespace {
 constexpr std::size_t maximumIdentifierBytes = 160;
 
 bool isIdentifierCharacter(char c) {
-  return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '-' || c == '.' ||
-         c == '_';
+  return ASCII::isLetter(c) || ASCII::isDigit(c) || c == '-' || c == '.' || c == '_';
 }
 
 }  // namespace
@@ -36,7 +36,7 @@ bool isWebURL(std::string_view text) {
 }
 
 std::vector<std::string> distinctSorted(std::vector<std::string> texts) {
-  // First by their own scalars: texts that differ only in composition stay apart.
+  // First sorted by their own scalars: texts that differ only in composition are not equal.
   std::sort(texts.begin(), texts.end());
   texts.erase(std::unique(texts.begin(), texts.end()), texts.end());
   if (std::ranges::all_of(texts, Unicode::isASCII)) return texts;

@@ -5,10 +5,10 @@
 #include <string_view>
 #include <vector>
 
-/// How research results refer to their evidence: by identifier and by URL.
+/// References of research results to their evidence: identifiers and URLs.
 namespace zelvo::SourceReferences {
 
-/// Identifiers, and likewise URLs, of one row.
+/// The limit of identifiers, and likewise of URLs, of one row.
 inline constexpr std::size_t maximumPerRow = 8;
 
 /// Not empty, at most 160 bytes, and only ASCII letters, digits, "-", "." and "_".

@@ -33,7 +33,7 @@ const KindTexts& textsOf(Record::Kind kind) {
 
 std::string urlPart(const Record& record) {
   if (!record.provenanceURL) return "No URL";
-  // A local excerpt is no permission to fetch its page.
+  // A local excerpt does not permit fetching its page.
   const bool isLocal = record.kind == Record::Kind::localSnapshot;
   return (isLocal ? "Provenance only: " : "") + *record.provenanceURL;
 }
@@ -43,8 +43,7 @@ bool hasRepeats(std::vector<std::string> texts) {
   return std::adjacent_find(texts.begin(), texts.end()) != texts.end();
 }
 
-/// The positions below `count` in ascending order of the texts that `textOf` gives for them; equal texts in
-/// the order of their positions.
+/// The positions below `count`, sorted by `textOf(position)`, then by position.
 template <typename TextOf>
 std::vector<std::size_t> sortedPositions(std::size_t count, const TextOf& textOf) {
   std::vector<std::size_t> positions(count);
@@ -96,8 +95,8 @@ ResearchSourceScope::ResearchSourceScope(std::vector<std::string> localSnapshotI
   std::ranges::stable_sort(recordByURL_, {}, urlIn(records_));
 }
 
-/// Many identifiers may have one URL. Each is composed once: comparing two by `Unicode::sortsBefore` would
-/// compose a long one again for every other.
+/// Many identifiers may have one URL. Each is composed once; `Unicode::sortsBefore` would compose a long one
+/// again for each comparison.
 void ResearchSourceScope::indexPublicSources() {
   const auto positions = sortedPositions(publicSources_.size(), textIn(publicSources_, &PublicSource::url));
   std::string first;  // the composed identifier of the last position in the index

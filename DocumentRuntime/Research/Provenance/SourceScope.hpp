@@ -10,7 +10,7 @@
 
 namespace zelvo {
 
-/// The URLs that a host lets a result cite: nullopt is no rule, an empty list allows no URL at all.
+/// The URLs that a result may cite. Nullopt allows every URL, an empty list none.
 using AllowedSources = std::optional<std::vector<std::string>>;
 
 /// The evidence that a research result may cite, as stated by the host, never by the model. Local snapshots
@@ -42,14 +42,14 @@ class ResearchSourceScope {
   ResearchSourceScope(std::vector<std::string> localSnapshotIDs,
                       std::map<std::string, std::string> publicSources, std::vector<Record> records);
 
-  /// Checks the references of one row or slide. Throws `DocumentError` validationFailed, with one message for
-  /// all: references to anything outside the scope, malformed or repeated ones, and, when evidence is
-  /// required, none at all, unless the scope itself is empty.
+  /// Checks the references of one row or slide. Throws `DocumentError` validationFailed, always with the same
+  /// message, for a reference outside the scope, a malformed or repeated one, and, if evidence is required
+  /// and the scope is not empty, for no reference at all.
   void validate(const std::optional<std::vector<std::string>>& ids, const std::vector<std::string>& urls,
                 bool requiresEvidence) const;
 
   /// The records of these references, in ascending order of their identifiers, each once. A reference without
-  /// a record of the host has one with default texts. References outside the scope add nothing.
+  /// a record of the host gets one with default texts. References outside the scope are ignored.
   std::vector<Record> selectedRecords(const std::vector<std::string>& ids,
                                       const std::vector<std::string>& urls) const;
 

@@ -9,7 +9,7 @@
 namespace zelvo {
 namespace {
 
-/// Of each list. A dataset cites at most 4,000 identifiers and as many URLs.
+/// The limit of each list. A dataset cites at most 4,000 identifiers and as many URLs.
 constexpr std::size_t maximumEntries = 20'000;
 
 std::chrono::sys_seconds decodedInstant(JsonValue value) {
@@ -21,7 +21,7 @@ std::chrono::sys_seconds decodedInstant(JsonValue value) {
 std::map<std::string, std::string> decodedPublicSources(JsonObject object) {
   std::map<std::string, std::string> sources;
   for (const auto& [id, url] : object) {
-    // Not with the entry's path, which holds the identifier.
+    // Not with the entry's path, which would contain the identifier.
     if (id.size() > HostFileLimits::maximumTextBytes) {
       object.fail("Expected identifiers of at most " + std::to_string(HostFileLimits::maximumTextBytes) +
                   " bytes.");

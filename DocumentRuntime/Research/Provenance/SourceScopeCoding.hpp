@@ -6,7 +6,7 @@
 
 namespace zelvo {
 
-/// A scope from the JSON text in which a host keeps it:
+/// Decodes a scope from the JSON text of a host's file:
 ///
 ///     {"localSnapshotIDs": [id …], "publicSources": {id: url …},
 ///      "records": [{"id", "kind", "label", "observedAt"?, "coverage", "provenanceURL"?} …]}

@@ -18,7 +18,7 @@ using DocumentAuthor::emuPerPoint;
 using SlideShapes::Area;
 using SlideShapes::TextStyle;
 
-// The slide is 12192000 × 6858000 EMU; all but the cover's band keeps to the content box.
+// The slide is 12192000 × 6858000 EMU. Everything except the cover's band is inside the content box.
 constexpr std::int64_t left = 609'600;
 constexpr std::int64_t width = DocumentAuthor::contentWidth;
 
@@ -35,7 +35,7 @@ constexpr Area footerRule = {left, 6'019'800, width, 9'525};
 constexpr Area footerSources = {left, 6'096'000, 9'906'000, 635'000};
 constexpr Area footerNumber = {left + 10'058'400, 6'096'000, 914'400, 165'100};
 
-// The sizes that texts have where they are short, in points.
+// Font sizes of short texts, in points.
 constexpr int coverTitleSize = 44;
 constexpr int coverPointSize = 22;
 constexpr int headingSize = 30;
@@ -63,7 +63,7 @@ std::vector<std::string> flattened(const std::vector<std::string>& texts) {
   return flat;
 }
 
-/// One slide as it is drawn, from top to bottom.
+/// Draws one slide, from top to bottom.
 class SlideDrawing {
  public:
   SlideDrawing() { DocumentAuthor::appendSlideStart(xml_); }
@@ -99,7 +99,7 @@ class SlideDrawing {
   }
 
  private:
-  /// A text at the largest size up to that of `style` that fits.
+  /// Draws a text at the largest size that fits, up to that of `style`.
   void fittedText(const SlideShapes::Identity& identity, const Area& area,
                   const std::vector<std::string>& texts, TextStyle style) {
     const std::vector<std::string> paragraphs = flattened(texts);
@@ -110,7 +110,7 @@ class SlideDrawing {
     SlideShapes::appendText(xml_, identity, area, paragraphs, style);
   }
 
-  /// Each source has a line of its own, lower where there are many.
+  /// Draws a source on a line of its own, with a smaller height if there are many.
   void source(const SlideSource& source, std::size_t index, std::size_t count) {
     const auto comfortable = static_cast<std::int64_t>(footerSize * SlideText::lineSpacing) * emuPerPoint;
     const std::int64_t height =

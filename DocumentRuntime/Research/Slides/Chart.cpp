@@ -28,7 +28,7 @@ bool showsNegativeValues(const Binding& binding) {
   });
 }
 
-/// The lines that the longest label takes at the usual size.
+/// The lines of the longest label at the usual size.
 double labelLines(const Binding& binding) {
   const double widthEach = axisWidth / static_cast<double>(binding.cells->size());
   double most = 0;
@@ -39,7 +39,7 @@ double labelLines(const Binding& binding) {
   return most;
 }
 
-/// 0 if every label fits beside the others.
+/// The font size of wrapped labels; 0 if all labels fit side by side.
 int wrappedLabelSize(const Binding& binding) {
   const double lines = labelLines(binding);
   if (lines <= 1) return 0;

@@ -46,7 +46,7 @@ void appendTextStart(std::string& xml, const Identity& identity, const Area& are
                 R"("><a:noAutofit/></a:bodyPr><a:lstStyle/>)");
 }
 
-/// Line heights are fixed, so that no fallback font with taller lines makes a text outgrow its area.
+/// Line heights are fixed, so that a text stays inside its area with a fallback font of taller lines.
 void appendParagraphProperties(std::string& xml, const TextStyle& style, bool first) {
   OOXML::append(xml, R"(<a:pPr algn=")", style.alignment, "\"");
   if (style.bulleted) {

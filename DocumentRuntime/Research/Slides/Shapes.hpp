@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-/// The shapes that the slides of a research deck are drawn with. All texts are escaped here.
+/// The shapes of the slides of a research deck. All texts are escaped here.
 namespace zelvo::SlideShapes {
 
 /// A rectangle on the slide, in EMU.
@@ -34,7 +34,7 @@ struct TextStyle {
   std::string_view alignment = "l";  ///< "l", "ctr" or "r"
 };
 
-/// The width of bullets left of their texts, in EMU.
+/// The indent of bulleted text, in EMU.
 inline constexpr std::int64_t bulletIndent = 342'900;
 
 /// A text box of these paragraphs, each one run.

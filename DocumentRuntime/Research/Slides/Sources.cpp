@@ -21,7 +21,7 @@ SlideSource sourceOf(const ResearchSourceScope::Record& record) {
           .identity = SlideText::flattened(record.metadata())};
 }
 
-/// Each text where it first occurs.
+/// The texts without repetitions, in the order of first occurrence.
 std::vector<std::string> distinct(const std::vector<std::string>& texts) {
   std::vector<std::string> result;
   for (const std::string& text : texts) {

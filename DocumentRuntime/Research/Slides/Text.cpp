@@ -37,8 +37,8 @@ std::vector<double> wordWidths(std::string_view paragraph) {
   return widths;
 }
 
-/// The lines that words take when each goes on the next line unless it fits on this one, and one that is too
-/// long for any line is broken anywhere. `lineWidth` is in ems.
+/// The number of lines of words that are wrapped greedily. A word that is longer than a line is broken at any
+/// character. `lineWidth` is in ems.
 double wrappedLines(const std::vector<double>& words, double lineWidth) {
   double lines = 1;
   double used = 0;
@@ -50,7 +50,7 @@ double wrappedLines(const std::vector<double>& words, double lineWidth) {
       lines += 1;
       used = word;
     } else {
-      // Where a line ends inside a word, up to a character's width is left free.
+      // If a line ends inside a word, up to the width of one character is unused.
       const double usable = std::max(lineWidth - broadestCharacter, broadestCharacter);
       const double full = std::floor(word / usable);
       lines += full + (used > 0 ? 1 : 0);
@@ -102,12 +102,12 @@ std::string SlideText::abbreviated(std::string_view text, std::string_view endin
                                    double fontSize) {
   const double available = lineWidth / fontSize - SlideText::width(ending);
   double used = 0;
-  std::size_t fitting = 0;  // bytes that fit with the ellipsis
+  std::size_t fitting = 0;  // the bytes that fit with the ellipsis
   for (std::size_t at = 0; at < text.size();) {
     if (used + broadestCharacter <= available) fitting = at;
     used += characterWidth(Unicode::nextScalar(text, at));
     if (used > available) {
-      // The last character may be cut in its middle: what is sure to be whole ends before it.
+      // The last character may be incomplete, so it is removed.
       const std::size_t whole = Unicode::characterCount(text.substr(0, fitting));
       std::string cut(Unicode::prefix(text, whole > 0 ? whole - 1 : 0));
       return cut.append(ellipsis).append(ending);

@@ -18,14 +18,14 @@ PartMap researchWorkbookPackage(const ResearchWorkbookContent& content);
 /// gives the same bytes.
 namespace ResearchWorkbook {
 
-/// A workbook of a dataset: an overview with native charts where it has any, the data as a table with live
+/// A workbook of a dataset: an overview with native charts if there are any, the data as a table with live
 /// formulas and their locally computed results, the report, and the sources with their provenance.
 ///
 /// Throws `DocumentError`: what `ResearchSpreadsheet::validate` and the evaluator throw; resourceLimit for
 /// more report lines or sources, or a longer URL or text of a record, than a sheet can hold; what the ZIP
 /// writer throws; what `WorkbookReader` throws when the written bytes are read back; and validationFailed
-/// "source provenance readback", "formula readback" or "numeric readback" when they do not say what was to be
-/// written. Throws `Cancelled`.
+/// "source provenance readback", "formula readback" or "numeric readback" if they differ from the content.
+/// Throws `Cancelled`.
 ByteBuffer make(std::string_view title, const ResearchSpreadsheet& content, const AllowedSources& sources,
                 const std::optional<ResearchSourceScope>& sourceScope, const std::stop_token& stop = {});
 

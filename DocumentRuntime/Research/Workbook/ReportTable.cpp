@@ -22,7 +22,7 @@ constexpr std::size_t minimumDashes = 3;              ///< in each cell of the l
 constexpr std::string_view fence = "```";
 constexpr char pipe = '|';
 
-/// Without the spaces and tabs around it; all other white space is content.
+/// The text without leading and trailing spaces and tabs; all other white space is content.
 std::string_view trimmed(std::string_view text) {
   const std::size_t first = text.find_first_not_of(" \t");
   if (first == std::string_view::npos) return {};
@@ -56,8 +56,8 @@ class TableBlock {
   bool isInvalid_ = false;
 };
 
-/// The fields of a line; separators inside quotes are text. A line with too many fields is cut: it is in no
-/// table.
+/// The fields of a line; separators inside quotes are text. Stops after too many fields: the line then makes
+/// its block invalid.
 Row delimited(std::string_view line, char separator) {
   Row fields;
   std::string field;
@@ -78,14 +78,14 @@ Row delimited(std::string_view line, char separator) {
   return fields;
 }
 
-/// The semicolon goes first even where all of them are quoted.
+/// The semicolon has priority, even if every semicolon is quoted.
 std::optional<char> separatorOf(std::string_view line) {
   for (const char separator : {';', '\t'})
     if (line.find(separator) != std::string_view::npos) return separator;
   return std::nullopt;
 }
 
-/// A fence that is never closed holds no table.
+/// A fence that is not closed has no table.
 std::optional<ReportTable> firstFencedTable(const Lines& lines) {
   std::optional<TableBlock> block;  // of the open fence
   for (const std::string_view line : lines) {
@@ -122,7 +122,7 @@ bool isDashes(std::string_view cell) {
   return cell.size() >= minimumDashes && cell.find_first_not_of('-') == std::string_view::npos;
 }
 
-/// The cells of a line, cut like a line of too many fields.
+/// The cells of a line. Stops after too many cells, as above.
 Row rowOf(std::string_view cells) {
   Row row;
   allCells(cells, [&](std::string_view cell) {

@@ -20,9 +20,9 @@ using ResearchWorkbook::ReportTable;
 
 constexpr std::size_t maximumReportCharacters = 60'000;
 constexpr std::size_t maximumSources = 100;
-constexpr std::size_t maximumCellCharacters = 32'000;  ///< spreadsheet programs hold 32,767 in a cell
+constexpr std::size_t maximumCellCharacters = 32'000;  ///< below the 32,767 of spreadsheet programs
 
-/// Of a text that is written as a number; longer ones are identifiers more often than amounts.
+/// Limits of a text that is written as a number; longer ones are more often identifiers than amounts.
 constexpr std::size_t maximumWholeDigits = 14;
 constexpr std::size_t maximumFractionDigits = 6;
 
@@ -36,8 +36,8 @@ bool areDigits(std::string_view text, std::size_t maximumCount) {
          text.find_first_not_of("0123456789") == std::string_view::npos;
 }
 
-/// Whether the text is a decimal number as people write it, with a point or a comma. A zero in front, as
-/// identifiers have, an exponent or a grouping make it a text.
+/// Whether the text is a decimal number with a decimal point or comma. With a leading zero, as in
+/// identifiers, an exponent or a grouping it is not a number.
 bool isNumber(std::string_view text) {
   if (text.starts_with('-')) text.remove_prefix(1);
   const std::size_t mark = text.find_first_of(".,");
@@ -52,7 +52,7 @@ std::string withPoint(std::string number) {
 }
 
 std::string cellText(std::string_view text) {
-  // Characters that XML cannot carry do not count toward the length.
+  // Characters that XML does not allow do not count toward the length.
   return OOXML::escaped(Unicode::prefix(OOXML::withoutForbidden(text), maximumCellCharacters));
 }
 
@@ -78,7 +78,7 @@ std::string rowsXML(const ReportTable& rows, Numbers numbers) {
   return xml;
 }
 
-/// The first row stays in view.
+/// A sheet with its first row frozen.
 WorkbookSheet sheet(std::string name, const ReportTable& rows, int width,
                     Numbers numbers = Numbers::keptAsTexts) {
   std::string xml;
@@ -98,7 +98,7 @@ ReportTable oneColumn(std::string_view heading, const Texts& texts) {
   return rows;
 }
 
-/// All parts; the table is freed once its sheet is written.
+/// All parts. Frees the table once its sheet is written.
 PartMap partsOf(ReportTable table, std::string_view title, std::string_view report,
                 const std::vector<std::string>& sources) {
   DocumentAuthor::WorkbookPlan plan;

@@ -10,7 +10,7 @@
 
 namespace zelvo::ResearchWorkbook {
 
-/// Rows of texts; every row has as many.
+/// Rows of texts, all of the same length.
 using ReportTable = std::vector<std::vector<std::string>>;
 
 /// The first table of a Markdown report: of all delimited blocks in code fences, or else of all pipe tables,

@@ -30,11 +30,11 @@ constexpr std::size_t headingHeight = 32;
 constexpr std::size_t dataRowHeight = 38;
 constexpr std::size_t readingRowHeight = 24;
 constexpr std::size_t lineHeight = 16;
-constexpr std::size_t readingLineLength = 100;  ///< characters that a line of prose is taken to hold
-constexpr std::size_t mostReadingGrowth = 156;  ///< what long prose adds to its row at most
+constexpr std::size_t readingLineLength = 100;  ///< estimated characters of a line of prose
+constexpr std::size_t mostReadingGrowth = 156;  ///< limit of the height that long prose adds to its row
 constexpr std::size_t recordRowPadding = 12;
 constexpr std::size_t minimumRecordHeight = 32;
-constexpr std::size_t maximumRecordHeight = 409;  ///< the most that spreadsheets show
+constexpr std::size_t maximumRecordHeight = 409;  ///< the limit of spreadsheet programs
 constexpr std::size_t columnPadding = 2;          ///< characters of a width that text cannot use
 
 bool isRecordSheet(const ResearchSheet& sheet, const ResearchWorkbookContent& content) {
@@ -60,7 +60,7 @@ void appendColumns(std::string& xml, const std::vector<std::size_t>& widths) {
   xml += "</cols>";
 }
 
-/// The lines that a text takes in a column, wrapped at its width.
+/// The number of lines of a text in a column, wrapped at its width.
 std::size_t wrappedLines(std::string_view text, std::size_t columnWidth) {
   const std::size_t perLine = columnWidth - columnPadding;  // all widths are larger
   std::size_t total = 0;

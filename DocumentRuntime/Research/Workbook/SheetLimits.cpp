@@ -12,7 +12,7 @@ namespace {
 
 using Kind = ResearchSheet::Kind;
 
-/// Of a URL or identifier in a message.
+/// The limit of a URL or identifier in a message.
 constexpr std::size_t maximumNameCharacters = 80;
 
 /// The texts of a record, column by column.

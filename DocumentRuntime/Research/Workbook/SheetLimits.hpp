@@ -6,8 +6,8 @@
 #include "DocumentRuntime/PackageIO/BoundedXML.hpp"
 #include "DocumentRuntime/Research/WorkbookReadBack/Content.hpp"
 
-/// The limits that `WorkbookReader` will apply to the written sheets, checked before writing: the reader's
-/// errors name only the part, these the text.
+/// The limits of `WorkbookReader` on the written sheets, checked before writing: the reader's errors name
+/// only the part, these errors name the text.
 namespace zelvo::ResearchSheetLimits {
 
 /// Rows of one text cell: four elements each (row, cell, inline string, text), and seven of the sheet itself.

@@ -60,7 +60,7 @@ ResearchSheet urlSheet(std::vector<std::string> urls) {
   return sheet;
 }
 
-/// The URL with its permitted use: that of a local excerpt is no permission to fetch it.
+/// The URL with its permitted use: that of a local excerpt must not be fetched.
 std::string urlText(const Record& record) {
   if (!record.provenanceURL) return "No URL";
   if (record.kind != Record::Kind::localSnapshot) return *record.provenanceURL;

@@ -23,13 +23,13 @@ struct ResearchSheet {
 /// Calculations by their cell on the Data sheet.
 using CalculationMap = std::map<CellAddress, ResolvedCalculation>;
 
-/// The content of a dataset's workbook: the source for writing, and the expectation for reading back.
+/// The content of a dataset's workbook: the input of the author, and the expectation of the read-back.
 struct ResearchWorkbookContent {
   const ResearchSpreadsheet* dataset;     ///< must outlive this
   std::vector<ResearchSheet::Row> cells;  ///< the dataset's, resolved
   CalculationMap calculations;
-  std::vector<ResearchSheet> sheets;  ///< an overview where there are charts, data, report, sources
-  bool hasScope = false;              ///< provenance is records, not URLs, and dates have a style
+  std::vector<ResearchSheet> sheets;  ///< an overview if there are charts, data, report, sources
+  bool hasScope = false;              ///< sources are records, not URLs, and dates have a style
 
   /// Computes and lays out a valid dataset. Throws what the evaluator throws.
   static ResearchWorkbookContent of(std::string_view title, const ResearchSpreadsheet& dataset,

@@ -53,9 +53,9 @@ const ResearchSheet& sheetOf(const ResearchWorkbookContent& content, Kind kind) 
   return *std::ranges::find(content.sheets, kind, &ResearchSheet::kind);
 }
 
-/// The text that a reader finds in an element: without the characters that XML cannot carry, and with a line
-/// feed for each carriage return, alone or before a line feed. This check has its own rule, so that it does
-/// not repeat a mistake of the author.
+/// The text as read from an XML element: without the characters that XML does not allow, and with one line
+/// feed for each CR or CR LF. This check has its own rule, so that it does not repeat a mistake of the
+/// author.
 std::string asRead(std::string_view text) {
   std::string kept;
   for (std::size_t at = 0; at < text.size();) {
@@ -84,7 +84,7 @@ void checkSources(const WorkbookReader& reader, const ResearchSheet& sheet, cons
                });
 }
 
-/// The formula cells whose result is blank: the reader refuses them unless they are named.
+/// The formula cells with a blank result: the reader refuses them unless they are listed.
 std::set<CellAddress> blankResults(const CalculationMap& calculations) {
   std::set<CellAddress> addresses;
   for (const auto& [address, calculation] : calculations) {
@@ -105,7 +105,7 @@ bool holdsNumber(const SourceCell& cell, double number) {
          cell.value.payload() == DoubleText::shortest(number);
 }
 
-/// The heading row and the column of sources hold texts only.
+/// Skips the heading row and the column of sources, which have only texts.
 void checkData(const WorkbookReader& reader, const ResearchWorkbookContent& content,
                const std::stop_token& stop) {
   readInBlocks(reader, sheetOf(content, Kind::data).name,

@@ -9,7 +9,7 @@ namespace zelvo {
 
 /// Reads a written workbook through the same checks as untrusted input and compares it with its content:
 /// every text of the Sources sheet, with the line ends that XML normalises; on the Data sheet every number,
-/// formula and stored result, as stored.
+/// formula and stored result.
 ///
 /// Throws `DocumentError` validationFailed "source provenance readback", "formula readback" or "numeric
 /// readback"; what `WorkbookReader` throws; `Cancelled`.

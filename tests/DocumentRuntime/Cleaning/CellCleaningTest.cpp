@@ -37,6 +37,7 @@ TEST(CellCleaning, KeepsWhatIsUnderstoodAndRefusesWhatCouldBeReadInTwoWays) {
 <c r="A1" t="inlineStr"><is><t>a</t></is></c> => <c r="A1" t="inlineStr"><is><t$p>a</t></is></c>
 <c r="A1" t="inlineStr"><is><r><rPr><b/></rPr><t>a</t></r><rPh sb="0" eb="1"><t>b</t></rPh></is></c> => <c r="A1" t="inlineStr"><is><r><t$p>a</t></r></is></c>
 <c r="A1"><f t="array" ref="a1:$A$2" aca="1">B1:B2</f><v>1</v><extLst><x/></extLst></c> => <c r="A1"><f t="array" ref="A1:A2">B1:B2</f><v>1</v></c>
+<c r="A1"><f t="array" ref="A2:A1">B1:B2</f></c> => <c r="A1"><f t="array">B1:B2</f></c>
 <c r="A1"><f t="dataTable" ref="A1:A1" dt2D="true" dtr="0" r1="b2" r2="?"/></c> => <c r="A1"><f t="dataTable" ref="A1" dt2D="1" r1="B2"/></c>
 <m:c xmlns:m="http://schemas.openxmlformats.org/spreadsheetml/2006/main" r="A1"><m:v>1</m:v></m:c> => <c r="A1"><v>1</v></c>
 <c r="A1"><x/></c> => unsupported: unknown element in cell A1
