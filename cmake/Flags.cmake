@@ -9,7 +9,7 @@ set(CMAKE_CXX_EXTENSIONS OFF)
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 
 target_compile_options(zelvo_warnings INTERFACE
-  -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Wnon-virtual-dtor -Wold-style-cast -Wimplicit-fallthrough -Werror
+  -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Wnon-virtual-dtor -Wold-style-cast -Wimplicit-fallthrough
   # Designated initializers leave the other fields at their defaults on purpose.
   -Wno-missing-field-initializers
 )
@@ -18,6 +18,10 @@ target_compile_options(zelvo_flags INTERFACE
   # Row heights are sums of doubles: fused multiply-adds would make their bytes depend on the machine.
   -ffp-contract=off
 )
+# Not as a part of another project: its compiler may know warnings that ours do not.
+if(PROJECT_IS_TOP_LEVEL)
+  target_compile_options(zelvo_warnings INTERFACE -Werror)
+endif()
 if(CMAKE_CXX_COMPILER_ID STREQUAL GNU)
   # GCC 12 falsely reports an overlap at the assignment of a literal to a string in inlined code.
   target_compile_options(zelvo_warnings INTERFACE -Wno-restrict)
