@@ -232,6 +232,9 @@ Failure checkOutputs(BatchFiles& files, const std::string& outputFolder) {
 
 ExitStatus batch(const DocumentWorkerHost& worker, const DocumentCleanerHost& cleaner,
                  const BatchArguments& arguments) {
+  if (arguments.paths.empty() && arguments.filesFrom.empty()) {
+    return Console::report(usageError("PATH or --files-from is required (see zelvo --help)"));
+  }
   const bool cleans = arguments.operation == Operation::clean;
   auto files = BatchFiles::open(arguments, cleans);
   if (!files) return Console::report(files.error());

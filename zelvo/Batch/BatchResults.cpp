@@ -67,6 +67,9 @@ struct FinishedFile {
 /// Throws `DecodingError` for a line that no batch wrote.
 FinishedFile finishedFile(std::string_view line) {
   const auto outcome = fromJson<FileOutcome>(std::string(line));
+  if (outcome.status < 0 || outcome.status > static_cast<std::int64_t>(ExitStatus::workerFailed)) {
+    throw DecodingError("Unknown status.", "status");
+  }
   const bool isFinal = outcome.outcome == FileOutcome::answered || outcome.outcome == FileOutcome::refused;
   return {outcome.fileBytes ? std::string(outcome.fileBytes->text()) : outcome.file, isFinal,
           static_cast<ExitStatus>(outcome.status)};

@@ -3,6 +3,7 @@
 #include <optional>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include <CLI/CLI.hpp>
 
@@ -43,6 +44,7 @@ std::optional<Shard> shard(std::string_view text) {
 struct BatchParser::Options {
   CLI::App* command;
   BatchArguments::Operation operation;
+  std::vector<std::string> bound;  ///< tells CLI11 that there may be several paths
   CLI::Option* paths;
   CLI::Option* filesFrom;
   CLI::Option* nulSeparated;
@@ -60,7 +62,8 @@ struct BatchParser::Options {
           const std::string& description)
       : command(batch.add_subcommand(name, description)),
         operation(what),
-        paths(command->add_option("PATH", "Workbooks, and folders to search for workbooks")->type_name("")),
+        paths(command->add_option("PATH", bound, "Workbooks, and folders to search for workbooks")
+                  ->type_name("")),
         filesFrom(command->add_option("--files-from", "A file with a path a line; - is standard input")
                       ->type_name("FILE")),
         nulSeparated(addFlag(*command, "-0,--null", "The paths in that file end in NUL")->needs(filesFrom)),
