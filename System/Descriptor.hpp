@@ -1,5 +1,8 @@
 #pragma once
 
+#include <cerrno>
+#include <cstddef>
+#include <string_view>
 #include <unistd.h>
 #include <utility>
 
@@ -29,5 +32,17 @@ class Descriptor {
  private:
   int number_ = -1;
 };
+
+/// Writes all bytes, in one call if the system takes them. Returns 0 or the error number.
+inline int writeAll(const Descriptor& file, std::string_view bytes) {
+  while (!bytes.empty()) {
+    const ssize_t count = write(file.number(), bytes.data(), bytes.size());
+    if (count < 0 && errno == EINTR) continue;
+    if (count < 0) return errno;
+    if (count == 0) return EIO;  // would be tried for ever
+    bytes.remove_prefix(static_cast<std::size_t>(count));
+  }
+  return 0;
+}
 
 }  // namespace zelvo

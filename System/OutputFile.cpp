@@ -40,21 +40,14 @@ int followLinks(std::string& path) {
   return ELOOP;
 }
 
-int writeAll(const Descriptor& file, std::string_view bytes) {
-  while (!bytes.empty()) {
-    const ssize_t count = write(file.number(), bytes.data(), bytes.size());
-    if (count < 0 && errno == EINTR) continue;
-    if (count < 0) return errno;
-    if (count == 0) return EIO;  // retrying might not end
-    bytes.remove_prefix(static_cast<std::size_t>(count));
-  }
-  return 0;
-}
-
+/// Reads the umask once: no call only reads it, and other threads may create files in between. The value in
+/// between gives no permission to others.
 mode_t permissionsByUmask() {
-  // There is no call that only reads the umask. The temporary value is restrictive.
-  const mode_t mask = umask(S_IRWXG | S_IRWXO);
-  umask(mask);
+  static const mode_t mask = [] {
+    const mode_t before = umask(S_IRWXG | S_IRWXO);
+    umask(before);
+    return before;
+  }();
   return permissionsOfNewFile & ~mask;
 }
 
@@ -123,39 +116,44 @@ void syncFolder(const std::string& folder) {
   if (opened) static_cast<void>(fsync(opened.number()));
 }
 
-int replaceFile(const std::string& path, const std::optional<struct stat>& replaced, std::string_view bytes) {
+int replaceFile(const std::string& path, const std::optional<struct stat>& replaced,
+                const OutputContent& content) {
   TemporaryFile file(path);
   int error = file.create();
-  if (error == 0) error = file.write(bytes);
+  if (error == 0) error = content([&](std::string_view bytes) { return file.write(bytes); });
   if (error == 0) error = file.copyPermissions(replaced);
   if (error == 0) error = file.commit();
   if (error == 0) syncFolder(folderOf(path));
   return error;
 }
 
-int writeInPlace(const std::string& path, std::string_view bytes) {
+int writeInPlace(const std::string& path, const OutputContent& content) {
   const Descriptor file(open(path.c_str(), O_WRONLY | O_NOCTTY | O_CLOEXEC));
   if (!file) return errno;
   struct stat opened = {};
   if (fstat(file.number(), &opened) != 0) return errno;
   // Created since the check: a regular file is never written in place.
   if (S_ISREG(opened.st_mode)) return EEXIST;
-  return writeAll(file, bytes);
+  return content([&](std::string_view bytes) { return writeAll(file, bytes); });
 }
 
 }  // namespace
 
 int writeOutputFile(const std::string& path, std::string_view bytes) {
+  return writeOutputFile(path, [bytes](const WriteBytes& write) { return write(bytes); });
+}
+
+int writeOutputFile(const std::string& path, const OutputContent& content) {
   // The kernel follows the links first: it refuses links of other users in shared folders.
   struct stat found = {};
   const bool exists = stat(path.c_str(), &found) == 0;
   if (!exists && errno != ENOENT) return errno;
   if (exists && S_ISDIR(found.st_mode)) return EISDIR;
-  if (exists && !S_ISREG(found.st_mode)) return writeInPlace(path, bytes);
+  if (exists && !S_ISREG(found.st_mode)) return writeInPlace(path, content);
 
   std::string target = path;
   if (const int error = followLinks(target); error != 0) return error;
-  return replaceFile(target, exists ? std::optional(found) : std::nullopt, bytes);
+  return replaceFile(target, exists ? std::optional(found) : std::nullopt, content);
 }
 
 }  // namespace zelvo

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -14,8 +15,18 @@ namespace zelvo {
 /// new file has the permissions of the process's umask. A target that is not a regular file (a FIFO, a
 /// device) is written in place. `SignalCleanup` removes the temporary file.
 ///
-/// The process must have one thread only while it writes a new file, since the umask is the process's. Throws
-/// only `std::bad_alloc`.
+/// May be called from several threads at once. The umask is read at the first call. Throws only
+/// `std::bad_alloc`.
 int writeOutputFile(const std::string& path, std::string_view bytes);
+
+/// Appends bytes to a file. Returns 0 or the error number.
+using WriteBytes = std::function<int(std::string_view bytes)>;
+/// Writes a content piece by piece with the given function. Returns 0, or the error number for which the file
+/// is given up.
+using OutputContent = std::function<int(const WriteBytes& write)>;
+
+/// The same for a content that is not in memory. Throws what `content` throws, and then, too, leaves what was
+/// there.
+int writeOutputFile(const std::string& path, const OutputContent& content);
 
 }  // namespace zelvo

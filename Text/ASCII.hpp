@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -52,6 +53,13 @@ constexpr std::optional<unsigned> hexValue(char c) {
 /// The two lower-case hexadecimal digits of a byte.
 constexpr std::array<char, 2> hexadecimal(unsigned char byte) {
   return {hexDigits[byte >> 4U], hexDigits[byte & 0xFU]};
+}
+
+/// The digits of an integer with a comma before every three: "11,672".
+inline std::string grouped(std::string digits) {
+  for (std::size_t behind = 3; behind < digits.size(); behind += 4)
+    digits.insert(digits.size() - behind, 1, ',');
+  return digits;
 }
 
 /// Removes `prefix` from the start of `text`. Returns false if the text does not start with it.

@@ -1,20 +1,22 @@
 #include "Text/Digest.hpp"
 
-#include <array>
-
 #include <nettle/sha2.h>
 
 #include "Text/ASCII.hpp"
 
 namespace zelvo::Digest {
 
-std::string sha256(std::span<const std::uint8_t> bytes) {
+SHA256 sha256Bytes(std::span<const std::uint8_t> bytes) {
   sha256_ctx context;
   sha256_init(&context);
   sha256_update(&context, bytes.size(), bytes.data());
-  std::array<std::uint8_t, SHA256_DIGEST_SIZE> digest = {};
+  SHA256 digest = {};
   sha256_digest(&context, digest.size(), digest.data());
+  return digest;
+}
 
+std::string sha256(std::span<const std::uint8_t> bytes) {
+  const SHA256 digest = sha256Bytes(bytes);
   std::string text;
   text.reserve(2 * digest.size());
   for (const std::uint8_t byte : digest) {

@@ -6,6 +6,7 @@
 #include <new>
 #include <variant>
 
+#include "zelvo/Batch/Batch.hpp"
 #include "zelvo/CommandLine/CommandLine.hpp"
 #include "zelvo/Commands/Commands.hpp"
 #include "zelvo/Execution/ProcessSetup.hpp"
@@ -17,7 +18,9 @@ namespace {
 
 struct RunCommand {
   const DocumentWorkerHost& host;
+  const DocumentCleanerHost& cleaner;
 
+  ExitStatus operator()(const BatchArguments& arguments) const { return batch(host, cleaner, arguments); }
   ExitStatus operator()(const InspectArguments& arguments) const { return inspect(host, arguments); }
   ExitStatus operator()(const ExtractArguments& arguments) const { return extract(host, arguments); }
   ExitStatus operator()(const CreateArguments& arguments) const { return create(host, arguments); }
@@ -40,7 +43,8 @@ ExitStatus run(int count, const char* const* arguments) {
     return ExitStatus::success;
   }
   const DocumentWorkerHost host(workerBesideTool());
-  return std::visit(RunCommand{host}, std::get<Command>(*parsed));
+  const DocumentCleanerHost cleaner(cleanerBesideTool());
+  return std::visit(RunCommand{host, cleaner}, std::get<Command>(*parsed));
 }
 
 ExitStatus runAndFinish(int count, const char* const* arguments) {

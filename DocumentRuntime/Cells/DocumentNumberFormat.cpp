@@ -90,11 +90,6 @@ void roundHalfEven(std::string& digits, std::size_t count) {
   }
 }
 
-void group(std::string& integer) {
-  for (std::size_t behind = 3; behind < integer.size(); behind += 4)
-    integer.insert(integer.size() - behind, 1, ',');
-}
-
 }  // namespace
 
 std::string Numeric::render(std::string_view text) const {
@@ -120,7 +115,7 @@ std::string Numeric::render(std::string_view text) const {
   }
   std::string integer = digits.substr(0, digits.size() - scale);
   integer.erase(0, std::min(integer.find_first_not_of('0'), integer.size() - 1));
-  if (grouped) group(integer);
+  if (grouped) integer = ASCII::grouped(std::move(integer));
   std::string fraction = digits.substr(digits.size() - scale);
   while (fraction.size() > least && fraction.back() == '0')
     fraction.pop_back();

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 
+#include "Text/ASCII.hpp"
+
 namespace zelvo {
 namespace {
 
@@ -88,14 +90,6 @@ static_assert([] {
   return true;
 }());
 
-/// "11,672"
-std::string grouped(std::int64_t number) {
-  std::string digits = std::to_string(number);
-  for (std::size_t behind = 3; behind < digits.size(); behind += 4)
-    digits.insert(digits.size() - behind, 1, ',');
-  return digits;
-}
-
 /// Empty for a kind without phrases. An unknown kind, of a later release, is given by its name.
 std::string phrase(std::string_view kind, std::int64_t count) {
   const auto known = std::find_if(std::begin(kindTexts), std::end(kindTexts),
@@ -104,7 +98,7 @@ std::string phrase(std::string_view kind, std::int64_t count) {
   words += kind;
   if (known != std::end(kindTexts)) words = count == 1 ? known->one : known->many;
   if (const std::size_t sign = words.find('#'); sign != std::string::npos)
-    words.replace(sign, 1, grouped(count));
+    words.replace(sign, 1, ASCII::grouped(std::to_string(count)));
   return words;
 }
 

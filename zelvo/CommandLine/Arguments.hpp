@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <variant>
@@ -46,6 +47,24 @@ struct ValidateArguments {
   bool json = false;
 };
 
+struct BatchArguments {
+  enum class Operation { inspect, clean };
+
+  Operation operation = Operation::inspect;
+  std::vector<std::string> paths;  ///< files and folders
+  std::string filesFrom;           ///< a file with a path a line; empty for none
+  bool nulSeparated = false;       ///< the paths in `filesFrom` end in NUL, not in a line feed
+  std::int64_t shard = 1;          ///< 1 to `shards`
+  std::int64_t shards = 1;         ///< at most 2^31
+  std::int64_t jobs = 0;           ///< files at once; 0 for the number of processors
+  bool resume = false;
+  bool quiet = false;
+  std::string output;        ///< a file; empty for standard output
+  std::string outputFolder;  ///< of `clean`
+  bool unmerge = false;
+  bool plainFormats = false;
+};
+
 /// What rows and slides may cite.
 struct SourceArguments {
   std::vector<std::string> sources;  ///< URLs
@@ -83,8 +102,8 @@ struct ResearchPresentationArguments {
 };
 
 /// The arguments of the given command.
-using Command = std::variant<InspectArguments, ExtractArguments, CreateArguments, ValidateArguments,
-                             ResearchCheckArguments, ResearchWorkbookArguments, ResearchReportArguments,
-                             ResearchPresentationArguments>;
+using Command = std::variant<BatchArguments, InspectArguments, ExtractArguments, CreateArguments,
+                             ValidateArguments, ResearchCheckArguments, ResearchWorkbookArguments,
+                             ResearchReportArguments, ResearchPresentationArguments>;
 
 }  // namespace zelvo

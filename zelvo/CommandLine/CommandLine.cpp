@@ -211,6 +211,7 @@ Result<ParsedCommandLine> parseCommandLine(int count, const char* const* argumen
   const ExtractParser extract(tool);
   const CreateParser create(tool);
   const ValidateParser validate(tool);
+  const BatchParser batch(tool);
   const ResearchParser research(tool);
 
   std::vector<std::string> reversed;  // the order that CLI11 requires
@@ -225,6 +226,7 @@ Result<ParsedCommandLine> parseCommandLine(int count, const char* const* argumen
     if (extract.isGiven()) return extract.arguments();
     if (create.isGiven()) return create.arguments();
     if (validate.isGiven()) return validate.arguments();
+    if (auto given = batch.command()) return *std::move(given);
     if (auto given = research.command()) return *std::move(given);
     return inspect.arguments();
   };

@@ -23,6 +23,24 @@ struct Information {
 /// the environment. The error's status is `usage`.
 Result<std::variant<Command, Information>> parseCommandLine(int count, const char* const* arguments);
 
+/// Adds `batch` and its subcommands to a command line.
+class BatchParser {
+ public:
+  explicit BatchParser(CLI::App& tool);
+  BatchParser(const BatchParser&) = delete;
+  BatchParser& operator=(const BatchParser&) = delete;
+  ~BatchParser();
+
+  /// After parsing: the given subcommand; nullopt if there is none.
+  std::optional<Command> command() const;
+
+ private:
+  struct Options;
+
+  std::unique_ptr<const Options> inspect_;
+  std::unique_ptr<const Options> clean_;
+};
+
 /// Adds `research` and its subcommands to a command line.
 class ResearchParser {
  public:

@@ -28,6 +28,13 @@ std::filesystem::path runningExecutable() {
 #endif
 }
 
+std::string besideTool(const char* name) {
+  // If the tool's path is unknown there is no folder. A name alone would be looked up in the current folder.
+  const std::filesystem::path tool = runningExecutable();
+  const std::filesystem::path folder = tool.empty() ? "/nonexistent" : tool.parent_path();
+  return (folder / name).string();
+}
+
 Result<DocumentWorkerResponse> resultOf(WorkerReply reply) {
   if (const auto* failure = std::get_if<WorkerFailure>(&reply)) return errorOf(*failure);
   auto& response = std::get<DocumentWorkerResponse>(reply);
@@ -38,10 +45,10 @@ Result<DocumentWorkerResponse> resultOf(WorkerReply reply) {
 }  // namespace
 
 std::string workerBesideTool() {
-  // If the tool's path is unknown there is no folder. A name alone would be looked up in the current folder.
-  const std::filesystem::path tool = runningExecutable();
-  const std::filesystem::path folder = tool.empty() ? "/nonexistent" : tool.parent_path();
-  return (folder / "zelvo_document_worker").string();
+  return besideTool("zelvo_document_worker");
+}
+std::string cleanerBesideTool() {
+  return besideTool("zelvo_document_cleaner");
 }
 
 Result<DocumentWorkerRequest> requestAbout(const std::string& path) {

@@ -9,6 +9,8 @@ namespace zelvo {
 
 /// The path of the worker beside the running executable; a path that does not exist if that is unknown.
 std::string workerBesideTool();
+/// The same for the cleaner.
+std::string cleanerBesideTool();
 
 /// Reads the file at `path` into a request without an operation. A document that is too large is cut; the
 /// host then refuses it.
