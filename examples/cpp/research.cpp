@@ -1,5 +1,5 @@
-// The research library: a dataset becomes a workbook, a deck with its datasets a presentation. What models write
-// is decoded and checked first; a host that does not trust it runs this in a confined process.
+// The research library: a dataset becomes a workbook, a deck with its datasets a presentation. What models
+// write is decoded and checked first; a host that does not trust it runs this in a confined process.
 //
 //   research DATASET.json OUT.xlsx DECK.json DATASETS.json OUT.pptx
 
@@ -43,7 +43,8 @@ int main(int count, char** arguments) {
     std::vector<std::string> allowed;
     for (const auto& given : datasets)
       allowed.push_back(given.id);
-    const auto deck = zelvo::ResearchPresentation::decode(read(arguments[3]), anySource, std::move(datasets), allowed, noScope);
+    const auto deck = zelvo::ResearchPresentation::decode(read(arguments[3]), anySource, std::move(datasets),
+                                                          allowed, noScope);
     write(arguments[5], zelvo::renderPresentation(deck, zelvo::PresentationRendererVersion::newest, noScope));
   } catch (const std::exception& refusal) {
     std::cerr << refusal.what() << "\n";
