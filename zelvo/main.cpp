@@ -16,12 +16,13 @@ namespace zelvo {
 namespace {
 
 struct RunCommand {
-  const DocumentWorkerHost& host;
+  const Hosts& hosts;
 
-  ExitStatus operator()(const InspectArguments& arguments) const { return inspect(host, arguments); }
-  ExitStatus operator()(const ExtractArguments& arguments) const { return extract(host, arguments); }
-  ExitStatus operator()(const CreateArguments& arguments) const { return create(host, arguments); }
-  ExitStatus operator()(const ValidateArguments& arguments) const { return validate(host, arguments); }
+  ExitStatus operator()(const InspectArguments& arguments) const { return inspect(hosts, arguments); }
+  ExitStatus operator()(const ExtractArguments& arguments) const { return extract(hosts, arguments); }
+  ExitStatus operator()(const CreateArguments& arguments) const { return create(hosts, arguments); }
+  ExitStatus operator()(const ValidateArguments& arguments) const { return validate(hosts, arguments); }
+  ExitStatus operator()(const CleanArguments& arguments) const { return clean(hosts, arguments); }
   ExitStatus operator()(const ResearchCheckArguments& arguments) const { return researchCheck(arguments); }
   ExitStatus operator()(const ResearchWorkbookArguments& arguments) const {
     return researchWorkbook(arguments);
@@ -39,8 +40,8 @@ ExitStatus run(int count, const char* const* arguments) {
     Console::print(information->text);
     return ExitStatus::success;
   }
-  const DocumentWorkerHost host(workerBesideTool());
-  return std::visit(RunCommand{host}, std::get<Command>(*parsed));
+  const Hosts hosts = hostsBesideTool();
+  return std::visit(RunCommand{hosts}, std::get<Command>(*parsed));
 }
 
 ExitStatus runAndFinish(int count, const char* const* arguments) {

@@ -10,8 +10,17 @@
 // The arguments of each command. A file "-" is standard input, or standard output where it is an output.
 namespace zelvo {
 
+/// How a workbook is cleaned before it is read.
+struct CleaningArguments {
+  bool clean = false;  ///< without it the other fields have their defaults
+  bool unmerge = false;
+  bool plainFormats = false;
+  std::string keptFile;  ///< where the cleaned workbook is written; empty for nowhere
+};
+
 struct InspectArguments {
   std::vector<std::string> files;  ///< at least one
+  CleaningArguments cleaning;      ///< with a kept file only if there is one file
   bool json = false;
 };
 
@@ -20,6 +29,7 @@ struct ExtractArguments {
 
   std::string workbook;  ///< a file
   TableSelection selection;
+  CleaningArguments cleaning;
   Form form = Form::text;
 };
 
@@ -32,6 +42,7 @@ struct ChartArguments {
 struct CreateArguments {
   std::string workbook;  ///< a file
   TableSelection selection;
+  CleaningArguments cleaning;
   std::string title;
   std::optional<ChartArguments> chart;
   std::string output;  ///< a file
@@ -44,6 +55,15 @@ struct ValidateArguments {
   std::string expectedTable;  ///< a file with the JSON of a table; empty for none
   std::optional<ChartArguments> chart;
   bool json = false;
+};
+
+struct CleanArguments {
+  std::string workbook;             ///< a file
+  std::vector<std::string> sheets;  ///< the names of the worksheets to keep; empty for all
+  bool unmerge = false;
+  bool plainFormats = false;
+  bool json = false;   ///< print the report as JSON
+  std::string output;  ///< a file
 };
 
 /// What rows and slides may cite.
@@ -84,7 +104,7 @@ struct ResearchPresentationArguments {
 
 /// The arguments of the given command.
 using Command = std::variant<InspectArguments, ExtractArguments, CreateArguments, ValidateArguments,
-                             ResearchCheckArguments, ResearchWorkbookArguments, ResearchReportArguments,
-                             ResearchPresentationArguments>;
+                             CleanArguments, ResearchCheckArguments, ResearchWorkbookArguments,
+                             ResearchReportArguments, ResearchPresentationArguments>;
 
 }  // namespace zelvo

@@ -88,7 +88,10 @@ ExitStatus writePresentation(DeckInput& input, const ResearchPresentationArgumen
 }  // namespace
 
 ExitStatus researchPresentation(const ResearchPresentationArguments& arguments) {
-  if (const Failure failure = DocumentOutput::check(arguments.output)) return Console::report(*failure);
+  const std::vector<std::string> inputs = {arguments.deck, arguments.dataset, arguments.datasets,
+                                           arguments.sources.scopeFile};
+  if (const Failure failure = DocumentOutput::check(arguments.output, inputs))
+    return Console::report(*failure);
   auto input = readDeckInput(arguments);
   if (!input) return Console::report(input.error());
   return arguments.output.empty() ? printEncoding(*input, arguments) : writePresentation(*input, arguments);

@@ -63,10 +63,10 @@ Result<DocumentWorkerResponse> validated(const DocumentWorkerHost& host, const V
 
 }  // namespace
 
-ExitStatus validate(const DocumentWorkerHost& host, const ValidateArguments& arguments) {
+ExitStatus validate(const Hosts& hosts, const ValidateArguments& arguments) {
   const bool canHaveChart = arguments.format == DocumentFormat::pptx;
   const ExpectedChart chart = canHaveChart ? arguments.chart : std::nullopt;
-  const auto response = validated(host, arguments, chart);
+  const auto response = validated(hosts.worker, arguments, chart);
   if (!response) return Console::report(response.error());
   const DocumentValidation& validation = *response->validation;
   if (arguments.json) {

@@ -37,11 +37,12 @@ Result<DocumentWorkerResponse> resultOf(WorkerReply reply) {
 
 }  // namespace
 
-std::string workerBesideTool() {
+Hosts hostsBesideTool() {
   // If the tool's path is unknown there is no folder. A name alone would be looked up in the current folder.
   const std::filesystem::path tool = runningExecutable();
   const std::filesystem::path folder = tool.empty() ? "/nonexistent" : tool.parent_path();
-  return (folder / "zelvo_document_worker").string();
+  return {DocumentWorkerHost((folder / "zelvo_document_worker").string()),
+          DocumentCleanerHost((folder / "zelvo_document_cleaner").string())};
 }
 
 Result<DocumentWorkerRequest> requestAbout(const std::string& path) {
@@ -61,6 +62,14 @@ Result<DocumentWorkerResponse> ask(const DocumentWorkerHost& host, const Documen
   members += ',';
   members += std::string_view(toJson(request)).substr(1);
   return resultOf(host.sendEncoded(members, request.operation));
+}
+
+Result<DocumentCleanerResponse> ask(const DocumentCleanerHost& host, const DocumentCleanerRequest& request) {
+  CleanerReply reply = host.send(request);
+  if (const auto* failure = std::get_if<WorkerFailure>(&reply)) return errorOf(*failure, "The cleaner");
+  auto& response = std::get<DocumentCleanerResponse>(reply);
+  if (response.error) return CommandError{ExitStatus::refused, *std::move(response.error)};
+  return std::move(response);
 }
 
 CommandError errorOf(const WorkerFailure& failure, const std::string& subject) {

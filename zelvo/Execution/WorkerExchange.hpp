@@ -2,13 +2,20 @@
 
 #include <string>
 
+#include "DocumentWorkerHost/DocumentCleanerHost.hpp"
 #include "DocumentWorkerHost/DocumentWorkerHost.hpp"
 #include "zelvo/Output/Result.hpp"
 
 namespace zelvo {
 
-/// The path of the worker beside the running executable; a path that does not exist if that is unknown.
-std::string workerBesideTool();
+/// The executables that commands start.
+struct Hosts {
+  DocumentWorkerHost worker;
+  DocumentCleanerHost cleaner;
+};
+
+/// The executables beside the running one; paths that do not exist if its own is unknown.
+Hosts hostsBesideTool();
 
 /// Reads the file at `path` into a request without an operation. A document that is too large is cut; the
 /// host then refuses it.
@@ -21,6 +28,9 @@ Result<DocumentWorkerResponse> ask(const DocumentWorkerHost& host, const Documen
 /// brace.
 Result<DocumentWorkerResponse> ask(const DocumentWorkerHost& host, const DocumentWorkerRequest& request,
                                    std::string members);
+
+/// Sends a request to the cleaner. Returns the response, or its error.
+Result<DocumentCleanerResponse> ask(const DocumentCleanerHost& host, const DocumentCleanerRequest& request);
 
 /// The error for a worker, or another confined process named `subject`, that gave no result. If the process
 /// could not confine itself, the message explains why.

@@ -106,8 +106,8 @@ std::string csvLine(const std::vector<std::string>& texts, bool isForTerminal) {
 
 }  // namespace
 
-std::string describe(const SourceTable& table) {
-  return cellTable(table) + footnotes(table) + "\n" + factTable(table) + warningLines(table.warnings);
+std::string describe(const SourceTable& table, const std::string& notes) {
+  return cellTable(table) + footnotes(table) + "\n" + factTable(table) + notes + warningLines(table.warnings);
 }
 
 std::string csv(const SourceTable& table, bool isForTerminal) {
