@@ -4,9 +4,12 @@
 #include <array>
 
 #include "DocumentRuntime/Cleaning/DroppedParts.hpp"
+#include "DocumentRuntime/Cleaning/WorkbookCleaner.hpp"
 #include "DocumentRuntime/Errors/DocumentError.hpp"
+#include "DocumentRuntime/PackageIO/PackageGate.hpp"
 #include "DocumentRuntime/PackageIO/Relationships.hpp"
 #include "DocumentRuntime/PackageIO/XMLNamespaces.hpp"
+#include "DocumentRuntime/Workbook/WorkbookReader.hpp"
 #include "Text/Unicode.hpp"
 
 namespace zelvo::Cleaning {
@@ -41,7 +44,7 @@ std::string typeWord(std::string_view type) {
 }
 
 DocumentError ambiguousRelationship() {
-  return DocumentError::unsafeContent("external or ambiguous relationship");
+  return DocumentError::unsafeContent(Refusal::externalRelationship);
 }
 
 std::string relationshipsPartOf(std::string_view part) {
@@ -78,7 +81,7 @@ const OOXML::ArchiveTrees::Entry& SourceRelationships::target(const SourceRelati
                                                               const BoundedZIP::Archive& archive) const {
   if (relationship.isExternal) throw ambiguousRelationship();
   const auto* part = archive.find(OOXML::resolve(relationship.target, partName_));
-  if (part == nullptr) throw DocumentError::invalidArchive("missing relationship target");
+  if (part == nullptr) throw DocumentError::invalidArchive(Refusal::missingTarget);
   return *part;
 }
 
@@ -88,10 +91,10 @@ SourcePackage::SourcePackage(OOXML::ArchiveTrees& trees) : trees_(trees) {
   readContentTypes(trees_.root(contentTypes));
 
   workbook_ = linkedPart(relationshipsOf(""), "officeDocument", usualWorkbook);
-  if (workbook_ == nullptr) throw DocumentError::unsupported("XLSX workbook structure");
+  if (workbook_ == nullptr) throw DocumentError::unsupported(Refusal::workbookStructure);
   markRead(*workbook_);
   if (contentType(workbook_->name).find("sheet.binary") != std::string::npos)
-    throw DocumentError::unsupported("binary workbook (.xlsb)");
+    throw DocumentError::unsupported(Refusal::binaryWorkbook);
   workbookRelationships_ = relationshipsOf(workbook_->name);
   sharedStrings_ = linkedPart(workbookRelationships_, "sharedStrings", usualSharedStrings);
   styles_ = linkedPart(workbookRelationships_, "styles", usualStyles);
@@ -99,7 +102,7 @@ SourcePackage::SourcePackage(OOXML::ArchiveTrees& trees) : trees_(trees) {
 
 const SourcePackage::Entry& SourcePackage::required(std::string_view name) {
   const Entry* const part = trees_.archive().find(name);
-  if (part == nullptr) throw DocumentError::invalidArchive("not an OOXML package");
+  if (part == nullptr) throw DocumentError::invalidArchive(Refusal::notAPackage);
   markRead(*part);
   return *part;
 }

@@ -149,8 +149,8 @@ void Cleaner::chooseSheets() {
     }
   }
   if (!missing.empty())
-    throw DocumentError::invalidSelection("no worksheet is named " + std::string(*missing.begin()));
-  if (sheets_.empty()) throw DocumentError::unsupported("no worksheet is left");
+    throw DocumentError::invalidSelection(Refusal::noSuchWorksheet + std::string(*missing.begin()));
+  if (sheets_.empty()) throw DocumentError::unsupported(Refusal::noWorksheet);
   if (sheets_.size() > maximumSheets) throw DocumentError::resourceLimit("more than 64 worksheets");
   checkNames();
 
@@ -321,7 +321,7 @@ CleanedWorkbook cleanWorkbook(ByteBuffer source, std::string_view sourceName, co
   if (sourceName.size() > WorkbookReader::maximumSourceNameBytes)
     throw DocumentError::resourceLimit("source name");
   if (source.text().starts_with(Cleaning::compoundFileSignature))
-    throw DocumentError::unsupported("encrypted or old binary workbook (compound file)");
+    throw DocumentError::unsupported(Refusal::compoundFile);
 
   CleanedWorkbook cleaned;
   cleaned.sourceSHA256 = OOXML::hash(source.view());

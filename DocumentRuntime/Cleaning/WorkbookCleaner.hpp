@@ -11,6 +11,16 @@
 
 namespace zelvo {
 
+/// Details of errors that hosts compare.
+namespace Refusal {
+
+inline constexpr const char* compoundFile = "encrypted or old binary workbook (compound file)";
+inline constexpr const char* binaryWorkbook = "binary workbook (.xlsb)";
+inline constexpr const char* noSuchWorksheet = "no worksheet is named ";
+inline constexpr const char* noWorksheet = "no worksheet is left";
+
+}  // namespace Refusal
+
 struct CleaningOptions {
   /// The worksheets to keep, by their exact names; all if absent.
   std::optional<std::vector<std::string>> sheets;

@@ -161,9 +161,9 @@ void readPresentation(const GeneratedPackage& package, TableReadBack& table, con
   const bool hasChart = package.contains(chartPartName);
   const bool hasWorkbook = package.contains(chartWorkbookName);
   if (hasChart != hasWorkbook || (!hasChart && expectedChart != nullptr)) {
-    throw DocumentError::validationFailed("missing chart or orphaned chart workbook");
+    throw DocumentError::validationFailed(Refusal::missingChart);
   }
-  if (hasChart && expectedChart == nullptr) throw DocumentError::validationFailed("unexpected chart");
+  if (hasChart && expectedChart == nullptr) throw DocumentError::validationFailed(Refusal::unexpectedChart);
   if (hasChart) validateChartPackage(package, expectedTable, *expectedChart, stop);
 }
 

@@ -104,7 +104,7 @@ void takeHeader(SourceTable& table) {
     std::string title = cell.displayText();
     if (Unicode::trimmed(title).empty() ||
         Unicode::exceeds(title, TableExtraction::maximumHeaderCharacters)) {
-      throw DocumentError::invalidSelection("headers must be nonempty and at most 120 characters");
+      throw DocumentError::invalidSelection(Refusal::header);
     }
     table.columns.push_back(std::move(title));
     table.headerUsesCachedFormulaValues |= cell.usesCachedFormulaValue;
@@ -136,7 +136,7 @@ CellRange TableExtraction::selectedRange(const TableSelection& selection) {
   const CellRange range = CellRange::parse(selection.range);
   const std::int64_t minimumRows = selection.firstRowIsHeader ? 2 : 1;
   if (widthOf(range) > maximumColumns || heightOf(range) > maximumRows || heightOf(range) < minimumRows) {
-    throw DocumentError::resourceLimit(selectionTooLarge);
+    throw DocumentError::resourceLimit(Refusal::selectionTooLarge);
   }
   return range;
 }
@@ -147,23 +147,23 @@ SourceTable TableExtraction::read(XMLNode worksheet, const CellRange& range, con
                                   const std::stop_token& stop) {
   RangeCollector contents(range);
   walkWorksheet(worksheet, contents);
-  if (contents.mergedInRange) throw DocumentError::unsupported("merged cells in the selected table");
+  if (contents.mergedInRange) throw DocumentError::unsupported(Refusal::mergedCells);
   if (contents.hiddenColumnInRange) {
-    throw DocumentError::invalidSelection("the selection includes hidden columns");
+    throw DocumentError::invalidSelection(Refusal::hiddenColumns);
   }
 
   SourceTable table;
   table.rows = readRows(contents, range, selection, reader, acceptedEmptyFormulaCells, stop);
-  if (table.rows.empty()) throw DocumentError::invalidSelection("no visible rows");
+  if (table.rows.empty()) throw DocumentError::invalidSelection(Refusal::noVisibleRows);
   if (selection.firstRowIsHeader) {
     if (contents.isHidden(0) && !selection.includeHiddenRows) {
-      throw DocumentError::invalidSelection("header row is hidden");
+      throw DocumentError::invalidSelection(Refusal::hiddenHeader);
     }
     takeHeader(table);
   } else {
     nameColumns(table, range);
   }
-  if (table.rows.empty()) throw DocumentError::invalidSelection("no data rows");
+  if (table.rows.empty()) throw DocumentError::invalidSelection(Refusal::noDataRows);
   addWarnings(table, contents, selection.includeHiddenRows);
   return table;
 }

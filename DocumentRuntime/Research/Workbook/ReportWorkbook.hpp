@@ -8,6 +8,14 @@
 
 #include "DocumentRuntime/Records/ByteBuffer.hpp"
 
+namespace zelvo::Refusal {
+
+/// Details of errors that hosts compare.
+inline constexpr const char* noReportTable =
+    "The saved report has no table. Continue the task to prepare spreadsheet data.";
+
+}  // namespace zelvo::Refusal
+
 namespace zelvo::ResearchWorkbook {
 
 /// Rows of texts; every row has as many.
