@@ -239,7 +239,7 @@ void Cleaner::writeSheet(KeptSheet& sheet) {
   }
   plainFormats_.enterSheet(static_cast<std::int64_t>(index));
 
-  const std::string place = "sheet " + sheet.name;
+  const std::string place = Refusal::sheetPlace + sheet.name;
   const XMLNode root = read(*sheet.part, place);
   WorksheetCleaner(sheet.name, {.findings = findings_,
                                 .writer = writer_,

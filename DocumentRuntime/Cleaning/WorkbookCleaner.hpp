@@ -18,6 +18,9 @@ inline constexpr const char* compoundFile = "encrypted or old binary workbook (c
 inline constexpr const char* binaryWorkbook = "binary workbook (.xlsb)";
 inline constexpr const char* noSuchWorksheet = "no worksheet is named ";
 inline constexpr const char* noWorksheet = "no worksheet is left";
+inline constexpr const char* rootElement = "root element of ";
+/// Before the name of the sheet that an error is about, within its detail.
+inline constexpr const char* sheetPlace = "sheet ";
 
 }  // namespace Refusal
 

@@ -3,6 +3,7 @@
 
 #include "zelvo/Commands/Commands.hpp"
 #include "zelvo/Commands/DocumentOutput.hpp"
+#include "zelvo/Commands/RefusalHints.hpp"
 #include "zelvo/Commands/WorkbookInput.hpp"
 #include "zelvo/Output/Console.hpp"
 
@@ -17,7 +18,9 @@ Result<DocumentCleanerResponse> cleaned(const DocumentCleanerHost& host, const C
                                     .unmerge = arguments.unmerge,
                                     .plainFormats = arguments.plainFormats};
   if (!arguments.sheets.empty()) request.sheets = arguments.sheets;
-  return ask(host, request);
+  auto response = ask(host, request);
+  if (!response) return withHints(response.error(), Stage::cleaning, request.data.view());
+  return response;
 }
 
 Failure cleanAndWrite(const DocumentCleanerHost& host, const CleanArguments& arguments) {

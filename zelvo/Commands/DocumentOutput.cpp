@@ -5,6 +5,7 @@
 #include <system_error>
 
 #include "System/OutputFile.hpp"
+#include "zelvo/Commands/RefusalHints.hpp"
 #include "zelvo/Execution/ConfinedChild.hpp"
 #include "zelvo/Output/Console.hpp"
 #include "zelvo/Output/RecordText.hpp"
@@ -56,7 +57,7 @@ Failure DocumentOutput::writeFile(const std::string& path, ByteView document) {
 ExitStatus DocumentOutput::writeAuthored(const std::string& path, const std::string& format,
                                          const std::function<ByteBuffer()>& author) {
   const auto authored = runConfinedChild([&] { return std::string(author().text()); });
-  if (!authored) return Console::report(authored.error());
+  if (!authored) return Console::report(withHints(authored.error(), Stage::research));
   const ByteView document = bytesOf(*authored);
   const Failure failure = write(path, document, describe(format, document));
   return failure ? Console::report(*failure) : ExitStatus::success;

@@ -8,6 +8,7 @@
 #include "DocumentRuntime/Research/Slides/Renderer.hpp"
 #include "zelvo/Commands/Commands.hpp"
 #include "zelvo/Commands/DocumentOutput.hpp"
+#include "zelvo/Commands/RefusalHints.hpp"
 #include "zelvo/Commands/ResearchInput.hpp"
 #include "zelvo/Execution/ConfinedChild.hpp"
 #include "zelvo/Output/Console.hpp"
@@ -73,7 +74,7 @@ Deck decoded(DeckInput& input, const ResearchPresentationArguments& arguments) {
 ExitStatus printEncoding(DeckInput& input, const ResearchPresentationArguments& arguments) {
   const auto encoded =
       runConfinedChild([&] { return decoded(input, arguments).presentation.encoded() + "\n"; });
-  if (!encoded) return Console::report(encoded.error());
+  if (!encoded) return Console::report(withHints(encoded.error(), Stage::research));
   Console::printJson(*encoded);
   return ExitStatus::success;
 }

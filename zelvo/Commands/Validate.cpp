@@ -5,6 +5,7 @@
 #include "DocumentRuntime/Coding/RecordCoding.hpp"
 #include "zelvo/Commands/ChartColumns.hpp"
 #include "zelvo/Commands/Commands.hpp"
+#include "zelvo/Commands/RefusalHints.hpp"
 #include "zelvo/Execution/ConfinedChild.hpp"
 #include "zelvo/Execution/InputFile.hpp"
 #include "zelvo/Execution/WorkerExchange.hpp"
@@ -46,19 +47,21 @@ Result<DocumentWorkerResponse> validated(const DocumentWorkerHost& host, const V
   request->operation = DocumentWorkerRequest::Operation::validate;
   request->format = arguments.format;
 
+  std::optional<std::string> members;
   if (!arguments.expectedTable.empty()) {
     const auto table = readWholeFile(arguments.expectedTable, maximumTableMebibytes);
     if (!table) return table.error();
-    auto members = expectation(*table, chart);
-    if (!members) return members.error();
-    return ask(host, *request, *std::move(members));
-  }
-  if (chart) {
+    auto encoded = expectation(*table, chart);
+    if (!encoded) return encoded.error();
+    members = *std::move(encoded);
+  } else if (chart) {
     auto selection = chosenChart(*chart, {});
     if (!selection) return selection.error();
     request->chart = *std::move(selection);
   }
-  return ask(host, *request);
+  auto response = members ? ask(host, *request, *std::move(members)) : ask(host, *request);
+  if (!response) return withHints(response.error(), Stage::validating, request->data.view());
+  return response;
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 
 #include "DocumentRuntime/Coding/CleaningCoding.hpp"
 #include "zelvo/Commands/DocumentOutput.hpp"
+#include "zelvo/Commands/RefusalHints.hpp"
 
 namespace zelvo {
 
@@ -23,13 +24,16 @@ Result<WorkbookInput> readWorkbook(const Hosts& hosts, const std::string& path,
                                         .unmerge = cleaning.unmerge,
                                         .plainFormats = cleaning.plainFormats};
   auto cleaned = ask(hosts.cleaner, dirty);
-  if (!cleaned) return cleaned.error();
+  if (!cleaned) return withHints(cleaned.error(), Stage::cleaning, dirty.data.view());
   request->data = std::move(cleaned->document->data);
   return WorkbookInput{*std::move(request), cleaningRecord(*std::move(cleaned))};
 }
 
-Result<DocumentWorkerResponse> ask(const Hosts& hosts, const WorkbookInput& workbook) {
-  return ask(hosts.worker, workbook.request);
+Result<DocumentWorkerResponse> ask(const Hosts& hosts, WorkbookInput& workbook) {
+  auto response = ask(hosts.worker, workbook.request);
+  if (response) return response;
+  const Stage stage = workbook.cleaning ? Stage::readingCleaned : Stage::reading;
+  return withHints(response.error(), hosts, std::move(workbook.request), stage);
 }
 
 CleaningRecord cleaningRecord(DocumentCleanerResponse response) {

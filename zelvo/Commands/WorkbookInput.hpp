@@ -24,8 +24,8 @@ Failure checkKeptFile(const std::string& workbook, const CleaningArguments& clea
 Result<WorkbookInput> readWorkbook(const Hosts& hosts, const std::string& path,
                                    const CleaningArguments& cleaning);
 
-/// As `ask`.
-Result<DocumentWorkerResponse> ask(const Hosts& hosts, const WorkbookInput& workbook);
+/// Sends the request. Returns the response, or its error with hints; then the workbook is without its bytes.
+Result<DocumentWorkerResponse> ask(const Hosts& hosts, WorkbookInput& workbook);
 
 /// Writes the cleaned workbook to the file that the arguments name, if any. Called once the command has its
 /// record: a command that fails writes no file.
