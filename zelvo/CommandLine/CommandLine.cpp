@@ -8,6 +8,7 @@
 
 #include "Text/ASCII.hpp"
 #include "zelvo/CommandLine/OptionValues.hpp"
+#include "zelvo/CommandLine/UsageError.hpp"
 
 namespace zelvo {
 namespace {
@@ -300,7 +301,9 @@ Result<ParsedCommandLine> resultOf(const CLI::App& tool, const CLI::ParseError& 
   std::ostringstream output;
   std::ostringstream errors;
   if (tool.exit(end, output, errors) == 0) return ParsedCommandLine(Information{output.str()});
-  return CommandError{ExitStatus::usage, withoutGuards(end.what()) + seeHelp};
+  CommandError error = usageError(tool, withoutGuards(end.what()));
+  error.message += seeHelp;
+  return error;
 }
 
 /// What excludes each other by the values of options.
