@@ -8,7 +8,6 @@
 
 #include "Text/ASCII.hpp"
 #include "zelvo/CommandLine/OptionValues.hpp"
-#include "zelvo/CommandLine/UsageError.hpp"
 
 namespace zelvo {
 namespace {
@@ -81,7 +80,10 @@ class InspectParser {
  public:
   explicit InspectParser(CLI::App& tool)
       : command_(tool.add_subcommand("inspect", "Describe the sheets of XLSX workbooks")),
-        files_(command_->add_option("BOOK.xlsx", "Workbooks")->required()->expected(1, anyNumber)),
+        files_(command_->add_option("BOOK.xlsx", "Workbooks")
+                   ->required()
+                   ->expected(1, anyNumber)
+                   ->allow_extra_args()),
         cleaning_(*command_),
         json_(addFlag(*command_, "--json", "Print one JSON record per line")) {
     files_->type_name("");

@@ -23,6 +23,10 @@ struct Information {
 /// the environment. The error's status is `usage`.
 Result<std::variant<Command, Information>> parseCommandLine(int count, const char* const* arguments);
 
+/// The error for a command line that `tool` could not parse. A wrong command replaces the message. Hints name
+/// the command or option that is nearest to a wrong one.
+CommandError usageError(const CLI::App& tool, std::string message);
+
 /// Adds `research` and its subcommands to a command line.
 class ResearchParser {
  public:

@@ -1,5 +1,3 @@
-#include "zelvo/CommandLine/UsageError.hpp"
-
 #include <algorithm>
 #include <string>
 #include <utility>
@@ -7,6 +5,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include "zelvo/CommandLine/CommandLine.hpp"
 #include "zelvo/CommandLine/NearestName.hpp"
 #include "zelvo/CommandLine/OptionValues.hpp"
 

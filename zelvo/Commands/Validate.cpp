@@ -22,8 +22,8 @@ constexpr std::size_t maximumTableMebibytes = DocumentWorkerWire::maximumMessage
 /// The chart to expect, if any. A Word document has none.
 using ExpectedChart = std::optional<ChartArguments>;
 
-/// The request's members that tell what to expect of the document. The table is decoded in a confined child;
-/// its columns resolve the chart.
+/// The request's members for the expected table and chart. The table is decoded in a confined child; its
+/// columns resolve the chart.
 Result<std::string> expectation(const ByteBuffer& encodedTable, const ExpectedChart& chart) {
   return runConfinedChild([&]() -> Result<std::string> {
     const auto table = fromJson<SourceTable>(std::string(encodedTable.text()));

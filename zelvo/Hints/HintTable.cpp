@@ -98,7 +98,8 @@ constexpr const char* unchangedOnly =
     "Only a document that zelvo create wrote is valid, and only unchanged: office programs change it when "
     "they "
     "save it.";
-constexpr const char* chartData = "--dataset or --datasets gives the data of the deck's charts.";
+constexpr const char* chartData =
+    "Name the file of the dataset by --dataset or --datasets: it holds the data of the deck's charts.";
 constexpr const char* citable =
     "Cite only URLs of --source. Without --source and --no-sources, any URL may be cited.";
 

@@ -32,8 +32,12 @@ void printError(std::string_view message) {
 ExitStatus report(const CommandError& error) {
   printError(error.message);
   for (const std::string& hint : error.hints)
-    printError("hint: " + hint);
+    printHint("zelvo: hint: " + hint);
   return error.status;
+}
+
+void printHint(std::string_view text) {
+  write(stderr, printable(text) + "\n");
 }
 
 bool isTerminal() {

@@ -20,6 +20,9 @@ void printError(std::string_view message);
 /// error's status.
 ExitStatus report(const CommandError& error);
 
+/// Writes a further line to standard error, escaped in the same way.
+void printHint(std::string_view text);
+
 /// True if standard output is a terminal.
 bool isTerminal();
 
