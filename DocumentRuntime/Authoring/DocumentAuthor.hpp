@@ -8,7 +8,7 @@
 
 #include "DocumentRuntime/Records/DocumentModels.hpp"
 
-namespace zelvo::Refusal {
+namespace zelvo::RefusalDetail {
 
 /// Details of errors that hosts compare.
 inline constexpr const char* tallSlideRow =
@@ -17,7 +17,7 @@ inline constexpr const char* slideCount = "presentation exceeds 20 table slides"
 inline constexpr const char* longSlideTitle = "presentation title is too long for two lines";
 inline constexpr const char* longChartTitle = "chart title is too long for two lines";
 
-}  // namespace zelvo::Refusal
+}  // namespace zelvo::RefusalDetail
 
 /// Writes documents that show an extracted table. The input rules must have passed: only rules of the layout
 /// are checked here. Equal inputs give equal bytes.

@@ -77,7 +77,7 @@ std::vector<DocumentAuthor::TablePage> DocumentAuthor::tablePages(const SourceTa
       texts.push_back(cell.displayText());
     const std::int64_t height = rowHeight(texts);
     if (headerHeight + height > pageHeight) {
-      throw DocumentError::unsupported(Refusal::tallSlideRow);
+      throw DocumentError::unsupported(RefusalDetail::tallSlideRow);
     }
     if (used + height > pageHeight) {
       pages.push_back(std::exchange(page, {table.columns}));
@@ -87,7 +87,7 @@ std::vector<DocumentAuthor::TablePage> DocumentAuthor::tablePages(const SourceTa
     used += height;
   }
   if (page.size() > 1) pages.push_back(std::move(page));
-  if (pages.size() > maximumPages) throw DocumentError::resourceLimit(Refusal::slideCount);
+  if (pages.size() > maximumPages) throw DocumentError::resourceLimit(RefusalDetail::slideCount);
   return pages;
 }
 

@@ -5,13 +5,13 @@
 #include <string>
 #include <string_view>
 
-namespace zelvo::Refusal {
+namespace zelvo::RefusalDetail {
 
 /// Details of errors that hosts compare.
 inline constexpr const char* date = "Excel date at ";
 inline constexpr const char* timeSpan = "time value spans multiple days at ";
 
-}  // namespace zelvo::Refusal
+}  // namespace zelvo::RefusalDetail
 
 /// Dates and times as workbooks store them: serial day counts, and ISO 8601 texts. All dates are Gregorian,
 /// all times without a zone.

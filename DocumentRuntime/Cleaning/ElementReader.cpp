@@ -81,7 +81,7 @@ void refuseAttribute(Attribute attribute, const std::string& place) {
 Namespace mainNamespace(const NamespaceScope& root, std::string_view localName, std::string_view place) {
   const auto [space, local] = root.name();
   if (local != localName || (space != Namespace::main && space != Namespace::strictMain))
-    throw DocumentError::unsupported(Refusal::rootElement + std::string(place));
+    throw DocumentError::unsupported(RefusalDetail::rootElement + std::string(place));
   return space;
 }
 

@@ -44,7 +44,7 @@ std::string typeWord(std::string_view type) {
 }
 
 DocumentError ambiguousRelationship() {
-  return DocumentError::unsafeContent(Refusal::externalRelationship);
+  return DocumentError::unsafeContent(RefusalDetail::externalRelationship);
 }
 
 std::string relationshipsPartOf(std::string_view part) {
@@ -81,7 +81,7 @@ const OOXML::ArchiveTrees::Entry& SourceRelationships::target(const SourceRelati
                                                               const BoundedZIP::Archive& archive) const {
   if (relationship.isExternal) throw ambiguousRelationship();
   const auto* part = archive.find(OOXML::resolve(relationship.target, partName_));
-  if (part == nullptr) throw DocumentError::invalidArchive(Refusal::missingTarget);
+  if (part == nullptr) throw DocumentError::invalidArchive(RefusalDetail::missingTarget);
   return *part;
 }
 
@@ -91,10 +91,10 @@ SourcePackage::SourcePackage(OOXML::ArchiveTrees& trees) : trees_(trees) {
   readContentTypes(trees_.root(contentTypes));
 
   workbook_ = linkedPart(relationshipsOf(""), "officeDocument", usualWorkbook);
-  if (workbook_ == nullptr) throw DocumentError::unsupported(Refusal::workbookStructure);
+  if (workbook_ == nullptr) throw DocumentError::unsupported(RefusalDetail::workbookStructure);
   markRead(*workbook_);
   if (contentType(workbook_->name).find("sheet.binary") != std::string::npos)
-    throw DocumentError::unsupported(Refusal::binaryWorkbook);
+    throw DocumentError::unsupported(RefusalDetail::binaryWorkbook);
   workbookRelationships_ = relationshipsOf(workbook_->name);
   sharedStrings_ = linkedPart(workbookRelationships_, "sharedStrings", usualSharedStrings);
   styles_ = linkedPart(workbookRelationships_, "styles", usualStyles);
@@ -102,7 +102,7 @@ SourcePackage::SourcePackage(OOXML::ArchiveTrees& trees) : trees_(trees) {
 
 const SourcePackage::Entry& SourcePackage::required(std::string_view name) {
   const Entry* const part = trees_.archive().find(name);
-  if (part == nullptr) throw DocumentError::invalidArchive(Refusal::notAPackage);
+  if (part == nullptr) throw DocumentError::invalidArchive(RefusalDetail::notAPackage);
   markRead(*part);
   return *part;
 }

@@ -12,7 +12,7 @@
 namespace zelvo {
 
 /// Details of errors that hosts compare.
-namespace Refusal {
+namespace RefusalDetail {
 
 inline constexpr const char* compoundFile = "encrypted or old binary workbook (compound file)";
 inline constexpr const char* binaryWorkbook = "binary workbook (.xlsb)";
@@ -22,7 +22,7 @@ inline constexpr const char* rootElement = "root element of ";
 /// Before the name of the sheet that an error is about, within its detail.
 inline constexpr const char* sheetPlace = "sheet ";
 
-}  // namespace Refusal
+}  // namespace RefusalDetail
 
 struct CleaningOptions {
   /// The worksheets to keep, by their exact names; all if absent.

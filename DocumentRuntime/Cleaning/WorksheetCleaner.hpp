@@ -32,7 +32,7 @@ class WorksheetCleaner {
   };
 
   WorksheetCleaner(std::string_view sheetName, Tools tools)
-      : place_(Refusal::sheetPlace + std::string(sheetName)), tools_(tools) {}
+      : place_(RefusalDetail::sheetPlace + std::string(sheetName)), tools_(tools) {}
 
   /// Throws `DocumentError` for what cannot be written as it was meant, with the cell and the sheet, or for a
   /// limit, with the sheet; and `Cancelled` (looked at once per row).

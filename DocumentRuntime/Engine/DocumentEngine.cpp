@@ -61,7 +61,7 @@ GeneratedDocument DocumentEngine::createPPTX(const SourceTable& table, std::stri
                                              const std::stop_token& stop) {
   validateInput(table, title);
   if (hasLongSlideCells(table)) {
-    throw DocumentError::unsupported(Refusal::longSlideCells);
+    throw DocumentError::unsupported(RefusalDetail::longSlideCells);
   }
   if (chart) validateChart(*chart, table);
   return validated(DocumentAuthor::pptx(table, title, chart, stop), DocumentFormat::pptx, table,

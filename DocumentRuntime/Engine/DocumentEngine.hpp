@@ -6,13 +6,13 @@
 
 #include "DocumentRuntime/Records/DocumentModels.hpp"
 
-namespace zelvo::Refusal {
+namespace zelvo::RefusalDetail {
 
 /// Details of errors that hosts compare.
 inline constexpr const char* longSlideCells =
     "long slide cells; use a Word table or a smaller presentation selection";
 
-}  // namespace zelvo::Refusal
+}  // namespace zelvo::RefusalDetail
 
 /// The operations on documents. Stateless. Every failure is a `DocumentError` with the rule that failed, or
 /// `Cancelled`.

@@ -49,9 +49,9 @@ bool OOXML::holdsDeclaration(std::string_view text) {
 XMLTree OOXML::xml(ByteView part) {
   const std::string_view text = textOf(part);
   if (part.size() > maximumXMLBytes || !Unicode::isValid(text)) {
-    throw DocumentError::unsupported(Refusal::xmlEncoding);
+    throw DocumentError::unsupported(RefusalDetail::xmlEncoding);
   }
-  if (holdsDeclaration(text)) throw DocumentError::unsafeContent(Refusal::xmlDeclaration);
+  if (holdsDeclaration(text)) throw DocumentError::unsafeContent(RefusalDetail::xmlDeclaration);
   // NUL is not allowed in XML, and programs that guess encodings take it for UTF-16.
   if (text.find('\0') != std::string_view::npos) throw DocumentError::invalidArchive("malformed XML");
   XMLTreeBuilder builder(text.size());

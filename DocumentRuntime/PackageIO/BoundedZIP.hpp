@@ -10,7 +10,7 @@
 #include "DocumentRuntime/PackageIO/PartMap.hpp"
 #include "DocumentRuntime/Records/ByteBuffer.hpp"
 
-namespace zelvo::Refusal {
+namespace zelvo::RefusalDetail {
 
 /// Details of errors that hosts compare.
 inline constexpr const char* archiveSize = "archive size";
@@ -21,7 +21,7 @@ inline constexpr const char* archiveLink = "archive link or special file";
 inline constexpr const char* archivePath = "duplicate or unsafe archive path";
 inline constexpr const char* expandedSize = "expanded archive size or compression ratio";
 
-}  // namespace zelvo::Refusal
+}  // namespace zelvo::RefusalDetail
 
 /// ZIP archives as OOXML packages use them, and nothing else: no ZIP64, no encryption, no other method than
 /// stored and raw deflate, no links, no ambiguous or overlapping entries. Sizes are checked before memory is

@@ -9,7 +9,7 @@
 #include "DocumentRuntime/PackageIO/XMLTree.hpp"
 #include "DocumentRuntime/Records/ByteBuffer.hpp"
 
-namespace zelvo::Refusal {
+namespace zelvo::RefusalDetail {
 
 /// Details of errors that hosts compare.
 inline constexpr const char* notAPackage = "not an OOXML package";
@@ -20,7 +20,7 @@ inline constexpr const char* activeContentType = "active content type";
 inline constexpr const char* externalRelationship = "external or ambiguous relationship";
 inline constexpr const char* missingTarget = "missing relationship target";
 
-}  // namespace zelvo::Refusal
+}  // namespace zelvo::RefusalDetail
 
 /// The checks that every package passes before any of its contents are used.
 namespace zelvo::OOXML {

@@ -79,7 +79,7 @@ std::string OOXML::TargetResolver::resolve(std::string_view target) const {
   // Decoded before any check: %2F and %2E have the effect of "/" and ".".
   const std::optional<std::string> decoded = percentDecoded(target);
   if (!decoded || std::any_of(decoded->begin(), decoded->end(), isRefused)) {
-    throw DocumentError::unsafeContent(Refusal::relationshipURI);
+    throw DocumentError::unsafeContent(RefusalDetail::relationshipURI);
   }
   if (!base_) throw DocumentError::invalidArchive("relationship location");
 
@@ -89,13 +89,13 @@ std::string OOXML::TargetResolver::resolve(std::string_view target) const {
   while (!rest.empty()) {
     const std::string_view piece = takePiece(rest);
     if (piece == "..") {
-      if (path.empty()) throw DocumentError::unsafeContent(Refusal::relationshipTraversal);
+      if (path.empty()) throw DocumentError::unsafeContent(RefusalDetail::relationshipTraversal);
       removeLastPiece(path);
     } else if (piece != ".") {
       appendFolder(path, piece);
     }
   }
-  if (!BoundedZIP::safeName(path)) throw DocumentError::unsafeContent(Refusal::relationshipPath);
+  if (!BoundedZIP::safeName(path)) throw DocumentError::unsafeContent(RefusalDetail::relationshipPath);
   return path;
 }
 

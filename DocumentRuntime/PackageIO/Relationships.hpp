@@ -9,13 +9,13 @@
 
 namespace zelvo {
 /// Details of errors that hosts compare.
-namespace Refusal {
+namespace RefusalDetail {
 
 inline constexpr const char* relationshipURI = "relationship URI";
 inline constexpr const char* relationshipTraversal = "relationship traversal";
 inline constexpr const char* relationshipPath = "relationship path";
 
-}  // namespace Refusal
+}  // namespace RefusalDetail
 
 namespace OOXML {
 

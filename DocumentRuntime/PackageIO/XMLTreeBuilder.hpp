@@ -8,12 +8,12 @@
 
 #include "DocumentRuntime/PackageIO/XMLTree.hpp"
 
-namespace zelvo::Refusal {
+namespace zelvo::RefusalDetail {
 
 /// Details of errors that hosts compare.
 inline constexpr const char* xmlStructure = "XML structure";
 
-}  // namespace zelvo::Refusal
+}  // namespace zelvo::RefusalDetail
 
 namespace zelvo::OOXML {
 

@@ -4,7 +4,7 @@
 
 #include "DocumentRuntime/Records/DocumentModels.hpp"
 
-namespace zelvo::Refusal {
+namespace zelvo::RefusalDetail {
 
 /// Details of errors that hosts compare.
 inline constexpr const char* tableBounds = "table, title, or source bounds";
@@ -13,7 +13,7 @@ inline constexpr const char* chartValues =
     "chart categories and numeric values must be present; missing values are not zero";
 inline constexpr const char* chartUnits = "chart values have mixed formats or units";
 
-}  // namespace zelvo::Refusal
+}  // namespace zelvo::RefusalDetail
 
 /// The rules for a table, a title and a chart before a document is written. Lengths are in user-perceived
 /// characters.

@@ -11,12 +11,12 @@
 namespace zelvo {
 
 /// Details of errors that hosts compare.
-namespace Refusal {
+namespace RefusalDetail {
 
 inline constexpr const char* tableDiffers = "table cells differ from frozen source values";
 inline constexpr const char* tableDimensions = "table dimensions";
 
-}  // namespace Refusal
+}  // namespace RefusalDetail
 
 /// A row of a table in either vocabulary: its `tc` children. A cell's text is that of all `t` elements at any
 /// depth below it, joined. `t` elements may nest: the text of the inner one then counts for each.

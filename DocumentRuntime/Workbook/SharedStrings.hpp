@@ -11,11 +11,11 @@
 namespace zelvo {
 
 /// Details of errors that hosts compare.
-namespace Refusal {
+namespace RefusalDetail {
 
 inline constexpr const char* sharedStrings = "shared strings";
 
-}  // namespace Refusal
+}  // namespace RefusalDetail
 
 /// The strings that cells refer to by index. Owns one buffer with all of them.
 class SharedStrings {

@@ -104,7 +104,7 @@ void takeHeader(SourceTable& table) {
     std::string title = cell.displayText();
     if (Unicode::trimmed(title).empty() ||
         Unicode::exceeds(title, TableExtraction::maximumHeaderCharacters)) {
-      throw DocumentError::invalidSelection(Refusal::header);
+      throw DocumentError::invalidSelection(RefusalDetail::header);
     }
     table.columns.push_back(std::move(title));
     table.headerUsesCachedFormulaValues |= cell.usesCachedFormulaValue;
@@ -136,7 +136,7 @@ CellRange TableExtraction::selectedRange(const TableSelection& selection) {
   const CellRange range = CellRange::parse(selection.range);
   const std::int64_t minimumRows = selection.firstRowIsHeader ? 2 : 1;
   if (widthOf(range) > maximumColumns || heightOf(range) > maximumRows || heightOf(range) < minimumRows) {
-    throw DocumentError::resourceLimit(Refusal::selectionTooLarge);
+    throw DocumentError::resourceLimit(RefusalDetail::selectionTooLarge);
   }
   return range;
 }
@@ -147,23 +147,23 @@ SourceTable TableExtraction::read(XMLNode worksheet, const CellRange& range, con
                                   const std::stop_token& stop) {
   RangeCollector contents(range);
   walkWorksheet(worksheet, contents);
-  if (contents.mergedInRange) throw DocumentError::unsupported(Refusal::mergedCells);
+  if (contents.mergedInRange) throw DocumentError::unsupported(RefusalDetail::mergedCells);
   if (contents.hiddenColumnInRange) {
-    throw DocumentError::invalidSelection(Refusal::hiddenColumns);
+    throw DocumentError::invalidSelection(RefusalDetail::hiddenColumns);
   }
 
   SourceTable table;
   table.rows = readRows(contents, range, selection, reader, acceptedEmptyFormulaCells, stop);
-  if (table.rows.empty()) throw DocumentError::invalidSelection(Refusal::noVisibleRows);
+  if (table.rows.empty()) throw DocumentError::invalidSelection(RefusalDetail::noVisibleRows);
   if (selection.firstRowIsHeader) {
     if (contents.isHidden(0) && !selection.includeHiddenRows) {
-      throw DocumentError::invalidSelection(Refusal::hiddenHeader);
+      throw DocumentError::invalidSelection(RefusalDetail::hiddenHeader);
     }
     takeHeader(table);
   } else {
     nameColumns(table, range);
   }
-  if (table.rows.empty()) throw DocumentError::invalidSelection(Refusal::noDataRows);
+  if (table.rows.empty()) throw DocumentError::invalidSelection(RefusalDetail::noDataRows);
   addWarnings(table, contents, selection.includeHiddenRows);
   return table;
 }

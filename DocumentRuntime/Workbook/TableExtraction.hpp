@@ -10,7 +10,7 @@
 #include "DocumentRuntime/Records/DocumentModels.hpp"
 #include "DocumentRuntime/Workbook/CellReader.hpp"
 
-namespace zelvo::Refusal {
+namespace zelvo::RefusalDetail {
 
 /// Details of errors that hosts compare.
 inline constexpr const char* selectionTooLarge = "select at most eight columns and 200 data rows";
@@ -21,7 +21,7 @@ inline constexpr const char* hiddenHeader = "header row is hidden";
 inline constexpr const char* header = "headers must be nonempty and at most 120 characters";
 inline constexpr const char* noDataRows = "no data rows";
 
-}  // namespace zelvo::Refusal
+}  // namespace zelvo::RefusalDetail
 
 /// Extracts one range from one worksheet.
 namespace zelvo::TableExtraction {
@@ -32,7 +32,7 @@ inline constexpr std::int64_t maximumRows = 201;
 inline constexpr std::size_t maximumHeaderCharacters = 120;
 
 /// Parses the selection's range and checks its size. Throws the errors of `CellRange::parse`, and
-/// `DocumentError` resourceLimit `Refusal::selectionTooLarge`.
+/// `DocumentError` resourceLimit `RefusalDetail::selectionTooLarge`.
 CellRange selectedRange(const TableSelection& selection);
 
 /// Reads columns, rows and warnings of `range` into a table; the caller adds source, sheet and range. An

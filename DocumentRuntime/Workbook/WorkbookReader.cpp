@@ -74,7 +74,7 @@ void WorkbookReader::identify(ByteView data, std::string_view sourceName) {
 void WorkbookReader::open(PartMap parts, const std::stop_token& stop, std::size_t keptTreeBytes) {
   PassedParts passed = vetParts(std::move(parts), stop, keptTreeBytes);
   if (!passed.structure || !passed.relationships)
-    throw DocumentError::unsupported(Refusal::workbookStructure);
+    throw DocumentError::unsupported(RefusalDetail::workbookStructure);
   WorkbookStructure structure = passed.structure->take();
   uses1904Dates_ = structure.uses1904Dates;
   calculationMode_ = std::move(structure.calculationMode);
@@ -121,7 +121,7 @@ SourceTable WorkbookReader::table(const TableSelection& selection,
                                   const std::stop_token& stop) const {
   const auto sheet = std::ranges::find(sheets_, selection.sheetName, &Sheet::name);
   if (sheet == sheets_.end() || sheet->hidden) {
-    throw DocumentError::invalidSelection(Refusal::unknownSheet);
+    throw DocumentError::invalidSelection(RefusalDetail::unknownSheet);
   }
   const CellRange range = TableExtraction::selectedRange(selection);
   const WorksheetPart& part = partOf(*sheet);
@@ -144,7 +144,7 @@ const WorkbookReader::WorksheetPart& WorkbookReader::partOf(const Sheet& sheet) 
   // The gate passes parts in the order of their names, so the list is sorted.
   const auto found = std::ranges::lower_bound(worksheets_, sheet.path, {}, &WorksheetPart::name);
   if (found == worksheets_.end() || found->name != sheet.path)
-    throw DocumentError::unsupported(Refusal::worksheetType);
+    throw DocumentError::unsupported(RefusalDetail::worksheetType);
   return *found;
 }
 

@@ -20,13 +20,13 @@
 namespace zelvo {
 
 /// Details of errors that hosts compare.
-namespace Refusal {
+namespace RefusalDetail {
 
 inline constexpr const char* workbookStructure = "XLSX workbook structure";
 inline constexpr const char* unknownSheet = "unknown or hidden worksheet";
 inline constexpr const char* worksheetType = "worksheet type";
 
-}  // namespace Refusal
+}  // namespace RefusalDetail
 
 /// A vetted XLSX workbook (Transitional SpreadsheetML). Owns its data.
 ///

@@ -11,12 +11,12 @@
 namespace zelvo {
 
 /// Details of errors that hosts compare.
-namespace Refusal {
+namespace RefusalDetail {
 
 inline constexpr const char* notTransitional = "only Transitional XLSX is supported";
 inline constexpr const char* sheetCount = "worksheet count";
 
-}  // namespace Refusal
+}  // namespace RefusalDetail
 
 /// The names of the parts that are not worksheets.
 namespace WorkbookParts {

@@ -9,13 +9,13 @@
 namespace zelvo {
 
 /// Details of errors that hosts compare.
-namespace Refusal {
+namespace RefusalDetail {
 
 inline constexpr const char* rowIdentity = "worksheet row identity";
 inline constexpr const char* cellWithoutAddress = "cell without address";
 inline constexpr const char* cellCount = "populated cell count";
 
-}  // namespace Refusal
+}  // namespace RefusalDetail
 
 inline constexpr std::int64_t maximumWorksheetCells = 50'000;
 

@@ -73,6 +73,9 @@ TEST_F(CleanCommands, OtherCommandsReadTheCleanedWorkbook) {
   EXPECT_NE(created.output.find(notes(cleaned)), std::string::npos) << created;
   EXPECT_EQ(contentOf(folder.path("kept.xlsx")), cleaned);
 
+  folder.write("t.json", zelvo("extract @book.xlsx --clean --json" + table).output);
+  EXPECT_EQ(zelvo("validate @a.docx --expect @t.json").status, 0);
+
   EXPECT_EQ(zelvo("extract @book.xlsx --sheet Sales --range A6:B6 --no-header --unmerge --csv").status, 0);
 }
 

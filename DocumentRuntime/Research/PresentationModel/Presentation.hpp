@@ -15,7 +15,7 @@
 namespace zelvo {
 
 /// Details of errors that hosts compare.
-namespace Refusal {
+namespace RefusalDetail {
 
 inline constexpr const char* slideSources = "Slide sources must be returned research URLs.";
 inline constexpr const char* sourceIDs = "Source IDs require the trusted local/public provenance scope.";
@@ -27,7 +27,7 @@ inline constexpr const char* sharedChart =
 inline constexpr const char* referencedChart =
     "A chart slide needs its exact canonical dataset and chart, at most 40 periods and one insight.";
 
-}  // namespace Refusal
+}  // namespace RefusalDetail
 
 /// A chart of a dataset, as slides name it.
 struct ResearchChartReference {

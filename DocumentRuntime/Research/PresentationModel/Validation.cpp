@@ -102,12 +102,12 @@ void checkEvidence(const Slide& slide, const AllowedSources& allowedSources,
     return;
   }
   const bool citesIDs = slide.sourceIDs && !slide.sourceIDs->empty();
-  require(!citesIDs || !allowedSources, Refusal::sourceIDs);
+  require(!citesIDs || !allowedSources, RefusalDetail::sourceIDs);
 }
 
 void checkReferencedChart(const Slide& slide, bool isCover, const ResearchSpreadsheet* dataset) {
   require(!isCover && dataset != nullptr && dataset->rows.size() <= maximumPeriods && slide.body.size() == 1,
-          Refusal::referencedChart);
+          RefusalDetail::referencedChart);
 }
 
 /// Numbers, which calculations may fill in too, have texts far below the limit.
@@ -123,7 +123,7 @@ bool hasShortCategories(const ResearchSpreadsheet& dataset, std::int64_t chartIn
 void checkSharedChart(const Slide& slide, bool isCover, const ResearchSpreadsheet* dataset) {
   require(!isCover && dataset != nullptr && dataset->rows.size() <= maximumPeriods &&
               slide.body.size() == 1 && hasShortCategories(*dataset, *slide.chartIndex),
-          Refusal::sharedChart);
+          RefusalDetail::sharedChart);
 }
 
 void checkSources(const Slide& slide, const AllowedSources& allowedSources) {
@@ -131,7 +131,7 @@ void checkSources(const Slide& slide, const AllowedSources& allowedSources) {
     return source.size() <= maximumURLBytes && SourceReferences::isWebURL(source) &&
            (!allowedSources || std::ranges::find(*allowedSources, source) != allowedSources->end());
   });
-  require(areReturned, Refusal::slideSources);
+  require(areReturned, RefusalDetail::slideSources);
 }
 
 }  // namespace

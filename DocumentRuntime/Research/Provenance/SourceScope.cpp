@@ -118,7 +118,7 @@ void ResearchSourceScope::validate(const std::optional<std::vector<std::string>>
   const bool isScopeEmpty = localSnapshotIDs_.empty() && publicSources_.empty();
   const bool lacksEvidence = requiresEvidence && cited.empty() && urls.empty() && !isScopeEmpty;
   if (lacksEvidence || !holds(cited, urls)) {
-    throw DocumentError::validationFailed(Refusal::scopedSources);
+    throw DocumentError::validationFailed(RefusalDetail::scopedSources);
   }
 }
 

@@ -11,12 +11,12 @@
 namespace zelvo {
 
 /// Details of errors that hosts compare.
-namespace Refusal {
+namespace RefusalDetail {
 
 inline constexpr const char* scopedSources =
     "Use exact trusted local snapshot IDs or accepted public evidence; local evidence needs no public URL.";
 
-}  // namespace Refusal
+}  // namespace RefusalDetail
 
 /// The URLs that a host lets a result cite: nullopt is no rule, an empty list allows no URL at all.
 using AllowedSources = std::optional<std::vector<std::string>>;

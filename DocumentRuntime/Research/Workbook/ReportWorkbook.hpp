@@ -8,13 +8,13 @@
 
 #include "DocumentRuntime/Records/ByteBuffer.hpp"
 
-namespace zelvo::Refusal {
+namespace zelvo::RefusalDetail {
 
 /// Details of errors that hosts compare.
 inline constexpr const char* noReportTable =
     "The saved report has no table. Continue the task to prepare spreadsheet data.";
 
-}  // namespace zelvo::Refusal
+}  // namespace zelvo::RefusalDetail
 
 namespace zelvo::ResearchWorkbook {
 
