@@ -2,6 +2,7 @@
 // and escapes what they return before it is written to a terminal.
 
 #include <algorithm>
+#include <chrono>
 #include <exception>
 #include <new>
 #include <variant>
@@ -9,6 +10,7 @@
 #include "zelvo/Batch/Batch.hpp"
 #include "zelvo/CommandLine/CommandLine.hpp"
 #include "zelvo/Commands/Commands.hpp"
+#include "zelvo/Execution/ConfinedChild.hpp"
 #include "zelvo/Execution/ProcessSetup.hpp"
 #include "zelvo/Execution/WorkerExchange.hpp"
 #include "zelvo/Output/Console.hpp"
@@ -17,14 +19,14 @@ namespace zelvo {
 namespace {
 
 struct RunCommand {
-  const DocumentWorkerHost& host;
-  const DocumentCleanerHost& cleaner;
+  const Hosts& hosts;
 
-  ExitStatus operator()(const BatchArguments& arguments) const { return batch(host, cleaner, arguments); }
-  ExitStatus operator()(const InspectArguments& arguments) const { return inspect(host, arguments); }
-  ExitStatus operator()(const ExtractArguments& arguments) const { return extract(host, arguments); }
-  ExitStatus operator()(const CreateArguments& arguments) const { return create(host, arguments); }
-  ExitStatus operator()(const ValidateArguments& arguments) const { return validate(host, arguments); }
+  ExitStatus operator()(const BatchArguments& arguments) const { return batch(hosts, arguments); }
+  ExitStatus operator()(const InspectArguments& arguments) const { return inspect(hosts, arguments); }
+  ExitStatus operator()(const ExtractArguments& arguments) const { return extract(hosts, arguments); }
+  ExitStatus operator()(const CreateArguments& arguments) const { return create(hosts, arguments); }
+  ExitStatus operator()(const ValidateArguments& arguments) const { return validate(hosts, arguments); }
+  ExitStatus operator()(const CleanArguments& arguments) const { return clean(hosts, arguments); }
   ExitStatus operator()(const ResearchCheckArguments& arguments) const { return researchCheck(arguments); }
   ExitStatus operator()(const ResearchWorkbookArguments& arguments) const {
     return researchWorkbook(arguments);
@@ -42,9 +44,10 @@ ExitStatus run(int count, const char* const* arguments) {
     Console::print(information->text);
     return ExitStatus::success;
   }
-  const DocumentWorkerHost host(workerBesideTool());
-  const DocumentCleanerHost cleaner(cleanerBesideTool());
-  return std::visit(RunCommand{host, cleaner}, std::get<Command>(*parsed));
+  const auto& [command, hostArguments] = std::get<Invocation>(*parsed);
+  setConfinedChildTimeout(std::chrono::seconds(hostArguments.timeoutSeconds));
+  const Hosts hosts = findHosts(hostArguments);
+  return std::visit(RunCommand{hosts}, command);
 }
 
 ExitStatus runAndFinish(int count, const char* const* arguments) {

@@ -8,6 +8,17 @@
 
 #include "DocumentRuntime/Records/DocumentModels.hpp"
 
+namespace zelvo::RefusalDetail {
+
+/// Details of errors that hosts compare.
+inline constexpr const char* tallSlideRow =
+    "presentation cells need too much vertical space; use Word or fewer columns";
+inline constexpr const char* slideCount = "presentation exceeds 20 table slides";
+inline constexpr const char* longSlideTitle = "presentation title is too long for two lines";
+inline constexpr const char* longChartTitle = "chart title is too long for two lines";
+
+}  // namespace zelvo::RefusalDetail
+
 /// Writes documents that show an extracted table. The input rules must have passed: only rules of the layout
 /// are checked here. Equal inputs give equal bytes.
 namespace zelvo::DocumentAuthor {

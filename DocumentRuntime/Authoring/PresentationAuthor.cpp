@@ -123,14 +123,14 @@ std::vector<std::string> tableTitles(std::string_view title, std::size_t pageCou
   for (std::size_t i = 0; i < pageCount; ++i) {
     std::string& slideTitle = titles.emplace_back(title);
     if (pageCount > 1) OOXML::append(slideTitle, " · ", i + 1, "/", pageCount);
-    requireTwoLines(slideTitle, "presentation title is too long for two lines");
+    requireTwoLines(slideTitle, RefusalDetail::longSlideTitle);
   }
   return titles;
 }
 
 std::string_view chartTitle(const ChartSelection& chart, std::string_view documentTitle) {
   const std::string_view title = chart.title.empty() ? documentTitle : std::string_view(chart.title);
-  requireTwoLines(title, "chart title is too long for two lines");
+  requireTwoLines(title, RefusalDetail::longChartTitle);
   return title;
 }
 

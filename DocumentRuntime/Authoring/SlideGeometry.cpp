@@ -4,6 +4,7 @@
 #include <cmath>
 #include <utility>
 
+#include "DocumentRuntime/Authoring/DocumentAuthor.hpp"
 #include "DocumentRuntime/Errors/DocumentError.hpp"
 #include "Text/Unicode.hpp"
 
@@ -76,8 +77,7 @@ std::vector<DocumentAuthor::TablePage> DocumentAuthor::tablePages(const SourceTa
       texts.push_back(cell.displayText());
     const std::int64_t height = rowHeight(texts);
     if (headerHeight + height > pageHeight) {
-      throw DocumentError::unsupported(
-          "presentation cells need too much vertical space; use Word or fewer columns");
+      throw DocumentError::unsupported(RefusalDetail::tallSlideRow);
     }
     if (used + height > pageHeight) {
       pages.push_back(std::exchange(page, {table.columns}));
@@ -87,7 +87,7 @@ std::vector<DocumentAuthor::TablePage> DocumentAuthor::tablePages(const SourceTa
     used += height;
   }
   if (page.size() > 1) pages.push_back(std::move(page));
-  if (pages.size() > maximumPages) throw DocumentError::resourceLimit("presentation exceeds 20 table slides");
+  if (pages.size() > maximumPages) throw DocumentError::resourceLimit(RefusalDetail::slideCount);
   return pages;
 }
 

@@ -12,7 +12,7 @@ namespace {
 constexpr int maximumRowDigits = 7;
 
 DocumentError outOfBounds() {
-  return DocumentError::invalidSelection("cell address bounds");
+  return DocumentError::invalidSelection(RefusalDetail::addressBounds);
 }
 
 /// Parses an upper-case text byte by byte: no byte of a scalar outside ASCII is an ASCII letter or digit.
@@ -29,7 +29,7 @@ CellAddress parseUppercased(std::string_view text) {
       continue;
     }
     lettersEnded = true;
-    if (character < '0' || character > '9') throw DocumentError::invalidSelection("cell address");
+    if (character < '0' || character > '9') throw DocumentError::invalidSelection(RefusalDetail::address);
     row = row * 10 + (character - '0');
     if (++rowDigits > maximumRowDigits) throw outOfBounds();
   }
@@ -68,12 +68,12 @@ CellRange CellRange::parse(std::string_view text) {
     return {only, only};
   }
   if (text.find(':', colon + 1) != std::string_view::npos) {
-    throw DocumentError::invalidSelection("use one rectangular A1 range");
+    throw DocumentError::invalidSelection(RefusalDetail::oneRange);
   }
   const CellRange range = {CellAddress::parse(text.substr(0, colon)),
                            CellAddress::parse(text.substr(colon + 1))};
   if (range.last.row < range.first.row || range.last.column < range.first.column) {
-    throw DocumentError::invalidSelection("reversed range");
+    throw DocumentError::invalidSelection(RefusalDetail::reversedRange);
   }
   return range;
 }

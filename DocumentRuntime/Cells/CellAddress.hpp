@@ -7,6 +7,16 @@
 
 namespace zelvo {
 
+/// Details of errors that hosts compare.
+namespace RefusalDetail {
+
+inline constexpr const char* addressBounds = "cell address bounds";
+inline constexpr const char* address = "cell address";
+inline constexpr const char* oneRange = "use one rectangular A1 range";
+inline constexpr const char* reversedRange = "reversed range";
+
+}  // namespace RefusalDetail
+
 /// One cell in A1 notation. Column and row are one-based: A is 1, XFD is 16384. Ordered row-major: B1 before
 /// A2.
 struct CellAddress {

@@ -110,12 +110,12 @@ std::string excelDate(std::string_view raw, std::string_view cellName, std::stri
   const auto serial = NumberText::value(raw);
   if (!serial || *serial < 0 || *serial > maximumSerial ||
       (!uses1904Dates && std::floor(*serial) == falseLeapDay)) {
-    throw DocumentError::unsupported("Excel date at " + std::string(cellName));
+    throw DocumentError::unsupported(RefusalDetail::date + std::string(cellName));
   }
   const sys_seconds instant = instantOf(*serial, uses1904Dates);
   if (DocumentNumberFormat::isTime(format)) {
     if (*serial >= 1) {
-      throw DocumentError::unsupported("time value spans multiple days at " + std::string(cellName));
+      throw DocumentError::unsupported(RefusalDetail::timeSpan + std::string(cellName));
     }
     return timeText(instant);
   }

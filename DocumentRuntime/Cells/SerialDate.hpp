@@ -5,6 +5,14 @@
 #include <string>
 #include <string_view>
 
+namespace zelvo::RefusalDetail {
+
+/// Details of errors that hosts compare.
+inline constexpr const char* date = "Excel date at ";
+inline constexpr const char* timeSpan = "time value spans multiple days at ";
+
+}  // namespace zelvo::RefusalDetail
+
 /// Dates and times as workbooks store them: serial day counts, and ISO 8601 texts. All dates are Gregorian,
 /// all times without a zone.
 namespace zelvo::SerialDate {

@@ -1,6 +1,7 @@
 #include "DocumentRuntime/Cleaning/ElementReader.hpp"
 
 #include "DocumentRuntime/Cleaning/DroppedParts.hpp"
+#include "DocumentRuntime/Cleaning/WorkbookCleaner.hpp"
 #include "DocumentRuntime/Errors/DocumentError.hpp"
 
 namespace zelvo::Cleaning {
@@ -80,7 +81,7 @@ void refuseAttribute(Attribute attribute, const std::string& place) {
 Namespace mainNamespace(const NamespaceScope& root, std::string_view localName, std::string_view place) {
   const auto [space, local] = root.name();
   if (local != localName || (space != Namespace::main && space != Namespace::strictMain))
-    throw DocumentError::unsupported("root element of " + std::string(place));
+    throw DocumentError::unsupported(RefusalDetail::rootElement + std::string(place));
   return space;
 }
 

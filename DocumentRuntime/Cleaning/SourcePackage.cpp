@@ -3,9 +3,12 @@
 #include <algorithm>
 
 #include "DocumentRuntime/Cleaning/DroppedParts.hpp"
+#include "DocumentRuntime/Cleaning/WorkbookCleaner.hpp"
 #include "DocumentRuntime/Errors/DocumentError.hpp"
+#include "DocumentRuntime/PackageIO/PackageGate.hpp"
 #include "DocumentRuntime/PackageIO/Relationships.hpp"
 #include "DocumentRuntime/PackageIO/XMLNamespaces.hpp"
+#include "DocumentRuntime/Workbook/WorkbookReader.hpp"
 #include "Text/Unicode.hpp"
 
 namespace zelvo::Cleaning {
@@ -26,7 +29,7 @@ constexpr std::string_view plainWorkbookType =
     "application/vnd.openxmlformats-officedocument.spreadsheetml.sheet.main+xml";
 
 DocumentError ambiguousRelationship() {
-  return DocumentError::unsafeContent("external or ambiguous relationship");
+  return DocumentError::unsafeContent(RefusalDetail::externalRelationship);
 }
 
 }  // namespace
@@ -58,7 +61,7 @@ const OOXML::ArchiveTrees::Entry& SourceRelationships::target(const SourceRelati
                                                               const BoundedZIP::Archive& archive) const {
   if (relationship.isExternal) throw ambiguousRelationship();
   const auto* part = archive.find(OOXML::resolve(relationship.target, partName_));
-  if (part == nullptr) throw DocumentError::invalidArchive("missing relationship target");
+  if (part == nullptr) throw DocumentError::invalidArchive(RefusalDetail::missingTarget);
   return *part;
 }
 
@@ -68,10 +71,10 @@ SourcePackage::SourcePackage(OOXML::ArchiveTrees& trees) : trees_(trees) {
   readContentTypes(trees_.root(contentTypes));
 
   workbook_ = linkedPart(relationshipsOf(""), "officeDocument", usualWorkbook);
-  if (workbook_ == nullptr) throw DocumentError::unsupported("XLSX workbook structure");
+  if (workbook_ == nullptr) throw DocumentError::unsupported(RefusalDetail::workbookStructure);
   markRead(*workbook_);
   if (contentType(workbook_->name).find("sheet.binary") != std::string::npos)
-    throw DocumentError::unsupported("binary workbook (.xlsb)");
+    throw DocumentError::unsupported(RefusalDetail::binaryWorkbook);
   workbookRelationships_ = relationshipsOf(workbook_->name);
   sharedStrings_ = linkedPart(workbookRelationships_, "sharedStrings", usualSharedStrings);
   styles_ = linkedPart(workbookRelationships_, "styles", usualStyles);
@@ -79,7 +82,7 @@ SourcePackage::SourcePackage(OOXML::ArchiveTrees& trees) : trees_(trees) {
 
 const SourcePackage::Entry& SourcePackage::required(std::string_view name) {
   const Entry* const part = trees_.archive().find(name);
-  if (part == nullptr) throw DocumentError::invalidArchive("not an OOXML package");
+  if (part == nullptr) throw DocumentError::invalidArchive(RefusalDetail::notAPackage);
   markRead(*part);
   return *part;
 }

@@ -150,8 +150,8 @@ void Cleaner::chooseSheets() {
     }
   }
   if (!missing.empty())
-    throw DocumentError::invalidSelection("no worksheet is named " + std::string(*missing.begin()));
-  if (sheets_.empty()) throw DocumentError::unsupported("no worksheet is left");
+    throw DocumentError::invalidSelection(RefusalDetail::noSuchWorksheet + std::string(*missing.begin()));
+  if (sheets_.empty()) throw DocumentError::unsupported(RefusalDetail::noWorksheet);
   if (sheets_.size() > maximumSheets) throw DocumentError::resourceLimit("more than 64 worksheets");
   checkNames();
 
@@ -240,7 +240,7 @@ void Cleaner::writeSheet(KeptSheet& sheet) {
   }
   plainFormats_.enterSheet(static_cast<std::int64_t>(index));
 
-  const std::string place = "sheet " + sheet.name;
+  const std::string place = RefusalDetail::sheetPlace + sheet.name;
   const XMLNode root = read(*sheet.part, place);
   WorksheetCleaner(sheet.name, {.findings = findings_,
                                 .writer = writer_,
@@ -322,7 +322,7 @@ CleanedWorkbook cleanWorkbook(ByteBuffer source, std::string_view sourceName, co
   if (sourceName.size() > WorkbookReader::maximumSourceNameBytes)
     throw DocumentError::resourceLimit("source name");
   if (source.text().starts_with(Cleaning::compoundFileSignature))
-    throw DocumentError::unsupported("encrypted or old binary workbook (compound file)");
+    throw DocumentError::unsupported(RefusalDetail::compoundFile);
 
   CleanedWorkbook cleaned;
   cleaned.sourceSHA256 = OOXML::hash(source.view());

@@ -11,6 +11,19 @@
 
 namespace zelvo {
 
+/// Details of errors that hosts compare.
+namespace RefusalDetail {
+
+inline constexpr const char* compoundFile = "encrypted or old binary workbook (compound file)";
+inline constexpr const char* binaryWorkbook = "binary workbook (.xlsb)";
+inline constexpr const char* noSuchWorksheet = "no worksheet is named ";
+inline constexpr const char* noWorksheet = "no worksheet is left";
+inline constexpr const char* rootElement = "root element of ";
+/// Before the name of the sheet that an error is about, within its detail.
+inline constexpr const char* sheetPlace = "sheet ";
+
+}  // namespace RefusalDetail
+
 struct CleaningOptions {
   /// The worksheets to keep, by their exact names; all if absent.
   std::optional<std::vector<std::string>> sheets;

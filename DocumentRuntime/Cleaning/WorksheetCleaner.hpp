@@ -15,6 +15,7 @@
 #include "DocumentRuntime/Cleaning/FormulaUses.hpp"
 #include "DocumentRuntime/Cleaning/PartWriter.hpp"
 #include "DocumentRuntime/Cleaning/PlainFormats.hpp"
+#include "DocumentRuntime/Cleaning/WorkbookCleaner.hpp"
 
 namespace zelvo::Cleaning {
 
@@ -31,7 +32,7 @@ class WorksheetCleaner {
   };
 
   WorksheetCleaner(std::string_view sheetName, Tools tools)
-      : place_("sheet " + std::string(sheetName)), tools_(tools) {}
+      : place_(RefusalDetail::sheetPlace + std::string(sheetName)), tools_(tools) {}
 
   /// Throws `DocumentError` for content that cannot be written unambiguously, with the cell and the sheet,
   /// and for an exceeded limit, with the sheet. Throws `Cancelled` (checked once per row).

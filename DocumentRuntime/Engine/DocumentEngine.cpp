@@ -61,8 +61,7 @@ GeneratedDocument DocumentEngine::createPPTX(const SourceTable& table, std::stri
                                              const std::stop_token& stop) {
   validateInput(table, title);
   if (hasLongSlideCells(table)) {
-    throw DocumentError::unsupported(
-        "long slide cells; use a Word table or a smaller presentation selection");
+    throw DocumentError::unsupported(RefusalDetail::longSlideCells);
   }
   if (chart) validateChart(*chart, table);
   return validated(DocumentAuthor::pptx(table, title, chart, stop), DocumentFormat::pptx, table,

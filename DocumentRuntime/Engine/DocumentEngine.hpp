@@ -6,6 +6,14 @@
 
 #include "DocumentRuntime/Records/DocumentModels.hpp"
 
+namespace zelvo::RefusalDetail {
+
+/// Details of errors that hosts compare.
+inline constexpr const char* longSlideCells =
+    "long slide cells; use a Word table or a smaller presentation selection";
+
+}  // namespace zelvo::RefusalDetail
+
 /// The operations on documents. Stateless. Every failure is a `DocumentError` with the rule that failed, or
 /// `Cancelled`.
 namespace zelvo::DocumentEngine {

@@ -50,9 +50,9 @@ bool OOXML::holdsDeclaration(std::string_view text) {
 XMLTree OOXML::xml(ByteView part) {
   const std::string_view text = textOf(part);
   if (part.size() > maximumXMLBytes || !Unicode::isValid(text)) {
-    throw DocumentError::unsupported("XML encoding or size");
+    throw DocumentError::unsupported(RefusalDetail::xmlEncoding);
   }
-  if (holdsDeclaration(text)) throw DocumentError::unsafeContent("XML DTD or entity declaration");
+  if (holdsDeclaration(text)) throw DocumentError::unsafeContent(RefusalDetail::xmlDeclaration);
   // NUL is not allowed in XML, and programs that guess encodings would read the part as UTF-16.
   if (text.find('\0') != std::string_view::npos) throw DocumentError::invalidArchive("malformed XML");
   XMLTreeBuilder builder(text.size());

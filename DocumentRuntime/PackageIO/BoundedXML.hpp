@@ -6,6 +6,14 @@
 #include "DocumentRuntime/PackageIO/XMLTree.hpp"
 #include "DocumentRuntime/Records/ByteBuffer.hpp"
 
+namespace zelvo::RefusalDetail {
+
+/// Details of errors that hosts compare.
+inline constexpr const char* xmlEncoding = "XML encoding or size";
+inline constexpr const char* xmlDeclaration = "XML DTD or entity declaration";
+
+}  // namespace zelvo::RefusalDetail
+
 /// XML parts of packages, parsed under limits: no document type, no entity declaration, bounded in size,
 /// elements, depth and attributes. Namespaces are not processed: a prefix is part of the name.
 namespace zelvo::OOXML {

@@ -10,6 +10,19 @@
 #include "DocumentRuntime/PackageIO/PartMap.hpp"
 #include "DocumentRuntime/Records/ByteBuffer.hpp"
 
+namespace zelvo::RefusalDetail {
+
+/// Details of errors that hosts compare.
+inline constexpr const char* archiveSize = "archive size";
+inline constexpr const char* missingDirectory = "missing ZIP directory";
+inline constexpr const char* archiveForm = "ZIP64, split archives, or excessive entries";
+inline constexpr const char* archiveMethod = "encrypted archive or compression method";
+inline constexpr const char* archiveLink = "archive link or special file";
+inline constexpr const char* archivePath = "duplicate or unsafe archive path";
+inline constexpr const char* expandedSize = "expanded archive size or compression ratio";
+
+}  // namespace zelvo::RefusalDetail
+
 /// The subset of ZIP that OOXML packages use: no ZIP64, no encryption, no methods except stored and raw
 /// deflate, no links, no ambiguous or overlapping entries. Sizes are checked before memory is allocated.
 namespace zelvo::BoundedZIP {

@@ -65,12 +65,12 @@ Size findEndRecord(ByteView archive) {
     if (u32(archive, at) == endSignature && at + endRecordBytes + u16(archive, at + 20) == archive.size())
       return at;
   }
-  throw DocumentError::invalidArchive("missing ZIP directory");
+  throw DocumentError::invalidArchive(RefusalDetail::missingDirectory);
 }
 
 Directory findDirectory(ByteView archive) {
   if (archive.size() < minimumArchiveBytes || archive.size() > maximumArchiveBytes) {
-    throw DocumentError::resourceLimit("archive size");
+    throw DocumentError::resourceLimit(RefusalDetail::archiveSize);
   }
   const Size end = findEndRecord(archive);
   const ByteView record = archive.subspan(end, endRecordBytes);
@@ -83,7 +83,7 @@ Directory findDirectory(ByteView archive) {
 
   if (disk != 0 || directoryDisk != 0 || entriesOnDisk != entries || entries < 1 ||
       entries > maximumEntries || size == zip64Marker || offset == zip64Marker) {
-    throw DocumentError::unsupported("ZIP64, split archives, or excessive entries");
+    throw DocumentError::unsupported(RefusalDetail::archiveForm);
   }
   if (offset > end || end - offset != size) throw DocumentError::invalidArchive("directory bounds");
   return {.offset = offset, .end = end, .entries = entries};
@@ -118,14 +118,14 @@ Entry directoryEntry(ByteView archive, const Directory& directory, Size cursor) 
 void checkMethod(const Entry& entry) {
   if ((entry.flags & encryptionFlags) != 0 ||
       (entry.method != storedMethod && entry.method != deflatedMethod) || entry.diskStart != 0) {
-    throw DocumentError::unsupported("encrypted archive or compression method");
+    throw DocumentError::unsupported(RefusalDetail::archiveMethod);
   }
 }
 
 void checkFileType(const Entry& entry) {
   const std::uint32_t fileType = (entry.externalAttributes >> 16) & fileTypeMask;
   if (fileType != noFileType && fileType != regularFileType && fileType != directoryType) {
-    throw DocumentError::unsafeContent("archive link or special file");
+    throw DocumentError::unsafeContent(RefusalDetail::archiveLink);
   }
 }
 
@@ -135,7 +135,7 @@ void checkExpansion(const Entry& entry, Size& expandedBytes) {
   if (entry.uncompressedSize > maximumEntryBytes ||
       expandedBytes + entry.uncompressedSize > maximumExpandedBytes ||
       entry.uncompressedSize > entry.compressedSize * maximumExpansionRatio + expansionAllowanceBytes) {
-    throw DocumentError::resourceLimit("expanded archive size or compression ratio");
+    throw DocumentError::resourceLimit(RefusalDetail::expandedSize);
   }
   expandedBytes += entry.uncompressedSize;
 }
@@ -163,7 +163,7 @@ class Reader {
 void Reader::checkName(const Entry& entry) {
   if (!Unicode::isValid(entry.name) || !safeName(entry.name) ||
       !seenNames_.insert(Unicode::lowercased(entry.name)).second) {
-    throw DocumentError::unsafeContent("duplicate or unsafe archive path");
+    throw DocumentError::unsafeContent(RefusalDetail::archivePath);
   }
 }
 

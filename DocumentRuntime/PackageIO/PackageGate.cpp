@@ -52,21 +52,22 @@ bool isAllowedWorkbook(std::string_view name, std::string_view lowerCaseName, Pa
 /// Whether a part of that name is XML to be vetted; if not, it is an embedded workbook, which is skipped.
 bool isVettedPart(std::string_view name, std::string_view lowerCaseName, PackageAllowance allowance) {
   if (containsAny(lowerCaseName, refusedNames)) {
-    throw DocumentError::unsafeContent("active data connection or unsupported workbook feature");
+    throw DocumentError::unsafeContent(RefusalDetail::activeFeature);
   }
   const bool allowedWorkbook = isAllowedWorkbook(name, lowerCaseName, allowance);
   if (lowerCaseName.find(embeddingsFolder) != std::string_view::npos && !allowedWorkbook) {
-    throw DocumentError::unsafeContent("embedded object");
+    throw DocumentError::unsafeContent(RefusalDetail::embeddedObject);
   }
   if (lowerCaseName.ends_with(".xml") || lowerCaseName.ends_with(".rels")) return true;
-  if (!allowedWorkbook) throw DocumentError::unsupported("non-XML package part");
+  if (!allowedWorkbook) throw DocumentError::unsupported(RefusalDetail::nonXMLPart);
   return false;
 }
 
 void checkContentTypes(XMLNode root) {
   for (const XMLNode entry : root.children()) {
     const std::string type = Unicode::lowercased(entry.attribute("ContentType").value_or(""));
-    if (containsAny(type, activeContentTypes)) throw DocumentError::unsafeContent("active content type");
+    if (containsAny(type, activeContentTypes))
+      throw DocumentError::unsafeContent(RefusalDetail::activeContentType);
   }
 }
 
@@ -81,10 +82,10 @@ void checkRelationships(XMLNode root, std::string_view partName, const PartMap& 
     const auto target = relationship.attribute("Target");
     if (relationship.name() != "Relationship" || !identifier || !identifiers.insert(*identifier).second ||
         !target || relationship.attribute("TargetMode").value_or("Internal") != "Internal") {
-      throw DocumentError::unsafeContent("external or ambiguous relationship");
+      throw DocumentError::unsafeContent(RefusalDetail::externalRelationship);
     }
     if (!parts.contains(resolver.resolve(*target))) {
-      throw DocumentError::invalidArchive("missing relationship target");
+      throw DocumentError::invalidArchive(RefusalDetail::missingTarget);
     }
   }
 }
@@ -103,7 +104,7 @@ PartMap package(ByteView bytes, PackageAllowance allowance, const PartVisitor& v
 PartMap vetted(PartMap parts, PackageAllowance allowance, const PartVisitor& visitor,
                const std::stop_token& stop) {
   if (!parts.contains(contentTypesPart) || !parts.contains(packageRelationshipsPart)) {
-    throw DocumentError::invalidArchive("not an OOXML package");
+    throw DocumentError::invalidArchive(RefusalDetail::notAPackage);
   }
   for (const auto& [name, bytes] : parts) {
     throwIfCancelled(stop);

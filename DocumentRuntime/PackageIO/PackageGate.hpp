@@ -9,6 +9,19 @@
 #include "DocumentRuntime/PackageIO/XMLTree.hpp"
 #include "DocumentRuntime/Records/ByteBuffer.hpp"
 
+namespace zelvo::RefusalDetail {
+
+/// Details of errors that hosts compare.
+inline constexpr const char* notAPackage = "not an OOXML package";
+inline constexpr const char* activeFeature = "active data connection or unsupported workbook feature";
+inline constexpr const char* embeddedObject = "embedded object";
+inline constexpr const char* nonXMLPart = "non-XML package part";
+inline constexpr const char* activeContentType = "active content type";
+inline constexpr const char* externalRelationship = "external or ambiguous relationship";
+inline constexpr const char* missingTarget = "missing relationship target";
+
+}  // namespace zelvo::RefusalDetail
+
 /// The checks that every package passes before any of its contents are used.
 namespace zelvo::OOXML {
 

@@ -73,7 +73,7 @@ std::string OOXML::TargetResolver::resolve(std::string_view target) const {
   // Decoded before any check: %2F and %2E have the effect of "/" and ".".
   const std::optional<std::string> decoded = percentDecoded(target);
   if (!decoded || std::any_of(decoded->begin(), decoded->end(), isRefused)) {
-    throw DocumentError::unsafeContent("relationship URI");
+    throw DocumentError::unsafeContent(RefusalDetail::relationshipURI);
   }
   if (!base_) throw DocumentError::invalidArchive("relationship location");
 
@@ -83,13 +83,13 @@ std::string OOXML::TargetResolver::resolve(std::string_view target) const {
   while (!rest.empty()) {
     const std::string_view piece = takePiece(rest);
     if (piece == "..") {
-      if (path.empty()) throw DocumentError::unsafeContent("relationship traversal");
+      if (path.empty()) throw DocumentError::unsafeContent(RefusalDetail::relationshipTraversal);
       removeLastPiece(path);
     } else if (piece != ".") {
       appendFolder(path, piece);
     }
   }
-  if (!BoundedZIP::safeName(path)) throw DocumentError::unsafeContent("relationship path");
+  if (!BoundedZIP::safeName(path)) throw DocumentError::unsafeContent(RefusalDetail::relationshipPath);
   return path;
 }
 

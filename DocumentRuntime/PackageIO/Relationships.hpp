@@ -8,6 +8,15 @@
 #include "DocumentRuntime/PackageIO/XMLTree.hpp"
 
 namespace zelvo {
+/// Details of errors that hosts compare.
+namespace RefusalDetail {
+
+inline constexpr const char* relationshipURI = "relationship URI";
+inline constexpr const char* relationshipTraversal = "relationship traversal";
+inline constexpr const char* relationshipPath = "relationship path";
+
+}  // namespace RefusalDetail
+
 namespace OOXML {
 
 /// The name of the part that a relationship's target refers to. `relationshipPart` is the part that holds the

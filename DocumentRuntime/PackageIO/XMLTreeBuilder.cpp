@@ -37,7 +37,7 @@ XMLTreeBuilder::XMLTreeBuilder(std::size_t partBytes) : storage_(std::make_uniqu
 void XMLTreeBuilder::start(std::string_view qualifiedName, std::size_t attributeCount) {
   if (storage_->elements.size() >= maximumXMLElements || depth_ >= maximumXMLDepth ||
       attributeCount > maximumXMLAttributes) {
-    throw DocumentError::resourceLimit("XML structure");
+    throw DocumentError::resourceLimit(RefusalDetail::xmlStructure);
   }
   const auto index = static_cast<std::uint32_t>(storage_->elements.size());
   const auto firstAttribute = static_cast<std::uint32_t>(storage_->attributes.size());

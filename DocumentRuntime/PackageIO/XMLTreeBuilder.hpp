@@ -8,6 +8,13 @@
 
 #include "DocumentRuntime/PackageIO/XMLTree.hpp"
 
+namespace zelvo::RefusalDetail {
+
+/// Details of errors that hosts compare.
+inline constexpr const char* xmlStructure = "XML structure";
+
+}  // namespace zelvo::RefusalDetail
+
 namespace zelvo::OOXML {
 
 /// Turns a parser's events into a tree and enforces the limits on elements, depth and attributes, each before

@@ -174,7 +174,7 @@ void validateChartPackage(const GeneratedPackage& package, const SourceTable* ex
   bool approved = expectedTable->rows.size() == count;
   for (std::size_t i = 0; approved && i < count; ++i)
     approved = isApproved(i);
-  if (!approved) throw DocumentError::validationFailed("chart data differs from the approved columns");
+  if (!approved) throw DocumentError::validationFailed(RefusalDetail::chartDiffers);
 }
 
 }  // namespace zelvo

@@ -7,6 +7,13 @@
 
 namespace zelvo {
 
+/// Details of errors that hosts compare.
+namespace RefusalDetail {
+
+inline constexpr const char* chartDiffers = "chart data differs from the approved columns";
+
+}  // namespace RefusalDetail
+
 inline constexpr std::string_view chartPartName = "ppt/charts/chart1.xml";
 inline constexpr std::string_view chartWorkbookName = "ppt/embeddings/chart-data.xlsx";
 

@@ -92,7 +92,7 @@ bool isChartableRow(const std::vector<SourceCell>& row, std::size_t category, st
 }  // namespace
 
 void DocumentInputRules::checkTable(const SourceTable& table, std::string_view title) {
-  if (!isWithinBounds(table, title)) throw DocumentError::invalidSelection("table, title, or source bounds");
+  if (!isWithinBounds(table, title)) throw DocumentError::invalidSelection(RefusalDetail::tableBounds);
 
   const CellRange range = CellRange::parse(table.selectedRange);
   std::set<CellAddress> seen;
@@ -119,19 +119,18 @@ void DocumentInputRules::checkChart(const ChartSelection& selection, const Sourc
   if (!isColumn(selection.categoryColumn) || !isColumn(selection.valueColumn) ||
       selection.categoryColumn == selection.valueColumn || table.rows.size() > maximumChartRows ||
       Unicode::exceeds(selection.title, maximumChartTitleCharacters)) {
-    throw DocumentError::invalidSelection("chart needs two different columns and at most 30 rows");
+    throw DocumentError::invalidSelection(RefusalDetail::chartShape);
   }
   const auto category = static_cast<std::size_t>(selection.categoryColumn);
   const auto value = static_cast<std::size_t>(selection.valueColumn);
   std::set<std::string> formats;
   for (const auto& row : table.rows) {
     if (!isChartableRow(row, category, value)) {
-      throw DocumentError::invalidSelection(
-          "chart categories and numeric values must be present; missing values are not zero");
+      throw DocumentError::invalidSelection(RefusalDetail::chartValues);
     }
     formats.insert(row[value].numberFormat.value_or("General"));
   }
-  if (formats.size() != 1) throw DocumentError::invalidSelection("chart values have mixed formats or units");
+  if (formats.size() != 1) throw DocumentError::invalidSelection(RefusalDetail::chartUnits);
 }
 
 }  // namespace zelvo

@@ -4,6 +4,17 @@
 
 #include "DocumentRuntime/Records/DocumentModels.hpp"
 
+namespace zelvo::RefusalDetail {
+
+/// Details of errors that hosts compare.
+inline constexpr const char* tableBounds = "table, title, or source bounds";
+inline constexpr const char* chartShape = "chart needs two different columns and at most 30 rows";
+inline constexpr const char* chartValues =
+    "chart categories and numeric values must be present; missing values are not zero";
+inline constexpr const char* chartUnits = "chart values have mixed formats or units";
+
+}  // namespace zelvo::RefusalDetail
+
 /// The rules for a table, a title and a chart before a document is written. Lengths are in user-perceived
 /// characters.
 namespace zelvo::DocumentInputRules {

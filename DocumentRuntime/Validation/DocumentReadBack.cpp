@@ -161,9 +161,10 @@ void readPresentation(const GeneratedPackage& package, TableReadBack& table, con
   const bool hasChart = package.contains(chartPartName);
   const bool hasWorkbook = package.contains(chartWorkbookName);
   if (hasChart != hasWorkbook || (!hasChart && expectedChart != nullptr)) {
-    throw DocumentError::validationFailed("missing chart or orphaned chart workbook");
+    throw DocumentError::validationFailed(RefusalDetail::missingChart);
   }
-  if (hasChart && expectedChart == nullptr) throw DocumentError::validationFailed("unexpected chart");
+  if (hasChart && expectedChart == nullptr)
+    throw DocumentError::validationFailed(RefusalDetail::unexpectedChart);
   if (hasChart) validateChartPackage(package, expectedTable, *expectedChart, stop);
 }
 

@@ -9,6 +9,14 @@
 
 namespace zelvo {
 
+/// Details of errors that hosts compare.
+namespace RefusalDetail {
+
+inline constexpr const char* missingChart = "missing chart or orphaned chart workbook";
+inline constexpr const char* unexpectedChart = "unexpected chart";
+
+}  // namespace RefusalDetail
+
 inline constexpr std::string_view wordPartName = "word/document.xml";
 inline constexpr std::string_view presentationPartName = "ppt/presentation.xml";
 

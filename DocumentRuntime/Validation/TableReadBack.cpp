@@ -131,12 +131,12 @@ void TableReadBack::add(const TableRow& row) {
 void TableReadBack::check() const {
   if (rowCount_ < 1 || rowCount_ > maximumRows || columnCount_ < 1 || columnCount_ > maximumColumns ||
       isRagged_) {
-    throw DocumentError::validationFailed("table dimensions");
+    throw DocumentError::validationFailed(RefusalDetail::tableDimensions);
   }
   if (expected_ == nullptr) return;
   if (refusal_) throw DocumentError(*refusal_);
   if (!matches_ || rowCount_ != expected_->rows.size() + 1) {
-    throw DocumentError::validationFailed("table cells differ from frozen source values");
+    throw DocumentError::validationFailed(RefusalDetail::tableDiffers);
   }
 }
 

@@ -10,6 +10,14 @@
 
 namespace zelvo {
 
+/// Details of errors that hosts compare.
+namespace RefusalDetail {
+
+inline constexpr const char* tableDiffers = "table cells differ from frozen source values";
+inline constexpr const char* tableDimensions = "table dimensions";
+
+}  // namespace RefusalDetail
+
 /// A row of a Word or presentation table: its `tc` children. A cell's text is that of all `t` elements at any
 /// depth below it, joined. `t` elements may nest: the text of an inner one is then part of both.
 struct TableRow {

@@ -19,7 +19,7 @@ std::optional<std::string> formulaOf(XMLNode element, const CellReader::Options&
   if (!formula) return std::nullopt;
   // The text of a shared or array formula is in another cell: the provenance of this one would be incomplete.
   if (formula->attribute("t").value_or("normal") != "normal") {
-    throw DocumentError::unsupported("shared or array formula at " + name);
+    throw DocumentError::unsupported(RefusalDetail::sharedFormula + name);
   }
   const auto result = element.child("v");
   if (!options.allowCache || !result || (!result->hasContent() && !options.acceptEmptyFormula)) {
@@ -72,7 +72,7 @@ SourceCell CellReader::cell(std::optional<XMLNode> element, const CellAddress& a
   if (format) cell.numberFormat = *format;
   cell.value = value(*element, raw, format, cell.address);
   if (Unicode::exceeds(cell.value.payload(), maximumTextCharacters)) {
-    throw DocumentError::resourceLimit("selected cell text");
+    throw DocumentError::resourceLimit(RefusalDetail::cellText);
   }
   return cell;
 }
@@ -120,7 +120,8 @@ SourceCellValue CellReader::numeric(std::string_view raw, std::optional<std::str
       return SourceCellValue::date(SerialDate::excelDate(raw, name, *format, uses1904Dates_));
     }
     // An unsupported number format is refused, not approximated.
-    if (!DocumentNumberFormat::numeric(*format)) throw DocumentError::unsupported("number format at " + name);
+    if (!DocumentNumberFormat::numeric(*format))
+      throw DocumentError::unsupported(RefusalDetail::numberFormat + name);
   }
   return SourceCellValue::number(std::string(raw));
 }

@@ -13,6 +13,15 @@
 
 namespace zelvo {
 
+/// Details of errors that hosts compare.
+namespace RefusalDetail {
+
+inline constexpr const char* sharedFormula = "shared or array formula at ";
+inline constexpr const char* numberFormat = "number format at ";
+inline constexpr const char* cellText = "selected cell text";
+
+}  // namespace RefusalDetail
+
 /// Converts cells of one workbook to typed values. Refuses values that it cannot reproduce exactly. Nothing
 /// is recalculated.
 ///

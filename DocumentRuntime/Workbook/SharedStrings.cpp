@@ -22,7 +22,7 @@ SharedStrings SharedStrings::read(XMLNode root) {
     strings.ends_.push(static_cast<std::uint32_t>(strings.text_.size()));
     if (strings.size() > maximumItems ||
         Unicode::exceeds(std::string_view(strings.text_).substr(start), maximumCharacters)) {
-      throw DocumentError::resourceLimit("shared strings");
+      throw DocumentError::resourceLimit(RefusalDetail::sharedStrings);
     }
   }
   return strings;

@@ -10,6 +10,13 @@
 
 namespace zelvo {
 
+/// Details of errors that hosts compare.
+namespace RefusalDetail {
+
+inline constexpr const char* sharedStrings = "shared strings";
+
+}  // namespace RefusalDetail
+
 /// The strings that cells refer to by index. Owns one buffer with all of them.
 class SharedStrings {
  public:

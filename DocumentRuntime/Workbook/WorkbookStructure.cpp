@@ -35,7 +35,7 @@ WorkbookStructure WorkbookStructure::read(XMLTree& tree) {
   const XMLNode root = tree.root();
   // The Strict dialect has another namespace and other date texts.
   if (root.name() != "workbook" || root.attribute("xmlns") != transitionalNamespace) {
-    throw DocumentError::unsupported("only Transitional XLSX is supported");
+    throw DocumentError::unsupported(RefusalDetail::notTransitional);
   }
   const auto properties = root.child("workbookPr");
   const auto calculation = root.child("calcPr");
@@ -52,7 +52,7 @@ std::vector<Sheet> listSheets(const WorkbookStructure& structure, const Relation
   std::set<std::string> namesInUse;
   SheetPaths paths;
   const auto list = structure.tree.root().child("sheets");
-  if (!list) throw DocumentError::resourceLimit("worksheet count");
+  if (!list) throw DocumentError::resourceLimit(RefusalDetail::sheetCount);
   for (const XMLNode sheet : list->all("sheet")) {
     const auto name = sheet.attribute("name");
     const auto identifier = sheet.attribute("r:id");
@@ -66,7 +66,7 @@ std::vector<Sheet> listSheets(const WorkbookStructure& structure, const Relation
     const bool hidden = sheet.attribute("state").value_or("visible") != "visible";
     sheets.push_back({std::string(*name), hidden, paths.of(*target)});
   }
-  if (count == 0 || count > maximumSheets) throw DocumentError::resourceLimit("worksheet count");
+  if (count == 0 || count > maximumSheets) throw DocumentError::resourceLimit(RefusalDetail::sheetCount);
   return sheets;
 }
 

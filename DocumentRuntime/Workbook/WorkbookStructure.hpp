@@ -10,6 +10,14 @@
 
 namespace zelvo {
 
+/// Details of errors that hosts compare.
+namespace RefusalDetail {
+
+inline constexpr const char* notTransitional = "only Transitional XLSX is supported";
+inline constexpr const char* sheetCount = "worksheet count";
+
+}  // namespace RefusalDetail
+
 /// The names of the parts that are not worksheets.
 namespace WorkbookParts {
 

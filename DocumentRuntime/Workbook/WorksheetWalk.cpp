@@ -13,17 +13,17 @@ void walkRows(XMLNode sheetData, WorksheetVisitor& visitor) {
   for (const XMLNode row : sheetData.all("row")) {
     const auto number = xmlInteger(row.attribute("r"));
     if (!number || *number < 1 || *number > CellAddress::maximumRow || !identities.isNewRow(*number)) {
-      throw DocumentError::invalidArchive("worksheet row identity");
+      throw DocumentError::invalidArchive(RefusalDetail::rowIdentity);
     }
     visitor.row({*number, xmlFlag(row.attribute("hidden"))});
     for (const XMLNode cell : row.all("c")) {
       const auto reference = cell.attribute("r");
-      if (!reference) throw DocumentError::invalidArchive("cell without address");
+      if (!reference) throw DocumentError::invalidArchive(RefusalDetail::cellWithoutAddress);
       const CellAddress address = CellAddress::parse(*reference);
       if (address.row != *number || !identities.isNewCellInRow(address.column)) {
         throw DocumentError::invalidArchive("duplicate cell or mismatched row");
       }
-      if (++cellCount > maximumWorksheetCells) throw DocumentError::resourceLimit("populated cell count");
+      if (++cellCount > maximumWorksheetCells) throw DocumentError::resourceLimit(RefusalDetail::cellCount);
       visitor.cell(address, cell);
     }
   }

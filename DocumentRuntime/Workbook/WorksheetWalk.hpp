@@ -8,6 +8,15 @@
 
 namespace zelvo {
 
+/// Details of errors that hosts compare.
+namespace RefusalDetail {
+
+inline constexpr const char* rowIdentity = "worksheet row identity";
+inline constexpr const char* cellWithoutAddress = "cell without address";
+inline constexpr const char* cellCount = "populated cell count";
+
+}  // namespace RefusalDetail
+
 inline constexpr std::int64_t maximumWorksheetCells = 50'000;
 
 struct WorksheetRow {

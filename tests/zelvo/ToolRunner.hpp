@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstdlib>
 #include <fcntl.h>
@@ -31,14 +32,18 @@ struct ToolRun {
   int status;
   std::string output;
   std::string errors;
+  std::string hints = {};  ///< of the errors, one a line; HintsTest compares them
 
-  bool operator==(const ToolRun&) const = default;
+  bool operator==(const ToolRun& other) const {
+    return status == other.status && output == other.output && errors == other.errors;
+  }
 };
 
 inline std::ostream& operator<<(std::ostream& stream, const ToolRun& run) {
   return stream << "status " << run.status << "\n--- output\n"
                 << run.output << "\n--- errors\n"
-                << run.errors;
+                << run.errors << "\n--- hints\n"
+                << run.hints;
 }
 
 /// A run that prints one error and nothing else.
@@ -51,7 +56,15 @@ inline ToolRun run(const std::string& program, const std::vector<std::string>& a
   const ChildResult result = runChildProcess({.program = program, .arguments = arguments}, input,
                                              {.outputBytes = 1 << 20, .wallClock = std::chrono::seconds(60)});
   EXPECT_EQ(result.outcome, ChildOutcome::exited) << "code " << result.code;
-  return {result.code, result.output, result.errorOutput};
+  ToolRun answer = {result.code, result.output, ""};
+  const std::string_view prefix = "zelvo: hint: ";
+  for (std::size_t at = 0, end = 0; at < result.errorOutput.size(); at = end) {
+    end = std::min(result.errorOutput.find('\n', at), result.errorOutput.size() - 1) + 1;
+    const std::string line = result.errorOutput.substr(at, end - at);
+    const bool isHint = line.starts_with(prefix);
+    (isHint ? answer.hints : answer.errors) += isHint ? line.substr(prefix.size()) : line;
+  }
+  return answer;
 }
 
 /// Runs the tool, with arguments as a shell takes them, after a shell command.

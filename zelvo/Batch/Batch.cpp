@@ -16,7 +16,7 @@
 #include "zelvo/Batch/FileOutcome.hpp"
 #include "zelvo/Batch/Progress.hpp"
 #include "zelvo/Execution/InputFile.hpp"
-#include "zelvo/Execution/WorkerExchange.hpp"
+#include "zelvo/Hints/HintTable.hpp"
 #include "zelvo/Output/Console.hpp"
 
 namespace zelvo {
@@ -41,9 +41,7 @@ Failure checkRegular(const std::string& path) {
 /// Inspects or cleans one file.
 class FileWork {
  public:
-  FileWork(const DocumentWorkerHost& worker, const DocumentCleanerHost& cleaner,
-           const BatchArguments& arguments)
-      : worker_(worker), cleaner_(cleaner), arguments_(arguments) {}
+  FileWork(const Hosts& hosts, const BatchArguments& arguments) : hosts_(hosts), arguments_(arguments) {}
 
   FileOutcome operator()(const BatchFile& file) const {
     FileOutcome outcome(file.path);
@@ -59,9 +57,11 @@ class FileWork {
   Failure inspect(const BatchFile& file, FileOutcome& outcome) const {
     const auto request = requestAbout(file.path);
     if (!request) return request.error();
-    auto response = ask(worker_, *request);
-    if (!response) return response.error();
-    outcome.inspection = std::move(response->inspection);
+    WorkerReply reply = hosts_.worker.send(*request);
+    if (const auto* failure = std::get_if<WorkerFailure>(&reply)) return errorWithoutExplanation(*failure);
+    auto& response = std::get<DocumentWorkerResponse>(reply);
+    if (response.error) return refusal(*std::move(response.error), Stage::reading);
+    outcome.inspection = std::move(response.inspection);
     return std::nullopt;
   }
 
@@ -72,12 +72,24 @@ class FileWork {
                                    .data = std::move(input->data)};
     if (arguments_.unmerge) request.unmerge = true;
     if (arguments_.plainFormats) request.plainFormats = true;
-    CleanerReply reply = cleaner_.send(request);
-    if (const auto* failure = std::get_if<WorkerFailure>(&reply)) return errorOf(*failure, "The cleaner");
+    CleanerReply reply = hosts_.cleaner.send(request);
+    if (const auto* failure = std::get_if<WorkerFailure>(&reply))
+      return errorWithoutExplanation(*failure, "The cleaner");
     auto& response = std::get<DocumentCleanerResponse>(reply);
-    if (response.error) return CommandError{ExitStatus::refused, *std::move(response.error)};
+    if (response.error) return refusal(*std::move(response.error), Stage::cleaning);
     outcome.report = std::move(response.report);
     return write(file, response.document->data);
+  }
+
+  /// Hints of the table alone: a look at the file takes a child process, whose parent may have only one
+  /// thread.
+  static CommandError refusal(std::string message, Stage stage) {
+    const Advice advice = adviceFor(message, stage);
+    CommandError error{ExitStatus::refused, std::move(message)};
+    error.hints.assign(advice.hints.begin(), advice.hints.end());
+    if (advice.tryCleaning)
+      error.hints.emplace_back("A cleaned copy may be accepted: see zelvo batch clean --help.");
+    return error;
   }
 
   /// A full disk says nothing about the document, so that its outcome is "failed".
@@ -92,8 +104,7 @@ class FileWork {
                         "The file cannot be written: " + path.string() + ": " + error.message()};
   }
 
-  const DocumentWorkerHost& worker_;
-  const DocumentCleanerHost& cleaner_;
+  const Hosts& hosts_;
   const BatchArguments& arguments_;
 };
 
@@ -230,8 +241,7 @@ Failure checkOutputs(BatchFiles& files, const std::string& outputFolder) {
 
 }  // namespace
 
-ExitStatus batch(const DocumentWorkerHost& worker, const DocumentCleanerHost& cleaner,
-                 const BatchArguments& arguments) {
+ExitStatus batch(const Hosts& hosts, const BatchArguments& arguments) {
   if (arguments.paths.empty() && arguments.filesFrom.empty()) {
     return Console::report(usageError("PATH or --files-from is required (see zelvo --help)"));
   }
@@ -244,7 +254,7 @@ ExitStatus batch(const DocumentWorkerHost& worker, const DocumentCleanerHost& cl
   }
   auto results = BatchResults::open(arguments.output, arguments.resume);
   if (!results) return Console::report(results.error());
-  const FileWork work(worker, cleaner, arguments);
+  const FileWork work(hosts, arguments);
   return BatchRun(arguments, *std::move(files), *std::move(results), work).run();
 }
 

@@ -12,6 +12,8 @@ void FileOutcome::setError(const CommandError& error) {
   outcome = error.status == ExitStatus::workerFailed ? failed : refused;
   status = static_cast<std::int64_t>(error.status);
   message = wellFormed(error.message);
+  for (const std::string& line : error.hints)
+    hint = (hint ? *hint + " " : "") + wellFormed(line);
 }
 
 }  // namespace zelvo

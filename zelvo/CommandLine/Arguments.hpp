@@ -11,8 +11,17 @@
 // The arguments of each command. A file "-" is standard input, or standard output where it is an output.
 namespace zelvo {
 
+/// How a workbook is cleaned before it is read.
+struct CleaningArguments {
+  bool clean = false;  ///< without it the other fields have their defaults
+  bool unmerge = false;
+  bool plainFormats = false;
+  std::string keptFile;  ///< where the cleaned workbook is written; empty for nowhere
+};
+
 struct InspectArguments {
   std::vector<std::string> files;  ///< at least one
+  CleaningArguments cleaning;      ///< with a kept file only if there is one file
   bool json = false;
 };
 
@@ -21,6 +30,7 @@ struct ExtractArguments {
 
   std::string workbook;  ///< a file
   TableSelection selection;
+  CleaningArguments cleaning;
   Form form = Form::text;
 };
 
@@ -33,6 +43,7 @@ struct ChartArguments {
 struct CreateArguments {
   std::string workbook;  ///< a file
   TableSelection selection;
+  CleaningArguments cleaning;
   std::string title;
   std::optional<ChartArguments> chart;
   std::string output;  ///< a file
@@ -45,6 +56,15 @@ struct ValidateArguments {
   std::string expectedTable;  ///< a file with the JSON of a table; empty for none
   std::optional<ChartArguments> chart;
   bool json = false;
+};
+
+struct CleanArguments {
+  std::string workbook;             ///< a file
+  std::vector<std::string> sheets;  ///< the names of the worksheets to keep; empty for all
+  bool unmerge = false;
+  bool plainFormats = false;
+  bool json = false;   ///< print the report as JSON
+  std::string output;  ///< a file
 };
 
 struct BatchArguments {
@@ -101,9 +121,16 @@ struct ResearchPresentationArguments {
   std::string output;  ///< a file; empty to print the deck as JSON
 };
 
+/// Of every command: the programs that it starts.
+struct HostArguments {
+  std::string libexec;                ///< the folder of worker and cleaner; empty to find it
+  std::int64_t timeoutSeconds = 180;  ///< of each process, by the wall clock
+};
+
 /// The arguments of the given command.
-using Command = std::variant<BatchArguments, InspectArguments, ExtractArguments, CreateArguments,
-                             ValidateArguments, ResearchCheckArguments, ResearchWorkbookArguments,
-                             ResearchReportArguments, ResearchPresentationArguments>;
+using Command =
+    std::variant<BatchArguments, InspectArguments, ExtractArguments, CreateArguments, ValidateArguments,
+                 CleanArguments, ResearchCheckArguments, ResearchWorkbookArguments, ResearchReportArguments,
+                 ResearchPresentationArguments>;
 
 }  // namespace zelvo

@@ -1,5 +1,3 @@
-#include <charconv>
-#include <limits>
 #include <optional>
 #include <string_view>
 #include <utility>
@@ -7,21 +5,16 @@
 
 #include <CLI/CLI.hpp>
 
-#include "Text/ASCII.hpp"
 #include "zelvo/CommandLine/CommandLine.hpp"
 #include "zelvo/CommandLine/OptionValues.hpp"
 
 namespace zelvo {
 namespace {
 
-/// Decimal digits alone, 1 to 2^31.
+constexpr std::int64_t maximumCount = std::int64_t{1} << 31;
+
 std::optional<std::int64_t> count(std::string_view text) {
-  std::int64_t number = 0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-  const bool isWhole = error == std::errc() && end == text.data() + text.size();
-  if (!isWhole || !ASCII::isDigit(text.front()) || number < 1 || number > std::int64_t{1} << 31)
-    return std::nullopt;
-  return number;
+  return wholeNumber(text, maximumCount);
 }
 
 struct Shard {

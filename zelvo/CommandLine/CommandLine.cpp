@@ -3,6 +3,7 @@
 #include <sstream>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include <CLI/CLI.hpp>
 
@@ -31,22 +32,75 @@ std::string checkDocumentName(const std::string& path) {
   return path == "-" || formatOf(path) ? "" : "The file's name must end in .docx or .pptx";
 }
 
-class InspectParser {
- public:
-  explicit InspectParser(CLI::App& tool) {
-    CLI::App* command = tool.add_subcommand("inspect", "Describe the sheets of XLSX workbooks");
-    files_ = command->add_option("BOOK.xlsx", given_.files, "Workbooks")->required()->type_name("");
-    command->add_flag("--json", given_.json, "Print one JSON record per line");
-  }
-  InspectParser(const InspectParser&) = delete;
-  InspectParser& operator=(const InspectParser&) = delete;
-  ~InspectParser() = default;
+std::string checkWorkbookName(const std::string& path) {
+  const bool isGood = path == "-" || ASCII::lowercased(path).ends_with(".xlsx");
+  return isGood ? "" : "The file's name must end in .xlsx";
+}
 
-  InspectArguments arguments() const { return {.files = values(*files_), .json = given_.json}; }
+/// `remark` is the end of their descriptions.
+CLI::Option* addUnmerge(CLI::App& command, const std::string& remark = "") {
+  return addFlag(command, "--unmerge", "Remove merged areas; no cell changes" + remark);
+}
+
+CLI::Option* addPlainFormats(CLI::App& command, const std::string& remark = "") {
+  return addFlag(command, "--plain-formats", "Replace number formats that cannot be shown" + remark);
+}
+
+constexpr const char* impliesClean = "; implies --clean";
+
+/// How the workbook is cleaned first.
+class CleaningOptions {
+ public:
+  explicit CleaningOptions(CLI::App& command)
+      : clean_(addFlag(command, "--clean", "Read a cleaned copy of the workbook, see zelvo clean --help")),
+        unmerge_(addUnmerge(command, impliesClean)),
+        plainFormats_(addPlainFormats(command, impliesClean)),
+        kept_(command.add_option("--keep-cleaned",
+                                 "Write the cleaned workbook to this file; implies --clean")) {
+    kept_->type_name("FILE.xlsx")->check([](const std::string& path) {
+      return path == "-" ? "The cleaned workbook is written to a file only" : checkWorkbookName(path);
+    });
+  }
+
+  CleaningArguments arguments() const {
+    const bool isImplied = !unmerge_->empty() || !plainFormats_->empty() || !kept_->empty();
+    return {.clean = !clean_->empty() || isImplied,
+            .unmerge = !unmerge_->empty(),
+            .plainFormats = !plainFormats_->empty(),
+            .keptFile = value(*kept_)};
+  }
 
  private:
-  InspectArguments given_;
-  CLI::Option* files_ = nullptr;
+  CLI::Option* clean_;
+  CLI::Option* unmerge_;
+  CLI::Option* plainFormats_;
+  CLI::Option* kept_;
+};
+
+class InspectParser {
+ public:
+  explicit InspectParser(CLI::App& tool)
+      : command_(tool.add_subcommand("inspect", "Describe the sheets of XLSX workbooks")),
+        files_(command_->add_option("BOOK.xlsx", "Workbooks")
+                   ->required()
+                   ->expected(1, anyNumber)
+                   ->allow_extra_args()),
+        cleaning_(*command_),
+        json_(addFlag(*command_, "--json", "Print one JSON record per line")) {
+    files_->type_name("");
+  }
+
+  InspectArguments arguments() const {
+    return {.files = values(*files_), .cleaning = cleaning_.arguments(), .json = !json_->empty()};
+  }
+
+ private:
+  static constexpr int anyNumber = CLI::detail::expected_max_vector_size;
+
+  CLI::App* command_;
+  CLI::Option* files_;
+  CleaningOptions cleaning_;
+  CLI::Option* json_;
 };
 
 /// A workbook and a table in it.
@@ -102,7 +156,9 @@ class ChartOptions {
 class ExtractParser {
  public:
   explicit ExtractParser(CLI::App& tool)
-      : command_(tool.add_subcommand("extract", "Show a table of an XLSX workbook")), table_(*command_) {
+      : command_(tool.add_subcommand("extract", "Show a table of an XLSX workbook")),
+        table_(*command_),
+        cleaning_(*command_) {
     json_ = addFlag(*command_, "--json", "Print the table's JSON record");
     csv_ = addFlag(*command_, "--csv", "Print the displayed cells as CSV")->excludes(json_);
   }
@@ -111,12 +167,16 @@ class ExtractParser {
   ExtractArguments arguments() const {
     using enum ExtractArguments::Form;
     const auto form = !json_->empty() ? json : !csv_->empty() ? csv : text;
-    return {.workbook = table_.workbook(), .selection = table_.selection(), .form = form};
+    return {.workbook = table_.workbook(),
+            .selection = table_.selection(),
+            .cleaning = cleaning_.arguments(),
+            .form = form};
   }
 
  private:
   CLI::App* command_;
   SelectionOptions table_;
+  CleaningOptions cleaning_;
   CLI::Option* json_ = nullptr;
   CLI::Option* csv_ = nullptr;
 };
@@ -131,6 +191,7 @@ class CreateParser {
   explicit CreateParser(CLI::App& tool)
       : command_(tool.add_subcommand("create", "Write a table as a Word document or a presentation")),
         table_(*command_),
+        cleaning_(*command_),
         title_(addText(*command_, "--title", "The document's title")->required()),
         chart_(*command_),
         output_(command_->add_option("-o", "The output file")->required()) {
@@ -143,6 +204,7 @@ class CreateParser {
     const std::string output = value(*output_);
     return {.workbook = table_.workbook(),
             .selection = table_.selection(),
+            .cleaning = cleaning_.arguments(),
             .title = value(*title_),
             .chart = chart,
             .output = output,
@@ -152,6 +214,7 @@ class CreateParser {
  private:
   CLI::App* command_;
   SelectionOptions table_;
+  CleaningOptions cleaning_;
   CLI::Option* title_;
   ChartOptions chart_;
   CLI::Option* output_;
@@ -189,14 +252,110 @@ class ValidateParser {
   CLI::Option* json_;
 };
 
-using ParsedCommandLine = std::variant<Command, Information>;
+constexpr const char* cleanFooter =
+    R"(Writes a new workbook that holds only what the other commands read: sheets, cells with their saved values,
+formulas and number formats, hidden rows and columns, merged areas. Pictures, comments, links, macros, printer
+settings and all else are left out and reported. Every value is compared with the source before the file is
+written. The result is for programs that read cells, not for opening in an office program: formulas are kept
+as text, and some reach out of the workbook when an office program calculates them. Records of the cleaned
+workbook name its digest; --json prints that and the digest of the source.)";
+
+class CleanParser {
+ public:
+  explicit CleanParser(CLI::App& tool)
+      : command_(tool.add_subcommand("clean", "Write a workbook that holds only what can be read")),
+        workbook_(command_->add_option("BOOK", "Workbook")->required()->type_name("")),
+        sheets_(addText(*command_, "--sheet", "A worksheet to keep; repeat for more; without it, all")),
+        unmerge_(addUnmerge(*command_)),
+        plainFormats_(addPlainFormats(*command_)),
+        json_(addFlag(*command_, "--json", "Print the report as JSON")),
+        output_(command_->add_option("-o", "The output file")->required()) {
+    sheets_->type_name("NAME")->take_all();
+    output_->type_name("OUT.xlsx")->check(checkWorkbookName);
+    command_->footer(cleanFooter);
+  }
+
+  bool isGiven() const { return command_->parsed(); }
+  CleanArguments arguments() const {
+    return {.workbook = value(*workbook_),
+            .sheets = values(*sheets_),
+            .unmerge = !unmerge_->empty(),
+            .plainFormats = !plainFormats_->empty(),
+            .json = !json_->empty(),
+            .output = value(*output_)};
+  }
+
+ private:
+  CLI::App* command_;
+  CLI::Option* workbook_;
+  CLI::Option* sheets_;
+  CLI::Option* unmerge_;
+  CLI::Option* plainFormats_;
+  CLI::Option* json_;
+  CLI::Option* output_;
+};
+
+using ParsedCommandLine = std::variant<Invocation, Information>;
+
+constexpr const char* seeHelp = " (see zelvo --help)";
+
+/// The options of every command that starts a process.
+class HostOptions {
+ public:
+  explicit HostOptions(CLI::App& tool) { addTo(tool); }
+
+  HostArguments arguments() const {
+    HostArguments given;
+    for (const auto& [libexec, timeout] : options_) {
+      if (!libexec->empty()) given.libexec = value(*libexec);
+      if (!timeout->empty()) given.timeoutSeconds = wholeNumber(value(*timeout), maximumSeconds).value();
+    }
+    return given;
+  }
+
+ private:
+  static constexpr std::int64_t maximumSeconds = 86'400;
+
+  /// To the commands without subcommands.
+  void addTo(CLI::App& command) {
+    const auto subcommands = command.get_subcommands([](CLI::App*) { return true; });
+    for (CLI::App* subcommand : subcommands)
+      addTo(*subcommand);
+    if (!subcommands.empty()) return;
+    CLI::Option* libexec = command.add_option("--libexec", "The folder of the worker and the cleaner");
+    CLI::Option* timeout =
+        command.add_option("--timeout", "Time for each process by the wall clock; 180 without it");
+    timeout->type_name("SECONDS")->check([](const std::string& text) {
+      return wholeNumber(text, maximumSeconds) ? "" : "The time must be 1 to 86400 seconds";
+    });
+    options_.emplace_back(libexec->type_name("DIR"), timeout);
+  }
+
+  std::vector<std::pair<CLI::Option*, CLI::Option*>> options_;
+};
 
 /// CLI11 reports a request for help as an error, too.
 Result<ParsedCommandLine> resultOf(const CLI::App& tool, const CLI::ParseError& end) {
   std::ostringstream output;
   std::ostringstream errors;
   if (tool.exit(end, output, errors) == 0) return ParsedCommandLine(Information{output.str()});
-  return CommandError{ExitStatus::usage, withoutGuards(end.what()) + " (see zelvo --help)"};
+  CommandError error = usageError(tool, withoutGuards(end.what()));
+  error.message += seeHelp;
+  return error;
+}
+
+/// What excludes each other by the values of options.
+Failure conflictIn(const Command& command) {
+  const auto usage = [](const std::string& message) {
+    return CommandError{ExitStatus::usage, message + seeHelp};
+  };
+  const auto* inspect = std::get_if<InspectArguments>(&command);
+  if (inspect != nullptr && inspect->files.size() > 1 && !inspect->cleaning.keptFile.empty())
+    return usage("--keep-cleaned takes one workbook");
+  const auto* clean = std::get_if<CleanArguments>(&command);
+  if (clean != nullptr && clean->json && clean->output == "-")
+    return usage("--json excludes -o -: standard output holds the workbook");
+  return std::nullopt;
 }
 
 }  // namespace
@@ -211,8 +370,10 @@ Result<ParsedCommandLine> parseCommandLine(int count, const char* const* argumen
   const ExtractParser extract(tool);
   const CreateParser create(tool);
   const ValidateParser validate(tool);
+  const CleanParser clean(tool);
   const BatchParser batch(tool);
   const ResearchParser research(tool);
+  const HostOptions hosts(tool);
 
   std::vector<std::string> reversed;  // the order that CLI11 requires
   for (int i = count - 1; i > 0; --i)
@@ -226,11 +387,14 @@ Result<ParsedCommandLine> parseCommandLine(int count, const char* const* argumen
     if (extract.isGiven()) return extract.arguments();
     if (create.isGiven()) return create.arguments();
     if (validate.isGiven()) return validate.arguments();
+    if (clean.isGiven()) return clean.arguments();
     if (auto given = batch.command()) return *std::move(given);
     if (auto given = research.command()) return *std::move(given);
     return inspect.arguments();
   };
-  return ParsedCommandLine(command());
+  Command given = command();
+  if (Failure conflict = conflictIn(given)) return *std::move(conflict);
+  return ParsedCommandLine(Invocation{std::move(given), hosts.arguments()});
 }
 
 }  // namespace zelvo

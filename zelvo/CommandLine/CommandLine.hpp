@@ -19,9 +19,18 @@ struct Information {
   std::string text;  ///< with its line feeds
 };
 
+struct Invocation {
+  Command command;
+  HostArguments hosts;
+};
+
 /// Parses the command line. Values are returned as they were given: nothing is split, expanded or taken from
 /// the environment. The error's status is `usage`.
-Result<std::variant<Command, Information>> parseCommandLine(int count, const char* const* arguments);
+Result<std::variant<Invocation, Information>> parseCommandLine(int count, const char* const* arguments);
+
+/// The error for a command line that `tool` could not parse. A wrong command replaces the message. Hints name
+/// the command or option that is nearest to a wrong one.
+CommandError usageError(const CLI::App& tool, std::string message);
 
 /// Adds `batch` and its subcommands to a command line.
 class BatchParser {

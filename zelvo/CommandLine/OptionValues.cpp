@@ -1,6 +1,8 @@
 #include "zelvo/CommandLine/OptionValues.hpp"
 
 #include <algorithm>
+#include <charconv>
+#include <system_error>
 
 #include <CLI/CLI.hpp>
 
@@ -34,6 +36,14 @@ std::vector<std::string> values(const CLI::Option& option) {
 
 std::string value(const CLI::Option& option) {
   return option.empty() ? std::string() : withoutGuards(option.results().back());
+}
+
+std::optional<std::int64_t> wholeNumber(std::string_view text, std::int64_t maximum) {
+  std::int64_t number = 0;
+  const char* end = text.data() + text.size();
+  const auto [behind, error] = std::from_chars(text.data(), end, number);
+  if (error != std::errc() || behind != end || number < 1 || number > maximum) return std::nullopt;
+  return number;
 }
 
 CLI::Option* requireText(CLI::Option* option) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -21,6 +23,9 @@ std::string withoutGuards(std::string text);
 std::vector<std::string> values(const CLI::Option& option);
 /// The last value of an option; empty if there is none.
 std::string value(const CLI::Option& option);
+
+/// A number of decimal digits alone, 1 to `maximum`; nullopt for any other text.
+std::optional<std::int64_t> wholeNumber(std::string_view text, std::int64_t maximum);
 
 /// Makes the option accept only UTF-8, as records and documents need it. File names may be any bytes.
 CLI::Option* requireText(CLI::Option* option);

@@ -1,23 +1,26 @@
 #pragma once
 
-#include "DocumentWorkerHost/DocumentWorkerHost.hpp"
 #include "zelvo/CommandLine/Arguments.hpp"
+#include "zelvo/Execution/WorkerExchange.hpp"
 #include "zelvo/Output/Result.hpp"
 
 // The commands. Each prints its result or its errors and returns the exit status.
 namespace zelvo {
 
 /// `zelvo inspect`: describes each workbook that can be read and reports an error for each other one.
-ExitStatus inspect(const DocumentWorkerHost& host, const InspectArguments& arguments);
+ExitStatus inspect(const Hosts& hosts, const InspectArguments& arguments);
 
 /// `zelvo extract`: prints a table. If the selection is refused, also prints what can be selected.
-ExitStatus extract(const DocumentWorkerHost& host, const ExtractArguments& arguments);
+ExitStatus extract(const Hosts& hosts, const ExtractArguments& arguments);
 
 /// `zelvo create`: writes a validated document that shows a table to a file or standard output.
-ExitStatus create(const DocumentWorkerHost& host, const CreateArguments& arguments);
+ExitStatus create(const Hosts& hosts, const CreateArguments& arguments);
 
 /// `zelvo validate`: verifies that a document is one that `create` wrote, and which table it shows.
-ExitStatus validate(const DocumentWorkerHost& host, const ValidateArguments& arguments);
+ExitStatus validate(const Hosts& hosts, const ValidateArguments& arguments);
+
+/// `zelvo clean`: writes a new workbook that holds only the cells, and prints what was left out.
+ExitStatus clean(const Hosts& hosts, const CleanArguments& arguments);
 
 /// `zelvo research check`: validates a dataset and prints it in its canonical form, with its resolved cells
 /// and calculations.

@@ -3,6 +3,7 @@
 #include <functional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "DocumentRuntime/Records/ByteBuffer.hpp"
 #include "zelvo/Output/Result.hpp"
@@ -10,12 +11,16 @@
 /// The destination of a document: a file, or "-" for standard output.
 namespace zelvo::DocumentOutput {
 
-/// Refuses standard output if it is a terminal. Called before anything is read.
-Failure check(const std::string& path);
+/// Refuses standard output if it is a terminal, and a file that is one of the inputs, under whatever name.
+/// Called before anything is read.
+Failure check(const std::string& path, const std::vector<std::string>& inputs);
 
 /// Writes the document. For a file, prints its name and then `description`; to standard output nothing but
 /// the document is written. A file that cannot be written keeps its content.
 Failure write(const std::string& path, ByteView document, std::string_view description);
+
+/// Writes the document to a file and prints nothing.
+Failure writeFile(const std::string& path, ByteView document);
 
 /// Writes the document that `author` makes in a confined child (see `runConfinedChild`), or reports why there
 /// is none. `format` is its name, like "Excel workbook".

@@ -1,10 +1,10 @@
+#include <optional>
 #include <string>
+#include <utility>
 
 #include "DocumentRuntime/Coding/RecordCoding.hpp"
-#include "DocumentRuntime/Errors/DocumentError.hpp"
-#include "DocumentRuntime/Workbook/TableExtraction.hpp"
 #include "zelvo/Commands/Commands.hpp"
-#include "zelvo/Execution/WorkerExchange.hpp"
+#include "zelvo/Commands/WorkbookInput.hpp"
 #include "zelvo/Output/Console.hpp"
 #include "zelvo/Output/TableText.hpp"
 #include "zelvo/Output/TerminalText.hpp"
@@ -12,61 +12,42 @@
 namespace zelvo {
 namespace {
 
-using Operation = DocumentWorkerRequest::Operation;
+struct ExtractedTable {
+  SourceTable table;
+  std::optional<CleaningRecord> cleaning;
+};
 
-/// True if the sheet or the range was refused, and not the workbook.
-bool isAboutSelection(const CommandError& error) {
-  static const std::string aboutUse = DocumentError::invalidSelection("").errorDescription();
-  static const std::string aboutSize =
-      DocumentError::resourceLimit(TableExtraction::selectionTooLarge).errorDescription();
-  return error.status == ExitStatus::refused &&
-         (error.message.starts_with(aboutUse) || error.message == aboutSize);
+Result<ExtractedTable> extractedTable(const Hosts& hosts, const ExtractArguments& arguments) {
+  if (Failure failure = checkKeptFile(arguments.workbook, arguments.cleaning)) return *std::move(failure);
+  auto workbook = readWorkbook(hosts, arguments.workbook, arguments.cleaning);
+  if (!workbook) return workbook.error();
+  workbook->request.operation = DocumentWorkerRequest::Operation::extract;
+  workbook->request.selection = arguments.selection;
+  auto response = ask(hosts, *workbook);
+  if (!response) return response.error();
+  if (Failure failure = keepCleaned(*workbook, arguments.cleaning)) return *std::move(failure);
+  return ExtractedTable{*std::move(response->table), std::move(workbook->cleaning)};
 }
 
-/// "Visible sheets: Sales (A1:D20), Notes (empty)"
-std::string selectable(const WorkbookInspection& inspection) {
-  std::string sheets;
-  for (const WorksheetInspection& sheet : inspection.sheets) {
-    if (sheet.hidden) continue;
-    sheets += sheets.empty() ? "" : ", ";
-    sheets += sheet.name + " (" + sheet.populatedRange.value_or("empty") + ")";
-  }
-  return "Visible sheets: " + (sheets.empty() ? "none" : sheets);
-}
-
-/// Prints nothing if the workbook cannot be inspected.
-void hintAtSelectable(const DocumentWorkerHost& host, DocumentWorkerRequest& request) {
-  request.operation = Operation::inspect;
-  const auto response = ask(host, request);
-  if (response) Console::printHint(selectable(*response->inspection));
-}
-
-void print(const SourceTable& table, const ExtractArguments& arguments) {
+void print(const SourceTable& table, const std::optional<CleaningRecord>& cleaning,
+           const ExtractArguments& arguments) {
   switch (arguments.form) {
     case ExtractArguments::Form::json:
-      return Console::printJson(toJson(table) + "\n");
+      return Console::printJson(withCleaning(cleaning, toJson(table)) + "\n");
     case ExtractArguments::Form::csv:
       return Console::print(csv(table, Console::isTerminal()));
     case ExtractArguments::Form::text:
-      return Console::print(printable(arguments.workbook) + "\n" + describe(table));
+      return Console::print(printable(arguments.workbook) + "\n" +
+                            describe(table, cleaning ? cleaningNotes(*cleaning) : ""));
   }
 }
 
 }  // namespace
 
-ExitStatus extract(const DocumentWorkerHost& host, const ExtractArguments& arguments) {
-  auto request = requestAbout(arguments.workbook);
-  if (!request) return Console::report(request.error());
-  request->operation = Operation::extract;
-  request->selection = arguments.selection;
-
-  const auto response = ask(host, *request);
-  if (!response) {
-    const ExitStatus status = Console::report(response.error());
-    if (isAboutSelection(response.error())) hintAtSelectable(host, *request);
-    return status;
-  }
-  print(*response->table, arguments);
+ExitStatus extract(const Hosts& hosts, const ExtractArguments& arguments) {
+  const auto extracted = extractedTable(hosts, arguments);
+  if (!extracted) return Console::report(extracted.error());
+  print(extracted->table, extracted->cleaning, arguments);
   return ExitStatus::success;
 }
 

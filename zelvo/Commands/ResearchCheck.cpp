@@ -3,6 +3,7 @@
 #include "DocumentRuntime/Research/Dataset/FormulaEvaluator.hpp"
 #include "DocumentRuntime/Research/Dataset/SpreadsheetCoding.hpp"
 #include "zelvo/Commands/Commands.hpp"
+#include "zelvo/Commands/RefusalHints.hpp"
 #include "zelvo/Commands/ResearchInput.hpp"
 #include "zelvo/Execution/ConfinedChild.hpp"
 #include "zelvo/Output/Console.hpp"
@@ -43,7 +44,7 @@ ExitStatus researchCheck(const ResearchCheckArguments& arguments) {
   auto input = readResearchInput(arguments.dataset, arguments.sources);
   if (!input) return Console::report(input.error());
   const auto encoded = runConfinedChild([&] { return checked(*input, arguments.requireChart); });
-  if (!encoded) return Console::report(encoded.error());
+  if (!encoded) return Console::report(withHints(encoded.error(), Stage::research));
   Console::printJson(*encoded);
   return ExitStatus::success;
 }

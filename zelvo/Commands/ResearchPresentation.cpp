@@ -8,6 +8,7 @@
 #include "DocumentRuntime/Research/Slides/Renderer.hpp"
 #include "zelvo/Commands/Commands.hpp"
 #include "zelvo/Commands/DocumentOutput.hpp"
+#include "zelvo/Commands/RefusalHints.hpp"
 #include "zelvo/Commands/ResearchInput.hpp"
 #include "zelvo/Execution/ConfinedChild.hpp"
 #include "zelvo/Output/Console.hpp"
@@ -73,7 +74,7 @@ Deck decoded(DeckInput& input, const ResearchPresentationArguments& arguments) {
 ExitStatus printEncoding(DeckInput& input, const ResearchPresentationArguments& arguments) {
   const auto encoded =
       runConfinedChild([&] { return decoded(input, arguments).presentation.encoded() + "\n"; });
-  if (!encoded) return Console::report(encoded.error());
+  if (!encoded) return Console::report(withHints(encoded.error(), Stage::research));
   Console::printJson(*encoded);
   return ExitStatus::success;
 }
@@ -88,7 +89,10 @@ ExitStatus writePresentation(DeckInput& input, const ResearchPresentationArgumen
 }  // namespace
 
 ExitStatus researchPresentation(const ResearchPresentationArguments& arguments) {
-  if (const Failure failure = DocumentOutput::check(arguments.output)) return Console::report(*failure);
+  const std::vector<std::string> inputs = {arguments.deck, arguments.dataset, arguments.datasets,
+                                           arguments.sources.scopeFile};
+  if (const Failure failure = DocumentOutput::check(arguments.output, inputs))
+    return Console::report(*failure);
   auto input = readDeckInput(arguments);
   if (!input) return Console::report(input.error());
   return arguments.output.empty() ? printEncoding(*input, arguments) : writePresentation(*input, arguments);

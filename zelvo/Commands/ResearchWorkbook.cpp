@@ -34,7 +34,9 @@ ByteBuffer workbookOf(std::string_view report, const ResearchReportArguments& ar
 }  // namespace
 
 ExitStatus researchWorkbook(const ResearchWorkbookArguments& arguments) {
-  if (const Failure failure = DocumentOutput::check(arguments.output)) return Console::report(*failure);
+  if (const Failure failure =
+          DocumentOutput::check(arguments.output, {arguments.dataset, arguments.sources.scopeFile}))
+    return Console::report(*failure);
   auto input = readResearchInput(arguments.dataset, arguments.sources);
   if (!input) return Console::report(input.error());
   return DocumentOutput::writeAuthored(arguments.output, format,
@@ -42,7 +44,8 @@ ExitStatus researchWorkbook(const ResearchWorkbookArguments& arguments) {
 }
 
 ExitStatus researchReport(const ResearchReportArguments& arguments) {
-  if (const Failure failure = DocumentOutput::check(arguments.output)) return Console::report(*failure);
+  if (const Failure failure = DocumentOutput::check(arguments.output, {arguments.report}))
+    return Console::report(*failure);
   const auto report = readText(arguments.report);
   if (!report) return Console::report(report.error());
   return DocumentOutput::writeAuthored(arguments.output, format,

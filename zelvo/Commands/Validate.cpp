@@ -5,6 +5,7 @@
 #include "DocumentRuntime/Coding/RecordCoding.hpp"
 #include "zelvo/Commands/ChartColumns.hpp"
 #include "zelvo/Commands/Commands.hpp"
+#include "zelvo/Commands/RefusalHints.hpp"
 #include "zelvo/Execution/ConfinedChild.hpp"
 #include "zelvo/Execution/InputFile.hpp"
 #include "zelvo/Execution/WorkerExchange.hpp"
@@ -21,11 +22,15 @@ constexpr std::size_t maximumTableMebibytes = DocumentWorkerWire::maximumMessage
 /// The chart to expect, if any. A Word document has none.
 using ExpectedChart = std::optional<ChartArguments>;
 
-/// The request's members that tell what to expect of the document. The table is decoded in a confined child;
-/// its columns resolve the chart.
+/// The request's members for the expected table and chart. The table is decoded in a confined child; its
+/// columns resolve the chart.
 Result<std::string> expectation(const ByteBuffer& encodedTable, const ExpectedChart& chart) {
   return runConfinedChild([&]() -> Result<std::string> {
-    const auto table = fromJson<SourceTable>(std::string(encodedTable.text()));
+    const JsonDocument document{std::string(encodedTable.text())};
+    // Of a cleaned workbook, `extract` prints the table as a member.
+    const auto record = document.root().object().optional("record");
+    SourceTable table;
+    decode(record.value_or(document.root()), table);
     JsonWriter writer(encodedTable.size());
     const FieldEncoder field(writer);
     writer.beginObject();
@@ -46,27 +51,29 @@ Result<DocumentWorkerResponse> validated(const DocumentWorkerHost& host, const V
   request->operation = DocumentWorkerRequest::Operation::validate;
   request->format = arguments.format;
 
+  std::optional<std::string> members;
   if (!arguments.expectedTable.empty()) {
     const auto table = readWholeFile(arguments.expectedTable, maximumTableMebibytes);
     if (!table) return table.error();
-    auto members = expectation(*table, chart);
-    if (!members) return members.error();
-    return ask(host, *request, *std::move(members));
-  }
-  if (chart) {
+    auto encoded = expectation(*table, chart);
+    if (!encoded) return encoded.error();
+    members = *std::move(encoded);
+  } else if (chart) {
     auto selection = chosenChart(*chart, {});
     if (!selection) return selection.error();
     request->chart = *std::move(selection);
   }
-  return ask(host, *request);
+  auto response = members ? ask(host, *request, *std::move(members)) : ask(host, *request);
+  if (!response) return withHints(response.error(), Stage::validating, request->data.view());
+  return response;
 }
 
 }  // namespace
 
-ExitStatus validate(const DocumentWorkerHost& host, const ValidateArguments& arguments) {
+ExitStatus validate(const Hosts& hosts, const ValidateArguments& arguments) {
   const bool canHaveChart = arguments.format == DocumentFormat::pptx;
   const ExpectedChart chart = canHaveChart ? arguments.chart : std::nullopt;
-  const auto response = validated(host, arguments, chart);
+  const auto response = validated(hosts.worker, arguments, chart);
   if (!response) return Console::report(response.error());
   const DocumentValidation& validation = *response->validation;
   if (arguments.json) {

@@ -22,6 +22,8 @@ namespace {
 
 using Work = std::function<Result<std::string>()>;
 
+std::chrono::milliseconds childTimeout = DocumentWorkerHost::defaultTimeout;
+
 constexpr const char* childName = "The tool's confined child process";
 
 /// A worker's, so that its failures are named alike.
@@ -67,13 +69,16 @@ bool isError(const ChildResult& result) {
 
 }  // namespace
 
+void setConfinedChildTimeout(std::chrono::milliseconds timeout) {
+  childTimeout = timeout;
+}
+
 Result<std::string> runConfinedChild(const Work& work) {
   const auto confineAndWork = [&work] {
     returnLargeBlocks();
     return runConfined(statuses, [&work] { return workAndAnswer(work); });
   };
-  ChildResult result = runForkedChild(confineAndWork, DocumentWorkerWire::maximumMessageBytes,
-                                      DocumentWorkerHost::defaultTimeout);
+  ChildResult result = runForkedChild(confineAndWork, DocumentWorkerWire::maximumMessageBytes, childTimeout);
   if (isError(result)) return CommandError{static_cast<ExitStatus>(result.code), std::move(result.output)};
   if (const auto failure = WorkerFailure::of(result, {})) return errorOf(*failure, childName);
   return std::move(result.output);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <functional>
 #include <string>
 
@@ -14,5 +15,8 @@ namespace zelvo {
 ///
 /// `work` uses what is in memory already; it can neither open nor start anything.
 Result<std::string> runConfinedChild(const std::function<Result<std::string>()>& work);
+
+/// Sets the wall-clock time of the children that are started from now on.
+void setConfinedChildTimeout(std::chrono::milliseconds timeout);
 
 }  // namespace zelvo

@@ -1,5 +1,7 @@
 #include "zelvo/Execution/WorkerExchange.hpp"
 
+#include <chrono>
+#include <cstdlib>
 #include <filesystem>
 #include <system_error>
 #include <utility>
@@ -28,11 +30,23 @@ std::filesystem::path runningExecutable() {
 #endif
 }
 
-std::string besideTool(const char* name) {
+namespace fs = std::filesystem;
+
+constexpr const char* workerName = "zelvo_document_worker";
+constexpr const char* cleanerName = "zelvo_document_cleaner";
+
+/// Where the programs are: where the user says, else beside the tool, else where they are installed.
+fs::path folderOfPrograms(const std::string& libexec) {
+  if (!libexec.empty()) return libexec;
+  if (const char* variable = std::getenv("ZELVO_LIBEXEC"); variable != nullptr && *variable != '\0')
+    return variable;
   // If the tool's path is unknown there is no folder. A name alone would be looked up in the current folder.
-  const std::filesystem::path tool = runningExecutable();
-  const std::filesystem::path folder = tool.empty() ? "/nonexistent" : tool.parent_path();
-  return (folder / name).string();
+  const fs::path tool = runningExecutable();
+  const fs::path beside = tool.empty() ? "/nonexistent" : tool.parent_path();
+  const fs::path installed = beside.parent_path() / "libexec" / "zelvo";
+  std::error_code ignored;
+  return !fs::exists(beside / workerName, ignored) && fs::exists(installed / workerName, ignored) ? installed
+                                                                                                  : beside;
 }
 
 Result<DocumentWorkerResponse> resultOf(WorkerReply reply) {
@@ -44,11 +58,11 @@ Result<DocumentWorkerResponse> resultOf(WorkerReply reply) {
 
 }  // namespace
 
-std::string workerBesideTool() {
-  return besideTool("zelvo_document_worker");
-}
-std::string cleanerBesideTool() {
-  return besideTool("zelvo_document_cleaner");
+Hosts findHosts(const HostArguments& arguments) {
+  const fs::path folder = folderOfPrograms(arguments.libexec);
+  const std::chrono::milliseconds timeout = std::chrono::seconds(arguments.timeoutSeconds);
+  return {DocumentWorkerHost((folder / workerName).string(), timeout),
+          DocumentCleanerHost((folder / cleanerName).string(), timeout)};
 }
 
 Result<DocumentWorkerRequest> requestAbout(const std::string& path) {
@@ -70,14 +84,27 @@ Result<DocumentWorkerResponse> ask(const DocumentWorkerHost& host, const Documen
   return resultOf(host.sendEncoded(members, request.operation));
 }
 
+Result<DocumentCleanerResponse> ask(const DocumentCleanerHost& host, const DocumentCleanerRequest& request) {
+  CleanerReply reply = host.send(request);
+  if (const auto* failure = std::get_if<WorkerFailure>(&reply)) return errorOf(*failure, "The cleaner");
+  auto& response = std::get<DocumentCleanerResponse>(reply);
+  if (response.error) return CommandError{ExitStatus::refused, *std::move(response.error)};
+  return std::move(response);
+}
+
+CommandError errorWithoutExplanation(const WorkerFailure& failure, const std::string& subject) {
+  const bool isRefusal = failure.kind == WorkerFailure::Kind::requestTooLarge;
+  return {isRefusal ? ExitStatus::refused : ExitStatus::workerFailed, failure.message(subject)};
+}
+
 CommandError errorOf(const WorkerFailure& failure, const std::string& subject) {
   using enum WorkerFailure::Kind;
-  std::string message = failure.message(subject);
+  CommandError error = errorWithoutExplanation(failure, subject);
   if (failure.kind == notConfined || failure.kind == killedBeforeReading) {
     const std::string explanation = explainConfinementFailure();
-    if (!explanation.empty()) message += " " + explanation;
+    if (!explanation.empty()) error.message += " " + explanation;
   }
-  return {failure.kind == requestTooLarge ? ExitStatus::refused : ExitStatus::workerFailed, message};
+  return error;
 }
 
 }  // namespace zelvo

@@ -2,15 +2,22 @@
 
 #include <string>
 
+#include "DocumentWorkerHost/DocumentCleanerHost.hpp"
 #include "DocumentWorkerHost/DocumentWorkerHost.hpp"
+#include "zelvo/CommandLine/Arguments.hpp"
 #include "zelvo/Output/Result.hpp"
 
 namespace zelvo {
 
-/// The path of the worker beside the running executable; a path that does not exist if that is unknown.
-std::string workerBesideTool();
-/// The same for the cleaner.
-std::string cleanerBesideTool();
+/// The executables that commands start.
+struct Hosts {
+  DocumentWorkerHost worker;
+  DocumentCleanerHost cleaner;
+};
+
+/// The executables in the folder that is given, else in $ZELVO_LIBEXEC, beside the tool, or in
+/// ../libexec/zelvo. They need not exist.
+Hosts findHosts(const HostArguments& arguments);
 
 /// Reads the file at `path` into a request without an operation. A document that is too large is cut; the
 /// host then refuses it.
@@ -24,8 +31,14 @@ Result<DocumentWorkerResponse> ask(const DocumentWorkerHost& host, const Documen
 Result<DocumentWorkerResponse> ask(const DocumentWorkerHost& host, const DocumentWorkerRequest& request,
                                    std::string members);
 
+/// Sends a request to the cleaner. Returns the response, or its error.
+Result<DocumentCleanerResponse> ask(const DocumentCleanerHost& host, const DocumentCleanerRequest& request);
+
 /// The error for a worker, or another confined process named `subject`, that gave no result. If the process
 /// could not confine itself, the message explains why.
 CommandError errorOf(const WorkerFailure& failure, const std::string& subject = "The worker");
+
+/// The same without the explanation, which a child process finds: its parent may have only one thread.
+CommandError errorWithoutExplanation(const WorkerFailure& failure, const std::string& subject = "The worker");
 
 }  // namespace zelvo

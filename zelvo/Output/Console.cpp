@@ -31,6 +31,8 @@ void printError(std::string_view message) {
 
 ExitStatus report(const CommandError& error) {
   printError(error.message);
+  for (const std::string& hint : error.hints)
+    printHint("zelvo: hint: " + hint);
   return error.status;
 }
 

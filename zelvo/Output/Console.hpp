@@ -16,10 +16,11 @@ void printJson(std::string_view json);
 /// Characters that would move the cursor or reorder text are written as escapes.
 void printError(std::string_view message);
 
-/// Writes the error as above and returns its status.
+/// Writes the error as above, then each of its hints as a line that begins with "zelvo: hint: ". Returns the
+/// error's status.
 ExitStatus report(const CommandError& error);
 
-/// Writes a further line after an error, escaped in the same way.
+/// Writes a further line to standard error, escaped in the same way.
 void printHint(std::string_view text);
 
 /// True if standard output is a terminal.

@@ -54,18 +54,18 @@ std::string chartFinding(const ValidationScope& scope) {
 
 }  // namespace
 
-std::string describe(const WorkbookInspection& inspection) {
-  return sheetTable(inspection) + "\n" + factTable(inspection) + warningLines(inspection.warnings);
+std::string describe(const WorkbookInspection& inspection, const std::string& notes) {
+  return sheetTable(inspection) + "\n" + factTable(inspection) + notes + warningLines(inspection.warnings);
 }
 
-std::string describe(const GeneratedDocument& document, const SourceTable& table) {
+std::string describe(const GeneratedDocument& document, const SourceTable& table, const std::string& notes) {
   TextTable facts({left, left});
   facts.addRow({"Format", nameOf(document.format)});
   facts.addRow({"Size", sizeOf(document.data.view())});
   facts.addRow({"Table", std::to_string(table.rows.size()) + " rows, " +
                              std::to_string(table.columns.size()) + " columns"});
   facts.addRow({"SHA-256", document.validation.outputSHA256});
-  return facts.text() + warningLines(document.validation.warnings);
+  return facts.text() + notes + warningLines(document.validation.warnings);
 }
 
 std::string describe(const std::string& format, ByteView document) {

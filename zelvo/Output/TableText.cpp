@@ -15,7 +15,7 @@ using enum TextTable::Align;
 
 constexpr char cachedMark = '*';
 
-/// Right if the column has a number, so that units stand below units.
+/// Right if the column has a number, so that digits of the same place are aligned.
 TextTable::Align alignOf(const SourceTable& table, std::size_t column) {
   const bool hasNumber = std::ranges::any_of(table.rows, [&](const std::vector<SourceCell>& row) {
     return column < row.size() && row[column].value.kind() == SourceCellValue::Kind::number;
@@ -106,8 +106,8 @@ std::string csvLine(const std::vector<std::string>& texts, bool isForTerminal) {
 
 }  // namespace
 
-std::string describe(const SourceTable& table) {
-  return cellTable(table) + footnotes(table) + "\n" + factTable(table) + warningLines(table.warnings);
+std::string describe(const SourceTable& table, const std::string& notes) {
+  return cellTable(table) + footnotes(table) + "\n" + factTable(table) + notes + warningLines(table.warnings);
 }
 
 std::string csv(const SourceTable& table, bool isForTerminal) {

@@ -12,6 +12,15 @@
 
 namespace zelvo {
 
+/// Details of errors that hosts compare.
+namespace RefusalDetail {
+
+inline constexpr const char* rowSources =
+    "Each researched row needs an exact URL returned by the research tools.";
+inline constexpr const char* noChart = "The requested chart is missing.";
+
+}  // namespace RefusalDetail
+
 /// A bounded research dataset, as a language model returns it: a report, a typed table whose rows carry
 /// their sources, charts, and calculations that fill blank cells. Nothing in it is trusted before `validate`.
 ///

@@ -86,8 +86,7 @@ class RowRules {
     if (scope_) {
       scope_->validate(row.sourceIDs, row.sources, /*requiresEvidence=*/true);
     } else if (hasList_) {
-      require(citesAllowedSources(row),
-              "Each researched row needs an exact URL returned by the research tools.");
+      require(citesAllowedSources(row), RefusalDetail::rowSources);
     }
     require(std::ranges::all_of(row.sources, SourceReferences::isWebURL), "Invalid source URL.");
   }
@@ -124,7 +123,7 @@ void ResearchSpreadsheet::validate(bool requiresChart, const AllowedSources& all
     rules.check(row);
   // A calculated value counts as an observed number in a chart.
   const auto cells = resolvedCells();
-  require(!charts.empty() || !requiresChart, "The requested chart is missing.");
+  require(!charts.empty() || !requiresChart, RefusalDetail::noChart);
   for (const Chart& chart : charts)
     ResearchChartRules::check(chart, columns, cells);
 }

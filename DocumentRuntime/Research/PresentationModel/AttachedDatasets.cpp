@@ -65,10 +65,9 @@ ResearchPresentation ResearchPresentation::attachingDatasets(
       hasOnlyReferences(*this) && hasBoundedIdentities(canonical) && areBoundedIdentities(allowedDatasetIDs),
       "A collection presentation needs unique, bounded dataset identities and explicit chart references.");
   const std::set<std::string> wanted = referencedChartDatasetIDs();
-  require(areAmong(allowedDatasetIDs, wanted),
-          "The presentation references a dataset outside its declared result scope.");
+  require(areAmong(allowedDatasetIDs, wanted), RefusalDetail::datasetOutsideScope);
   require(repeatsOnly(*this, canonical), "Model content cannot add or change canonical dataset records.");
-  require(areAmong(identitiesOf(canonical), wanted), "A canonical dataset is missing.");
+  require(areAmong(identitiesOf(canonical), wanted), RefusalDetail::missingDataset);
   ResearchPresentation attached = *this;
   attached.datasets = std::move(canonical);
   return attached;

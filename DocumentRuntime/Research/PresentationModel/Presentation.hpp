@@ -14,6 +14,21 @@
 
 namespace zelvo {
 
+/// Details of errors that hosts compare.
+namespace RefusalDetail {
+
+inline constexpr const char* slideSources = "Slide sources must be returned research URLs.";
+inline constexpr const char* sourceIDs = "Source IDs require the trusted local/public provenance scope.";
+inline constexpr const char* datasetOutsideScope =
+    "The presentation references a dataset outside its declared result scope.";
+inline constexpr const char* missingDataset = "A canonical dataset is missing.";
+inline constexpr const char* sharedChart =
+    "A chart slide needs an attached dataset, a valid chart, at most 40 periods and one concise insight.";
+inline constexpr const char* referencedChart =
+    "A chart slide needs its exact canonical dataset and chart, at most 40 periods and one insight.";
+
+}  // namespace RefusalDetail
+
 /// A slide's reference to a chart of a dataset.
 struct ResearchChartReference {
   std::string datasetID;        ///< empty for a deck's shared dataset; no identifier in a collection is

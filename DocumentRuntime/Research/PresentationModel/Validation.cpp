@@ -102,12 +102,12 @@ void checkEvidence(const Slide& slide, const AllowedSources& allowedSources,
     return;
   }
   const bool citesIDs = slide.sourceIDs && !slide.sourceIDs->empty();
-  require(!citesIDs || !allowedSources, "Source IDs require the trusted local/public provenance scope.");
+  require(!citesIDs || !allowedSources, RefusalDetail::sourceIDs);
 }
 
 void checkReferencedChart(const Slide& slide, bool isCover, const ResearchSpreadsheet* dataset) {
   require(!isCover && dataset != nullptr && dataset->rows.size() <= maximumPeriods && slide.body.size() == 1,
-          "A chart slide needs its exact canonical dataset and chart, at most 40 periods and one insight.");
+          RefusalDetail::referencedChart);
 }
 
 /// Checks texts only: the text of a number is always shorter than the limit.
@@ -123,8 +123,7 @@ bool hasShortCategories(const ResearchSpreadsheet& dataset, std::int64_t chartIn
 void checkSharedChart(const Slide& slide, bool isCover, const ResearchSpreadsheet* dataset) {
   require(!isCover && dataset != nullptr && dataset->rows.size() <= maximumPeriods &&
               slide.body.size() == 1 && hasShortCategories(*dataset, *slide.chartIndex),
-          "A chart slide needs an attached dataset, a valid chart, at most 40 periods and one concise "
-          "insight.");
+          RefusalDetail::sharedChart);
 }
 
 void checkSources(const Slide& slide, const AllowedSources& allowedSources) {
@@ -132,7 +131,7 @@ void checkSources(const Slide& slide, const AllowedSources& allowedSources) {
     return source.size() <= maximumURLBytes && SourceReferences::isWebURL(source) &&
            (!allowedSources || std::ranges::find(*allowedSources, source) != allowedSources->end());
   });
-  require(areReturned, "Slide sources must be returned research URLs.");
+  require(areReturned, RefusalDetail::slideSources);
 }
 
 }  // namespace

@@ -117,9 +117,7 @@ void ResearchSourceScope::validate(const std::optional<std::vector<std::string>>
   const bool isScopeEmpty = localSnapshotIDs_.empty() && publicSources_.empty();
   const bool lacksEvidence = requiresEvidence && cited.empty() && urls.empty() && !isScopeEmpty;
   if (lacksEvidence || !holds(cited, urls)) {
-    throw DocumentError::validationFailed(
-        "Use exact trusted local snapshot IDs or accepted public evidence; local evidence needs no public "
-        "URL.");
+    throw DocumentError::validationFailed(RefusalDetail::scopedSources);
   }
 }
 

@@ -10,6 +10,14 @@
 
 namespace zelvo {
 
+/// Details of errors that hosts compare.
+namespace RefusalDetail {
+
+inline constexpr const char* scopedSources =
+    "Use exact trusted local snapshot IDs or accepted public evidence; local evidence needs no public URL.";
+
+}  // namespace RefusalDetail
+
 /// The URLs that a result may cite. Nullopt allows every URL, an empty list none.
 using AllowedSources = std::optional<std::vector<std::string>>;
 

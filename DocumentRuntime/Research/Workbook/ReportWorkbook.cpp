@@ -118,8 +118,7 @@ ByteBuffer ResearchWorkbook::make(std::string_view title, std::string_view repor
     throw DocumentError::resourceLimit("research report");
   auto table = firstTable(report);
   if (!table) {
-    throw DocumentError::validationFailed(
-        "The saved report has no table. Continue the task to prepare spreadsheet data.");
+    throw DocumentError::validationFailed(RefusalDetail::noReportTable);
   }
   return BoundedZIP::write(partsOf(*std::move(table), title, report, sources), stop);
 }

@@ -8,6 +8,14 @@
 
 #include "DocumentRuntime/Records/ByteBuffer.hpp"
 
+namespace zelvo::RefusalDetail {
+
+/// Details of errors that hosts compare.
+inline constexpr const char* noReportTable =
+    "The saved report has no table. Continue the task to prepare spreadsheet data.";
+
+}  // namespace zelvo::RefusalDetail
+
 namespace zelvo::ResearchWorkbook {
 
 /// Rows of texts, all of the same length.
