@@ -63,7 +63,7 @@ void takeHeader(SourceTable& table) {
     std::string title = cell.displayText();
     if (Unicode::trimmed(title).empty() ||
         Unicode::exceeds(title, TableExtraction::maximumHeaderCharacters)) {
-      throw DocumentError::invalidSelection("headers must be nonempty and at most 120 characters");
+      throw DocumentError::invalidSelection(Refusal::header);
     }
     table.columns.push_back(std::move(title));
     table.headerUsesCachedFormulaValues |= cell.usesCachedFormulaValue;
@@ -96,7 +96,7 @@ CellRange TableExtraction::selectedRange(const TableSelection& selection) {
   const CellRange range = CellRange::parse(selection.range);
   const std::int64_t minimumRows = selection.firstRowIsHeader ? 2 : 1;
   if (widthOf(range) > maximumColumns || heightOf(range) > maximumRows || heightOf(range) < minimumRows) {
-    throw DocumentError::resourceLimit(selectionTooLarge);
+    throw DocumentError::resourceLimit(Refusal::selectionTooLarge);
   }
   return range;
 }
@@ -105,23 +105,23 @@ SourceTable TableExtraction::read(const WorksheetContents& contents, const CellR
                                   const TableSelection& selection, const CellReader& reader,
                                   const std::set<CellAddress>& acceptedEmptyFormulaCells,
                                   const std::stop_token& stop) {
-  if (contents.hasMergedCells(range)) throw DocumentError::unsupported("merged cells in the selected table");
+  if (contents.hasMergedCells(range)) throw DocumentError::unsupported(Refusal::mergedCells);
   if (contents.hasHiddenColumns(range)) {
-    throw DocumentError::invalidSelection("the selection includes hidden columns");
+    throw DocumentError::invalidSelection(Refusal::hiddenColumns);
   }
 
   SourceTable table;
   table.rows = readRows(contents, range, selection, reader, acceptedEmptyFormulaCells, stop);
-  if (table.rows.empty()) throw DocumentError::invalidSelection("no visible rows");
+  if (table.rows.empty()) throw DocumentError::invalidSelection(Refusal::noVisibleRows);
   if (selection.firstRowIsHeader) {
     if (contents.isHiddenRow(range.first.row) && !selection.includeHiddenRows) {
-      throw DocumentError::invalidSelection("header row is hidden");
+      throw DocumentError::invalidSelection(Refusal::hiddenHeader);
     }
     takeHeader(table);
   } else {
     nameColumns(table, range);
   }
-  if (table.rows.empty()) throw DocumentError::invalidSelection("no data rows");
+  if (table.rows.empty()) throw DocumentError::invalidSelection(Refusal::noDataRows);
   addWarnings(table, contents, selection.includeHiddenRows);
   return table;
 }

@@ -10,6 +10,19 @@
 #include "DocumentRuntime/Workbook/CellReader.hpp"
 #include "DocumentRuntime/Workbook/WorksheetContents.hpp"
 
+namespace zelvo::Refusal {
+
+/// Details of errors that hosts compare.
+inline constexpr const char* selectionTooLarge = "select at most eight columns and 200 data rows";
+inline constexpr const char* mergedCells = "merged cells in the selected table";
+inline constexpr const char* hiddenColumns = "the selection includes hidden columns";
+inline constexpr const char* noVisibleRows = "no visible rows";
+inline constexpr const char* hiddenHeader = "header row is hidden";
+inline constexpr const char* header = "headers must be nonempty and at most 120 characters";
+inline constexpr const char* noDataRows = "no data rows";
+
+}  // namespace zelvo::Refusal
+
 /// Extracts one range from one worksheet.
 namespace zelvo::TableExtraction {
 
@@ -17,11 +30,9 @@ inline constexpr std::int64_t maximumColumns = 8;
 /// With or without a header: a table without one may have 201 data rows.
 inline constexpr std::int64_t maximumRows = 201;
 inline constexpr std::size_t maximumHeaderCharacters = 120;
-/// The detail of the error for a larger range. Hosts compare it.
-inline constexpr const char* selectionTooLarge = "select at most eight columns and 200 data rows";
 
 /// Parses the selection's range and checks its size. Throws the errors of `CellRange::parse`, and
-/// `DocumentError` resourceLimit `selectionTooLarge`.
+/// `DocumentError` resourceLimit `Refusal::selectionTooLarge`.
 CellRange selectedRange(const TableSelection& selection);
 
 /// Reads columns, rows and warnings of `range`, which is within the area of `contents`, into a table; the

@@ -73,7 +73,8 @@ void WorkbookReader::identify(ByteView data, std::string_view sourceName) {
 
 void WorkbookReader::open(PartMap parts, const std::stop_token& stop, std::size_t keptTreeBytes) {
   PassedParts passed = vetParts(std::move(parts), stop, keptTreeBytes);
-  if (!passed.structure || !passed.relationships) throw DocumentError::unsupported("XLSX workbook structure");
+  if (!passed.structure || !passed.relationships)
+    throw DocumentError::unsupported(Refusal::workbookStructure);
   WorkbookStructure structure = passed.structure->take();
   uses1904Dates_ = structure.uses1904Dates;
   calculationMode_ = std::move(structure.calculationMode);
@@ -132,7 +133,7 @@ SourceTable WorkbookReader::table(const TableSelection& selection,
 const Sheet& WorkbookReader::visibleSheet(std::string_view name) const {
   const auto sheet = std::ranges::find(sheets_, name, &Sheet::name);
   if (sheet == sheets_.end() || sheet->hidden) {
-    throw DocumentError::invalidSelection("unknown or hidden worksheet");
+    throw DocumentError::invalidSelection(Refusal::unknownSheet);
   }
   return *sheet;
 }
@@ -142,7 +143,7 @@ const WorkbookReader::WorksheetPart& WorkbookReader::partOf(const Sheet& sheet) 
   // The gate passes parts in the order of their names, so the list is sorted.
   const auto found = std::ranges::lower_bound(worksheets_, sheet.path, {}, &WorksheetPart::name);
   if (found == worksheets_.end() || found->name != sheet.path)
-    throw DocumentError::unsupported("worksheet type");
+    throw DocumentError::unsupported(Refusal::worksheetType);
   return *found;
 }
 

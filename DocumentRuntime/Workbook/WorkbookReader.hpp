@@ -20,6 +20,15 @@
 
 namespace zelvo {
 
+/// Details of errors that hosts compare.
+namespace Refusal {
+
+inline constexpr const char* workbookStructure = "XLSX workbook structure";
+inline constexpr const char* unknownSheet = "unknown or hidden worksheet";
+inline constexpr const char* worksheetType = "worksheet type";
+
+}  // namespace Refusal
+
 /// A vetted XLSX workbook (Transitional SpreadsheetML). Owns its data.
 ///
 /// Every part is parsed once, while the package is vetted. The facts of each sheet, or its error, are kept

@@ -1,8 +1,10 @@
 #include "zelvo/CommandLine/CommandLine.hpp"
 
+#include <array>
 #include <sstream>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include <CLI/CLI.hpp>
 
@@ -31,6 +33,10 @@ std::string checkDocumentName(const std::string& path) {
   return path == "-" || formatOf(path) ? "" : "The file's name must end in .docx or .pptx";
 }
 
+std::string checkNotEmpty(const std::string& text) {
+  return text.empty() ? "The text is empty" : "";
+}
+
 class InspectParser {
  public:
   explicit InspectParser(CLI::App& tool) {
@@ -54,11 +60,16 @@ class SelectionOptions {
  public:
   explicit SelectionOptions(CLI::App& command)
       : workbook_(command.add_option("BOOK.xlsx", "Workbook")->required()->type_name("")),
-        sheet_(addText(command, "--sheet", "The worksheet")->required()->type_name("NAME")),
-        range_(addText(command, "--range", "The cells, like A1:D20")->required()->type_name("RANGE")),
+        sheet_(addText(command, "--sheet",
+                       "The worksheet: its name, else its number in the list of inspect, which is always #N; "
+                       "without it the only visible one")),
+        range_(addText(command, "--range", "The cells, like A1:D20; without it all that have content")),
         noHeader_(addFlag(command, "--no-header", "The first row contains data, not column titles")),
         hidden_(addFlag(command, "--include-hidden", "Include hidden rows")),
-        cached_(addFlag(command, "--cached-formulas", "Use the saved results of formulas")) {}
+        cached_(addFlag(command, "--cached-formulas", "Use the saved results of formulas")) {
+    sheet_->type_name("NAME|#N|N")->check(checkNotEmpty);
+    range_->type_name("RANGE")->check(checkNotEmpty);
+  }
 
   std::string workbook() const { return value(*workbook_); }
   TableSelection selection() const {
@@ -99,26 +110,65 @@ class ChartOptions {
   CLI::Option* title_;
 };
 
+constexpr const char* extractFooter =
+    R"(Prints rows as they are: with one of --jsonl, --csv, --tsv and --markdown for programs, without a format for
+reading. Ranges may have any size up to 250,000 cells. Hidden rows and columns are left out and named on
+standard error; columns also with --include-hidden. The first row is the header, with --no-header data, too.
+--json prints a table of at most eight columns and 200 data rows with the provenance of every cell.
+
+Spreadsheet programs run texts that begin with = + - @ as formulas when they open CSV. --escape-formulas puts
+a ' before such texts (also before those that begin with a tab or carriage return), never before numbers.)";
+
 class ExtractParser {
  public:
   explicit ExtractParser(CLI::App& tool)
-      : command_(tool.add_subcommand("extract", "Show a table of an XLSX workbook")), table_(*command_) {
-    json_ = addFlag(*command_, "--json", "Print the table's JSON record");
-    csv_ = addFlag(*command_, "--csv", "Print the displayed cells as CSV")->excludes(json_);
+      : command_(tool.add_subcommand("extract", "Print a sheet or a range of an XLSX workbook")),
+        table_(*command_) {
+    for (const auto& [name, form, description] : forms) {
+      CLI::Option* option = addFlag(*command_, name, description);
+      for (CLI::Option* other : options_)
+        option->excludes(other);
+      options_.push_back(option);
+    }
+    raw_ = addFlag(*command_, "--raw", "Print stored values: numbers, ISO dates, TRUE, FALSE");
+    escape_ = addFlag(*command_, "--escape-formulas", "Put a ' before texts that look like formulas");
+    for (CLI::Option* option : {raw_, escape_})
+      option->excludes(options_.front());
+    command_->footer(extractFooter);
   }
 
   bool isGiven() const { return command_->parsed(); }
   ExtractArguments arguments() const {
-    using enum ExtractArguments::Form;
-    const auto form = !json_->empty() ? json : !csv_->empty() ? csv : text;
-    return {.workbook = table_.workbook(), .selection = table_.selection(), .form = form};
+    auto form = ExtractArguments::Form::text;
+    for (std::size_t i = 0; i < forms.size(); ++i) {
+      if (!options_[i]->empty()) form = forms[i].form;
+    }
+    return {.workbook = table_.workbook(),
+            .selection = table_.selection(),
+            .form = form,
+            .cells = {.raw = !raw_->empty(), .escapesFormulas = !escape_->empty()}};
   }
 
  private:
+  struct FormOption {
+    const char* name;
+    ExtractArguments::Form form;
+    const char* description;
+  };
+  using enum ExtractArguments::Form;
+  static constexpr std::array<FormOption, 5> forms = {{
+      {"--json", json, "Print the record of a table"},
+      {"--jsonl", jsonl, "Print a JSON object for each data row, with stored values"},
+      {"--csv", csv, "Print CSV"},
+      {"--tsv", tsv, "Print lines of tab-separated texts; \\t, \\n, \\r and \\\\ are escapes"},
+      {"--markdown", markdown, "Print a Markdown table"},
+  }};
+
   CLI::App* command_;
   SelectionOptions table_;
-  CLI::Option* json_ = nullptr;
-  CLI::Option* csv_ = nullptr;
+  std::vector<CLI::Option*> options_;  ///< in the order of `forms`
+  CLI::Option* raw_ = nullptr;
+  CLI::Option* escape_ = nullptr;
 };
 
 /// The format of the document in a file with a checked name.
@@ -133,6 +183,7 @@ class CreateParser {
         table_(*command_),
         title_(addText(*command_, "--title", "The document's title")->required()),
         chart_(*command_),
+        json_(addFlag(*command_, "--json", "Print the document's JSON record, without its bytes")),
         output_(command_->add_option("-o", "The output file")->required()) {
     output_->type_name("OUT.docx|OUT.pptx")->check(checkDocumentName);
   }
@@ -146,7 +197,8 @@ class CreateParser {
             .title = value(*title_),
             .chart = chart,
             .output = output,
-            .format = formatOf(output, chart)};
+            .format = formatOf(output, chart),
+            .json = !json_->empty()};
   }
 
  private:
@@ -154,6 +206,7 @@ class CreateParser {
   SelectionOptions table_;
   CLI::Option* title_;
   ChartOptions chart_;
+  CLI::Option* json_;
   CLI::Option* output_;
 };
 
@@ -191,12 +244,25 @@ class ValidateParser {
 
 using ParsedCommandLine = std::variant<Command, Information>;
 
+constexpr const char* seeHelp = " (see zelvo --help)";
+
 /// CLI11 reports a request for help as an error, too.
 Result<ParsedCommandLine> resultOf(const CLI::App& tool, const CLI::ParseError& end) {
   std::ostringstream output;
   std::ostringstream errors;
   if (tool.exit(end, output, errors) == 0) return ParsedCommandLine(Information{output.str()});
-  return CommandError{ExitStatus::usage, withoutGuards(end.what()) + " (see zelvo --help)"};
+  return CommandError{ExitStatus::usage, withoutGuards(end.what()) + seeHelp};
+}
+
+/// What excludes each other by the values of options.
+Failure conflictIn(const Command& command) {
+  const auto usage = [](const std::string& message) {
+    return CommandError{ExitStatus::usage, message + seeHelp};
+  };
+  const auto* create = std::get_if<CreateArguments>(&command);
+  if (create != nullptr && create->json && create->output == "-")
+    return usage("--json excludes -o -: standard output holds the document");
+  return std::nullopt;
 }
 
 }  // namespace
@@ -228,7 +294,9 @@ Result<ParsedCommandLine> parseCommandLine(int count, const char* const* argumen
     if (auto given = research.command()) return *std::move(given);
     return inspect.arguments();
   };
-  return ParsedCommandLine(command());
+  Command given = command();
+  if (Failure conflict = conflictIn(given)) return *std::move(conflict);
+  return ParsedCommandLine(std::move(given));
 }
 
 }  // namespace zelvo

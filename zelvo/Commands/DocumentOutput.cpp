@@ -27,13 +27,17 @@ Failure DocumentOutput::write(const std::string& path, ByteView document, std::s
     Console::print(textOf(document));
     return std::nullopt;
   }
-  if (const int error = writeOutputFile(path, textOf(document)); error != 0) {
-    return CommandError{ExitStatus::refused, "The file cannot be written: " + path + ": " +
-                                                 std::generic_category().message(error)};
-  }
+  if (Failure failure = writeFile(path, document)) return failure;
   Console::print(printable(path) + "\n");
   Console::print(description);
   return std::nullopt;
+}
+
+Failure DocumentOutput::writeFile(const std::string& path, ByteView document) {
+  const int error = writeOutputFile(path, textOf(document));
+  if (error == 0) return std::nullopt;
+  return CommandError{ExitStatus::refused,
+                      "The file cannot be written: " + path + ": " + std::generic_category().message(error)};
 }
 
 ExitStatus DocumentOutput::writeAuthored(const std::string& path, const std::string& format,

@@ -17,6 +17,9 @@ Failure check(const std::string& path);
 /// the document is written. A file that cannot be written keeps its content.
 Failure write(const std::string& path, ByteView document, std::string_view description);
 
+/// Writes the document to a file and prints nothing.
+Failure writeFile(const std::string& path, ByteView document);
+
 /// Writes the document that `author` makes in a confined child (see `runConfinedChild`), or reports why there
 /// is none. `format` is its name, like "Excel workbook".
 ExitStatus writeAuthored(const std::string& path, const std::string& format,

@@ -1,55 +1,48 @@
 #include <string>
+#include <utility>
 
 #include "DocumentRuntime/Coding/RecordCoding.hpp"
-#include "DocumentRuntime/Errors/DocumentError.hpp"
-#include "DocumentRuntime/Workbook/TableExtraction.hpp"
 #include "zelvo/Commands/Commands.hpp"
 #include "zelvo/Execution/WorkerExchange.hpp"
+#include "zelvo/Extraction/AlignedRows.hpp"
+#include "zelvo/Extraction/RowForms.hpp"
+#include "zelvo/Extraction/SheetRead.hpp"
 #include "zelvo/Output/Console.hpp"
-#include "zelvo/Output/TableText.hpp"
 #include "zelvo/Output/TerminalText.hpp"
 
 namespace zelvo {
 namespace {
 
-using Operation = DocumentWorkerRequest::Operation;
+using Form = ExtractArguments::Form;
 
-/// True if the sheet or the range was refused, and not the workbook.
-bool isAboutSelection(const CommandError& error) {
-  static const std::string aboutUse = DocumentError::invalidSelection("").errorDescription();
-  static const std::string aboutSize =
-      DocumentError::resourceLimit(TableExtraction::selectionTooLarge).errorDescription();
-  return error.status == ExitStatus::refused &&
-         (error.message.starts_with(aboutUse) || error.message == aboutSize);
+Failure printRecord(const AskWorker& ask, DocumentWorkerRequest& request) {
+  if (Failure failure = completeTableSelection(ask, request)) return failure;
+  request.operation = DocumentWorkerRequest::Operation::extract;
+  const auto response = ask(request);
+  if (!response) return response.error();
+  Console::printJson(toJson(*response->table) + "\n");
+  return std::nullopt;
 }
 
-/// "Visible sheets: Sales (A1:D20), Notes (empty)"
-std::string selectable(const WorkbookInspection& inspection) {
-  std::string sheets;
-  for (const WorksheetInspection& sheet : inspection.sheets) {
-    if (sheet.hidden) continue;
-    sheets += sheets.empty() ? "" : ", ";
-    sheets += sheet.name + " (" + sheet.populatedRange.value_or("empty") + ")";
+void print(const SheetRows& rows, const ExtractArguments& arguments) {
+  // Before the rows: a reader of standard output may close it early, which ends the tool.
+  for (const std::string& sentence : leftOut(rows))
+    Console::printError(sentence);
+  if (arguments.form == Form::text)
+    return Console::print(printable(arguments.workbook) + "\n" +
+                          describe(rows, arguments.cells, Console::terminalWidth()));
+  const auto writer = rowWriter(arguments.form, rows, arguments.cells, Console::isTerminal());
+  for (const SheetRows::Row& row : rows.rows) {
+    const std::string lines = writer->lines(row.cells);
+    arguments.form == Form::jsonl ? Console::printJson(lines) : Console::print(lines);
   }
-  return "Visible sheets: " + (sheets.empty() ? "none" : sheets);
 }
 
-/// Prints nothing if the workbook cannot be inspected.
-void hintAtSelectable(const DocumentWorkerHost& host, DocumentWorkerRequest& request) {
-  request.operation = Operation::inspect;
-  const auto response = ask(host, request);
-  if (response) Console::printHint(selectable(*response->inspection));
-}
-
-void print(const SourceTable& table, const ExtractArguments& arguments) {
-  switch (arguments.form) {
-    case ExtractArguments::Form::json:
-      return Console::printJson(toJson(table) + "\n");
-    case ExtractArguments::Form::csv:
-      return Console::print(csv(table, Console::isTerminal()));
-    case ExtractArguments::Form::text:
-      return Console::print(printable(arguments.workbook) + "\n" + describe(table));
-  }
+Failure printRows(const AskWorker& ask, DocumentWorkerRequest& request, const ExtractArguments& arguments) {
+  const auto rows = readRows(ask, request);
+  if (!rows) return rows.error();
+  print(*rows, arguments);
+  return std::nullopt;
 }
 
 }  // namespace
@@ -57,17 +50,12 @@ void print(const SourceTable& table, const ExtractArguments& arguments) {
 ExitStatus extract(const DocumentWorkerHost& host, const ExtractArguments& arguments) {
   auto request = requestAbout(arguments.workbook);
   if (!request) return Console::report(request.error());
-  request->operation = Operation::extract;
   request->selection = arguments.selection;
-
-  const auto response = ask(host, *request);
-  if (!response) {
-    const ExitStatus status = Console::report(response.error());
-    if (isAboutSelection(response.error())) hintAtSelectable(host, *request);
-    return status;
-  }
-  print(*response->table, arguments);
-  return ExitStatus::success;
+  const AskWorker askWorker = [&host](const DocumentWorkerRequest& sent) { return ask(host, sent); };
+  Failure failure = arguments.form == Form::json ? printRecord(askWorker, *request)
+                                                 : printRows(askWorker, *request, arguments);
+  if (!failure) return ExitStatus::success;
+  return Console::report(withSelectionHints(*std::move(failure), askWorker, *request));
 }
 
 }  // namespace zelvo

@@ -15,4 +15,7 @@ namespace zelvo {
 /// `work` uses what is in memory already; it can neither open nor start anything.
 Result<std::string> runConfinedChild(const std::function<Result<std::string>()>& work);
 
+/// The error for bytes of such a child that are not what its work returns.
+CommandError unreadableResult(const std::string& detail);
+
 }  // namespace zelvo

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string_view>
 
 #include "zelvo/Output/Result.hpp"
@@ -16,14 +17,15 @@ void printJson(std::string_view json);
 /// Characters that would move the cursor or reorder text are written as escapes.
 void printError(std::string_view message);
 
-/// Writes the error as above and returns its status.
+/// Writes the error as above, then each of its hints as a line that begins with "zelvo: hint: ". Returns the
+/// error's status.
 ExitStatus report(const CommandError& error);
-
-/// Writes a further line after an error, escaped in the same way.
-void printHint(std::string_view text);
 
 /// True if standard output is a terminal.
 bool isTerminal();
+
+/// The columns of the terminal that is standard output; 0 if it is none, or does not tell.
+std::size_t terminalWidth();
 
 /// Flushes standard output. False if any write to it failed.
 bool finish();

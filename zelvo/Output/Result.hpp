@@ -4,6 +4,7 @@
 #include <string>
 #include <utility>
 #include <variant>
+#include <vector>
 
 namespace zelvo {
 
@@ -19,6 +20,7 @@ enum class ExitStatus : int {
 struct CommandError {
   ExitStatus status;
   std::string message;  ///< one sentence or more, without prefix and line feed; may quote untrusted bytes
+  std::vector<std::string> hints = {};  ///< the same: what was found, or what helps
 };
 
 /// The error of a step that has no value; nullopt if it succeeded.

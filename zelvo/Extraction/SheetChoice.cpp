@@ -1,0 +1,123 @@
+#include "zelvo/Extraction/SheetChoice.hpp"
+
+#include <algorithm>
+#include <charconv>
+#include <optional>
+#include <string_view>
+#include <system_error>
+#include <utility>
+#include <vector>
+
+#include "DocumentRuntime/Errors/DocumentError.hpp"
+#include "DocumentRuntime/Workbook/TableExtraction.hpp"
+#include "DocumentRuntime/Workbook/WorkbookReader.hpp"
+#include "Text/ASCII.hpp"
+
+namespace zelvo {
+namespace {
+
+using Sheets = std::vector<WorksheetInspection>;
+
+constexpr const char* largerRanges =
+    "Larger ranges are printed by zelvo extract with --csv, --tsv, --jsonl, --markdown or no format.";
+
+/// "Visible sheets: Sales (A1:D20), Notes (empty)"
+std::string selectable(const WorkbookInspection& inspection) {
+  std::string sheets;
+  for (const WorksheetInspection& sheet : inspection.sheets) {
+    if (sheet.hidden) continue;
+    sheets += sheets.empty() ? "" : ", ";
+    sheets += sheet.name + " (" + sheet.populatedRange.value_or("empty") + ")";
+  }
+  return "Visible sheets: " + (sheets.empty() ? "none" : sheets);
+}
+
+/// A number of decimal digits, after a "#" or not. Nullopt for other texts; a number that is too large is one
+/// that no sheet has.
+std::optional<std::size_t> numberIn(std::string_view text) {
+  ASCII::takePrefix(text, "#");
+  if (text.empty() || !std::ranges::all_of(text, ASCII::isDigit)) return std::nullopt;
+  std::size_t number = 0;
+  const auto result = std::from_chars(text.data(), text.data() + text.size(), number);
+  return result.ec == std::errc() ? number : 0;
+}
+
+const WorksheetInspection* sheetNamed(const Sheets& sheets, const std::string& given) {
+  const auto number = numberIn(given);
+  const bool isNumberOnly = number && given.starts_with('#');
+  const auto named = std::ranges::find(sheets, given, &WorksheetInspection::name);
+  if (!isNumberOnly && named != sheets.end()) return &*named;
+  return number && 1 <= *number && *number <= sheets.size() ? &sheets[*number - 1] : nullptr;
+}
+
+CommandError refusal(std::string message, const WorkbookInspection& inspection) {
+  return {ExitStatus::refused, std::move(message), {selectable(inspection)}};
+}
+
+Result<const WorksheetInspection*> chosenSheet(const WorkbookInspection& inspection,
+                                               const std::string& given) {
+  const Sheets& sheets = inspection.sheets;
+  if (!given.empty()) {
+    const WorksheetInspection* sheet = sheetNamed(sheets, given);
+    if (sheet != nullptr && !sheet->hidden) return sheet;
+    return refusal(DocumentError::invalidSelection(Refusal::unknownSheet).errorDescription(), inspection);
+  }
+  const auto visible = std::ranges::find(sheets, false, &WorksheetInspection::hidden);
+  if (visible == sheets.end()) return refusal("The workbook has no visible sheet.", inspection);
+  if (std::ranges::count(sheets, false, &WorksheetInspection::hidden) > 1)
+    return refusal("The workbook has several visible sheets: choose one with --sheet.", inspection);
+  return &*visible;
+}
+
+Result<DocumentWorkerResponse> inspected(const AskWorker& ask, DocumentWorkerRequest& request) {
+  request.operation = DocumentWorkerRequest::Operation::inspect;
+  return ask(request);
+}
+
+bool isTooLarge(const CommandError& error) {
+  static const std::string message =
+      DocumentError::resourceLimit(Refusal::selectionTooLarge).errorDescription();
+  return error.message == message;
+}
+
+/// True if the sheet or the range was refused, and not the workbook.
+bool isAboutSelection(const CommandError& error) {
+  static const std::string aboutUse = DocumentError::invalidSelection("").errorDescription();
+  return error.status == ExitStatus::refused && (error.message.starts_with(aboutUse) || isTooLarge(error));
+}
+
+}  // namespace
+
+Failure completeSelection(const AskWorker& ask, DocumentWorkerRequest& request) {
+  TableSelection& selection = *request.selection;
+  const bool isComplete =
+      !selection.sheetName.empty() && !numberIn(selection.sheetName) && !selection.range.empty();
+  if (isComplete) return std::nullopt;
+
+  const auto response = inspected(ask, request);
+  if (!response) return response.error();
+  const auto sheet = chosenSheet(*response->inspection, selection.sheetName);
+  if (!sheet) return sheet.error();
+  selection.sheetName = (*sheet)->name;
+  if (selection.range.empty()) selection.range = (*sheet)->populatedRange.value_or("");
+  return std::nullopt;
+}
+
+Failure completeTableSelection(const AskWorker& ask, DocumentWorkerRequest& request) {
+  if (Failure failure = completeSelection(ask, request)) return failure;
+  if (!request.selection->range.empty()) return std::nullopt;
+  return CommandError{ExitStatus::refused,
+                      DocumentError::invalidSelection(Refusal::noDataRows).errorDescription(),
+                      {"The sheet is empty: " + request.selection->sheetName}};
+}
+
+CommandError withSelectionHints(CommandError error, const AskWorker& ask, DocumentWorkerRequest& request) {
+  // One that has hints was found without the worker.
+  if (!isAboutSelection(error) || !error.hints.empty()) return error;
+  if (isTooLarge(error)) error.hints.emplace_back(largerRanges);
+  const auto response = inspected(ask, request);
+  if (response) error.hints.push_back(selectable(*response->inspection));
+  return error;
+}
+
+}  // namespace zelvo
