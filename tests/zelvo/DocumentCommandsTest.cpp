@@ -74,41 +74,6 @@ TEST_F(DocumentCommands, InspectReportsAWorkerThatFails) {
           "cannot be read: absent: No such file or directory\n"));
 }
 
-TEST_F(DocumentCommands, ExtractPrintsTextAndCSV) {
-  displace(
-      R"(say {"table":{"sourceName":"b.xlsx","sourceSHA256":"0","sheetName":"S\u001b","selectedRange":"B3:E6",)"
-      R"("columns":["Text","Odd, \"title\"","Count","Note"],"rows":[)"
-      R"([{"address":"B4","value":{"text":{"_0":"a\r\nb"}},"usesCachedFormulaValue":false,"hidden":true},)"
-      R"({"address":"C4","value":{"number":{"_0":"12.5"}},"usesCachedFormulaValue":true,"formula":"1","numberFormat":"0.00","hidden":true},)"
-      R"({"address":"D4","value":{"number":{"_0":"7"}},"usesCachedFormulaValue":false,"hidden":true},)"
-      R"({"address":"E4","value":{"missing":{}},"usesCachedFormulaValue":false,"hidden":true}],)"
-      R"([{"address":"B6","value":{"text":{"_0":"価\u009b"}},"usesCachedFormulaValue":false,"hidden":false},)"
-      R"({"address":"C6","value":{"number":{"_0":"1"}},"usesCachedFormulaValue":false,"hidden":false},)"
-      R"({"address":"D6","value":{"missing":{}},"usesCachedFormulaValue":false,"hidden":false},)"
-      R"({"address":"E6","value":{"boolean":{"_0":true}},"usesCachedFormulaValue":false,"hidden":false}]],)"
-      R"("warnings":["w\u0007"],"headerUsesCachedFormulaValues":true}})");
-  EXPECT_EQ(displaced("extract - --sheet S --range B3:E6"), (ToolRun{0, R"(-
-  Row  Text          Odd, "title"   Count  Note
-    4  a\u{D}\u{A}b         12.50*      7        hidden
-    6  価\u{9B}                 1          TRUE
-
-  * the saved result of a formula
-  Titles are saved results of formulas.
-
-  Sheet    S\u{1B}
-  Range    B3:E6
-  SHA-256  0
-
-  Warning: w\u{7}
-)",
-                                                                     ""}));
-  const std::string csv = unpictured(R"(Text,"Odd, ""title""",Count,Note␍␊"a␍␊b",12.50,7,␍␊価)");
-  EXPECT_EQ(displaced("extract - --sheet S --range B3:E6 --csv"),
-            (ToolRun{0, csv + "\u009B,1,,TRUE\r\n", ""}));
-  EXPECT_EQ(zelvo("extract $book --sheet Notes␠☕ --range A5:A6 --csv --no-header"),
-            (ToolRun{0, unpictured(R"(Column A␍␊""␍␊""␍␊)"), ""}));
-}
-
 TEST_F(DocumentCommands, ExtractPrintsTheRecord) {
   const std::string command = "extract $book --sheet Orders --range A1:C24 --json";
   const ToolRun run = zelvo(command + " --include-hidden");
@@ -116,24 +81,6 @@ TEST_F(DocumentCommands, ExtractPrintsTheRecord) {
   EXPECT_EQ(run, (ToolRun{0, toJson(table) + "\n", ""}));
   EXPECT_EQ(table.rows.size(), 23U);
   EXPECT_LT(fromJson<SourceTable>(zelvo(command).output).rows.size(), 23U);
-}
-
-TEST_F(DocumentCommands, ExtractListsWhatCanBeSelected) {
-  const std::string sheets =
-      "Visible sheets: Quarter (A1:F6), Orders (A1:H25), Prices 価格 (A1:E6), Notes ☕ (A1:A4)\n";
-  const std::string unusable = "The selected table cannot be used: ";
-  for (const auto& [selection, message] : cases<2>(R"(
-      quarter --range A1:B2 => The selected table cannot be used: unknown or hidden worksheet
-      Quarter --range A1-B2 => The selected table cannot be used: cell address
-      Quarter --range A1:I2 => The document exceeds a safe processing limit: select at most eight columns and 200 data rows)"))
-    // Also from standard input, which can be read only once.
-    EXPECT_EQ(zelvo("extract - --sheet " + selection, contentOf(book)),
-              (ToolRun{1, "", "zelvo: " + message + "\n" + sheets}));
-  expectFailures(
-      "extract $book --sheet Quarter --range A1:B2 => 1 | Cell B2 needs a verified formula result. This "
-      "reader "
-      "does not recalculate formulas.");
-  expectFailures("extract - --sheet x --range A1 => 1 | " + noBookRefusal, noBook);
 }
 
 const std::string create = "create $book --sheet Quarter --range A1:F5 --cached-formulas --title [a,b]";

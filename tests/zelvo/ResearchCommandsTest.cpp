@@ -58,17 +58,17 @@ TEST_F(ResearchCommands, CheckPrintsTheDataset) {
 TEST_F(ResearchCommands, WorkbookAndReportWriteWorkbooks) {
   const std::string book = expectWritten("research workbook - --title [a,b] --scope @scope.json", "a.XLSX",
                                          "Excel workbook", "", dataset);
-  EXPECT_EQ(cellsOf(book, "Data --range A2:B2"), "Column A,Column B\r\nx,0.50\r\n");
-  EXPECT_EQ(cellsOf(book, "Report --range A1:A2"), "Column A\r\n\"[a,b]\"\r\nR\r\n");
-  EXPECT_EQ(cellsOf(book, "Sources --range A2:A3"), "Column A\r\nlocal\r\nweb\r\n");
+  EXPECT_EQ(cellsOf(book, "Data --range A2:B2"), "x,0.50\n");
+  EXPECT_EQ(cellsOf(book, "Report --range A1:A2"), "\"[a,b]\"\nR\n");
+  EXPECT_EQ(cellsOf(book, "Sources --range A2:A3"), "local\nweb\n");
   expectWritten("research workbook --title T " EXAMPLE_DATASET, "b.xlsx", "Excel workbook");
 
   const std::string report =
       expectWritten("research report --title T --source [a,b] --source http://h/ -", "c.xlsx",
                     "Excel workbook", "", "\xEF\xBB\xBF|City|Sold|\r\n|---|---|\r\n|Bonn|1,5|\r\n\r\nText");
-  EXPECT_EQ(cellsOf(report, "Data --range A1:B2"), "Column A,Column B\r\nCity,Sold\r\nBonn,1.5\r\n");
-  EXPECT_EQ(cellsOf(report, "Report --range A1:A1"), "Column A\r\nT\r\n");
-  EXPECT_EQ(cellsOf(report, "Sources --range A2:A3"), "Column A\r\n\"[a,b]\"\r\nhttp://h/\r\n");
+  EXPECT_EQ(cellsOf(report, "Data --range A1:B2"), "City,Sold\nBonn,1.5\n");
+  EXPECT_EQ(cellsOf(report, "Report --range A1:A1"), "T\n");
+  EXPECT_EQ(cellsOf(report, "Sources --range A2:A3"), "\"[a,b]\"\nhttp://h/\n");
   expectWritten("research report --title T " EXAMPLE_REPORT, "d.xlsx", "Excel workbook");
 }
 

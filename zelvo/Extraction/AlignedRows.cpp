@@ -28,6 +28,7 @@ class CellTable {
   CellTable(const SheetRows& rows, const CellTextOptions& options) : rows_(rows), options_(options) {
     for (std::size_t column = 0; column < rows.columns.size(); ++column)
       hasMarks_.push_back(hasCachedValue(rows, column));
+    hasHidden_ = std::ranges::any_of(dataRows(rows), isHidden);
   }
 
   bool hasMarks() const { return std::ranges::count(hasMarks_, true) > 0; }
@@ -36,7 +37,7 @@ class CellTable {
     std::vector<TextTable::Align> aligns = {right};
     for (std::size_t column = 0; column < rows_.columns.size(); ++column)
       aligns.push_back(hasNumber(rows_, column) ? right : left);
-    aligns.push_back(left);
+    if (hasHidden_) aligns.push_back(left);
 
     TextTable table(aligns);
     table.addRow(titles());
@@ -54,7 +55,7 @@ class CellTable {
                                 : columnLetters(rows_.columns[column]));
       if (hasMarks_[column]) texts.back() += ' ';
     }
-    texts.emplace_back();
+    if (hasHidden_) texts.emplace_back();
     return texts;
   }
 
@@ -67,13 +68,14 @@ class CellTable {
       texts.push_back(cellText(cell, options_));
       if (hasMarks_[column]) texts.back() += cell.usesCachedFormulaValue ? cachedMark : ' ';
     }
-    texts.emplace_back(isHidden(row) ? "hidden" : "");
+    if (hasHidden_) texts.emplace_back(isHidden(row) ? "hidden" : "");
     return texts;
   }
 
   const SheetRows& rows_;
   const CellTextOptions& options_;
   std::vector<bool> hasMarks_;
+  bool hasHidden_ = false;
 };
 
 bool hasCachedTitle(const SheetRows& rows) {

@@ -80,10 +80,12 @@ bool isTooLarge(const CommandError& error) {
   return error.message == message;
 }
 
-/// True if the sheet or the range was refused, and not the workbook.
+/// True if the sheet or the range was refused, and not the workbook or the columns of a chart.
 bool isAboutSelection(const CommandError& error) {
   static const std::string aboutUse = DocumentError::invalidSelection("").errorDescription();
-  return error.status == ExitStatus::refused && (error.message.starts_with(aboutUse) || isTooLarge(error));
+  static const std::string aboutChart = DocumentError::invalidSelection("chart ").errorDescription();
+  const bool isUnusable = error.message.starts_with(aboutUse) && !error.message.starts_with(aboutChart);
+  return error.status == ExitStatus::refused && (isUnusable || isTooLarge(error));
 }
 
 }  // namespace

@@ -86,7 +86,8 @@ TextTable::Widths TextTable::fitted(std::size_t width) const {
   for (std::size_t cap = width; cap >= narrowColumn; --cap) {
     if (Widths widths = capped(cap); lineWidth(widths) <= width) return widths;
   }
-  return capped(groupedColumn);
+  const std::size_t taken = indent + widths_[0] + gap;
+  return capped(std::clamp(width - std::min(width, taken), narrowColumn, groupedColumn));
 }
 
 /// The first column and those from `first` to before `last`.
