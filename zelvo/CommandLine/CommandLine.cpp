@@ -15,7 +15,12 @@ namespace zelvo {
 namespace {
 
 constexpr const char* footer =
-    R"("-" as a file is standard input, and for -o standard output, which must not be a terminal. create -o -
+    R"(Examples:
+  zelvo extract book.xlsx --csv               the only visible sheet
+  zelvo extract book.xlsx --sheet 2 --jsonl   the second sheet, one JSON object per row
+  zelvo inspect book.xlsx                     what sheets there are
+
+"-" as a file is standard input, and for -o standard output, which must not be a terminal. create -o -
 writes a presentation with --chart, and a Word document without.
 
 Exit status: 0 success, 1 a document was refused or a file could not be read or written, 2 invalid command
@@ -61,8 +66,8 @@ class SelectionOptions {
   explicit SelectionOptions(CLI::App& command)
       : workbook_(command.add_option("BOOK.xlsx", "Workbook")->required()->type_name("")),
         sheet_(addText(command, "--sheet",
-                       "The worksheet: its name, else its number in the list of inspect, which is always #N; "
-                       "without it the only visible one")),
+                       "Its name, else its number in the list of inspect (#N is always the number); without "
+                       "it the only visible sheet")),
         range_(addText(command, "--range", "The cells, like A1:D20; without it all that have content")),
         noHeader_(addFlag(command, "--no-header", "The first row contains data, not column titles")),
         hidden_(addFlag(command, "--include-hidden", "Include hidden rows")),
@@ -111,13 +116,17 @@ class ChartOptions {
 };
 
 constexpr const char* extractFooter =
-    R"(Prints rows as they are: with one of --jsonl, --csv, --tsv and --markdown for programs, without a format for
-reading. Ranges may have any size up to 250,000 cells. Hidden rows and columns are left out and named on
-standard error; columns also with --include-hidden. The first row is the header, with --no-header data, too.
---json prints a table of at most eight columns and 200 data rows with the provenance of every cell.
+    R"(Examples:
+  zelvo extract book.xlsx --csv                      the only visible sheet
+  zelvo extract book.xlsx --sheet Sales --jsonl      one JSON object per row
+  zelvo extract book.xlsx --sheet 2 --range A1:D20   for reading
 
-Spreadsheet programs run texts that begin with = + - @ as formulas when they open CSV. --escape-formulas puts
-a ' before such texts (also before those that begin with a tab or carriage return), never before numbers.)";
+Rows are printed as they are, from a range of any size up to 250,000 cells. The first row has the titles, with
+--no-header data. Hidden columns are left out, hidden rows unless they are included; both are named on standard
+error. --json prints a table of at most 8 columns and 200 data rows, with the provenance of every cell.
+
+Spreadsheet programs take a text that begins with = + - @, tab or carriage return for a formula and run it when
+they open CSV. --escape-formulas puts a ' before such texts, never before numbers.)";
 
 class ExtractParser {
  public:

@@ -51,7 +51,7 @@ std::string_view takeLine(std::string_view& text) {
 /// `std::runtime_error` if they are not such lines.
 class Joiner {
  public:
-  explicit Joiner(const TableSelection& selection) {
+  explicit Joiner(const TableSelection& selection) : requested_(CellRange::parse(selection.range)) {
     rows_.sheetName = selection.sheetName;
     rows_.firstRowIsHeader = selection.firstRowIsHeader;
   }
@@ -82,6 +82,8 @@ class Joiner {
     rows_.hiddenRows = std::move(outline.hiddenRows);
     rows_.hiddenColumns = std::move(outline.hiddenColumns);
     const auto& [first, last] = rows_.range;
+    require(first == requested_.first && last.column == requested_.last.column && first.row <= last.row &&
+            last.row <= requested_.last.row);
     requireSpans(rows_.hiddenRows, first.row, last.row);
     requireSpans(rows_.hiddenColumns, first.column, last.column);
     rows_.columns = numbersWithout(rows_.hiddenColumns, first.column, last.column);
@@ -115,6 +117,7 @@ class Joiner {
   /// More than a table has.
   static constexpr std::size_t maximumWarnings = keptWarnings;
 
+  CellRange requested_;
   SheetRows rows_;
 };
 
