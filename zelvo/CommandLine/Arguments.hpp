@@ -25,7 +25,7 @@ struct ExtractArguments {
   enum class Form { text, json, jsonl, csv, tsv, markdown };
 
   std::string workbook;      ///< a file
-  TableSelection selection;  ///< may be incomplete: see `completeSelection`
+  TableSelection selection;  ///< may be incomplete: see `complete`
   Form form = Form::text;
   CellTextOptions cells;
 };
@@ -38,7 +38,7 @@ struct ChartArguments {
 
 struct CreateArguments {
   std::string workbook;      ///< a file
-  TableSelection selection;  ///< may be incomplete: see `completeSelection`
+  TableSelection selection;  ///< may be incomplete: see `complete`
   std::string title;
   std::optional<ChartArguments> chart;
   std::string output;  ///< a file

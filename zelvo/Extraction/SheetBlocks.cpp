@@ -10,13 +10,20 @@
 #include "DocumentRuntime/Workbook/TableExtraction.hpp"
 #include "DocumentRuntime/Workbook/WorkbookReader.hpp"
 #include "DocumentWorkerProtocol/DocumentWorkerMessage.hpp"
+#include "zelvo/Extraction/RowCoding.hpp"
+#include "zelvo/Extraction/SheetChoice.hpp"
 
 namespace zelvo {
 namespace {
 
+constexpr const char* emptySheetRange = "A1";
+
 /// Of one block. A table may have one row more.
 constexpr std::int64_t blockRows = TableExtraction::maximumRows - 1;
 constexpr std::int64_t blockColumns = TableExtraction::maximumColumns;
+
+/// Of the JSON of most cells. Where a block needs more, its text is copied while it grows.
+constexpr std::size_t expectedCellBytes = 64;
 
 DocumentError tooLarge(const std::string& what, const CellRange& range) {
   return DocumentError::resourceLimit("more than " + what + " in " + range.name() +
@@ -25,6 +32,23 @@ DocumentError tooLarge(const std::string& what, const CellRange& range) {
 
 bool hasContent(XMLNode cell) {
   return cell.child("v") || cell.child("f") || cell.child("is");
+}
+
+/// A block's line.
+std::string encoded(const SourceTable& block, const CellRange& range) {
+  JsonWriter writer(expectedCellBytes * blockRows * blockColumns);
+  writer.beginObject();
+  writer.key("column");
+  writer.integer(range.first.column);
+  writer.key("warnings");
+  encode(writer, block.warnings);
+  writer.key("rows");
+  writer.beginArray();
+  for (const std::vector<SourceCell>& row : block.rows)
+    RowCoding::encode(writer, CellAddress::parse(row.front().address).row, row);
+  writer.endArray();
+  writer.endObject();
+  return writer.take();
 }
 
 /// The range up to the last row with content; its first row if there is none.
@@ -71,7 +95,10 @@ class BlockReader {
   }
 
   std::string lines() {
-    add(toJson(SheetOutline{workbook_.sourceSHA256(), range_.name(), hiddenRows_, hiddenColumns_}));
+    // Memory that is not written to costs nothing.
+    lines_.reserve(DocumentWorkerWire::maximumMessageBytes);
+    add(toJson(SheetOutline{workbook_.sourceSHA256(), selection_.sheetName, range_.name(), hiddenRows_,
+                            hiddenColumns_}));
     const std::vector<NumberSpan> runs = columnRuns();
     auto cell = contents().cells().begin();
     while (cell != contents().cells().end() && cell->address < range_.first)
@@ -140,12 +167,7 @@ class BlockReader {
 
   std::string block(const CellRange& range) {
     try {
-      SourceTable read = table(range);
-      for (std::vector<SourceCell>& row : read.rows) {
-        for (SourceCell& cell : row)
-          cell.formula.reset();
-      }
-      return toJson(read);
+      return encoded(table(range), range);
     } catch (const ResponseTooLarge&) {
       throw contentTooLarge();
     } catch (const DocumentError& error) {
@@ -188,9 +210,15 @@ class BlockReader {
 
 }  // namespace
 
-std::string SheetBlocks::linesOf(ByteBuffer workbook, const std::string& sourceName,
-                                 const TableSelection& selection) {
+Result<std::string> SheetBlocks::linesOf(ByteBuffer workbook, const std::string& sourceName,
+                                         TableSelection selection, bool isIncomplete) {
   const WorkbookReader reader(std::move(workbook), sourceName);
+  if (isIncomplete) {
+    if (Failure failure = complete(selection, reader.inspection())) return *std::move(failure);
+    if (selection.range.empty()) selection.range = emptySheetRange;
+    if (!isLargerThanTables(selection.range))
+      return toJson(SheetOutline{reader.sourceSHA256(), selection.sheetName, selection.range, {}, {}}) + "\n";
+  }
   return BlockReader(reader, selection).lines();
 }
 

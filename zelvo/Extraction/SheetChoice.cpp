@@ -50,22 +50,24 @@ const WorksheetInspection* sheetNamed(const Sheets& sheets, const std::string& g
   return number && 1 <= *number && *number <= sheets.size() ? &sheets[*number - 1] : nullptr;
 }
 
-CommandError refusal(std::string message, const WorkbookInspection& inspection) {
-  return {ExitStatus::refused, std::move(message), {selectable(inspection)}};
+constexpr const char* noVisibleSheet = "The workbook has no visible sheet.";
+constexpr const char* severalVisibleSheets =
+    "The workbook has several visible sheets: choose one with --sheet.";
+
+CommandError refusal(std::string message) {
+  return {ExitStatus::refused, std::move(message)};
 }
 
-Result<const WorksheetInspection*> chosenSheet(const WorkbookInspection& inspection,
-                                               const std::string& given) {
-  const Sheets& sheets = inspection.sheets;
+Result<const WorksheetInspection*> chosenSheet(const Sheets& sheets, const std::string& given) {
   if (!given.empty()) {
     const WorksheetInspection* sheet = sheetNamed(sheets, given);
     if (sheet != nullptr && !sheet->hidden) return sheet;
-    return refusal(DocumentError::invalidSelection(Refusal::unknownSheet).errorDescription(), inspection);
+    return refusal(DocumentError::invalidSelection(Refusal::unknownSheet).errorDescription());
   }
   const auto visible = std::ranges::find(sheets, false, &WorksheetInspection::hidden);
-  if (visible == sheets.end()) return refusal("The workbook has no visible sheet.", inspection);
+  if (visible == sheets.end()) return refusal(noVisibleSheet);
   if (std::ranges::count(sheets, false, &WorksheetInspection::hidden) > 1)
-    return refusal("The workbook has several visible sheets: choose one with --sheet.", inspection);
+    return refusal(severalVisibleSheets);
   return &*visible;
 }
 
@@ -85,20 +87,18 @@ bool isAboutSelection(const CommandError& error) {
   static const std::string aboutUse = DocumentError::invalidSelection("").errorDescription();
   static const std::string aboutChart = DocumentError::invalidSelection("chart ").errorDescription();
   const bool isUnusable = error.message.starts_with(aboutUse) && !error.message.starts_with(aboutChart);
-  return error.status == ExitStatus::refused && (isUnusable || isTooLarge(error));
+  const bool isUnclear = error.message == noVisibleSheet || error.message == severalVisibleSheets;
+  return error.status == ExitStatus::refused && (isUnusable || isUnclear || isTooLarge(error));
 }
 
 }  // namespace
 
-Failure completeSelection(const AskWorker& ask, DocumentWorkerRequest& request) {
-  TableSelection& selection = *request.selection;
-  const bool isComplete =
-      !selection.sheetName.empty() && !numberIn(selection.sheetName) && !selection.range.empty();
-  if (isComplete) return std::nullopt;
+bool isComplete(const TableSelection& selection) {
+  return !selection.sheetName.empty() && !numberIn(selection.sheetName) && !selection.range.empty();
+}
 
-  const auto response = inspected(ask, request);
-  if (!response) return response.error();
-  const auto sheet = chosenSheet(*response->inspection, selection.sheetName);
+Failure complete(TableSelection& selection, const WorkbookInspection& inspection) {
+  const auto sheet = chosenSheet(inspection.sheets, selection.sheetName);
   if (!sheet) return sheet.error();
   selection.sheetName = (*sheet)->name;
   if (selection.range.empty()) selection.range = (*sheet)->populatedRange.value_or("");
@@ -106,11 +106,26 @@ Failure completeSelection(const AskWorker& ask, DocumentWorkerRequest& request) 
 }
 
 Failure completeTableSelection(const AskWorker& ask, DocumentWorkerRequest& request) {
-  if (Failure failure = completeSelection(ask, request)) return failure;
-  if (!request.selection->range.empty()) return std::nullopt;
+  TableSelection& selection = *request.selection;
+  if (isComplete(selection)) return std::nullopt;
+  const auto response = inspected(ask, request);
+  if (!response) return response.error();
+  if (Failure failure = complete(selection, *response->inspection))
+    return CommandError{failure->status, failure->message, {selectable(*response->inspection)}};
+  if (!selection.range.empty()) return std::nullopt;
   return CommandError{ExitStatus::refused,
                       DocumentError::invalidSelection(Refusal::noDataRows).errorDescription(),
-                      {"The sheet is empty: " + request.selection->sheetName}};
+                      {"The sheet is empty: " + selection.sheetName}};
+}
+
+bool isLargerThanTables(const std::string& range) {
+  try {
+    const auto [first, last] = CellRange::parse(range);
+    return last.column - first.column >= TableExtraction::maximumColumns ||
+           last.row - first.row >= TableExtraction::maximumRows;
+  } catch (const DocumentError&) {
+    return false;
+  }
 }
 
 CommandError withSelectionHints(CommandError error, const AskWorker& ask, DocumentWorkerRequest& request) {

@@ -13,13 +13,20 @@ namespace zelvo {
 /// Sends a request to a worker. Returns the response, or its error.
 using AskWorker = std::function<Result<DocumentWorkerResponse>(const DocumentWorkerRequest&)>;
 
-/// Replaces the sheet of the request's selection as the command line gives it (a name, or else a number from
-/// 1, or "#" and a number, or empty for the only visible sheet) by the sheet's name, and an empty range by
-/// the populated one, which stays empty if the sheet is. Inspects the workbook if that is needed.
-Failure completeSelection(const AskWorker& ask, DocumentWorkerRequest& request);
+/// Whether a selection names its sheet and its range. A number that may be a sheet's is no name.
+bool isComplete(const TableSelection& selection);
 
-/// As above, for a table of cells: an empty sheet is an error.
+/// Completes a selection as the command line gives it. The sheet is a name, or else a number from 1, or "#"
+/// and a number, or empty for the only visible sheet; it becomes the sheet's name. An empty range becomes the
+/// populated one, and stays empty if the sheet is.
+Failure complete(TableSelection& selection, const WorkbookInspection& inspection);
+
+/// Completes the request's selection for a table of cells; inspects the workbook if that is needed. An empty
+/// sheet is an error.
 Failure completeTableSelection(const AskWorker& ask, DocumentWorkerRequest& request);
+
+/// Whether a range has more columns or rows than a table. False for a text that is no range.
+bool isLargerThanTables(const std::string& range);
 
 /// An error of a request that selected a table: if it is about the selection, with what can be selected and
 /// what helps as hints.

@@ -11,23 +11,11 @@
 #include "DocumentRuntime/Errors/DocumentError.hpp"
 #include "DocumentRuntime/Workbook/TableExtraction.hpp"
 #include "zelvo/Execution/ConfinedChild.hpp"
+#include "zelvo/Extraction/RowCoding.hpp"
 #include "zelvo/Extraction/SheetBlocks.hpp"
 
 namespace zelvo {
 namespace {
-
-constexpr const char* emptySheetRange = "A1";
-
-/// False also for a range that is malformed, which the worker refuses.
-bool isLargerThanTables(const std::string& text) {
-  try {
-    const CellRange range = CellRange::parse(text);
-    return range.last.column - range.first.column >= TableExtraction::maximumColumns ||
-           range.last.row - range.first.row >= TableExtraction::maximumRows;
-  } catch (const DocumentError&) {
-    return false;
-  }
-}
 
 /// True if only tables are refused for this: rows can leave out what is hidden, and the child names a merged
 /// cell.
@@ -46,44 +34,30 @@ std::string_view takeLine(std::string_view& text) {
   return line;
 }
 
+void require(bool condition) {
+  if (!condition) throw std::runtime_error("The blocks of the sheet do not fit together.");
+}
+
+void requireSpans(const NumberSpans& spans, std::int64_t first, std::int64_t last) {
+  for (const NumberSpan& span : spans) {
+    require(first <= span.first && span.first <= span.last && span.last <= last);
+    first = span.last + 1;
+  }
+}
+
 /// Joins the lines of `SheetBlocks`. The child that wrote them may have been taken over by the document:
-/// every count, address and number is checked. Throws `DecodingError`, `DocumentError` or
-/// `std::runtime_error` if they are not such lines.
+/// every count and address is checked. Throws `DecodingError`, `DocumentError` or `std::runtime_error` if
+/// they are not such lines.
 class Joiner {
  public:
-  explicit Joiner(const TableSelection& selection) : requested_(CellRange::parse(selection.range)) {
-    rows_.sheetName = selection.sheetName;
-    rows_.firstRowIsHeader = selection.firstRowIsHeader;
-  }
-
-  SheetRows join(std::string_view lines) {
-    begin(fromJson<SheetOutline>(std::string(takeLine(lines))));
-    while (!lines.empty())
-      add(fromJson<SourceTable>(std::string(takeLine(lines))));
-    removeTrailingRows(rows_);
-    return std::move(rows_);
-  }
-
- private:
-  static void require(bool condition) {
-    if (!condition) throw std::runtime_error("The blocks of the sheet do not fit together.");
-  }
-
-  static void requireSpans(const NumberSpans& spans, std::int64_t first, std::int64_t last) {
-    for (const NumberSpan& span : spans) {
-      require(first <= span.first && span.first <= span.last && span.last <= last);
-      first = span.last + 1;
-    }
-  }
-
-  void begin(SheetOutline outline) {
+  Joiner(SheetOutline outline, bool firstRowIsHeader) {
+    rows_.sheetName = std::move(outline.sheetName);
     rows_.sourceSHA256 = std::move(outline.sourceSHA256);
+    rows_.firstRowIsHeader = firstRowIsHeader;
     rows_.range = CellRange::parse(outline.range);
     rows_.hiddenRows = std::move(outline.hiddenRows);
     rows_.hiddenColumns = std::move(outline.hiddenColumns);
     const auto& [first, last] = rows_.range;
-    require(first == requested_.first && last.column == requested_.last.column && first.row <= last.row &&
-            last.row <= requested_.last.row);
     requireSpans(rows_.hiddenRows, first.row, last.row);
     requireSpans(rows_.hiddenColumns, first.column, last.column);
     rows_.columns = numbersWithout(rows_.hiddenColumns, first.column, last.column);
@@ -94,45 +68,83 @@ class Joiner {
       rows_.rows.push_back({number, std::vector<SourceCell>(rows_.columns.size())});
   }
 
-  void add(SourceTable block) {
-    for (std::string& warning : block.warnings) {
+  /// Adds the line of a block.
+  void add(std::string line) {
+    const JsonDocument document(std::move(line));
+    const JsonObject block = document.root().object();
+    const std::int64_t number = block.required("column").integer();
+    const auto column = std::ranges::lower_bound(rows_.columns, number);
+    require(column != rows_.columns.end() && *column == number);
+    for (const JsonValue row : block.required("rows").array())
+      addRow(row.object(), column - rows_.columns.begin());
+    std::vector<std::string> warnings;
+    decode(block.required("warnings"), bounded(warnings, keptWarnings));
+    for (std::string& warning : warnings) {
       if (std::ranges::count(rows_.warnings, warning) == 0) rows_.warnings.push_back(std::move(warning));
     }
-    require(rows_.warnings.size() <= maximumWarnings);
-    for (std::vector<SourceCell>& row : block.rows) {
-      for (SourceCell& cell : row)
-        place(std::move(cell));
+    require(rows_.warnings.size() <= keptWarnings);
+  }
+
+  SheetRows take() {
+    removeTrailingRows(rows_);
+    return std::move(rows_);
+  }
+
+ private:
+  /// `column` is the index of the first one.
+  void addRow(const JsonObject& encoded, std::ptrdiff_t column) {
+    const std::int64_t number = encoded.required("row").integer();
+    const auto row = std::ranges::lower_bound(rows_.rows, number, {}, &SheetRows::Row::number);
+    require(row != rows_.rows.end() && row->number == number);
+    const auto hidden = encoded.optional("hidden");
+    auto target = row->cells.begin() + column;
+    for (const JsonValue cell : encoded.required("cells").array()) {
+      require(target != row->cells.end());
+      target->hidden = hidden && hidden->boolean();
+      RowCoding::decode(cell, *target++);
     }
   }
 
-  void place(SourceCell cell) {
-    const CellAddress address = CellAddress::parse(cell.address);
-    const auto row = std::ranges::lower_bound(rows_.rows, address.row, {}, &SheetRows::Row::number);
-    const auto column = std::ranges::lower_bound(rows_.columns, address.column);
-    require(row != rows_.rows.end() && row->number == address.row);
-    require(column != rows_.columns.end() && *column == address.column);
-    row->cells[static_cast<std::size_t>(column - rows_.columns.begin())] = std::move(cell);
-  }
-
-  /// More than a table has.
-  static constexpr std::size_t maximumWarnings = keptWarnings;
-
-  CellRange requested_;
   SheetRows rows_;
 };
 
-Result<SheetRows> readInChild(DocumentWorkerRequest& request) {
-  const auto lines = runConfinedChild([&request] {
-    return SheetBlocks::linesOf(std::move(request.data), request.sourceName, *request.selection);
+/// What a child has read: the rows, or that a worker can read them.
+using ChildReading = std::optional<SheetRows>;
+
+/// With `isIncomplete` the selection is completed.
+ChildReading readingOf(std::string_view lines, TableSelection& selection, bool isIncomplete) {
+  auto outline = fromJson<SheetOutline>(std::string(takeLine(lines)));
+  if (isIncomplete) {
+    selection.sheetName = outline.sheetName;
+    selection.range = outline.range;
+    if (!isLargerThanTables(outline.range) && lines.empty()) return std::nullopt;
+  }
+  Joiner joiner(std::move(outline), selection.firstRowIsHeader);
+  while (!lines.empty())
+    joiner.add(std::string(takeLine(lines)));
+  return joiner.take();
+}
+
+Result<ChildReading> readInChild(DocumentWorkerRequest& request, bool isIncomplete) {
+  TableSelection& selection = *request.selection;
+  const auto lines = runConfinedChild([&] {
+    return SheetBlocks::linesOf(std::move(request.data), request.sourceName, selection, isIncomplete);
   });
   if (!lines) return lines.error();
   try {
-    return Joiner(*request.selection).join(*lines);
+    return readingOf(*lines, selection, isIncomplete);
   } catch (const std::bad_alloc&) {
     throw;
   } catch (const std::exception& error) {
     return unreadableResult(error.what());
   }
+}
+
+/// For a complete selection.
+Result<SheetRows> rowsInChild(DocumentWorkerRequest& request) {
+  auto reading = readInChild(request, false);
+  if (!reading) return reading.error();
+  return **std::move(reading);
 }
 
 Result<SheetRows> readByWorker(const AskWorker& ask, DocumentWorkerRequest& request) {
@@ -149,13 +161,16 @@ Result<SheetRows> readByWorker(const AskWorker& ask, DocumentWorkerRequest& requ
 }  // namespace
 
 Result<SheetRows> readRows(const AskWorker& ask, DocumentWorkerRequest& request) {
-  if (Failure failure = completeSelection(ask, request)) return *std::move(failure);
-  std::string& range = request.selection->range;
-  if (range.empty()) range = emptySheetRange;
-  if (isLargerThanTables(range)) return readInChild(request);
+  const bool isIncomplete = !isComplete(*request.selection);
+  if (isIncomplete) {
+    auto reading = readInChild(request, isIncomplete);
+    if (!reading) return reading.error();
+    if (*reading) return **std::move(reading);
+  } else if (isLargerThanTables(request.selection->range)) {
+    return rowsInChild(request);
+  }
   auto rows = readByWorker(ask, request);
-  if (!rows && isRuleOfTables(rows.error())) return readInChild(request);
-  return rows;
+  return !rows && isRuleOfTables(rows.error()) ? rowsInChild(request) : std::move(rows);
 }
 
 }  // namespace zelvo
