@@ -45,6 +45,15 @@ void requireSpans(const NumberSpans& spans, std::int64_t first, std::int64_t las
   }
 }
 
+/// Whether the range that was read is the one that was asked for, without some of its last rows.
+bool isStartOf(const std::string& read, const std::string& requested) {
+  if (read == requested) return true;
+  const CellRange start = CellRange::parse(read);
+  const CellRange whole = CellRange::parse(requested);
+  return start.first == whole.first && start.last.column == whole.last.column &&
+         start.last.row <= whole.last.row;
+}
+
 /// Joins the lines of `SheetBlocks`. The child that wrote them may have been taken over by the document:
 /// every count and address is checked. Throws `DecodingError`, `DocumentError` or `std::runtime_error` if
 /// they are not such lines.
@@ -114,6 +123,7 @@ using ChildReading = std::optional<SheetRows>;
 /// With `isIncomplete` the selection is completed.
 ChildReading readingOf(std::string_view lines, TableSelection& selection, bool isIncomplete) {
   auto outline = fromJson<SheetOutline>(std::string(takeLine(lines)));
+  require(selection.range.empty() || isStartOf(outline.range, selection.range));
   if (isIncomplete) {
     selection.sheetName = outline.sheetName;
     selection.range = outline.range;
