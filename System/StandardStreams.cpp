@@ -2,12 +2,18 @@
 
 #include <cerrno>
 #include <csignal>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 namespace zelvo {
 
 bool ignoreSignalsOfWriting() {
   return std::signal(SIGPIPE, SIG_IGN) != SIG_ERR && std::signal(SIGXFSZ, SIG_IGN) != SIG_ERR;
+}
+
+std::size_t outputTerminalWidth() {
+  winsize size = {};
+  return ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 ? size.ws_col : 0;
 }
 
 std::optional<std::size_t> StandardInput::read(std::span<char> buffer) {

@@ -36,6 +36,9 @@ class Output {
 /// signal. Returns false if the operating system refuses.
 bool ignoreSignalsOfWriting();
 
+/// The columns of the terminal that is standard output; 0 if it is none, or does not tell.
+std::size_t outputTerminalWidth();
+
 /// Standard input, by plain system calls. The descriptor must be a blocking one.
 class StandardInput final : public Input {
  public:

@@ -26,10 +26,16 @@ class WorksheetContents final : private WorksheetVisitor {
   /// The cells of the area in row-major order.
   const std::vector<Cell>& cells() const { return cells_; }
   bool isHiddenRow(std::int64_t row) const;
+  /// The numbers of the hidden rows of the area, in ascending order.
+  const std::vector<std::int64_t>& hiddenRows() const { return hiddenRows_; }
   /// Whether any row of the sheet is hidden.
   bool hasHiddenRows() const { return anyRowHidden_; }
   bool hasHiddenColumns(const CellRange& range) const;
+  /// In ascending order, without overlaps. They may reach beyond the area and beyond a sheet's columns.
+  const std::vector<ColumnSpan>& hiddenColumns() const { return hiddenColumns_; }
   bool hasMergedCells(const CellRange& range) const;
+  /// Those that intersect the area, in document order.
+  const std::vector<CellRange>& mergedAreas() const { return mergedAreas_; }
   bool hasAutoFilter() const { return hasAutoFilter_; }
 
  private:

@@ -69,57 +69,11 @@ TEST_F(DocumentCommands, InspectReportsAWorkerThatFails) {
   EXPECT_EQ(run(folder.path("zelvo"), {"inspect", path, path}).output, section + "\n" + section);
 }
 
-TEST_F(DocumentCommands, ExtractPrintsTextCSVAndTheRecord) {
-  displace(
-      R"(say {"table":{"sourceName":"b.xlsx","sourceSHA256":"0","sheetName":"S\u001b","selectedRange":"B3:E6",)"
-      R"("columns":["Text","Odd, \"title\""],"rows":[)"
-      R"([{"address":"B4","value":{"text":{"_0":"a\r\nb"}},"usesCachedFormulaValue":false,"hidden":true},)"
-      R"({"address":"C4","value":{"number":{"_0":"12.5"}},"usesCachedFormulaValue":true,"formula":"1","numberFormat":"0.00","hidden":true}],)"
-      R"([{"address":"B6","value":{"text":{"_0":"価\u009b"}},"usesCachedFormulaValue":false,"hidden":false},)"
-      R"({"address":"C6","value":{"number":{"_0":"1"}},"usesCachedFormulaValue":false,"hidden":false}]],)"
-      R"("warnings":["w\u0007"],"headerUsesCachedFormulaValues":true}})");
-  const std::string text = R"(-
-  Row  Text          Odd, "title"
-    4  a\u{D}\u{A}b         12.50*  hidden
-    6  価\u{9B}                 1
-
-  * the saved result of a formula
-  Titles are saved results of formulas.
-
-  Sheet    S\u{1B}
-  Range    B3:E6
-  SHA-256  0
-
-  Warning: w\u{7}
-)";
-  const std::string csv = unpictured(R"(Text,"Odd, ""title"""␍␊"a␍␊b",12.50␍␊価)") + "\u009B,1\r\n";
-  EXPECT_EQ(displaced("extract - --sheet S --range B3:E6"), (ToolRun{0, text, ""}));
-  EXPECT_EQ(displaced("extract - --sheet S --range B3:E6 --csv"), (ToolRun{0, csv, ""}));
-  EXPECT_EQ(zelvo("extract $book --sheet Notes␠☕ --range A5:A6 --csv --no-header"),
-            (ToolRun{0, unpictured(R"(Column A␍␊""␍␊""␍␊)"), ""}));
-
+TEST_F(DocumentCommands, ExtractPrintsTheRecord) {
   const std::string command = "extract $book --sheet Orders --range A1:C24 --json";
   const auto table = fromJson<SourceTable>(zelvo(command + " --include-hidden").output);
   EXPECT_EQ(table.rows.size(), 23U);
   EXPECT_LT(fromJson<SourceTable>(zelvo(command).output).rows.size(), 23U);
-}
-
-TEST_F(DocumentCommands, ExtractListsWhatCanBeSelected) {
-  const std::string sheets =
-      "Visible sheets: Quarter (A1:F6), Orders (A1:H25), Prices 価格 (A1:E6), Notes ☕ (A1:A4)\n";
-  for (const auto& [selection, message] : cases<2>(R"(
-      quarter --range A1:B2 => The selected table cannot be used: unknown or hidden worksheet
-      Quarter --range A1:I2 => The document exceeds a safe processing limit: select at most eight columns and 200 data rows)")) {
-    // Also from standard input, which can be read only once.
-    const ToolRun refused = zelvo("extract - --sheet " + selection, contentOf(book));
-    EXPECT_EQ(refused, failure(1, message));
-    EXPECT_TRUE(refused.hints.ends_with(sheets)) << refused;
-  }
-  expectFailures(
-      "extract $book --sheet Quarter --range A1:B2 => 1 | Cell B2 needs a verified formula result. This "
-      "reader "
-      "does not recalculate formulas.");
-  expectFailures("extract - --sheet x --range A1 => 1 | " + noBookRefusal, noBook);
 }
 
 const std::string create = "create $book --sheet Quarter --range A1:F5 --cached-formulas --title [a,b]";

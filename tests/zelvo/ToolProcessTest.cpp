@@ -16,12 +16,13 @@ TEST_F(ToolProcess, RefusesAnInvalidCommandLine) {
       => A subcommand is required ; inspect => BOOK.xlsx is required ; inspect -x => BOOK.xlsx is required
       inspect --jsno a.xlsx => The following argument was not expected: --jsno
       --json inspect a.xlsx => The following argument was not expected: --json
-      extract a.xlsx --sheet S => --range is required
       extract a.xlsx --range A1 --sheet)"
                                                    " \xff"
                                                    R"( => --sheet: The text is not UTF-8
       extract - --sheet S --sheet T --range A1 => --sheet: At Most 1 required but received 2
-      extract - --sheet S --range A1 --json --csv => --json excludes --csv
+      extract - --json --csv => --json excludes --csv ; extract - --tsv --jsonl => --jsonl excludes --tsv
+      extract - --json --raw => --json excludes --raw ; extract - --sheet  => --sheet: 1 required NAME|#N|N missing
+      create - --title t --json -o - => --json excludes -o -: standard output holds the document
       create - --sheet S --range A1 --title t => -o is required
       create - --sheet S --range A1 --title t -o docx => -o: The file's name must end in .docx or .pptx
       validate a.xlsx => DOC.docx|DOC.pptx: The file's name must end in .docx or .pptx

@@ -131,7 +131,7 @@ class BatchRun {
     display_.clear();
     if (!failure_) failure_ = files_.error();
     if (failure_) worst_ = std::max(worst_, Console::report(*failure_));
-    if (!arguments_.quiet) Console::printHint(totalsLine(counts_, display_.elapsed()));
+    if (!arguments_.quiet) Console::printNote(totalsLine(counts_, display_.elapsed()));
     return worst_;
   }
 

@@ -25,13 +25,20 @@ struct InspectArguments {
   bool json = false;
 };
 
-struct ExtractArguments {
-  enum class Form { text, json, csv };
+/// How cells are written as texts.
+struct CellTextOptions {
+  bool raw = false;              ///< stored values in place of displayed ones
+  bool escapesFormulas = false;  ///< a "'" before texts that spreadsheet programs take for formulas
+};
 
-  std::string workbook;  ///< a file
-  TableSelection selection;
+struct ExtractArguments {
+  enum class Form { text, json, jsonl, csv, tsv, markdown };
+
+  std::string workbook;      ///< a file
+  TableSelection selection;  ///< may be incomplete: see `complete`
   CleaningArguments cleaning;
   Form form = Form::text;
+  CellTextOptions cells;
 };
 
 /// A chart as the command line names it.
@@ -41,13 +48,14 @@ struct ChartArguments {
 };
 
 struct CreateArguments {
-  std::string workbook;  ///< a file
-  TableSelection selection;
+  std::string workbook;      ///< a file
+  TableSelection selection;  ///< may be incomplete: see `complete`
   CleaningArguments cleaning;
   std::string title;
   std::optional<ChartArguments> chart;
   std::string output;  ///< a file
   DocumentFormat format = DocumentFormat::docx;
+  bool json = false;  ///< print the document's record; the output is a file then
 };
 
 struct ValidateArguments {

@@ -1,5 +1,6 @@
 #include "zelvo/CommandLine/CommandLine.hpp"
 
+#include <array>
 #include <sstream>
 #include <string_view>
 #include <utility>
@@ -14,7 +15,12 @@ namespace zelvo {
 namespace {
 
 constexpr const char* footer =
-    R"("-" as a file is standard input, and for -o standard output, which must not be a terminal. create -o -
+    R"(Examples:
+  zelvo extract book.xlsx --csv               the only visible sheet
+  zelvo extract book.xlsx --sheet 2 --jsonl   the second sheet, one JSON object per row
+  zelvo inspect book.xlsx                     what sheets there are
+
+"-" as a file is standard input, and for -o standard output, which must not be a terminal. create -o -
 writes a presentation with --chart, and a Word document without.
 
 Exit status: 0 success, 1 a document was refused or a file could not be read or written, 2 invalid command
@@ -35,6 +41,10 @@ std::string checkDocumentName(const std::string& path) {
 std::string checkWorkbookName(const std::string& path) {
   const bool isGood = path == "-" || ASCII::lowercased(path).ends_with(".xlsx");
   return isGood ? "" : "The file's name must end in .xlsx";
+}
+
+std::string checkNotEmpty(const std::string& text) {
+  return text.empty() ? "The text is empty" : "";
 }
 
 /// `remark` is the end of their descriptions.
@@ -108,11 +118,16 @@ class SelectionOptions {
  public:
   explicit SelectionOptions(CLI::App& command)
       : workbook_(command.add_option("BOOK.xlsx", "Workbook")->required()->type_name("")),
-        sheet_(addText(command, "--sheet", "The worksheet")->required()->type_name("NAME")),
-        range_(addText(command, "--range", "The cells, like A1:D20")->required()->type_name("RANGE")),
+        sheet_(addText(command, "--sheet",
+                       "Its name, else its number in the list of inspect (#N is always the number); without "
+                       "it the only visible sheet")),
+        range_(addText(command, "--range", "The cells, like A1:D20; without it all that have content")),
         noHeader_(addFlag(command, "--no-header", "The first row contains data, not column titles")),
         hidden_(addFlag(command, "--include-hidden", "Include hidden rows")),
-        cached_(addFlag(command, "--cached-formulas", "Use the saved results of formulas")) {}
+        cached_(addFlag(command, "--cached-formulas", "Use the saved results of formulas")) {
+    sheet_->type_name("NAME|#N|N")->check(checkNotEmpty);
+    range_->type_name("RANGE")->check(checkNotEmpty);
+  }
 
   std::string workbook() const { return value(*workbook_); }
   TableSelection selection() const {
@@ -153,32 +168,72 @@ class ChartOptions {
   CLI::Option* title_;
 };
 
+constexpr const char* extractFooter =
+    R"(Examples:
+  zelvo extract book.xlsx --csv                      the only visible sheet
+  zelvo extract book.xlsx --sheet Sales --jsonl      one JSON object per row
+  zelvo extract book.xlsx --sheet 2 --range A1:D20   for reading
+
+Rows are printed as they are, from a range of any size up to 250,000 cells. The first row has the titles, with
+--no-header data. Hidden columns are left out, hidden rows unless they are included; both are named on standard
+error. --json prints a table of at most 8 columns and 200 data rows, with the provenance of every cell.
+
+Spreadsheet programs take a text that begins with = + - @, tab or carriage return for a formula and run it when
+they open CSV. --escape-formulas puts a ' before such texts, never before numbers.)";
+
 class ExtractParser {
  public:
   explicit ExtractParser(CLI::App& tool)
-      : command_(tool.add_subcommand("extract", "Show a table of an XLSX workbook")),
+      : command_(tool.add_subcommand("extract", "Print a sheet or a range of an XLSX workbook")),
         table_(*command_),
         cleaning_(*command_) {
-    json_ = addFlag(*command_, "--json", "Print the table's JSON record");
-    csv_ = addFlag(*command_, "--csv", "Print the displayed cells as CSV")->excludes(json_);
+    for (const auto& [name, form, description] : forms) {
+      CLI::Option* option = addFlag(*command_, name, description);
+      for (CLI::Option* other : options_)
+        option->excludes(other);
+      options_.push_back(option);
+    }
+    raw_ = addFlag(*command_, "--raw", "Print stored values: numbers, ISO dates, TRUE, FALSE");
+    escape_ = addFlag(*command_, "--escape-formulas", "Put a ' before texts that look like formulas");
+    for (CLI::Option* option : {raw_, escape_})
+      option->excludes(options_.front());
+    command_->footer(extractFooter);
   }
 
   bool isGiven() const { return command_->parsed(); }
   ExtractArguments arguments() const {
-    using enum ExtractArguments::Form;
-    const auto form = !json_->empty() ? json : !csv_->empty() ? csv : text;
+    auto form = ExtractArguments::Form::text;
+    for (std::size_t i = 0; i < forms.size(); ++i) {
+      if (!options_[i]->empty()) form = forms[i].form;
+    }
     return {.workbook = table_.workbook(),
             .selection = table_.selection(),
             .cleaning = cleaning_.arguments(),
-            .form = form};
+            .form = form,
+            .cells = {.raw = !raw_->empty(), .escapesFormulas = !escape_->empty()}};
   }
 
  private:
+  struct FormOption {
+    const char* name;
+    ExtractArguments::Form form;
+    const char* description;
+  };
+  using enum ExtractArguments::Form;
+  static constexpr std::array<FormOption, 5> forms = {{
+      {"--json", json, "Print the record of a table"},
+      {"--jsonl", jsonl, "Print a JSON object for each data row, with stored values"},
+      {"--csv", csv, "Print CSV"},
+      {"--tsv", tsv, "Print lines of tab-separated texts; \\t, \\n, \\r and \\\\ are escapes"},
+      {"--markdown", markdown, "Print a Markdown table"},
+  }};
+
   CLI::App* command_;
   SelectionOptions table_;
   CleaningOptions cleaning_;
-  CLI::Option* json_ = nullptr;
-  CLI::Option* csv_ = nullptr;
+  std::vector<CLI::Option*> options_;  ///< in the order of `forms`
+  CLI::Option* raw_ = nullptr;
+  CLI::Option* escape_ = nullptr;
 };
 
 /// The format of the document in a file with a checked name.
@@ -194,6 +249,7 @@ class CreateParser {
         cleaning_(*command_),
         title_(addText(*command_, "--title", "The document's title")->required()),
         chart_(*command_),
+        json_(addFlag(*command_, "--json", "Print the document's JSON record, without its bytes")),
         output_(command_->add_option("-o", "The output file")->required()) {
     output_->type_name("OUT.docx|OUT.pptx")->check(checkDocumentName);
   }
@@ -208,7 +264,8 @@ class CreateParser {
             .title = value(*title_),
             .chart = chart,
             .output = output,
-            .format = formatOf(output, chart)};
+            .format = formatOf(output, chart),
+            .json = !json_->empty()};
   }
 
  private:
@@ -217,6 +274,7 @@ class CreateParser {
   CleaningOptions cleaning_;
   CLI::Option* title_;
   ChartOptions chart_;
+  CLI::Option* json_;
   CLI::Option* output_;
 };
 
@@ -355,6 +413,9 @@ Failure conflictIn(const Command& command) {
   const auto* clean = std::get_if<CleanArguments>(&command);
   if (clean != nullptr && clean->json && clean->output == "-")
     return usage("--json excludes -o -: standard output holds the workbook");
+  const auto* create = std::get_if<CreateArguments>(&command);
+  if (create != nullptr && create->json && create->output == "-")
+    return usage("--json excludes -o -: standard output holds the document");
   return std::nullopt;
 }
 

@@ -10,7 +10,7 @@ namespace zelvo {
 /// `zelvo inspect`: describes each workbook that can be read and reports an error for each other one.
 ExitStatus inspect(const Hosts& hosts, const InspectArguments& arguments);
 
-/// `zelvo extract`: prints a table. If the selection is refused, also prints what can be selected.
+/// `zelvo extract`: prints a sheet or a range. If the selection is refused, also prints what can be selected.
 ExitStatus extract(const Hosts& hosts, const ExtractArguments& arguments);
 
 /// `zelvo create`: writes a validated document that shows a table to a file or standard output.

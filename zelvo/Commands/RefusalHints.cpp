@@ -5,6 +5,7 @@
 #include <string_view>
 #include <utility>
 
+#include "zelvo/Extraction/SheetChoice.hpp"
 #include "zelvo/Hints/FileKind.hpp"
 
 namespace zelvo {
@@ -28,19 +29,12 @@ void addAll(CommandError& error, const std::vector<std::string_view>& hints) {
   error.hints.insert(error.hints.end(), hints.begin(), hints.end());
 }
 
-/// "Visible sheets: Sales (A1:D20), Notes (empty)"; empty if the workbook cannot be inspected.
-std::string visibleSheets(const Hosts& hosts, DocumentWorkerRequest& request) {
+/// See `visibleSheets`; empty if the workbook cannot be inspected.
+std::string sheetsOf(const Hosts& hosts, DocumentWorkerRequest& request) {
   const auto operation = std::exchange(request.operation, DocumentWorkerRequest::Operation::inspect);
   const auto response = ask(hosts.worker, request);
   request.operation = operation;
-  if (!response) return {};
-  std::string sheets;
-  for (const WorksheetInspection& sheet : response->inspection->sheets) {
-    if (sheet.hidden) continue;
-    sheets += sheets.empty() ? "" : ", ";
-    sheets += sheet.name + " (" + sheet.populatedRange.value_or("empty") + ")";
-  }
-  return "Visible sheets: " + (sheets.empty() ? "none" : sheets);
+  return response ? visibleSheets(*response->inspection) : "";
 }
 
 /// "It holds 2 pictures (xl/media/image1.png and 1 more), 11,672 hyperlinks."; empty if nothing worth saying
@@ -98,11 +92,23 @@ CommandError withHints(CommandError error, const Hosts& hosts, DocumentWorkerReq
   if (addFileKind(error, advice, stage, request.data.view())) return error;
   addAll(error, advice.hints);
   if (advice.listSheets) {
-    if (std::string sheets = visibleSheets(hosts, request); !sheets.empty())
+    if (std::string sheets = sheetsOf(hosts, request); !sheets.empty())
       error.hints.push_back(std::move(sheets));
   }
   if (advice.tryCleaning) addTrialOfCleaning(error, hosts, std::move(request));
   return error;
+}
+
+CommandError withTableHints(CommandError error, const Hosts& hosts, WorkbookInput workbook) {
+  // One that has hints was found without the worker.
+  if (!error.hints.empty()) return error;
+  if (isUnclearChoice(error)) {
+    const std::string sheets = sheetsOf(hosts, workbook.request);
+    if (!sheets.empty()) error.hints.push_back(sheets);
+    return error;
+  }
+  const Stage stage = workbook.cleaning ? Stage::readingCleaned : Stage::reading;
+  return withHints(std::move(error), hosts, std::move(workbook.request), stage);
 }
 
 }  // namespace zelvo

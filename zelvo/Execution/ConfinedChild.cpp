@@ -84,4 +84,8 @@ Result<std::string> runConfinedChild(const Work& work) {
   return std::move(result.output);
 }
 
+CommandError unreadableResult(const std::string& detail) {
+  return errorOf({.kind = WorkerFailure::Kind::unreadableResponse, .detail = detail}, childName);
+}
+
 }  // namespace zelvo

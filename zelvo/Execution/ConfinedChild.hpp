@@ -19,4 +19,7 @@ Result<std::string> runConfinedChild(const std::function<Result<std::string>()>&
 /// Sets the wall-clock time of the children that are started from now on.
 void setConfinedChildTimeout(std::chrono::milliseconds timeout);
 
+/// The error for bytes of such a child that are not what its work returns.
+CommandError unreadableResult(const std::string& detail);
+
 }  // namespace zelvo

@@ -154,8 +154,8 @@ constexpr Row rows[] = {
     {choice, RefusalDetail::oneRange, Match::whole, table, sheets, When::selected, a1Range},
     {choice, RefusalDetail::reversedRange, Match::whole, table, sheets, When::selected, a1Range},
     {limit, RefusalDetail::selectionTooLarge, Match::whole, table, sheets, When::headerOnly, "The range has one row, which is the header. --no-header takes it as data."},
-    {limit, RefusalDetail::selectionTooLarge, Match::whole, table, sheets, When::otherRange, "Choose a smaller --range: at most 8 columns and 200 rows below the header."},
-    {unsupported, RefusalDetail::mergedCells, Match::whole, table, 0, When::always, "--unmerge removes merged areas before the table is read; no cell changes."},
+    {limit, RefusalDetail::selectionTooLarge, Match::whole, table, sheets, When::otherRange, "Choose a smaller --range: at most 8 columns and 200 rows below the header. zelvo extract prints larger ones with --csv, --tsv, --jsonl, --markdown or no format."},
+    {unsupported, RefusalDetail::mergedCells, Match::start, table, 0, When::always, "--unmerge removes merged areas before the table is read; no cell changes."},
     {choice, RefusalDetail::hiddenColumns, Match::whole, table, 0, When::always, "Choose a --range without hidden columns."},
     {choice, RefusalDetail::noVisibleRows, Match::whole, table, 0, When::always, showHidden},
     {choice, RefusalDetail::hiddenHeader, Match::whole, table, 0, When::always, showHidden},
@@ -168,7 +168,7 @@ constexpr Row rows[] = {
     {unsupported, RefusalDetail::numberFormat, Match::start, table, 0, When::always, "--plain-formats replaces number formats that cannot be shown: dates become yyyy-mm-dd, other numbers are shown as they are stored."},
     {unsupported, RefusalDetail::date, Match::start, table, 0, When::always, withoutCell},
     {unsupported, RefusalDetail::timeSpan, Match::start, table, 0, When::always, withoutCell},
-    {limit, RefusalDetail::cellText, Match::whole, table, 0, When::always, "A cell may have 2,000 characters. Choose a range without longer ones."},
+    {limit, RefusalDetail::cellText, Match::start, table, 0, When::always, "A cell may have 2,000 characters. Choose a range without longer ones."},
 
     // The document that is created.
     {choice, RefusalDetail::tableBounds, Match::whole, table, 0, When::always, "--title takes 1 to 160 characters; at most 200 rows are written."},

@@ -4,6 +4,7 @@
 #include <string>
 #include <unistd.h>
 
+#include "System/StandardStreams.hpp"
 #include "zelvo/Output/TerminalText.hpp"
 
 namespace zelvo::Console {
@@ -32,16 +33,21 @@ void printError(std::string_view message) {
 ExitStatus report(const CommandError& error) {
   printError(error.message);
   for (const std::string& hint : error.hints)
-    printHint("zelvo: hint: " + hint);
+    printNote("zelvo: hint: " + hint);
   return error.status;
 }
 
-void printHint(std::string_view text) {
+void printNote(std::string_view text) {
+  static_cast<void>(std::fflush(stdout));
   write(stderr, printable(text) + "\n");
 }
 
 bool isTerminal() {
   return isatty(STDOUT_FILENO) == 1;
+}
+
+std::size_t terminalWidth() {
+  return outputTerminalWidth();
 }
 
 bool finish() {

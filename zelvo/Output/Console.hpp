@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string_view>
 
 #include "zelvo/Output/Result.hpp"
@@ -21,10 +22,13 @@ void printError(std::string_view message);
 ExitStatus report(const CommandError& error);
 
 /// Writes a further line to standard error, escaped in the same way.
-void printHint(std::string_view text);
+void printNote(std::string_view text);
 
 /// True if standard output is a terminal.
 bool isTerminal();
+
+/// The columns of the terminal that is standard output; 0 if it is none, or does not tell.
+std::size_t terminalWidth();
 
 /// Flushes standard output. False if any write to it failed.
 bool finish();

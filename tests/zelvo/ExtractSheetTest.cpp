@@ -1,0 +1,237 @@
+// Owns extraction of rows: the choice of sheet and range, ranges of any size, and the row forms.
+
+#include "Support/PackageBuilder.hpp"
+#include "ToolRunner.hpp"
+
+namespace zelvo::testing {
+namespace {
+
+using ExtractSheet = ToolTest;
+
+std::string cell(const std::string& name, const std::string& text) {
+  return "<c r='" + name + "' t='inlineStr'><is><t>" + text + "</t></is></c>";
+}
+
+/// Sheet S: 450 rows of ten columns, cells named by their addresses. Rows 150 to 399 and 402, and the columns
+/// B and I, are hidden. In D and I all cells but the first are numbers. Row 500 has a cell without content.
+std::string largeSheet(const std::string& more = "") {
+  std::string content =
+      "<cols><col min='2' max='2' hidden='1'/><col min='9' max='9' hidden='1'/></cols><sheetData>";
+  for (int row = 1; row <= 450; ++row) {
+    const std::string number = std::to_string(row);
+    const bool isHidden = (row >= 150 && row < 400) || row == 402;
+    content += "<row r='" + number + (isHidden ? "' hidden='1'>" : "'>");
+    for (const char column : std::string("ABCDEFGHIJ")) {
+      const std::string name = column + number;
+      const bool isNumber = row > 1 && (column == 'D' || column == 'I');
+      content += isNumber ? "<c r='" + name + "'><v>" + number + "</v></c>" : cell(name, name);
+    }
+    content += "</row>";
+  }
+  return content + "<row r='500'><c r='A500'/></row></sheetData>" + more;
+}
+
+void write(const TemporaryFolder& folder, const std::string& name, const std::string& sheet) {
+  folder.write(name, workbookPackage({.sheets = {{"S", sheet}}}).bytes().text());
+}
+
+constexpr const char* hiddenColumns = "zelvo: Left out 2 hidden columns: B, I.\n";
+
+TEST_F(ExtractSheet, ReadsLargeRanges) {
+  write(folder, "large.xlsx", largeSheet());
+  const auto expected = [](bool includesHidden) {
+    std::string csv;
+    for (int row = 1; row <= 450; ++row) {
+      if (!includesHidden && ((row >= 150 && row < 400) || row == 402)) continue;
+      const std::string number = std::to_string(row);
+      csv += "A" + number + ",C" + number + (row == 1 ? ",D" : ",") + number;
+      for (const char* column : {",E", ",F", ",G", ",H", ",J"})
+        csv += column + number;
+      csv += "\n";
+    }
+    return csv;
+  };
+  const std::string hiddenRows =
+      "zelvo: Left out 251 hidden rows: 150-399, 402. --include-hidden includes them.\n";
+  EXPECT_EQ(zelvo("extract @large.xlsx --csv"), (ToolRun{0, expected(false), hiddenRows + hiddenColumns}));
+  EXPECT_EQ(zelvo("extract @large.xlsx --csv --include-hidden"), (ToolRun{0, expected(true), hiddenColumns}));
+  EXPECT_EQ(zelvo("extract @large.xlsx --range A1:A300 --csv").errors,
+            "zelvo: Left out 151 hidden rows: 150-300. --include-hidden includes them.\n");
+  // What a table is refused for, in a range of its size.
+  EXPECT_EQ(zelvo("extract @large.xlsx --range A2:C3 --csv"),
+            (ToolRun{0, "A2,C2\nA3,C3\n", "zelvo: Left out 1 hidden column: B.\n"}));
+  EXPECT_EQ(zelvo("extract @large.xlsx --range C402:D402 --csv").output, "");
+
+  const ToolRun text = runAfter(":", expanded("extract @large.xlsx --range A400:J449 2>&1 | sed -n 1,7p"));
+  EXPECT_EQ(text.output, expanded("zelvo: Left out 1 hidden row: 402. --include-hidden includes them.\n") +
+                             hiddenColumns + expanded(R"(@large.xlsx
+  Row  A400  C400  400  E400  F400  G400  H400  J400
+  401  A401  C401  401  E401  F401  G401  H401  J401
+  403  A403  C403  403  E403  F403  G403  H403  J403
+  404  A404  C404  404  E404  F404  G404  H404  J404
+)"));
+}
+
+TEST_F(ExtractSheet, RefusesTheWholeOfALargeRange) {
+  const std::string areas =
+      "<mergeCells><mergeCell ref='J420:J421'/><mergeCell ref='C3:D3'/><mergeCell ref='I1:I2'/></mergeCells>";
+  write(folder, "merged.xlsx", largeSheet(areas));
+  const std::string corners =
+      "<sheetData><row r='1'><c r='A1'><v>1</v></c></row><row r='1048576'><c "
+      "r='XFD1048576'><v>1</v></c></row></sheetData>";
+  write(folder, "corners.xlsx", corners);
+  write(folder, "long.xlsx", replaced(largeSheet(), ">C420<", ">" + characters(2001) + "<"));
+  write(folder, "formula.xlsx", replaced(largeSheet(), "<v>420</v>", "<f>1</f><v>420</v>"));
+  expectFailures(R"(
+      extract @merged.xlsx --csv => 1 | This document feature is not supported yet: merged cells in the selected table at C3
+      extract @merged.xlsx --tsv --range C3:D4 => 1 | This document feature is not supported yet: merged cells in the selected table at C3
+      extract @corners.xlsx --csv => 1 | The document exceeds a safe processing limit: more than 250000 cells in A1:XFD1048576; select fewer with --range
+      extract @long.xlsx --csv => 1 | The document exceeds a safe processing limit: selected cell text (cell C420)
+      extract @formula.xlsx => 1 | Cell D420 needs a verified formula result. This reader does not recalculate formulas.)");
+  EXPECT_EQ(zelvo("extract @merged.xlsx --csv --range A4:J400").status, 0);
+  EXPECT_EQ(zelvo("extract @formula.xlsx --csv --cached-formulas").status, 0);
+  EXPECT_EQ(zelvo("extract @corners.xlsx --csv --range A1:Z1048576"),
+            (ToolRun{0, "1" + std::string(25, ',') + "\n", ""}));
+}
+
+TEST_F(ExtractSheet, ChoosesTheSheetAndTheRange) {
+  const std::string sheet = "<sheetData><row r='2'>";
+  const auto named = [&](const std::string& name, const std::string& state = "") {
+    return WorksheetText{name, sheet + cell("B2", name) + "</row></sheetData>", state};
+  };
+  const std::string hidden = R"( state="hidden")";
+  folder.write(
+      "several.xlsx",
+      workbookPackage(
+          {.sheets = {named("3"), named("#1"), named("x"), named("h", hidden), {"e", "<sheetData/>"}}})
+          .bytes()
+          .text());
+  folder.write("one.xlsx", workbookPackage({.sheets = {named("h", hidden), named("v")}}).bytes().text());
+  for (const auto& [arguments, output] : cases<2>(R"(
+      several.xlsx --sheet 3 => 3␊ ; several.xlsx --sheet #3 => x␊ ; several.xlsx --sheet 2 => #1␊
+      several.xlsx --sheet #1 => 3␊ ; several.xlsx --sheet x --range A1:B2 => ,␊,x␊ ; one.xlsx => v␊
+      several.xlsx --sheet e => )"))
+    EXPECT_EQ(zelvo("extract --csv @" + arguments), (ToolRun{0, output, ""})) << arguments;
+
+  const std::string hint = "zelvo: hint: Visible sheets: 3 (B2:B2), #1 (B2:B2), x (B2:B2), e (empty)\n";
+  const std::string useless = "The selected table cannot be used: ";
+  for (const auto& [arguments, message] : cases<2>(R"(
+      extract - => The workbook has several visible sheets: choose one with --sheet.
+      extract - --sheet 4 => The selected table cannot be used: unknown or hidden worksheet
+      extract - --sheet #6 => The selected table cannot be used: unknown or hidden worksheet
+      extract - --sheet 0 --range A1 => The selected table cannot be used: unknown or hidden worksheet
+      extract - --sheet y --range A1 => The selected table cannot be used: unknown or hidden worksheet
+      create - --sheet X --title t -o x.docx => The selected table cannot be used: unknown or hidden worksheet)"))
+    EXPECT_EQ(zelvo(arguments, contentOf(folder.path("several.xlsx"))),
+              (ToolRun{1, "", "zelvo: " + message + "\n" + hint}));
+  EXPECT_EQ(zelvo("extract @several.xlsx --sheet e --json"),
+            (ToolRun{1, "", "zelvo: " + useless + "no data rows\nzelvo: hint: The sheet is empty: e\n"}));
+  EXPECT_EQ(zelvo("extract @one.xlsx --json --range A1:I2"),
+            (ToolRun{1, "",
+                     "zelvo: The document exceeds a safe processing limit: select at most eight columns "
+                     "and 200 data rows\nzelvo: hint: Larger ranges are printed by zelvo extract with "
+                     "--csv, --tsv, --jsonl, --markdown or no format.\nzelvo: hint: Visible sheets: v "
+                     "(B2:B2)\n"}));
+}
+
+/// Rows of cells {value, more members} from B3.
+std::string tableOf(const std::vector<std::vector<std::string>>& rows) {
+  std::string table;
+  for (std::size_t row = 0; row < rows.size(); ++row) {
+    table += row == 0 ? "[" : "],[";
+    for (std::size_t column = 0; column < rows[row].size(); ++column)
+      table += std::string(column == 0 ? "" : ",") + R"({"address":")" + "BCDE"[column] +
+               std::to_string(row + 3) + R"(","hidden":false,"usesCachedFormulaValue":false,"value":)" +
+               rows[row][column] + "}";
+  }
+  return R"(say {"table":{"sourceName":"b","sourceSHA256":"0","sheetName":"S\u001b","selectedRange":"B3","columns":[],)"
+         R"("rows":[)" +
+         table + R"(]],"warnings":["w\u0007"],"headerUsesCachedFormulaValues":false}})";
+}
+
+TEST_F(ExtractSheet, PrintsRowForms) {
+  displace(
+      tableOf({{R"({"text":{"_0":"a"}})", R"({"text":{"_0":" "}})", R"({"text":{"_0":"a"}})",
+                R"~({"text":{"_0":"a (D)"}})~"},
+               {R"({"number":{"_0":"-1.50"}},"numberFormat":"0.0")", R"({"text":{"_0":"=1|2\\|\"\u009b"}})",
+                R"({"missing":{}})", R"({"boolean":{"_0":true}})"},
+               {R"({"number":{"_0":"+.5E1"}})", R"({"error":{"_0":"#N/A"}})",
+                R"({"date":{"_0":"2024-03-01"}})", R"({"text":{"_0":"\tx\r\ny\\"}})"},
+               {R"({"missing":{}})", R"({"text":{"_0":""}})", R"({"missing":{}})", R"({"missing":{}})"}}));
+  const std::string c1 = "\u009b";
+  const struct {
+    std::string options, expected;
+  } forms[] = {
+      {"--csv", "a, ,a,a (D)\n-1.5,\"=1|2\\|\"\"" + c1 + "\",,TRUE\n+.5E1,#N/A,2024-03-01,\"\tx\r\ny\\\"\n"},
+      {"--csv --raw --escape-formulas",
+       "a, ,a,a (D)\n-1.50,\"'=1|2\\|\"\"" + c1 + "\",,TRUE\n+.5E1,#N/A,2024-03-01,\"'\tx\r\ny\\\"\n"},
+      {"--tsv --no-header",
+       "a\t \ta\ta (D)\n-1.5\t=1|2\\\\|\"" + c1 + "\t\tTRUE\n+.5E1\t#N/A\t2024-03-01\t\\tx\\r\\ny\\\\\n"},
+      {"--markdown", "| a |   | a | a (D) |\n| ---: | --- | --- | --- |\n| -1.5 | =1\\|2\\\\\\|\"" + c1 +
+                         " |  | TRUE |\n| +.5E1 | #N/A | 2024-03-01 | \tx<br>y\\ |\n"},
+      {"--jsonl", R"~({"a":-1.50,"C":"=1|2\\|\")~" + c1 + R"~(","a (D)":null,"a (D) (E)":true})~" + "\n" +
+                      R"~({"a":5,"C":{"error":"#N/A"},"a (D)":"2024-03-01","a (D) (E)":"\tx\r\ny\\"})~" +
+                      "\n"},
+  };
+  const std::string command = "extract - --sheet S --range B3:E6 ";
+  for (const auto& [options, expected] : forms)
+    EXPECT_EQ(displaced(command + options), (ToolRun{0, expected, ""})) << options;
+  EXPECT_TRUE(
+      displaced(command + "--markdown --no-header").output.starts_with("|  |  |  |  |\n| ---: | --- |"));
+  EXPECT_TRUE(displaced(command + "--jsonl --no-header")
+                  .output.starts_with(R"~({"B":"a","C":" ","D":"a","E":"a (D)"})~"));
+  EXPECT_EQ(displaced(command + "--no-header"), (ToolRun{0, R"~(-
+  Row      B  C              D           E
+    3      a                 a           a (D)
+    4   -1.5  =1|2\|"\u{9B}              TRUE
+    5  +.5E1  #N/A           2024-03-01  \u{9}x\u{D}\u{A}y\
+
+  Sheet    S\u{1B}
+  Range    B3:E6
+  SHA-256  0
+
+  Warning: w\u{7}
+)~",
+                                                         ""}));
+  for (const char* form : {"--csv", "--tsv", "--markdown"})
+    EXPECT_NE(onTerminal(command + form, {}, folder.path("zelvo")).output.find("\\u{9B}"), std::string::npos)
+        << form;
+}
+
+TEST_F(ExtractSheet, FitsTheTerminal) {
+  const std::string titles =
+      cell("A1", "Name") + cell("B1", std::string(30, 'b')) + cell("C1", std::string(30, 'c'));
+  write(folder, "wide.xlsx",
+        "<sheetData><row r='1'>" + titles + "</row><row r='2'>" + cell("A2", "価格価格価格価格価格") +
+            "<c r='B2'><v>1234567890123</v></c></row></sheetData>");
+  const auto shown = [&](const std::string& columns) {
+    const std::string command =
+        "stty cols " + columns + " -onlcr; " TOOL " extract " + folder.path("wide.xlsx");
+    const std::string output = run("/usr/bin/script", {"-qec", command, "/dev/null"}).output;
+    const std::size_t start = output.find('\n') + 1;
+    return output.substr(start, output.find("\n\n  Sheet") - start);
+  };
+  const std::string note =
+      "\n\n  Texts that end with … are cut to the terminal's width; --csv prints them whole.";
+  EXPECT_EQ(shown("45"),
+            "  Row  Name        bbbbbbbbbbbb…  ccccccccc…\n    2  価格価格…   1234567890123" + note);
+  EXPECT_EQ(shown("24"),
+            "  Row  Name\n    2  価格価格価格価格…\n\n  Row  bbbbbbbbbbbbbbbb…\n    2      1234567890123\n\n"
+            "  Row  cccccccccccccccc…\n    2" +
+                note);
+}
+
+TEST_F(ExtractSheet, CreatePrintsTheRecord) {
+  const std::string command = "create $book --sheet Quarter --range A1:F5 --cached-formulas --title t -o @";
+  const ToolRun json = zelvo(command + "a.docx --json");
+  EXPECT_EQ(json.errors, "");
+  EXPECT_TRUE(json.output.starts_with(R"({"format":"docx","sourceSHA256":")" +
+                                      Digest::sha256(bytesOf(contentOf(book)))));
+  EXPECT_NE(
+      json.output.find(R"("outputSHA256":")" + Digest::sha256(bytesOf(contentOf(folder.path("a.docx"))))),
+      std::string::npos)
+      << json;
+}
+
+}  // namespace
+}  // namespace zelvo::testing
