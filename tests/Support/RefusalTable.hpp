@@ -55,12 +55,15 @@ struct Refusal {
 };
 
 /// Rows that edit a text each, `from => to | refusal | place` in a line; `find` gives the text of an input.
+/// Texts that are separated by "or" are rows of their own.
 template <typename Input, typename Find>
 std::vector<Refusal<Input>> edits(const Find& find, std::string_view table) {
   std::vector<Refusal<Input>> rows;
-  for (const auto& [from, to, expected, place] : cases<4>(table)) {
-    const auto spoil = [=, from = from, to = to](Input& input) { replace(find(input), from, to); };
-    rows.push_back({std::string(from).append(" becomes ").append(to), spoil, expected, place});
+  for (const auto& row : cases<4>(table)) {
+    eachPiece(row[1], "or", [&, from = row[0]](const std::string& to) {
+      const auto spoil = [=](Input& input) { replace(find(input), from, to); };
+      rows.push_back({std::string(from).append(" becomes ").append(to), spoil, row[2], row[3]});
+    });
   }
   return rows;
 }
