@@ -1,16 +1,12 @@
 #pragma once
 
-#include <array>
-#include <functional>
 #include <regex>
 #include <string>
-#include <vector>
 
-#include <gtest/gtest.h>
+#include "Support/Cases.hpp"
+#include "Support/Texts.hpp"
 
-#include "Support/RefusalTable.hpp"
-
-/// Inputs that are edited as text: refusals and limits of their readers, a line each.
+/// Short notations for edits of a text.
 namespace zelvo::testing {
 
 /// "(3*x)" as "xxx".
@@ -29,16 +25,6 @@ inline void edit(std::string& text, const std::string& list) {
   }
 }
 
-/// The refusal with that key in a table "key | message"; none for no key. Without a case, a message is a
-/// validationFailed.
-inline Outcome refusalIn(const std::vector<std::array<std::string, 2>>& messages, const std::string& key) {
-  if (key.empty()) return "";
-  for (const auto& [other, message] : messages)
-    if (other == key)
-      return message.find(": ") == std::string::npos ? "validationFailed: " + message : message;
-  throw std::logic_error("no message " + key);
-}
-
 /// A text in which every "#entry#" is repeated, separated by commas if a bracket is before it. "%" in an
 /// entry is its number.
 inline std::string filled(const std::string& text, std::size_t count) {
@@ -54,33 +40,6 @@ inline std::string filled(const std::string& text, std::size_t count) {
     result += next;
   }
   return result + filled(text.substr(last + 1), count);
-}
-
-/// The table of messages, "key | message", and of the reader's refusals, "edits | key | place". Edits that
-/// are separated by "or" are rows of their own.
-template <typename Input, typename Read>
-void expectEditRefusals(const std::function<Input()>& good, const auto& messages, std::string_view table,
-                        const Read& read) {
-  std::vector<Refusal<Input>> rows;
-  for (const auto& [alternatives, key, place] : cases<3>(table)) {
-    eachPiece(alternatives, "or", [&, &key = key, &place = place](const std::string& edits) {
-      const auto spoil = [edits](Input& input) { edit(input.text, edits); };
-      rows.push_back({edits, spoil, refusalIn(messages, key), place});
-    });
-  }
-  expectRefusals<Input>(good, rows, read);
-}
-
-/// The table of limits, "edits with an entry | the last count that is accepted | key".
-template <typename Input, typename Read>
-void expectEditLimits(const auto& messages, std::string_view table, const Read& read) {
-  for (const auto& [edits, last, key] : cases<3>(table)) {
-    for (const std::size_t more : {0U, 1U}) {
-      Input input;
-      edit(input.text, filled(edits, std::stoul(last) + more));
-      EXPECT_EQ(outcomeOf([&] { read(input); }), more ? refusalIn(messages, key) : "") << edits;
-    }
-  }
 }
 
 }  // namespace zelvo::testing

@@ -98,7 +98,7 @@ TEST(Presentation, RefusesInOrder) {
   // The rows, the lines of the last, and the lengths of the title and the chart's title. 864 points hold 47
   // ordinary characters of 18.2 points: two lines are 94, which leaves no space for a number.
   for (const auto& [rows, lines, title, chartTitle, expected] : cases<5>(R"(
-      21 | 18 | 95 | 95 => unsupported: presentation cells need too much vertical space; use Word or fewer columns
+      201 | 18 | 95 | 95 => unsupported: presentation cells need too much vertical space; use Word or fewer columns
       201 | 1 | 95 | 95 => resourceLimit: presentation exceeds 20 table slides
       21 | 1 | 94 | 95 => unsupported: presentation title is too long for two lines
       10 | 1 | 95 | 95 => unsupported: presentation title is too long for two lines

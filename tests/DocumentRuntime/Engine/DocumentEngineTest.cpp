@@ -6,8 +6,8 @@
 #include "DocumentRuntime/PackageIO/PackageGate.hpp"
 #include "Support/Cost.hpp"
 #include "Support/PackageBuilder.hpp"
+#include "Support/RefusalTable.hpp"
 #include "Support/SampleTable.hpp"
-#include "Support/TextEdits.hpp"
 
 namespace zelvo {
 namespace {

@@ -4,6 +4,7 @@
 
 #include "Datasets.hpp"
 #include "DocumentRuntime/Research/PresentationModel/HostDatasets.hpp"
+#include "Support/RefusalTable.hpp"
 
 namespace zelvo {
 namespace {
@@ -83,8 +84,10 @@ TEST(ResearchDecoding, BoundsDatasetsOfTheHostByTheRules) {
   EXPECT_EQ(hostDatasetsFromJson(R"([{"id":"a","content":)" + canonical + "}]").at(0).content.encoded(),
             canonical);
 
-  expectBounds(R"({"report":"","columns":[],"rows":[],"charts":[],)",
-               R"(
+  // Of two members with the same name, the last counts.
+  const std::string start = R"({"report":"","columns":[],"rows":[],"charts":[],)";
+  for (const auto& [member, last, error] :
+       cases<3>(R"(
       "columns":[#{"kind":"text","name":""}#] | 12 | columns: Expected at most 12 entries.
       "rows":[#{"cells":[],"sources":[]}#] | 500 | rows: Expected at most 500 entries.
       "charts":[#{"categoryColumn":0,"kind":"bar","title":"","valueColumns":[]}#] | 4 | charts: Expected at most 4 entries.
@@ -93,16 +96,20 @@ TEST(ResearchDecoding, BoundsDatasetsOfTheHostByTheRules) {
       "rows":[{"cells":[],"sources":[#""#]}] | 8 | rows[0].sources: Expected at most 8 entries.
       "rows":[{"cells":[],"sources":[],"sourceIDs":[#""#]}] | 8 | rows[0].sourceIDs: Expected at most 8 entries.
       "charts":[{"categoryColumn":0,"kind":"bar","title":"","valueColumns":[#0#]}] | 4 | )"
-               R"(charts[0].valueColumns: Expected at most 4 entries.
+                R"(charts[0].valueColumns: Expected at most 4 entries.
       "columns":[{"kind":"text","name":"","unit":"#u#"}] | 8000 | columns[0].unit: Expected at most 8000 bytes.
       "columns":[{"kind":"text","name":"#n#"}] | 8000 | columns[0].name: Expected at most 8000 bytes.
       "charts":[{"categoryColumn":0,"kind":"bar","valueColumns":[],"title":"#t#"}] | 8000 | )"
-               R"(charts[0].title: Expected at most 8000 bytes.
+                R"(charts[0].title: Expected at most 8000 bytes.
       "charts":[{"categoryColumn":0,"kind":"bar","title":"","valueColumns":[]}],"rows":[{"sources":[],"cells":["#l#"]}] | )"
-               R"(8000 | rows[0].cells[0]: Expected at most 8000 bytes.
+                R"(8000 | rows[0].cells[0]: Expected at most 8000 bytes.
       "calculations":[{"column":0,"row":0,"formula":{"op":"sum","arguments":[#{"op":"sum"}#]}}] | 49999 | )"
-               R"(calculations[0].formula.arguments[49999]: The formulas have too many nodes.)",
-               hostDatasetFromJson);
+                R"(calculations[0].formula.arguments[49999]: The formulas have too many nodes.)"))
+    EXPECT_EQ(errorsAtBound(start + member + "}", last, hostDatasetFromJson), error);
+}
+
+TEST(ResearchRow, ListsIdentifiersThenURLs) {
+  EXPECT_EQ((Row{{}, {"u", "v"}, {{"b", "a"}}}.provenanceText()), "Source ID: b\nSource ID: a\nu\nv");
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "Datasets.hpp"
+#include "Support/RefusalTable.hpp"
 
 namespace zelvo {
 namespace {

@@ -46,15 +46,13 @@ std::string decodingErrorOf(const Act& act) {
   return {};
 }
 
-/// Checks a table of bounds, "member of a JSON object with an entry | the last count that is accepted |
-/// error". The member follows others in `start`: of two with the same name the last counts.
-void expectBounds(const std::string& start, std::string_view table, const auto& decode) {
-  for (const auto& [member, last, error] : cases<3>(table)) {
-    for (const std::size_t more : {0U, 1U}) {
-      const std::string json = start + filled(member, std::stoul(last) + more) + "}";
-      EXPECT_EQ(decodingErrorOf([&] { decode(json); }), more ? error : "");
-    }
-  }
+/// The errors of decoding a JSON text whose entry (see `filled`) is there so many times, and once more.
+template <typename Decode>
+std::string errorsAtBound(const std::string& json, const std::string& last, const Decode& decode) {
+  const auto errorAt = [&](std::size_t count) {
+    return decodingErrorOf([&] { decode(filled(json, count)); });
+  };
+  return errorAt(std::stoul(last)) + errorAt(std::stoul(last) + 1);
 }
 
 /// A row of these numbers, blank for nullopt.
@@ -78,19 +76,22 @@ inline ResearchSpreadsheet numericTable(const std::vector<std::optional<std::str
 
 /// Three years of revenue and cost, their difference calculated, and a line chart of revenue and difference.
 inline ResearchSpreadsheet yearlyProfit() {
-  ResearchSpreadsheet dataset = numericTable({"USD", "USD", "USD"});
-  dataset.columns.insert(dataset.columns.begin(),
-                         {{"Year", Column::Kind::text, {}}, {"Closed", Column::Kind::date, {}}});
-  for (int i = 0; i < 3; ++i) {
-    const std::string year = std::to_string(2022 + i);
-    dataset.rows.push_back({{Cell(year), Cell(year + "-12-31"), Cell(10 + i), Cell(4), Cell()},
-                            {"https://example.org/" + year},
-                            {}});
-  }
-  dataset.calculations =
-      calculations("0,4=subtract([0,2],[0,3]) 1,4=subtract([1,2],[1,3]) 2,4=subtract([2,2],[2,3])");
-  dataset.charts.push_back({"Profit", Chart::Kind::line, 0, {2, 4}});
-  return dataset;
+  static const ResearchSpreadsheet profit = [] {
+    ResearchSpreadsheet dataset = numericTable({"USD", "USD", "USD"});
+    dataset.columns.insert(dataset.columns.begin(),
+                           {{"Year", Column::Kind::text, {}}, {"Closed", Column::Kind::date, {}}});
+    for (int i = 0; i < 3; ++i) {
+      const std::string year = std::to_string(2022 + i);
+      dataset.rows.push_back({{Cell(year), Cell(year + "-12-31"), Cell(10 + i), Cell(4), Cell()},
+                              {"https://example.org/" + year},
+                              {}});
+    }
+    dataset.calculations =
+        calculations("0,4=subtract([0,2],[0,3]) 1,4=subtract([1,2],[1,3]) 2,4=subtract([2,2],[2,3])");
+    dataset.charts.push_back({"Profit", Chart::Kind::line, 0, {2, 4}});
+    return dataset;
+  }();
+  return profit;
 }
 
 }  // namespace zelvo::testing

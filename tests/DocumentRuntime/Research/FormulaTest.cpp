@@ -9,6 +9,7 @@
 #include "Datasets.hpp"
 #include "DocumentRuntime/Research/Dataset/FormulaEvaluator.hpp"
 #include "DocumentRuntime/Research/Dataset/FormulaRules.hpp"
+#include "Support/RefusalTable.hpp"
 
 namespace zelvo {
 namespace {

@@ -7,6 +7,7 @@
 #include "Datasets.hpp"
 #include "DocumentRuntime/Research/PresentationModel/Coding.hpp"
 #include "DocumentRuntime/Research/PresentationModel/RendererVersion.hpp"
+#include "Support/RefusalTable.hpp"
 
 namespace zelvo {
 namespace {

@@ -9,6 +9,7 @@
 
 #include "Datasets.hpp"
 #include "DocumentRuntime/Research/Provenance/SourceScopeCoding.hpp"
+#include "Support/RefusalTable.hpp"
 
 namespace zelvo {
 namespace {
@@ -98,24 +99,26 @@ TEST(ResearchSourceScope, ComposesEachIdentifierOnce) {
 }
 
 TEST(ResearchSourceScope, BoundsItsFile) {
-  expectBounds(R"({"localSnapshotIDs":[],"publicSources":{},"records":[],)",
-               R"(
+  // Of two members with the same name, the last counts.
+  const std::string start = R"({"localSnapshotIDs":[],"publicSources":{},"records":[],)";
+  for (const auto& [member, last, error] :
+       cases<3>(R"(
       "localSnapshotIDs":[#"i"#]   | 20000 | localSnapshotIDs: Expected at most 20000 entries.
       "publicSources":{#"%":"u"#}  | 20000 | publicSources: Expected at most 20000 entries.
       "records":[#{"id":"i","kind":"publicURL","coverage":"","label":""}#] | 20000 | )"
-               R"(records: Expected at most 20000 entries.
+                R"(records: Expected at most 20000 entries.
       "localSnapshotIDs":["#t#"]   | 8000  | localSnapshotIDs[0]: Expected at most 8000 bytes.
       "publicSources":{"#t#":"u"}  | 8000  | publicSources: Expected identifiers of at most 8000 bytes.
       "publicSources":{"i":"#t#"}  | 8000  | publicSources.i: Expected at most 8000 bytes.
       "records":[{"kind":"publicURL","coverage":"","label":"","id":"#t#"}] | 8000 | )"
-               R"(records[0].id: Expected at most 8000 bytes.
+                R"(records[0].id: Expected at most 8000 bytes.
       "records":[{"id":"i","kind":"publicURL","coverage":"","label":"#t#"}] | 2000 | )"
-               R"(records[0].label: Expected at most 2000 characters.
+                R"(records[0].label: Expected at most 2000 characters.
       "records":[{"id":"i","kind":"publicURL","label":"","coverage":"#t#"}] | 2000 | )"
-               R"(records[0].coverage: Expected at most 2000 characters.
+                R"(records[0].coverage: Expected at most 2000 characters.
       "records":[{"id":"i","kind":"publicURL","label":"","coverage":"","provenanceURL":"#t#"}] | 8000 | )"
-               R"(records[0].provenanceURL: Expected at most 8000 bytes.)",
-               researchSourceScopeFromJson);
+                R"(records[0].provenanceURL: Expected at most 8000 bytes.)"))
+    EXPECT_EQ(errorsAtBound(start + member + "}", last, researchSourceScopeFromJson), error);
 }
 
 TEST(ResearchSourceScope, RefusesAFileOfAnotherShape) {

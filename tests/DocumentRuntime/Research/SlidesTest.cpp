@@ -15,6 +15,7 @@
 #include "DocumentRuntime/Research/Slides/Renderer.hpp"
 #include "DocumentRuntime/Research/Slides/Text.hpp"
 #include "Support/ExpectedPackage.hpp"
+#include "Support/RefusalTable.hpp"
 
 namespace zelvo {
 namespace {
@@ -141,10 +142,10 @@ TEST(ResearchPresentationReadBack, NamesTheDifference) {
       charts/chart1 | $B$2:$B$4→$B$2:$B$5 or Profit→Loss or <c:externalData→<c:ser/><c:externalData => chart
       data | <v>-4.5</v>→<v>4.5</v> or A (USD)→B (USD) or <row r="3">→<row r="3"><c r="B3"><v>0</v></c> => chart
       data | <c r="B2"><v>0.1</v></c>→<c r="B2"><v>0.1</v></c><c r="C2"><v>7</v></c> => chart)")) {
-    eachPiece(edits, "or", [&, &part = part, &key = key](const std::string& edit) {
+    for (const std::string& edit : alternatives(edits)) {
       const std::size_t arrow = edit.find("→");
       expectRefusal(part, edit.substr(0, arrow), edit.substr(arrow + std::string("→").size()), key);
-    });
+    }
   }
 }
 

@@ -13,6 +13,7 @@
 #include "DocumentRuntime/Research/Workbook/DatasetWorkbook.hpp"
 #include "DocumentRuntime/Research/WorkbookReadBack/ReadBack.hpp"
 #include "Support/ExpectedPackage.hpp"
+#include "Support/RefusalTable.hpp"
 
 namespace zelvo {
 namespace {

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "DocumentRuntime/Validation/EditedDocument.hpp"
-#include "Support/TextEdits.hpp"
+#include "Support/RefusalTable.hpp"
 
 /// Refusals of edited documents, as tables of text.
 namespace zelvo::testing {
@@ -45,7 +45,7 @@ inline void edit(PackageBuilder& package, std::string name, std::string from, co
 using DocumentChanges = std::map<std::string, std::function<void(EditedDocument&)>>;
 
 /// Checks a table of refusals, "part | from => to | error | place". A row of a name in `changes` makes that
-/// change. Fields with "or" are several rows. Without a case, an error is a validationFailed.
+/// change. Alternatives are rows of their own. Without a case, an error is a validationFailed.
 inline void expectDocumentRefusals(const std::function<EditedDocument()>& good, std::string_view table,
                                    const DocumentChanges& changes) {
   std::vector<Refusal<EditedDocument>> rows;
@@ -56,12 +56,13 @@ inline void expectDocumentRefusals(const std::function<EditedDocument()>& good, 
     rows.push_back({name + " " + from + " becomes " + to, change == changes.end() ? spoil : change->second,
                     error.find(": ") == std::string::npos ? "validationFailed: " + error : error, place});
   };
-  for (const auto& row : cases<5>(table)) {
-    eachPiece(row[0], "or", [&](const std::string& name) {
-      eachPiece(row[1], "or", [&](const std::string& from) {
-        eachPiece(row[2], "or", [&](const std::string& to) { addRow(name, from, to, row[3], row[4]); });
-      });
-    });
+  for (const auto& [names, allFrom, allTo, error, place] : cases<5>(table)) {
+    for (const std::string& name : alternatives(names)) {
+      for (const std::string& from : alternatives(allFrom)) {
+        for (const std::string& to : alternatives(allTo))
+          addRow(name, from, to, error, place);
+      }
+    }
   }
   expectRefusals<EditedDocument>(good, rows, [](const auto& edited) { edited.validate(); });
 }

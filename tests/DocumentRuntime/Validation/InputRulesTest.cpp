@@ -5,8 +5,8 @@
 
 #include "DocumentRuntime/Coding/RecordCoding.hpp"
 #include "DocumentRuntime/Validation/DocumentInputRules.hpp"
+#include "Support/RefusalTable.hpp"
 #include "Support/SampleTable.hpp"
-#include "Support/TextEdits.hpp"
 
 namespace zelvo {
 namespace {
