@@ -96,6 +96,9 @@ TEST(ResearchSourceScope, ComposesEachIdentifierOnce) {
   // U+212B is sorted by its composed form, U+00C5, and so before U+0100.
   const ResearchSourceScope composed({}, {{"\u0100", "https://h/"}, {"\u212b", "https://h/"}}, {});
   EXPECT_EQ(composed.selectedRecords({}, {"https://h/"}).at(0).id, "\u212b");
+  // Of identifiers with the same composed form, the first in byte order counts.
+  const ResearchSourceScope equal({}, {{"\u00e9", "https://h/"}, {"e\u0301", "https://h/"}}, {});
+  EXPECT_EQ(equal.selectedRecords({}, {"https://h/"}).at(0).id, "e\u0301");
 }
 
 TEST(ResearchSourceScope, BoundsItsFile) {

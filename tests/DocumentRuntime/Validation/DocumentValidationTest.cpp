@@ -23,6 +23,7 @@ TEST(WordValidation, RefusesInTheOrderOfItsChecks) {
       {"no package", [](E e) { e.package.remove("[Content_Types].xml"); }},
       {"main part of another name", [](E e) { e.renameMainPart("word/document.xml", otherMainPart); }},
       {"expected table that breaks a rule", [](E e) { e.table->sourceName = "home/book.xlsx"; }},
+      {"a row more expected", [](E e) { e.table = tableOf(3, 5); }},
       {"expected value", [](E e) { e.table->rows[3][2].value = SourceCellValue::text("4,4"); }}};
   expectDocumentRefusals(wordDocument, R"(
 no package | => | invalidArchive: not an OOXML package |
@@ -47,7 +48,7 @@ expected table that breaks a rule | => | invalidSelection: table, title, or sour
 word/document.xml | >2,2< => >2,2 < | table cells differ from frozen source values | table/row
 word/document.xml | >Column 3< => >Column < | table cells differ from frozen source values | table/header
 word/document.xml | </w:tbl> => <w:tr>(3*<w:tc><w:t>x</w:t></w:tc>)</w:tr></w:tbl> | table cells differ from frozen source values | table
-expected value | => | table cells differ from frozen source values |)",
+expected value or a row more expected | => | table cells differ from frozen source values |)",
                          changes);
 }
 
@@ -219,7 +220,7 @@ book:xl/worksheets/sheet1.xml | <row r="2"> => <row r="2"><c r="C2"><v>1</v></c>
 book:xl/worksheets/sheet1.xml | </sheetData> => <row r="14"/><row r="15"><c r="A15"/></row></sheetData> | chart data |
 book:xl/workbook.xml | "ChartData" => "Data" | chart data |
 ppt/charts/chart1.xml | <c:strCache>…</c:strCache> => | chart data | chart/series
-ppt/charts/chart1.xml | <c:v>Column 2</c:v> => <c:v>Column</c:v> | chart data |
+ppt/charts/chart1.xml | <c:v>Column 2</c:v> => <c:v>Column</c:v> or <c:v>Column 2</c:v></c:pt><c:pt><c:v>x</c:v> | chart data |
 ppt/charts/chart1.xml | <c:v>3.25</c:v> => <c:v>3.250</c:v> | chart cache and embedded data disagree |
 book:xl/worksheets/sheet1.xml | <v>4.25</v> => <v>5.25</v> | chart cache and embedded data disagree |
 book:xl/worksheets/sheet1.xml | >5,1< => >5,1 < | chart cache and embedded data disagree |
