@@ -185,8 +185,7 @@ void addDatasets(Seeds& seeds) {
   zelvo::ResearchSpreadsheet dataset = yearlyProfit();
   seeds.add("\1" + dataset.encoded());
   seeds.add("\3```json\n" + dataset.encoded() + "\n```");
-  dataset.calculations->front().formula = apply(
-      Operation::average, {rangeOf(0, 2, 2, 3), apply(Operation::count, {cellAt(1, 4), constant(0.5)})});
+  dataset.calculations->front() = calculations("0,4=average([0,2,2,3],count([1,4],#0.5))")[0];
   for (Row& row : dataset.rows) {
     row.sourceIDs = {"a", "b"};
     row.sources = {"http://h/"};
@@ -195,8 +194,7 @@ void addDatasets(Seeds& seeds) {
   seeds.add(std::string("\0{}", 3));
   for (Row& row : dataset.rows)
     row.sources.assign(16, "http://h/" + repeated("a", 500));
-  dataset.calculations->front().formula =
-      apply(Operation::sum, std::vector<zelvo::Formula>(200, rangeOf(0, 2, 2, 3)));
+  dataset.calculations->front() = calculations("0,4=sum(" + repeated("[0,2,2,3],", 199) + "[0,2,2,3])")[0];
   seeds.add(std::string(1, '\0') + dataset.encoded());
   seeds.add(std::string(1, '\0') + R"({"columns":[],"rows":[{"cells":[)" + repeated("0,", 5'000) + "0]}]}");
 }
@@ -245,7 +243,7 @@ void addPresentations(Seeds& seeds) {
   const std::string before = R"({"title":"Deck","report":"Sum","slides":[)";
   seeds.add(std::string(1, '\0') + before + repeated(slide + "},", 15) + slide + "}]}" + '\0' + scope);
   zelvo::ResearchSpreadsheet dataset = zelvo::testing::yearlyProfit();
-  dataset.rows.front().cells.front() = zelvo::testing::textCell("e" + repeated("\u0301", 1'000));
+  dataset.rows.front().cells.front() = zelvo::testing::Cell("e" + repeated("\u0301", 1'000));
   const std::string chart = R"({"title":"T","body":["k"],"sources":[],"chartIndex":0})";
   seeds.add("\2" + before + R"({"title":"T","body":["k"],"sources":[]},)" + repeated(chart + ",", 14) +
             chart + "]}" + '\0' + '\0' + dataset.encoded());

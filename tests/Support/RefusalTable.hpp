@@ -8,7 +8,7 @@
 
 #include "DocumentRuntime/Errors/DocumentError.hpp"
 #include "Support/Cases.hpp"
-#include "Support/Texts.hpp"
+#include "Support/TextEdits.hpp"
 
 namespace zelvo::testing {
 
@@ -54,13 +54,26 @@ struct Refusal {
   std::string place = {};
 };
 
+/// The texts that "or" separates.
+inline std::vector<std::string> alternatives(const std::string& text) {
+  std::vector<std::string> result;
+  std::string rest = " " + text + " ";
+  for (std::size_t end = 0; (end = rest.find(" or ")) != std::string::npos; rest.erase(0, end + 3))
+    result.push_back(end == 0 ? "" : rest.substr(1, end - 1));
+  result.push_back(rest.substr(1, rest.size() - 2));
+  return result;
+}
+
 /// Rows that edit a text each, `from => to | refusal | place` in a line; `find` returns the text of an input.
+/// Alternatives of `to` are rows of their own.
 template <typename Input, typename Find>
 std::vector<Refusal<Input>> edits(const Find& find, std::string_view table) {
   std::vector<Refusal<Input>> rows;
-  for (const auto& [from, to, expected, place] : cases<4>(table)) {
-    const auto spoil = [=, from = from, to = to](Input& input) { replace(find(input), from, to); };
-    rows.push_back({std::string(from).append(" becomes ").append(to), spoil, expected, place});
+  for (const auto& [from, allTo, expected, place] : cases<4>(table)) {
+    for (const std::string& to : alternatives(allTo)) {
+      const auto spoil = [=, from = from](Input& input) { replace(find(input), from, to); };
+      rows.push_back({std::string(from).append(" becomes ").append(to), spoil, expected, place});
+    }
   }
   return rows;
 }
@@ -115,6 +128,43 @@ void expectLimits(const std::vector<Limit<Input>>& limits, const Read& read) {
       Input input;
       limit.reach(input, limit.last + (isBeyond ? 1 : 0));
       EXPECT_EQ(outcomeOf([&] { read(input); }), isBeyond ? limit.beyond : "") << limit.name;
+    }
+  }
+}
+
+/// The refusal with that key in a table "key | message"; none for no key. Without a case, a message is a
+/// validationFailed.
+inline Outcome refusalIn(const std::vector<std::array<std::string, 2>>& messages, const std::string& key) {
+  if (key.empty()) return "";
+  for (const auto& [other, message] : messages)
+    if (other == key)
+      return message.find(": ") == std::string::npos ? "validationFailed: " + message : message;
+  throw std::logic_error("no message " + key);
+}
+
+/// The table of messages, "key | message", and of the reader's refusals, "edits | key | place". Alternatives
+/// of edits are rows of their own.
+template <typename Input, typename Read>
+void expectEditRefusals(const std::function<Input()>& good, const auto& messages, std::string_view table,
+                        const Read& read) {
+  std::vector<Refusal<Input>> rows;
+  for (const auto& [allEdits, key, place] : cases<3>(table)) {
+    for (const std::string& edits : alternatives(allEdits)) {
+      const auto spoil = [edits](Input& input) { edit(input.text, edits); };
+      rows.push_back({edits, spoil, refusalIn(messages, key), place});
+    }
+  }
+  expectRefusals<Input>(good, rows, read);
+}
+
+/// The table of limits, "edits with an entry | the last count that is accepted | key".
+template <typename Input, typename Read>
+void expectEditLimits(const auto& messages, std::string_view table, const Read& read) {
+  for (const auto& [edits, last, key] : cases<3>(table)) {
+    for (const std::size_t more : {0U, 1U}) {
+      Input input;
+      edit(input.text, filled(edits, std::stoul(last) + more));
+      EXPECT_EQ(outcomeOf([&] { read(input); }), more ? refusalIn(messages, key) : "") << edits;
     }
   }
 }

@@ -1,7 +1,5 @@
 // Owns the rules of decks, their datasets and bindings.
 
-#include <algorithm>
-#include <functional>
 #include <map>
 
 #include <gtest/gtest.h>
@@ -19,118 +17,105 @@ using namespace testing;
 using Deck = ResearchPresentation;
 
 const auto messages = cases<2>(R"(
-    outline    | Use a short title, a report and 3–16 slides.
-    counts     | Use at most four unique canonical datasets and four chart references.
-    table      | Supply a report and a bounded table with unique column names.
-    slide      | Each slide needs a short heading and 1–4 concise points.
-    binding    | Use one explicit chart binding per slide.
-    no scope   | Source IDs require the trusted local/public provenance scope.
-    scope      | Use exact trusted local snapshot IDs or accepted public evidence; local evidence needs no public URL.
-    reference  | A chart slide needs its exact canonical dataset and chart, at most 40 periods and one insight.
-    chart      | A chart slide needs an attached dataset, a valid chart, at most 40 periods and one concise insight.
-    URL        | Slide sources must be returned research URLs.
-    replaced   | The presentation cannot replace the shared source dataset.
+    outline | Use a short title, a report and 3–16 slides.
+    counts | Use at most four unique canonical datasets and four chart references.
+    table | Supply a report and a bounded table with unique column names.
+    slide | Each slide needs a short heading and 1–4 concise points.
+    binding | Use one explicit chart binding per slide.
+    no scope | Source IDs require the trusted local/public provenance scope.
+    scope | Use exact trusted local snapshot IDs or accepted public evidence; local evidence needs no public URL.
+    reference | A chart slide needs its exact canonical dataset and chart, at most 40 periods and one insight.
+    chart | A chart slide needs an attached dataset, a valid chart, at most 40 periods and one concise insight.
+    URL | Slide sources must be returned research URLs.
+    replaced | The presentation cannot replace the shared source dataset.
     identities | A collection presentation needs unique, bounded dataset identities and explicit chart references.
-    outside    | The presentation references a dataset outside its declared result scope.
-    changed    | Model content cannot add or change canonical dataset records.
-    missing    | A canonical dataset is missing.
-    unbound    | The chart's exact dataset binding is missing.)");
+    outside | The presentation references a dataset outside its declared result scope.
+    changed | Model content cannot add or change canonical dataset records.
+    missing | A canonical dataset is missing. ; unbound | The chart's exact dataset binding is missing.)");
 
-Outcome refusal(const std::string& key) {
-  const auto row = std::ranges::find(messages, key, [](const auto& message) { return message[0]; });
-  return "validationFailed: " + row->at(1);
-}
-
-/// A cover, a chart slide and two points, over one dataset.
+/// A cover, a chart slide and two points; then the dataset of the host.
 struct Single {
-  std::string deck =
+  std::string text =
       R"({"title":"Deck","report":"Sum","slides":[{"title":"Cover","body":["c1"],"sources":["http://h/"],"sourceIDs":[]},)"
       R"({"title":"Chart","body":["k1"],"sources":[],"chartIndex":0},)"
-      R"({"title":"Points","body":["p1","p2"],"sources":["https://h/p"]}]})";
-  ResearchSpreadsheet dataset = yearlyProfit();
+      R"({"title":"Points","body":["p1","p2"],"sources":["https://h/p"]}],"host":)" +
+      json + '}';
+  static inline const std::string json = yearlyProfit().encoded();
   AllowedSources allowedSources;
   std::optional<ResearchSourceScope> scope;
 
-  Deck decode() const { return Deck::decode(deck, allowedSources, dataset, scope); }
+  Deck decode() const {
+    const JsonDocument document(text);
+    std::optional<ResearchSpreadsheet> dataset;
+    zelvo::decode(document.root().object().required("host"), dataset.emplace());
+    return Deck::decode(text, allowedSources, dataset, scope);
+  }
 };
 
-/// A cover and three chart slides, over two datasets.
+/// A cover and three chart slides; then the datasets of the host, the rows and the report of the last one,
+/// and the datasets that may be referenced. PROFIT is the dataset "a" of the host.
 struct Collection {
-  std::string deck =
+  std::string text =
       R"({"title":"Deck","report":"Sum","slides":[{"title":"Cover","body":["c1"],"sources":[]},)"
       R"({"title":"A","body":["k1"],"sources":[],"chartReference":{"datasetID":"a","chartIndex":0}},)"
       R"({"title":"B","body":["k2"],"sources":[],"chartReference":{"datasetID":"b","chartIndex":0}},)"
-      R"({"title":"A again","body":["k3"],"sources":[],"chartReference":{"datasetID":"a","chartIndex":0}}]})";
-  std::vector<Deck::Dataset> datasets = {{"a", yearlyProfit()}, {"b", yearlyProfit()}};
-  std::vector<std::string> allowedIDs = {"a", "b"};
+      R"({"title":"A again","body":["k3"],"sources":[],"chartReference":{"datasetID":"a","chartIndex":0}}],)"
+      R"("hosts":["a","b"],"rows":3,"hostReport":"R","allowed":["a","b"]})";
 
-  Deck decode() const { return Deck::decode(deck, {}, datasets, allowedIDs, {}); }
+  Deck decode() const {
+    static const ResearchSpreadsheet profit = [] {
+      ResearchSpreadsheet dataset = yearlyProfit();
+      dataset.charts.resize(4, dataset.charts[0]);
+      return dataset;
+    }();
+    static const std::string json = profit.encoded();
+    const std::string expanded = std::regex_replace(text, std::regex("PROFIT"), json);
+    const JsonDocument document(expanded);
+    const JsonObject object = document.root().object();
+    std::vector<std::string> hosts, allowed;
+    zelvo::decode(object.required("hosts"), hosts);
+    zelvo::decode(object.required("allowed"), allowed);
+    std::vector<Deck::Dataset> datasets;
+    for (const std::string& id : hosts)
+      datasets.push_back({id, profit});
+    ResearchSpreadsheet& last = datasets.back().content;
+    last.report = object.required("hostReport").string();
+    last.rows.resize(static_cast<std::size_t>(object.required("rows").integer()),
+                     numberRow({{}, {}, {}, {}, {}}));
+    last.rows[0].cells[0] = Cell(characters(61));  // only categories of a shared dataset have a limit
+    return Deck::decode(expanded, {}, datasets, allowed, {});
+  }
 };
 
-/// Edits of the deck's text, `from => to | message | place`.
-template <typename Input>
-std::vector<Refusal<Input>> deckEdits(std::string_view table) {
-  auto rows = edits<Input>([](Input& input) -> std::string& { return input.deck; }, table);
-  for (auto& row : rows)
-    row.expected = refusal(row.expected.text);
-  return rows;
-}
-
-/// A change of the decoded deck.
-template <typename Input>
-void edit(Input& input, const std::function<void(Deck&)>& change) {
-  auto deck = fromJson<Deck>(input.deck);
-  change(deck);
-  input.deck = deck.encoded();
-}
-
-Limit<Single> limit(std::string name, std::size_t last, const std::string& key,
-                    std::function<void(Deck&, std::size_t)> change) {
-  const auto reach = [change](Single& input, std::size_t size) {
-    edit(input, [&](Deck& deck) { change(deck, size); });
-  };
-  return {std::move(name), last, refusal(key), reach};
-}
-
-const auto pad = [](auto& input, std::size_t bytes) { input.deck.resize(bytes, ' '); };
-const auto lengthen = [](ResearchSpreadsheet& dataset, std::size_t rows) {
-  dataset.rows.resize(rows, numberRow({{}, {}, {}, {}, {}}));
-};
+const auto pad = [](auto& input, std::size_t bytes) { input.text.resize(bytes, ' '); };
 const auto decodes = [](const auto& input) { return input.decode(); };
 
 TEST(ResearchPresentation, RefusesInItsOrder) {
-  const auto rows = deckEdits<Single>(R"(
-    "Deck"           => "\u2028 "                       | outline  | title
-    "Deck"           => "a\u001fb"                      | outline  | title
-    "Sum"            => " "                             | outline  | report
-    ,{"title":"Points","body":["p1","p2"],"sources":["https://h/p"]} => | outline | points
-    {"title":"Deck"  => {"datasets":[],"title":"Deck"   | counts   | title
-    "Cover"          => ""                              | slide    | cover/title
-    "c1"             => "\u2003"                        | slide    | cover/body
-    "c1"             => "\u0000"                        | slide    | cover/body
-    "c1"             =>                                 | slide    | cover/body
-    "sourceIDs":[]   => "sourceIDs":[""]                | slide    | cover/ids
-    "sourceIDs":[]   => "sourceIDs":["a/b"]             | slide    | cover/ids
-    "sourceIDs":[]   => "chartIndex":0,"chartReference":{"datasetID":"","chartIndex":0} | binding | cover/ids
-    "sourceIDs":[]   => "sourceIDs":["a"]               | no scope | cover/ids
-    "sourceIDs":[]   => "chartIndex":0                  | chart    | cover/ids
-    "http://h/"      => "http://h/off-the-list"         | URL      | cover/sources
-    ["k1"]           => ["k1","k2"]                     | chart    | chart/body
-    "chartIndex":0   => "chartIndex":1                  | chart    | cover/ids
-    "sources":[]     => "sources":["ftp://h/"]          | URL      | chart/sources
-    "p1"             => ""                              | slide    | points)");
   const auto good = [] {
     Single input;
     input.allowedSources = {{"http://h/", "https://h/p"}};
-    for (const Row& row : input.dataset.rows)
+    for (const Row& row : yearlyProfit().rows)
       input.allowedSources->push_back(row.sources[0]);
     return input;
   };
-  expectRefusals<Single>(good, rows, decodes);
+  expectEditRefusals<Single>(good, messages, R"(
+    "Deck"→"\u2028\u0020" or "Deck"→"a\u001fb" | outline | title ; "Sum"→"\u0020" | outline | report
+    ,{"title":"Points","body":["p1","p2"],"sources":["https://h/p"]}→ | outline | points
+    {"title":"Deck"→{"datasets":[],"title":"Deck" | counts | title ; "Cover"→"" | slide | cover/title
+    "c1"→"\u2003" or "c1"→"\u0000" or "c1"→ | slide | cover/body
+    "sourceIDs":[]→"sourceIDs":[""] or "sourceIDs":[]→"sourceIDs":["a/b"] | slide | cover/ids
+    "sourceIDs":[]→"chartIndex":0,"chartReference":{"datasetID":"","chartIndex":0} | binding | cover/ids
+    "sourceIDs":[]→"sourceIDs":["a"] | no scope | cover/ids
+    "sourceIDs":[]→"chartIndex":0 | chart | cover/ids
+    "http://h/"→"http://h/off-the-list" | URL | cover/sources ; ["k1"]→["k1","k2"] | chart | chart/body
+    "chartIndex":0→"chartIndex":1 | chart | cover/ids
+    "sources":[]→"sources":["ftp://h/"] | URL | chart/sources ; "p1"→"" | slide | points)",
+                             decodes);
 
   Single input;
-  edit(input, [](Deck& deck) { deck.dataset = numericTable({{}, {}}); });
-  EXPECT_EQ(outcomeOf([&] { input.decode(); }), refusal("replaced"));
+  edit(input.text,
+       R"({"title":"Deck"→{"dataset":)" + numericTable({{}, {}}).encoded() + R"(,"title":"Deck")");
+  EXPECT_EQ(outcomeOf([&] { input.decode(); }), refusalIn(messages, "replaced"));
 }
 
 /// With a scope and a list, slides must satisfy both, the scope first.
@@ -140,119 +125,87 @@ TEST(ResearchPresentation, ChecksTheScopeBeforeTheList) {
     known.emplace("i" + std::to_string(known.size()), row.sources[0]);
   Single input;
   input.allowedSources.emplace();
-  replace(input.deck, R"("sources":["http://h/"],"sourceIDs":[])", R"("sources":[],"sourceIDs":["x"])");
+  edit(input.text, R"("sources":["http://h/"],"sourceIDs":[]→"sources":[],"sourceIDs":["x"])");
   for (const char* expected : {"URL", "scope"}) {
     input.scope.emplace(std::vector<std::string>(), known, std::vector<ResearchSourceScope::Record>());
-    EXPECT_EQ(outcomeOf([&] { input.decode(); }), refusal(expected));
+    EXPECT_EQ(outcomeOf([&] { input.decode(); }), refusalIn(messages, expected));
     known.erase("y");
   }
-  const Deck::Slide cover = fromJson<Deck>(input.deck).slides[0];
+  const Deck::Slide cover = fromJson<Deck>(input.text).slides[0];
   EXPECT_EQ(Deck::sourceRecords(cover, input.scope), input.scope->selectedRecords({"x"}, {}));
   EXPECT_TRUE(Deck::sourceRecords(cover, {}).empty());
 }
 
 /// Without a list and a scope, identifiers and URLs are checked for their form alone.
-TEST(ResearchPresentation, RefusesOnePastEachLimit) {
-  const auto letters = [](std::size_t count) { return std::string(count, 'i'); };
-  const auto label = [](Single& input, std::size_t length) {
-    input.dataset.rows[2].cells[0] = textCell(characters(length));
-  };
-  expectLimits<Single>(
-      {limit("title", 80, "outline", [](Deck& d, auto n) { d.title = characters(n); }),
-       limit("report", 30'000, "outline", [](Deck& d, auto n) { d.report = characters(n); }),
-       limit("slides", 16, "outline", [](Deck& d, auto n) { d.slides.resize(n, d.slides[2]); }),
-       limit("heading", 80, "slide", [](Deck& d, auto n) { d.slides[2].title = characters(n); }),
-       limit("points", 4, "slide", [](Deck& d, auto n) { d.slides[2].body.resize(n, "p"); }),
-       limit("point", 160, "slide", [](Deck& d, auto n) { d.slides[2].body[1] = characters(n); }),
-       limit("URLs", 3, "slide", [](Deck& d, auto n) { d.slides[2].sources.resize(n, "http://h/"); }),
-       limit("IDs", 3, "slide", [](Deck& d, auto n) { d.slides[0].sourceIDs.emplace(n, "i"); }),
-       limit("ID", 160, "slide", [=](Deck& d, auto n) { d.slides[0].sourceIDs = {letters(n)}; }),
-       limit("URL", 2000, "URL", [=](Deck& d, auto n) { d.slides[0].sources[0] += letters(n - 9); }),
-       {"periods", 40, refusal("chart"), [](Single& i, auto n) { lengthen(i.dataset, n); }},
-       {"label", 60, refusal("chart"), label},
-       {"bytes", 340'000, DocumentError::resourceLimit("presentation content"), pad}},
-      decodes);
+TEST(ResearchPresentation, RefusesOneMoreThanEachLimit) {
+  expectEditLimits<Single>(messages, R"(
+    "Deck"→"#e\u0301#" | 80 | outline ; "Sum"→"#e\u0301#" | 30000 | outline
+    {"title":"Points"→#{"title":"P","body":["p"],"sources":[]},#{"title":"Points" | 13 | outline
+    "Points"→"#e\u0301#" | 80 | slide ; ["p1","p2"]→[#"p"#] | 4 | slide ; "p2"→"#e\u0301#" | 160 | slide
+    ["https://h/p"]→[#"http://h/"#] | 3 | slide ; "sourceIDs":[]→"sourceIDs":[#"i"#] | 3 | slide
+    "sourceIDs":[]→"sourceIDs":["#i#"] | 160 | slide ; "http://h/"→"http://h/#i#" | 1991 | URL
+    2024"]}]→2024"]}#,{"cells":[null,null,null,null,null],"sources":[]}#] | 37 | chart
+    ["2024"→["#e\u0301#" | 60 | chart)",
+                           decodes);
+  expectLimits<Single>({{"bytes", 340'000, "resourceLimit: presentation content", pad}}, decodes);
 }
 
 TEST(ResearchPresentation, RefusesCollectionsInItsOrder) {
-  const auto onDeck = [](const std::function<void(Deck&)>& change) {
-    return [change](Collection& input) { edit(input, change); };
-  };
-  const auto repeatOne = [onDeck](const char* id, double value) {
-    return onDeck([=](Deck& deck) {
-      deck.datasets = {{{id, yearlyProfit()}}};
-      deck.datasets->front().content.rows[0].cells[2] = numberCell(value);
-    });
-  };
-  const std::vector<Refusal<Collection>> attaching = {
-      {"dataset", onDeck([](auto& d) { d.dataset = yearlyProfit(); }), refusal("identities"), "model"},
-      {"index", onDeck([](auto& d) { d.slides[0].chartIndex = 0; }), refusal("identities"), "cover"},
-      {"same ID", [](auto& i) { i.datasets[1].id = "a"; }, refusal("identities"), "host"},
-      {"no ID", [](auto& i) { i.datasets[1].id = ""; }, refusal("identities"), "host"},
-      {"allowed twice", [](auto& i) { i.allowedIDs[1] = "a"; }, refusal("identities"), "allowed"},
-      {"allowed no ID", [](auto& i) { i.allowedIDs[1] = "b c"; }, refusal("identities"), "allowed"},
-      {"outside", [](auto& i) { i.allowedIDs.pop_back(); }, refusal("outside"), "allowed"},
-      {"added", repeatOne("c", 10), refusal("changed"), "model"},
-      {"changed", repeatOne("a", 11), refusal("changed"), "model"},
-      {"missing", [](auto& i) { i.datasets.pop_back(); }, refusal("missing"), "host"},
-      {"dataset's rules", [](auto& i) { i.datasets[1].content.report = ""; }, refusal("table"), "host"}};
-  const auto rules = deckEdits<Collection>(R"(
-    "c1"],"sources":[] => "c1"],"sources":[],"chartReference":{"datasetID":"b","chartIndex":0} | reference | cover
-    ["k1"]             => ["k1","k2"]                    | reference | body
-    "a","chartIndex":0 => "a","chartIndex":1             | reference | index
-    "a","chartIndex":0 => "a","chartIndex":-1            | reference | index)");
-  expectRefusals<Collection>([] { return Collection(); }, joined<Collection>({attaching, rules}), decodes);
+  expectEditRefusals<Collection>([] { return Collection(); }, messages, R"(
+    {"title":"Deck"→{"dataset":PROFIT,"title":"Deck" | identities | model
+    "c1"]→"c1"],"chartIndex":0 | identities | cover
+    "hosts":["a","b"]→"hosts":["a","a"] or "hosts":["a","b"]→"hosts":["a",""] | identities | hosts
+    "allowed":["a","b"]→"allowed":["a","a"] | identities | allowed
+    "allowed":["a","b"]→"allowed":["a","b+c"] | identities | allowed
+    "allowed":["a","b"]→"allowed":["a"] | outside | allowed
+    {"title":"Deck"→{"datasets":[{"id":"c","content":PROFIT}],"title":"Deck" | changed | model
+    {"title":"Deck"→{"datasets":[{"id":"b","content":PROFIT}],"title":"Deck" | changed | model
+    "hosts":["a","b"]→"hosts":["a"] | missing | hosts ; "hostReport":"R"→"hostReport":"" | table | hosts
+    "c1"]→"c1"],"chartReference":{"datasetID":"b","chartIndex":0} | reference | cover
+    ["k1"]→["k1","k2"] | reference | body
+    "a","chartIndex":0→"a","chartIndex":4 or "a","chartIndex":0→"a","chartIndex":-1 | reference | index)",
+                                 decodes);
 
   Collection repeating;
-  repeatOne("a", 10)(repeating);
-  repeating.datasets[1].content.rows[0].cells[0] = textCell(characters(61));
-  EXPECT_EQ(repeating.decode().datasets, repeating.datasets);
+  edit(repeating.text, R"({"title":"Deck"→{"datasets":[{"id":"a","content":PROFIT}],"title":"Deck")");
+  EXPECT_EQ(repeating.decode().datasets, Collection().decode().datasets);
 
-  const auto refer = [](Collection& input, std::size_t count) {
-    for (auto& dataset : input.datasets)
-      dataset.content.charts.resize(4, dataset.content.charts[0]);
-    edit(input, [count](Deck& deck) {
-      deck.slides.resize(1 + count, deck.slides[1]);
-      for (std::size_t i = 0; i < count; ++i)
-        deck.slides[1 + i].chartReference = {i < 4 ? "a" : "b", static_cast<std::int64_t>(i % 4)};
-    });
-  };
-  const auto add = [](Collection& input, std::size_t count) {
-    while (input.datasets.size() < count)
-      input.datasets.push_back({"d" + std::to_string(input.datasets.size()), yearlyProfit()});
-  };
+  expectEditLimits<Collection>(messages,
+                               R"(
+    "hosts":["a","b"→"hosts":["a","b"#,"d%"# | 2 | identities
+    "allowed":["a"→"allowed":["a","#i#" | 160 | identities
+    {"title":"A",→#{"title":"C","body":["k"],"sources":[],"chartReference":{"datasetID":"b","chartIndex":%}},#)"
+                               R"({"title":"A",                                   | 3     | counts)",
+                               decodes);
   expectLimits<Collection>(
-      {{"datasets", 4, refusal("identities"), add},
-       {"ID", 160, refusal("identities"), [](auto& i, auto n) { i.allowedIDs.emplace_back(n, 'i'); }},
-       {"references", 4, refusal("counts"), refer},
-       {"periods", 40, refusal("reference"), [](auto& i, auto n) { lengthen(i.datasets[1].content, n); }},
-       {"bytes", 400'000, DocumentError::resourceLimit("presentation collection content"), pad}},
+      {{"bytes", 400'000, "resourceLimit: presentation collection content", pad},
+       {"periods", 40, refusalIn(messages, "reference"),
+        [](auto& i, auto n) { edit(i.text, "\"rows\":3→\"rows\":" + std::to_string(n)); }}},
       decodes);
 }
 
 /// Decks that the host builds itself are subject to the same rules.
-TEST(ResearchPresentation, ValidatesWhatWasNeverAttached) {
-  auto deck = fromJson<Deck>(Collection().deck);
+TEST(ResearchPresentation, ValidatesDecksWithoutDatasets) {
+  auto deck = fromJson<Deck>(Collection().text);
   const auto validates = [&deck] { deck.validate({}, {}); };
-  EXPECT_EQ(outcomeOf(validates), refusal("reference"));
-  EXPECT_EQ(outcomeOf([&deck] { deck.resolvedChartBindings(); }), refusal("unbound"));
+  EXPECT_EQ(outcomeOf(validates), refusalIn(messages, "reference"));
+  EXPECT_EQ(outcomeOf([&deck] { deck.resolvedChartBindings(); }), refusalIn(messages, "unbound"));
   deck.datasets = std::vector<Deck::Dataset>(2, {"a", yearlyProfit()});
-  EXPECT_EQ(outcomeOf(validates), refusal("counts"));
-  deck = fromJson<Deck>(Single().deck);
-  EXPECT_EQ(outcomeOf(validates), refusal("chart"));
+  EXPECT_EQ(outcomeOf(validates), refusalIn(messages, "counts"));
+  deck = fromJson<Deck>(Single().text);
+  EXPECT_EQ(outcomeOf(validates), refusalIn(messages, "chart"));
 }
 
-TEST(ResearchPresentation, ResolvesOneBindingAChartSlide) {
+TEST(ResearchPresentation, ResolvesOneBindingForEachChartSlide) {
   const Deck deck = Collection().decode();
-  std::string parts;
-  for (const auto& binding : deck.resolvedChartBindings()) {
-    parts += binding.reference.datasetID + std::to_string(binding.partNumber) + " ";
-    EXPECT_EQ(*binding.dataset, yearlyProfit());
-    EXPECT_EQ((*binding.cells)[2][4], numberCell(8));
-  }
-  EXPECT_EQ(parts, "a1 b2 a1 ");
   const auto bindings = deck.resolvedChartBindings();
+  std::string parts;
+  for (const auto& binding : bindings)
+    parts += binding.reference.datasetID + std::to_string(binding.partNumber) + " ";
+  EXPECT_EQ(parts, "a1 b2 a1 ");
   EXPECT_EQ(bindings[0].dataset, &deck.datasets->at(0).content);
+  EXPECT_EQ(bindings[1].dataset, &deck.datasets->at(1).content);
+  EXPECT_EQ(*bindings[1].cells, bindings[1].dataset->resolvedCells());
   EXPECT_EQ(bindings[0].cells, bindings[2].cells) << "copied for each slide";
   EXPECT_EQ(deck.referencedChartDatasetIDs(), (std::set<std::string>{"a", "b"}));
 
@@ -273,12 +226,11 @@ TEST(PresentationRendererVersion, DrawsWhatItCan) {
   const std::map<std::string, Deck> decks = {
       {"points", {}}, {"single", Single().decode()}, {"collection", Collection().decode()}};
   for (const auto& row : cases<3>(R"(
-    points     | 0 => unsupported: presentation renderer version
-    points     | 1 =>                                                    ; points | 4 =>
+    points | 0 => unsupported: presentation renderer version ; points | 1 => ; points | 4 =>
     collection | 5 => unsupported: presentation renderer version
-    single     | 2 => unsupported: chart datasets require presentation renderer 3 ; single | 3 =>
+    single | 2 => unsupported: chart datasets require presentation renderer 3 ; single | 3 =>
     collection | 3 => unsupported: multiple dataset charts require presentation renderer 4
-    collection | 4 => )")) {
+    collection | 4 =>)")) {
     const auto check = [&] { PresentationRendererVersion::check(std::stoi(row[1]), decks.at(row[0])); };
     EXPECT_EQ(outcomeOf(check), row[2]) << row[0] << " " << row[1];
   }

@@ -1,9 +1,7 @@
 // Owns workbooks of reports and the tables that they take.
 
-#include <cstddef>
 #include <filesystem>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -11,11 +9,9 @@
 #include "DocumentRuntime/PackageIO/BoundedZIP.hpp"
 #include "DocumentRuntime/Research/Workbook/ReportWorkbook.hpp"
 #include "DocumentRuntime/Workbook/WorkbookReader.hpp"
-#include "Support/Cases.hpp"
 #include "Support/ExpectedPackage.hpp"
 #include "Support/RefusalTable.hpp"
 #include "Support/TableDump.hpp"
-#include "Support/Texts.hpp"
 
 namespace zelvo::testing {
 namespace {
@@ -37,35 +33,17 @@ std::string firstTable(const std::string& report) {
 
 TEST(ResearchReport, FindsTheFirstTable) {
   for (const auto& [report, table] : cases<2>(R"table(
-    => none
-    ```␊a;b␊c;d␊``` => a,b/c,d
-    ```␍␊a;b␍␊c;d␍␊``` => a,b/c,d
-    |p|q|␊|r|s|␊```csv␊a;b␊c;d␊``` => a,b/c,d
-    ␠␉```␊␠a␉;␠b␉␊c;␠␊␉```json => a,b/c,
-    ```␊a;b␊note␊|x|␊␊c;d␊``` => a,b/c,d
-    ```␊a␉b␊␉c␉d␉␊``` => a,b/c,d
-    ```␊a␉b;c␊d;e␊``` => a␉b,c/d,e
-    ```␊a;b␊c;d => none
-    ```␊a;b␊``` => none
-    ```␊a;b␊```␊c;d␊```␊e;f␊``` => none
-    ```␊a;b␊c;d;e␊f;g␊```␊```␊h;i␊j;k␊``` => h,i/j,k
-    ```␊a;b␊c;d;e␊```␊|p|q|␊|r|s| => p,q/r,s
-    ```␊"a;b";"c""d"␊e;"f;g␊``` => a;b,c"d/e,f;g
-    ```␊"";x""y␊"␠a␠";""""␊``` => ,xy/a,"
-    ```␊"a;b"␉c␊d␉e␊``` => none
-    ```␊;;␊;;␊``` => ,,/,,
-    |a|b|␊|c|d| => a,b/c,d
-    text␊␉|␠a␉|␠b␠|␠␊|c|␠␠|␊text => a,b/c,
-    |a|b|␊|:---|:---:|␊|␠----:␠|---|␊|c|d| => a,b/c,d
-    |a|b|␊|:--|-:-| => a,b/:--,-:-
-    |a|b|␊|---|---| => none
-    |a|b||␊|||| => a,b,/,,
-    |a|b|␊|c|␊|d|e|␊␊|f|g|␊|h|i| => f,g/h,i
-    |a|b|␊␊|c|d| => none
-    |a|b|␊|c|d|␊|e|f|␊g|h| => a,b/c,d/e,f
-    ```␊|a|b|␊|c|d|␊``` => a,b/c,d
-    |a|b|␊```␊|c|d|␊``` => none
-    |a|b|␊|␠|␊|c|d| => none
+    => none ; ```␊a;b␊c;d␊``` => a,b/c,d ; ```␍␊a;b␍␊c;d␍␊``` => a,b/c,d
+    |p|q|␊|r|s|␊```csv␊a;b␊c;d␊``` => a,b/c,d ; ␠␉```␊␠a␉;␠b␉␊c;␠␊␉```json => a,b/c,
+    ```␊a;b␊note␊|x|␊␊c;d␊``` => a,b/c,d ; ```␊a␉b␊␉c␉d␉␊``` => a,b/c,d ; ```␊a␉b;c␊d;e␊``` => a␉b,c/d,e
+    ```␊a;b␊c;d => none ; ```␊a;b␊``` => none ; ```␊a;b␊```␊c;d␊```␊e;f␊``` => none
+    ```␊a;b␊c;d;e␊f;g␊```␊```␊h;i␊j;k␊``` => h,i/j,k ; ```␊a;b␊c;d;e␊```␊|p|q|␊|r|s| => p,q/r,s
+    ```␊"a;b";"c""d"␊e;"f;g␊``` => a;b,c"d/e,f;g ; ```␊"";x""y␊"␠a␠";""""␊``` => ,xy/a,"
+    ```␊"a;b"␉c␊d␉e␊``` => none ; ```␊;;␊;;␊``` => ,,/,, ; |a|b|␊|c|d| => a,b/c,d
+    text␊␉|␠a␉|␠b␠|␠␊|c|␠␠|␊text => a,b/c, ; |a|b|␊|:---|:---:|␊|␠----:␠|---|␊|c|d| => a,b/c,d
+    |a|b|␊|:--|-:-| => a,b/:--,-:- ; |a|b|␊|---|---| => none ; |a|b||␊|||| => a,b,/,,
+    |a|b|␊|c|␊|d|e|␊␊|f|g|␊|h|i| => f,g/h,i ; |a|b|␊␊|c|d| => none ; |a|b|␊|c|d|␊|e|f|␊g|h| => a,b/c,d/e,f
+    ```␊|a|b|␊|c|d|␊``` => a,b/c,d ; |a|b|␊```␊|c|d|␊``` => none ; |a|b|␊|␠|␊|c|d| => none
   )table")) {
     EXPECT_EQ(firstTable(report), table) << report;
   }
@@ -78,18 +56,17 @@ TEST(ResearchReport, FindsTheFirstTable) {
 }
 
 TEST(ResearchReport, BoundsTables) {
-  const struct {
-    std::size_t rows, cells, characters;
-    bool isTable;
-  } bounds[] = {{1, 2, 1, false}, {2, 2, 1, true},   {501, 2, 1, true},  {502, 2, 1, false}, {2, 1, 1, false},
-                {2, 24, 1, true}, {2, 25, 1, false}, {2, 2, 2000, true}, {2, 2, 2001, false}};
-  for (const auto& row : bounds) {
-    const std::string cell = characters(row.characters);
-    const std::string fields = repeated(cell + ";", row.cells - 1) + cell;
-    const std::string fenced = "```\n" + repeated(fields + "\n", row.rows) + "```";
-    const std::string piped = repeated("|" + repeated(cell + "|", row.cells) + "\n", row.rows);
-    EXPECT_EQ(ResearchWorkbook::hasTable(fenced), row.isTable) << row.rows << ' ' << row.cells;
-    EXPECT_EQ(ResearchWorkbook::hasTable(piped), row.isTable) << row.rows << ' ' << row.cells;
+  // Rows, cells and characters of a cell.
+  for (const auto& [rows, cells, length, isTable] : cases<4>(R"(
+      1 | 2 | 1 => no ; 2 | 2 | 1 => yes ; 501 | 2 | 1 => yes ; 502 | 2 | 1 => no ; 2 | 1 | 1 => no
+      2 | 24 | 1 => yes ; 2 | 25 | 1 => no ; 2 | 2 | 2000 => yes ; 2 | 2 | 2001 => no)")) {
+    const std::string cell = characters(std::stoul(length));
+    const std::string fields = repeated(cell + ";", std::stoul(cells) - 1) + cell + "\n";
+    const std::string fenced = "```\n" + repeated(fields, std::stoul(rows)) + "```";
+    const std::string piped =
+        repeated("|" + repeated(cell + "|", std::stoul(cells)) + "\n", std::stoul(rows));
+    EXPECT_EQ(ResearchWorkbook::hasTable(fenced), isTable == "yes") << rows << ' ' << cells;
+    EXPECT_EQ(ResearchWorkbook::hasTable(piped), isTable == "yes") << rows << ' ' << cells;
   }
 }
 
@@ -100,31 +77,22 @@ TEST(ResearchReport, WritesAWholeWorkbook) {
   EXPECT_EQ(differences(bytes, std::filesystem::path(EXPECTED_FOLDER) / "report"), "");
 }
 
-std::string dumpOfData(const ByteBuffer& workbook, const std::string& range) {
-  const WorkbookReader reader(ByteBuffer::copyOf(workbook.view()), "report.xlsx");
-  std::string dumped;
-  for (const auto& row : reader.table({.sheetName = "Data", .range = range}).rows)
-    dumped += dump(row.front()) + "\n";
-  return dumped;
-}
-
-TEST(ResearchReport, TellsNumbersFromTexts) {
-  std::string report = "```\n12;header\n";
-  std::string dumped = "A1 text 12\n";
-  int line = 1;
-  const auto add = [&](const std::string& field, const std::string& cell) {
-    report += field + ";\n";
-    dumped += "A" + std::to_string(++line) + " " + cell + "\n";
-  };
-  for (const std::string& number : words("0 -0 7 -1.5 0.000001 10.000 99999999999999.123456"))
-    add(number, "number " + number);
-  add("-1,5", "number -1.5");
-  add("\"12\"", "number 12");
-  for (const std::string& text : words("01 -01 00 1e5 +1 - 1. ,5 -.5 1.5.2 1,000.5 1.1234567 1-2 1␠000 $5 "
-                                       "100000000000000 १२ １ Infinity 0x10"))
-    add(text, "text " + text);
-  const ByteBuffer workbook = ResearchWorkbook::make("", report + "```", {});
-  EXPECT_EQ(dumpOfData(workbook, "A1:A" + std::to_string(line)), dumped);
+TEST(ResearchReport, DistinguishesNumbersFromTexts) {
+  std::string report = "```\n12;header\n", expected = "text 12\n";
+  for (const auto& [kind, fields] : cases<2>(R"(
+      number  | 0 -0 7 -1.5 0.000001 10.000 99999999999999.123456
+      text    | 01 -01 00 1e5 +1 - 1. ,5 -.5 1.5.2 1,000.5 1.1234567 1-2 1_000 $5 100000000000000 १२ １ Infinity 0x10)")) {
+    for (const std::string& field : words(fields)) {
+      report += field + ";\n";
+      expected += kind + " " + field + "\n";
+    }
+  }
+  const ByteBuffer bytes = ResearchWorkbook::make("", report + "-1,5;\n\"12\";\n1 000;\n```", {});
+  const WorkbookReader reader(bytes.view(), "report.xlsx");
+  std::string found;
+  for (const auto& row : reader.table({.sheetName = "Data", .range = "A1:A31"}).rows)
+    found += dump(row.front()).substr(row.front().address.size() + 1) + "\n";
+  EXPECT_EQ(found, expected + "number -1.5\nnumber 12\ntext 1 000\n");
 }
 
 TEST(ResearchReport, CutsLongLines) {
@@ -140,24 +108,22 @@ TEST(ResearchReport, CutsLongLines) {
 
 struct Report {
   std::string text = "|a|b|\n|c|d|\n";
-  std::vector<std::string> sources;
+  std::vector<std::string> sources = {};
 };
 
 TEST(ResearchReport, RefusesWhatItCannotHold) {
   const auto make = [](const Report& report) { ResearchWorkbook::make("T", report.text, report.sources); };
   expectLimits<Report>(
       {{"report", 60'000, "resourceLimit: research report",
-        [](Report& report, std::size_t count) { report.text += characters(count - report.text.size()); }},
+        [](Report& r, auto n) { r.text += characters(n - r.text.size()); }},
        {"lines", 49'997, "resourceLimit: too many report lines for a sheet of 49998 rows",
-        [](Report& report, std::size_t count) { report.text += std::string(count - 3, '\n'); }},
-       {"sources", 100, "resourceLimit: research report",
-        [](Report& report, std::size_t count) { report.sources.resize(count); }}},
+        [](Report& r, auto n) { r.text += std::string(n - 3, '\n'); }},
+       {"sources", 100, "resourceLimit: research report", [](Report& r, auto n) { r.sources.resize(n); }}},
       make);
-  const Outcome withoutTable =
-      "validationFailed: The saved report has no table. Continue the task to prepare spreadsheet data.";
-  EXPECT_EQ(outcomeOf([&] { make({.text = "No table", .sources = {}}); }), withoutTable);
-  EXPECT_EQ(outcomeOf([&] { make({.text = characters(60'001), .sources = {}}); }),
-            "resourceLimit: research report");
+  EXPECT_EQ(
+      outcomeOf([&] { make({"No table"}); }),
+      "validationFailed: The saved report has no table. Continue the task to prepare spreadsheet data.");
+  EXPECT_EQ(outcomeOf([&] { make({characters(60'001)}); }), "resourceLimit: research report");
 }
 
 }  // namespace

@@ -1,19 +1,17 @@
 // Owns rendered presentations: their bytes, how texts fit, and what their read-back finds.
 
-#include <chrono>
 #include <filesystem>
-#include <map>
 #include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
 
 #include "Datasets.hpp"
-#include "DocumentRuntime/Errors/DocumentError.hpp"
 #include "DocumentRuntime/PackageIO/BoundedZIP.hpp"
-#include "DocumentRuntime/Research/PresentationModel/Presentation.hpp"
+#include "DocumentRuntime/Research/PresentationModel/Coding.hpp"
 #include "DocumentRuntime/Research/PresentationReadBack/ReadBack.hpp"
 #include "DocumentRuntime/Research/PresentationReadBack/Texts.hpp"
+#include "DocumentRuntime/Research/Provenance/SourceScopeCoding.hpp"
 #include "DocumentRuntime/Research/Slides/Renderer.hpp"
 #include "DocumentRuntime/Research/Slides/Text.hpp"
 #include "Support/ExpectedPackage.hpp"
@@ -22,144 +20,138 @@
 namespace zelvo {
 namespace {
 
-ResearchSourceScope scope() {
-  using Record = ResearchSourceScope::Record;
-  const std::chrono::sys_days day = std::chrono::year(2024) / 2 / 29;
-  return {{"local-1"},
-          {{"web-1", "https://example.org/2022"},
-           {"web-2", "https://example.org/2023"},
-           {"web-3", "https://example.org/2024"}},
-          {{.id = "local-1",
-            .kind = Record::Kind::localSnapshot,
-            .label = "Notes\n& more",
-            .observedAt = day,
-            .coverage = "page 1",
-            .provenanceURL = {}}}};
+using namespace testing;
+
+/// With that label of its local record.
+ResearchSourceScope scope(const std::string& label = "Notes\\n& more") {
+  return researchSourceScopeFromJson(
+      R"({"localSnapshotIDs":["local-1"],"publicSources":{"web-1":"https://example.org/2022",)"
+      R"("web-2":"https://example.org/2023","web-3":"https://example.org/2024"},)"
+      R"("records":[{"id":"local-1","kind":"localSnapshot","observedAt":"2024-02-29T00:00:00Z","coverage":"page 1",)"
+      R"("label":")" +
+      label + "\"}]}");
 }
 
 /// A cover, points, and the same chart twice; the chart has a gap, a value below zero and crowded labels.
 ResearchPresentation deck() {
-  ResearchSpreadsheet dataset = testing::yearlyProfit();
-  dataset.rows[1].cells[2] = testing::blankCell();
-  dataset.rows[2].cells[2] = testing::numberCell(-4.5);
-  dataset.rows[2].cells[0] = testing::textCell(std::string(60, 'l'));
-  dataset.rows[0].cells[2] = testing::numberCell(0.1);
-  dataset.charts[0].kind = testing::Chart::Kind::bar;
-  dataset.charts[0].valueColumns = {2};
-  ResearchPresentation deck{
-      .title = "Deck", .report = "Report", .slides = {}, .dataset = dataset, .datasets = {}};
-  deck.slides = {
-      {.title = "Cover\r\nof <two> lines", .body = {"First"}, .sources = {}, .sourceIDs = {{"local-1"}}},
-      {.title = "Points", .body = {"One", "Two\tparts", "Three"}, .sources = {"https://example.org/2022"}},
-      {.title = "Chart", .body = {"Insight"}, .sources = {}, .chartIndex = 0},
-      {.title = "Again", .body = {"Insight"}, .sources = {}, .chartIndex = 0}};
+  auto deck = fromJson<ResearchPresentation>(
+      R"({"title":"Deck","report":"Report","slides":[)"
+      R"({"title":"Cover\r\nof <two> lines","body":["First"],"sources":[],"sourceIDs":["local-1"]},)"
+      R"({"title":"Points","body":["One","Two\tparts","Three"],"sources":["https://example.org/2022"]},)"
+      R"({"title":"Chart","body":["Insight"],"sources":[],"chartIndex":0},)"
+      R"({"title":"Again","body":["Insight"],"sources":[],"chartIndex":0}]})");
+  std::string dataset = yearlyProfit().encoded();
+  edit(dataset,
+       R"("kind":"line"→"kind":"bar" [2,4]→[2] 10,4,→0.1,4, 11,4,→null,4, 12,4,→-4.5,4, ["2024"→[")" +
+           std::string(60, 'l') + '"');
+  deck.dataset = fromJson<ResearchSpreadsheet>(dataset);
   return deck;
 }
 
 TEST(ResearchPresentationRenderer, IsExactlyTheExpectedBytes) {
   const std::filesystem::path expected = EXPECTED_FOLDER;
-  EXPECT_EQ(testing::differences(renderPresentation(deck(), 4, scope()), expected / "deck"), "");
+  EXPECT_EQ(differences(renderPresentation(deck(), 4, scope()), expected / "deck"), "");
 }
 
-/// A text that every slide repeats, far beyond what a host's file may hold. The last slide, which cannot be
-/// drawn, shows whether drawing stopped before it.
+/// A text that every slide repeats, far beyond what a file of the host may hold. The last slide, which cannot
+/// be drawn, shows whether drawing stopped before it.
 TEST(ResearchPresentationRenderer, StopsWhereTheArchiveIsFull) {
-  const auto outcome = [](std::size_t labelBytes) {
-    ResearchPresentation crowded = deck();
-    for (auto& slide : crowded.slides)
-      slide.sourceIDs = {{"local-1"}};
-    crowded.slides.resize(16, crowded.slides[2]);
-    crowded.slides.back().title = "a" + testing::repeated("\u0301", 2000);
+  ResearchPresentation crowded = deck();
+  crowded.slides.resize(16, crowded.slides[2]);
+  for (auto& slide : crowded.slides)
+    slide.sourceIDs = {{"local-1"}};
+  crowded.slides[1].sources.clear();
+  crowded.slides.back().title = "a" + repeated("\u0301", 2000);
+  for (const auto& [labelBytes, expected] : cases<2>(R"(
+      1000    => unsupported: slide text needs too much space
+      2097152 => resourceLimit: output archive
+      3145728 => resourceLimit: output part)")) {
     ResearchSourceScope::Record record = scope().selectedRecords({"local-1"}, {}).at(0);
-    record.label = std::string(labelBytes, '"');
-    std::map<std::string, std::string> publicSources;
-    for (const auto& row : crowded.dataset->rows)
-      publicSources.emplace("p" + std::to_string(publicSources.size()), row.sources.at(0));
-    return testing::outcomeOf(
-        [&] { renderPresentation(crowded, 4, ResearchSourceScope({"local-1"}, publicSources, {record})); });
-  };
-  EXPECT_EQ(outcome(1000), "unsupported: slide text needs too much space");
-  EXPECT_EQ(outcome(std::size_t{2} << 20), "resourceLimit: output archive");
-  EXPECT_EQ(outcome(std::size_t{3} << 20), "resourceLimit: output part");
+    record.label = std::string(std::stoul(labelBytes), '"');
+    const ResearchSourceScope labelled({"local-1"},
+                                       {{"1", "https://example.org/2022"},
+                                        {"2", "https://example.org/2023"},
+                                        {"3", "https://example.org/2024"}},
+                                       {record});
+    EXPECT_EQ(outcomeOf([&] { renderPresentation(crowded, 4, labelled); }), expected);
+  }
 }
 
 TEST(ResearchPresentationRenderer, FitsTextsOfAnyLength) {
   // Headings have 864 × 78 points.
-  const auto size = [](const std::string& text) {
-    return SlideText::fittedSize({text}, {.width = 864, .height = 78, .largestSize = 30});
+  const auto size = [](const std::vector<std::string>& texts) {
+    return SlideText::fittedSize(texts, {.width = 864, .height = 78, .largestSize = 30});
   };
-  EXPECT_EQ(size("Short"), 30);
-  EXPECT_EQ(size(std::string(80, 'i')), 30);  // 52 ems on two lines of 28.8
-  EXPECT_EQ(size(std::string(80, 'W')), 21);  // 80 ems on two lines of 41.1
-  EXPECT_EQ(size("aaaaaaaaaaaaaaaaaaaaaaaaa aaaaaaaaaaaaaaaaaaaaaaaaa b"), 30);  // words stay whole
-  EXPECT_EQ(size(std::string(25, 'W') + " " + std::string(25, 'W') + " " + std::string(25, 'W')), 21);
-  EXPECT_EQ(SlideText::fittedSize({}, {.width = 864, .height = 78, .largestSize = 30}), 30);
-  std::string stacked = "a";
-  for (int i = 0; i < 2000; ++i)
-    stacked += "\u0301";
-  EXPECT_THROW(size(stacked), DocumentError);
+  EXPECT_EQ(size({}), 30);
+  const std::string word(25, 'a'), wide(25, 'W');
+  const std::pair<std::string, double> rows[] = {{"Short", 30},
+                                                 {std::string(80, 'i'), 30},  // 52 ems on two lines of 28.8
+                                                 {std::string(80, 'W'), 21},  // 80 ems on two lines of 41.1
+                                                 {word + ' ' + word + " b", 30},  // words stay whole
+                                                 {wide + ' ' + wide + ' ' + wide, 21}};
+  for (const auto& [text, expected] : rows)
+    EXPECT_EQ(size({text}), expected) << text;
+  EXPECT_THROW(size({"a" + repeated("\u0301", 2000)}), DocumentError);
 
-  // 20 characters of 0.65 ems, an "m" of 0.9; what may be half a character goes, too.
-  EXPECT_EQ(SlideText::abbreviated("https://example.org/", "", 133, 10), "https://example.org/");
-  EXPECT_EQ(SlideText::abbreviated("https://example.org/", "", 132, 10), "https://example.o…");
-  EXPECT_EQ(SlideText::abbreviated("https://example.org/", " · now", 132, 10), "https://ex… · now");
+  // 20 characters of 0.65 ems, an "m" of 0.9; what may be half a character is dropped, too.
+  const std::string url = "https://example.org/";
+  EXPECT_EQ(SlideText::abbreviated(url, "", 133, 10), url);
+  EXPECT_EQ(SlideText::abbreviated(url, "", 132, 10), "https://example.o…");
+  EXPECT_EQ(SlideText::abbreviated(url, " · now", 132, 10), "https://ex… · now");
   EXPECT_EQ(SlideText::abbreviated("xa\u0301\u0301b", "", 35, 10), "x…");
 }
 
 TEST(ResearchPresentationReadBack, NamesTheDifference) {
-  const std::map<std::string, std::string> messages = {
-      {"slide", "A slide is missing."},
-      {"content", "Slide content did not survive delivery."},
-      {"identity", "Slide source identities did not survive delivery."},
-      {"observation", "Trusted source coverage and observation time did not survive presentation delivery."},
-      {"chart", "Slide chart data did not survive delivery."}};
+  const auto messages = cases<2>(R"(
+      slide       | A slide is missing.
+      content     | Slide content did not survive delivery.
+      identity    | Slide source identities did not survive delivery.
+      observation | Trusted source coverage and observation time did not survive presentation delivery.
+      chart       | Slide chart data did not survive delivery.)");
   const ByteBuffer written = renderPresentation(deck(), 4, scope());
   const std::string embedded = "ppt/embeddings/chart-data1.xlsx";
-  for (const auto& [part, from, to, message] : testing::cases<4>(R"(
-      presentation | <p:sldId id="257" r:id="rId3"/>         |                                        => slide
-      presentation | r:id="rId5"                             | r:id="rId55"                           => slide
-      presentation | r:id="rId4"                             | r:id="rId3"                            => content
-      slides/slide1 | Cover of                               | Cover off                              => content
-      slides/slide2 | <a:t>Two parts</a:t>                   | <a:t>Two</a:t></a:r><a:r><a:t> parts</a:t> => content
-      slides/slide2 | <a:t>Three</a:t>                       | <a:t>Trhee</a:t>                       => content
-      slides/slide2 | type="slidenum"><a:rPr                 | ><a:t>2</a:t><a:rPr                    => content
-      slides/slide1 | descr="local-1                         | descr="local-2                         => identity
-      slides/slide2 | name="Source 1"                        | name="Sauce 1"                         => identity
-      slides/slide3 | name="Footer rule"                     | name="Source 1"                        => identity
-      slides/slide1 | page 1                                 | page 2                                 => observation
-      slides/slide1 | 2024-02-29T00:00:00Z                   | 2024-03-01T00:00:00Z                   => observation
-      slides/slide1 | ␠·␠2024-02-29T00:00:00Z</a:t>          | ␠·␠2024-02-28T00:00:00Z</a:t>          => observation
-      slides/_rels/slide4.xml.rels | charts/chart1.xml       | slides/slide2.xml                      => chart
-      slides/slide2 | </p:spTree>                            | <c:chart/></p:spTree>                  => chart
-      charts/chart1 | <c:v>0.1</c:v>                         | <c:v>0.10</c:v>                        => chart
-      charts/chart1 | <c:pt idx="2"><c:v>-4.5                | <c:pt idx="1"><c:v>-4.5                => chart
-      charts/chart1 | <c:v>2023</c:v>                        | <c:v>2022</c:v>                        => chart
-      charts/chart1 | <c:v>A (USD)</c:v>                     | <c:v>A</c:v>                           => chart
-      charts/chart1 | $B$2:$B$4                              | $B$2:$B$5                              => chart
-      charts/chart1 | <a:t>Profit</a:t>                      | <a:t>Loss</a:t>                        => chart
-      charts/chart1 | <c:externalData                        | <c:ser/><c:externalData                => chart
-      data         | <v>-4.5</v>                             | <v>4.5</v>                             => chart
-      data         | A (USD)                                 | B (USD)                                => chart
-      data         | <c r="B2"><v>0.1</v></c>                | <c r="B2"><v>0.1</v></c><c r="C2"><v>7</v></c> => chart
-      data         | <row r="3">                             | <row r="3"><c r="B3"><v>0</v></c>      => chart)")) {
+  const auto expectRefusal = [&](const std::string& part, const std::string& from, const std::string& to,
+                                 const std::string& key) {
     PartMap parts = BoundedZIP::read(written.view());
     PartMap workbook = BoundedZIP::read(parts.find(embedded)->view());
     const bool inside = part == "data";
     PartMap& target = inside ? workbook : parts;
     const std::string name =
         inside ? "xl/worksheets/sheet1.xml" : "ppt/" + part + (part.ends_with(".rels") ? "" : ".xml");
-    target.set(name, ByteBuffer::copyOf(testing::replaced(std::string(target.find(name)->text()), from, to)));
+    target.set(name, ByteBuffer::copyOf(replaced(std::string(target.find(name)->text()), from, to)));
     if (inside) parts.set(embedded, BoundedZIP::write(workbook));
-    EXPECT_EQ(testing::outcomeOf(
-                  [&] { readBackResearchPresentation(BoundedZIP::write(parts).view(), deck(), scope()); }),
-              "validationFailed: " + messages.at(message))
+    const ByteBuffer edited = BoundedZIP::write(parts);
+    EXPECT_EQ(outcomeOf([&] { readBackResearchPresentation(edited.view(), deck(), scope()); }),
+              refusalIn(messages, key))
         << to;
+  };
+  for (const auto& [part, edits, key] : cases<3>(R"(
+      presentation  | <p:sldId id="257" r:id="rId3"/>→ or r:id="rId5"→r:id="rId55" => slide
+      presentation  | r:id="rId4"→r:id="rId3" => content
+      slides/slide1 | Cover of→Cover off => content
+      slides/slide2 | <a:t>Two parts</a:t>→<a:t>Two</a:t></a:r><a:r><a:t> parts</a:t> or Three→Trhee => content
+      slides/slide2 | type="slidenum"><a:rPr→><a:t>2</a:t><a:rPr => content
+      slides/slide1 | descr="local-1→descr="local-2 => identity
+      slides/slide2 | name="Source 1"→name="Sauce 1" => identity
+      slides/slide3 | name="Footer rule"→name="Source 1" => identity
+      slides/slide1 | page 1→page 2 or 2024-02-29T→2024-03-01T or · 2024-02-29T→· 2024-02-28T => observation
+      slides/_rels/slide4.xml.rels | charts/chart1.xml→slides/slide2.xml => chart
+      slides/slide2 | </p:spTree>→<c:chart/></p:spTree> => chart
+      charts/chart1 | <c:v>0.1</c:v>→<c:v>0.10</c:v> or <c:pt idx="2"><c:v>-4.5→<c:pt idx="1"><c:v>-4.5 => chart
+      charts/chart1 | <c:v>2023</c:v>→<c:v>2022</c:v> or <c:v>A (USD)</c:v>→<c:v>A</c:v> => chart
+      charts/chart1 | $B$2:$B$4→$B$2:$B$5 or Profit→Loss or <c:externalData→<c:ser/><c:externalData => chart
+      data | <v>-4.5</v>→<v>4.5</v> or A (USD)→B (USD) or <row r="3">→<row r="3"><c r="B3"><v>0</v></c> => chart
+      data | <c r="B2"><v>0.1</v></c>→<c r="B2"><v>0.1</v></c><c r="C2"><v>7</v></c> => chart)")) {
+    for (const std::string& edit : alternatives(edits)) {
+      const std::size_t arrow = edit.find("→");
+      expectRefusal(part, edit.substr(0, arrow), edit.substr(arrow + std::string("→").size()), key);
+    }
   }
 }
 
 TEST(ResearchPresentationReadBack, ExpectsTextsByItsOwnRules) {
   const auto name = [](const std::optional<std::string>& unit) {
-    return ReadBackTexts::seriesName({.name = "A", .kind = testing::Column::Kind::number, .unit = unit});
+    return ReadBackTexts::seriesName({.name = "A", .kind = Column::Kind::number, .unit = unit});
   };
   EXPECT_EQ(name("USD") + name("") + name({}), "A (USD)AA");
   const std::string text = "a\r\nb\tc\u2028\vd\u0085\r\re\x01\x1f\u007f\uFFFE\uFFFF";

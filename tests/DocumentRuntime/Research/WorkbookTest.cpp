@@ -1,16 +1,15 @@
-// Owns workbooks of datasets: their bytes, their limits, and what their read-back finds.
+// Owns workbooks of datasets and their charts: bytes, limits, and what the read-back finds.
 
-#include <chrono>
 #include <filesystem>
-#include <optional>
 #include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
 
 #include "Datasets.hpp"
-#include "DocumentRuntime/Errors/DocumentError.hpp"
 #include "DocumentRuntime/PackageIO/BoundedZIP.hpp"
+#include "DocumentRuntime/Research/Charts/ChartAuthor.hpp"
+#include "DocumentRuntime/Research/Provenance/SourceScopeCoding.hpp"
 #include "DocumentRuntime/Research/Workbook/DatasetWorkbook.hpp"
 #include "DocumentRuntime/Research/WorkbookReadBack/ReadBack.hpp"
 #include "Support/ExpectedPackage.hpp"
@@ -19,68 +18,69 @@
 namespace zelvo {
 namespace {
 
-using testing::blankCell;
-using testing::numberCell;
-using testing::textCell;
+using namespace testing;
+
+ResearchSpreadsheet edited(std::string json, const std::string& edits) {
+  edit(json, edits);
+  return fromJson<ResearchSpreadsheet>(json);
+}
 
 /// Every kind of cell in a table without charts and formulas.
-ResearchSpreadsheet mixedTable() {
-  using enum testing::Column::Kind;
-  ResearchSpreadsheet dataset;
-  dataset.report = "First <line>\n\n\vLast \x01line";
-  dataset.columns = {{"Name & \"quotes\"", text, {}}, {"Day", date, ""}, {"Rate", number, "kWh/m²"}};
-  dataset.rows = {{{textCell("a\tb\nc<d>"), textCell("2024-02-29"), numberCell(1e-5)},
-                   {"https://b.example/1", "https://a.example/?x=1&y=2"},
-                   {}},
-                  {{blankCell(), blankCell(), numberCell(-12)}, {"https://b.example/1"}, {}},
-                  {{textCell(""), textCell("1899-12-31"), blankCell()}, {}, {}}};
-  return dataset;
+const std::string mixedTable =
+    R"({"report":"First <line>\n\n\u000bLast \u0001line","charts":[],"columns":[{"name":"Name & \"quotes\"","kind":"text"},)"
+    R"({"name":"Day","kind":"date","unit":""},{"name":"Rate","kind":"number","unit":"kWh/m²"}],"rows":[)"
+    R"({"cells":["a\tb\nc<d>","2024-02-29",1e-5],"sources":["https://b.example/1","https://a.example/?x=1&y=2"]},)"
+    R"({"cells":[null,null,-12],"sources":["https://b.example/1"]},{"cells":["","1899-12-31",null],"sources":[]}]})";
+
+/// Of its rows, the first cites a URL, the others local records.
+ResearchSpreadsheet scopedTable() {
+  return edited(mixedTable,
+                R"("https://b.example/1",→ "https://b.example/1"]→],"sourceIDs":["local-2","local-1"] )"
+                R"(null],"sources":[]→null],"sources":[],"sourceIDs":["local-1"])");
 }
 
 /// A bar chart beside the line chart, and a formula that divides by a blank cell.
 ResearchSpreadsheet chartedTable() {
-  ResearchSpreadsheet dataset = testing::yearlyProfit();
-  dataset.rows[1].cells[2] = blankCell();
-  dataset.rows[2].cells[2] = numberCell(-4.5);
-  dataset.charts.push_back({"Cost \x02& \"more\"", testing::Chart::Kind::bar, 1, {3}});
-  return dataset;
+  return edited(
+      yearlyProfit().encoded(),
+      R"(11,4,→null,4, 12,4,→-4.5,4, [2,4]}→[2,4]},)"
+      R"({"categoryColumn":1,"kind":"bar","title":"Cost\u0020\u0002&\u0020\"more\"","valueColumns":[3]})");
 }
 
-ResearchSourceScope scopeOfThree() {
-  using enum ResearchSourceScope::Record::Kind;
-  const std::chrono::sys_days day = std::chrono::year(2024) / 2 / 29;
+/// With that label of its first record.
+ResearchSourceScope scope(const std::string& label = "Notes") {
   const std::string url = "https://a.example/?x=1&y=2";
-  return {{"local-1", "local-2"},
-          {{"web-1", url}},
-          {{"local-1", localSnapshot, "Notes", day, "page 1", "https://notes.example/"},
-           {"local-2", localSnapshot, std::string(60, 'w'), {}, "All\nof it", {}},
-           {"web-1", publicPage, "A & B", day, "excerpt", url}}};
-}
-
-ResearchSpreadsheet scopedTable() {
-  ResearchSpreadsheet dataset = mixedTable();
-  dataset.rows[0].sources = {"https://a.example/?x=1&y=2"};
-  dataset.rows[1].sources = {};
-  dataset.rows[1].sourceIDs = {"local-2", "local-1"};
-  dataset.rows[2].sourceIDs = {"local-1"};
-  return dataset;
+  auto records =
+      researchSourceScopeFromJson(
+          R"({"localSnapshotIDs":[],"publicSources":{},"records":[{"id":"local-1","kind":"localSnapshot","label":"",)"
+          R"("observedAt":"2024-02-29T00:00:00Z","coverage":"page 1","provenanceURL":"https://notes.example/"},)"
+          R"({"id":"local-2","kind":"localSnapshot","label":")" +
+          std::string(60, 'w') +
+          R"(","coverage":"All\nof it"},)"
+          R"({"id":"web-1","kind":"publicPage","label":"A & B","observedAt":"2024-02-29T00:00:00Z",)"
+          R"("coverage":"excerpt","provenanceURL":")" +
+          url + "\"}]}")
+          .selectedRecords({"local-1", "local-2", "web-1"}, {});
+  records[0].label = label;
+  return {{"local-1", "local-2"}, {{"web-1", url}}, records};
 }
 
 TEST(ResearchWorkbook, IsExactlyTheExpectedBytes) {
-  const AllowedSources none;
-  const auto differences = [](const ByteBuffer& workbook, const char* folder) {
-    return testing::differences(workbook, std::filesystem::path(EXPECTED_FOLDER) / folder);
+  const auto expectBytes = [](const char* folder, const char* title, const ResearchSpreadsheet& dataset,
+                              const std::optional<ResearchSourceScope>& scope) {
+    const ByteBuffer workbook = ResearchWorkbook::make(title, dataset, {}, scope);
+    EXPECT_EQ(differences(workbook, std::filesystem::path(EXPECTED_FOLDER) / folder), "");
   };
-  EXPECT_EQ(differences(ResearchWorkbook::make("Title <1>", mixedTable(), none, {}), "plain"), "");
-  EXPECT_EQ(differences(ResearchWorkbook::make("Charts", chartedTable(), none, {}), "charts"), "");
-  EXPECT_EQ(differences(ResearchWorkbook::make("Scope", scopedTable(), none, scopeOfThree()), "scope"), "");
+  expectBytes("plain", "Title <1>", edited(mixedTable, ""), {});
+  expectBytes("charts", "Charts", chartedTable(), {});
+  expectBytes("scope", "Scope", scopedTable(), scope());
 }
 
 TEST(ResearchWorkbookReadBack, NamesTheDifference) {
   const ResearchSpreadsheet dataset = chartedTable();
   const auto content = ResearchWorkbookContent::of("T", dataset, {}, {});
   const ByteBuffer workbook = ResearchWorkbook::make("T", dataset, {}, {});
-  for (const auto& [part, from, to, detail] : testing::cases<4>(R"(
+  for (const auto& [part, from, to, detail] : cases<4>(R"(
       sheet4 | example.org/2023<                  | example.org/2032<                => source provenance
       sheet4 | Source URL                         | Source                           => source provenance
       sheet4 | <c r="A4"                          | <c r="B4"                        => source provenance
@@ -95,55 +95,64 @@ TEST(ResearchWorkbookReadBack, NamesTheDifference) {
       sheet2 | <c r="D4" s="2"><v>4.0</v></c>     |                                  => numeric)")) {
     PartMap parts = BoundedZIP::read(workbook.view());
     const std::string name = "xl/worksheets/" + part + ".xml";
-    parts.set(name, ByteBuffer::copyOf(testing::replaced(std::string(parts.find(name)->text()), from, to)));
-    EXPECT_EQ(testing::outcomeOf([&] { readBackResearchWorkbook(BoundedZIP::write(parts).view(), content); }),
+    parts.set(name, ByteBuffer::copyOf(replaced(std::string(parts.find(name)->text()), from, to)));
+    EXPECT_EQ(outcomeOf([&] { readBackResearchWorkbook(BoundedZIP::write(parts).view(), content); }),
               "validationFailed: " + detail + " readback")
         << to;
   }
 }
 
-ResearchSourceScope scopeWithLabel(const std::string& label) {
-  return {{"local-1", "local-2"},
-          {{"web-1", "https://a.example/?x=1&y=2"}},
-          {{.id = "local-1", .label = label, .observedAt = {}, .coverage = "", .provenanceURL = {}}}};
-}
-
-TEST(ResearchWorkbookReadBack, TakesCarriageReturnsForLineFeeds) {
+TEST(ResearchWorkbookReadBack, ReadsCarriageReturnsAsLineFeeds) {
   for (const char* label : {"a\rb", "a\r\nb", "a\r\x01\n\r"})
-    EXPECT_NO_THROW(ResearchWorkbook::make("T", scopedTable(), {}, scopeWithLabel(label))) << label;
+    EXPECT_NO_THROW(ResearchWorkbook::make("T", scopedTable(), {}, scope(label))) << label;
 }
 
-/// The lines of a report and the length of a row's URL.
 struct Extent {
-  std::size_t lines = 5;
-  std::size_t urlLength = 20;
+  std::size_t lines = 5, urlLength = 19, otherSources = 0, label = 1;
 };
 
 TEST(ResearchWorkbook, NamesWhatASheetCannotHold) {
   const auto make = [](const Extent& extent) {
-    ResearchSpreadsheet dataset = mixedTable();
+    ResearchSpreadsheet dataset = yearlyProfit();
     dataset.report = "R" + std::string(extent.lines - 1, '\n');
-    dataset.rows[0].sources[0].resize(extent.urlLength, 'u');
-    ResearchWorkbook::make("T", dataset, {}, {});
+    std::vector<std::string> sources = {dataset.rows[0].sources[0], dataset.rows[1].sources[0],
+                                        "http://h/" + std::string(extent.urlLength - 9, 'u')};
+    dataset.rows[2].sources = {sources.back()};
+    for (std::size_t i = 0; i < extent.otherSources; ++i)
+      sources.push_back(std::to_string(i));
+    ResearchWorkbook::make("T", dataset, sources, {});
+    ResearchWorkbook::make("T", scopedTable(), {}, scope(std::string(extent.label, 'l')));
   };
-  testing::expectLimits<Extent>(
-      {{"lines", 49'997, "resourceLimit: too many report lines for a sheet of 49998 rows",
-        [](Extent& extent, std::size_t count) { extent.lines = count; }},
+  expectLimits<Extent>(
+      {{"lines", 49'996, "resourceLimit: too many report lines for a sheet of 49998 rows",
+        [](Extent& e, auto n) { e.lines = n; }},
        {"URL", 2000,
-        "resourceLimit: the source URL \"https://b.example/1" + std::string(61, 'u') +
+        "resourceLimit: the source URL \"http://h/" + std::string(71, 'u') +
             "…\" has more than 2000 characters, too many for a cell",
-        [](Extent& extent, std::size_t length) { extent.urlLength = length; }}},
+        [](Extent& e, auto n) { e.urlLength = n; }},
+       {"label", 2000,
+        "resourceLimit: the label of record \"local-1\" has more than 2000 characters, too many for a cell",
+        [](Extent& e, auto n) { e.label = n; }},
+       {"sources", 49'994, "resourceLimit: too many sources for a sheet of 49998 rows",
+        [](Extent& e, auto n) { e.otherSources = n; }}},
       make);
-  const ResearchSpreadsheet dataset = testing::yearlyProfit();
-  std::vector<std::string> sources;
-  for (std::size_t i = 0; i < 49'998; ++i)
-    sources.push_back(i < 3 ? dataset.rows[i].sources[0] : std::to_string(i));
-  EXPECT_EQ(testing::outcomeOf([&] { ResearchWorkbook::make("T", dataset, sources, {}); }),
-            "resourceLimit: too many sources for a sheet of 49998 rows");
-  EXPECT_EQ(
-      testing::outcomeOf(
-          [] { ResearchWorkbook::make("T", scopedTable(), {}, scopeWithLabel(std::string(2001, 'l'))); }),
-      "resourceLimit: the label of record \"local-1\" has more than 2000 characters, too many for a cell");
+}
+
+// The expected packages pin all other bytes of charts.
+TEST(ResearchCharts, PinBarsAtZeroIfAllValuesAreOnOneSide) {
+  for (const auto& [kind, values, zeroBaseline, limit] : cases<4>(R"(
+      bar  | [[3,null],[null,5]]      | yes | <c:min val="0"/>
+      bar  | [[0,0]]                  | yes | <c:min val="0"/>
+      bar  | [[-0.5,0],[null,null]]   | yes | <c:max val="0"/>
+      bar  | [[-1,1]] | yes | ; bar | [[null,null]] | yes | ; bar | [[3,5]] | no | ; line | [[3,5]] | yes |)")) {
+    const auto cells = fromJson<std::vector<std::vector<Cell>>>(values);
+    const auto chart =
+        fromJson<Chart>(R"({"title":"T","categoryColumn":0,"valueColumns":[1,0],"kind":")" + kind + "\"}");
+    const std::string xml = ResearchChartAuthor::xml(numericTable({"USD", "USD"}), cells, chart, false, {},
+                                                     zeroBaseline == "yes");
+    const std::string expected = R"("minMax"/>)" + limit + R"(</c:scaling><c:axPos val="l"/>)";
+    EXPECT_NE(xml.find(expected), std::string::npos) << xml;
+  }
 }
 
 }  // namespace

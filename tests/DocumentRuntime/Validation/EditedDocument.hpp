@@ -1,6 +1,5 @@
 #pragma once
 
-#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -34,14 +33,6 @@ struct EditedDocument {
   void renameMainPart(std::string_view name, std::string_view newName) {
     package.part(name).name = newName;
     replace(part("_rels/.rels"), name, newName);
-  }
-
-  /// Edits the embedded workbook of the chart.
-  void editWorkbook(const std::function<void(PackageBuilder&)>& edit) {
-    std::string& bytes = part("ppt/embeddings/chart-data.xlsx");
-    PackageBuilder workbook = unpacked(bytesOf(bytes));
-    edit(workbook);
-    bytes = workbook.bytes().text();
   }
 
   DocumentValidation validate() const {

@@ -13,28 +13,29 @@
 namespace zelvo {
 namespace {
 
-using testing::outcomeOf;
+using namespace testing;
 
-testing::Outcome verdict(const std::string& xml) {
+Outcome verdict(const std::string& xml) {
   return outcomeOf([&] { GeneratedDocumentProfile::check(OOXML::xml(bytesOf(xml)).root()); });
 }
 
-const auto element = DocumentError::validationFailed("unexpected executable or unsupported document element");
+const auto badElement =
+    DocumentError::validationFailed("unexpected executable or unsupported document element");
 
 TEST(GeneratedDocumentProfile, IsTheVocabularyAndNothingBesideIt) {
-  const auto vocabulary = testing::generatedVocabulary();
+  const auto vocabulary = generatedVocabulary();
   EXPECT_EQ(vocabulary.size(), 214U);
   for (const std::string& name : vocabulary) {
     EXPECT_EQ(verdict("<" + name + "/>"), "") << name;
     for (const std::string& other : {name + "x", "x" + name, name.substr(0, name.size() - 1), "v:" + name}) {
       if (other.empty() || other.back() == ':' || vocabulary.contains(other)) continue;
-      EXPECT_EQ(verdict("<t><" + other + "/></t>"), element) << other;
+      EXPECT_EQ(verdict("<t><" + other + "/></t>"), badElement) << other;
     }
   }
 }
 
 TEST(GeneratedDocumentProfile, ChecksElementThenPrefixesThenDefaultThenChildren) {
-  for (const auto& [xml, expected] : testing::cases<2>(R"(
+  for (const auto& [xml, expected] : cases<2>(R"(
       <w:p xmlns:w='wordprocessingml/2006/main' xmlns:r='officeDocument/2006/relationships' onload='x' r:id='y'/> =>
       <c xmlns='spreadsheetml/2006/main'/> =>
       <w:p xmlns='urn:x' xmlns:v='urn:x'><script/></w:p> => unexpected document namespace
@@ -50,22 +51,22 @@ TEST(GeneratedDocumentProfile, ChecksElementThenPrefixesThenDefaultThenChildren)
     std::string full = xml;
     for (const char* name : {"'officeDocument/", "'wordprocessingml/", "'spreadsheetml/"}) {
       if (xml.find(name) != std::string::npos)
-        testing::replaceAll(full, name, "'http://schemas.openxmlformats.org/" + std::string(name + 1));
+        replaceAll(full, name, "'http://schemas.openxmlformats.org/" + std::string(name + 1));
     }
     EXPECT_EQ(verdict(full), expected.empty() ? "" : "validationFailed: " + expected) << xml;
   }
 }
 
 TEST(GeneratedDocumentProfile, AppliesToEveryPartAfterTheGate) {
-  const auto good = testing::chartDeck();
+  const auto good = chartDeck();
   std::size_t checked = 0;
   for (const auto& part : good.package.parts) {
     if (part.name.ends_with(".xlsx")) continue;
     auto edited = good;
     std::string& text = edited.part(part.name);
-    text = testing::replaced(text, "?><", "?><Types><") + "<script/></Types>";
+    text = replaced(text, "?><", "?><Types><") + "<script/></Types>";
     const auto expected =
-        part.name.ends_with(".rels") ? DocumentError::invalidArchive("relationships root") : element;
+        part.name.ends_with(".rels") ? DocumentError::invalidArchive("relationships root") : badElement;
     EXPECT_EQ(outcomeOf([&] { edited.validate(); }), expected) << part.name;
     edited.part("ppt/theme/theme1.xml") = "<a:theme>";  // an error of the gate comes first
     if (!part.name.ends_with(".rels")) {

@@ -1,0 +1,82 @@
+// Owns nested texts, which count once for every level: their comparison, and its cost.
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "DocumentRuntime/Validation/DocumentEdits.hpp"
+#include "Support/Cost.hpp"
+
+namespace zelvo {
+namespace {
+
+using namespace testing;
+
+TEST(NestedText, CountsForEveryLevelAndCostsOne) {
+  constexpr std::size_t mebibyte = std::size_t{1024} * 1024;
+  const auto nested = [](const std::string& name, std::size_t levels) {
+    return repeated("<" + name + ">", levels) + std::string(mebibyte, 'x') +
+           repeated("</" + name + ">", levels);
+  };
+  EditedDocument word = wordDocument();
+  edit(word.package, "word/document.xml", "<w:tbl>…</w:tbl>",
+       "<w:tbl><w:tr><w:tc>" + nested("w:t", 58) + "</w:tc></w:tr></w:tbl>");
+
+  EditedDocument slides = deck();
+  const std::string tables =
+      repeated("<a:tbl><a:tr><a:tc>", 9) + nested("a:t", 30) + repeated("</a:tc></a:tr></a:tbl>", 9);
+  for (const char* slide : {"ppt/slides/slide1.xml", "ppt/slides/slide2.xml"})
+    edit(slides.package, slide, "<p:graphicFrame>…</p:graphicFrame>",
+         "<p:graphicFrame>" + tables + "</p:graphicFrame>");
+
+  EditedDocument chart = chartDeck();
+  edit(chart.package, "ppt/charts/chart1.xml", "<c:plotArea>", "<c:plotArea>" + nested("c:f", 50));
+
+  for (EditedDocument* edited : {&word, &slides, &chart}) {
+    edited->table.reset();
+    const ByteBuffer bytes = edited->package.bytes();
+    const auto* selection = edited->chart ? &*edited->chart : nullptr;
+    Outcome outcome("");
+    const auto cost = costOf([&] {
+      outcome =
+          outcomeOf([&] { validateGeneratedDocument(bytes.view(), edited->format, nullptr, selection); });
+    });
+    EXPECT_EQ(outcome, selection ? "validationFailed: chart references or cache indexes" : "");
+    EXPECT_LT(cost.peakBytes, 16 * mebibyte);
+  }
+}
+
+TEST(NestedText, IsComparedWithTheExpectedTable) {
+  for (const auto& [xml, title] : cases<2>(R"(
+      >a<w:t>b</w:t>c< => acbb ; >a<w:t/><w:t>b<w:t>c</w:t></w:t>< => abcbcc ; >a< => a)")) {
+    EditedDocument word = wordDocument();
+    edit(word.package, "word/document.xml", ">Column 1<", xml);
+    for (const std::string more : {"", "x"}) {
+      word.table->columns[0] = title + more;
+      EXPECT_EQ(outcomeOf([&] { word.validate(); }),
+                more.empty() ? "" : "validationFailed: table cells differ from frozen source values")
+          << xml;
+    }
+  }
+}
+
+TEST(NestedText, IsComparedInRepeatedHeaders) {
+  const auto outcome = [](const std::string& a, const std::string& b) {
+    EditedDocument edited = deck();
+    edited.table.reset();
+    edit(edited.package, "ppt/slides/slide1.xml", ">Column 1<", a);
+    edit(edited.package, "ppt/slides/slide2.xml", ">Column 1<", b);
+    return outcomeOf([&] { edited.validate(); });
+  };
+  for (const auto& [a, b, isSame] : cases<3>(R"(
+      >x<a:t>x<a:t>x</a:t></a:t>< | >xxxxxx< | yes ; >x<a:t>x<a:t>x</a:t></a:t>< | >xxxxxxx< | no
+      >x<a:t>x<a:t>x</a:t></a:t>< | ><a:t>xxx</a:t>< | yes ; >ab<a:t>ab</a:t>< | >ab<a:t>ab</a:t>< | yes
+      >ab<a:t>ab</a:t>< | >abab<a:t/></a:t><a:t>ab< | yes ; >ab<a:t>ab</a:t>< | >aba<a:t>b</a:t>< | no
+      >ab<a:t>ac</a:t>< | >ab<a:t>ab</a:t>< | no ; >a<a:t>b</a:t></a:t><a:t>c< | >a<a:t>b</a:t></a:t><a:t>d< | no)")) {
+    const Outcome expected = isSame == "yes" ? "" : "validationFailed: repeated table header";
+    EXPECT_EQ(outcome(a, b), expected) << a << ' ' << b;
+    EXPECT_EQ(outcome(b, a), expected) << b << ' ' << a;
+  }
+}
+
+}  // namespace
+}  // namespace zelvo
