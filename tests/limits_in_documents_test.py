@@ -7,9 +7,9 @@ import sys
 ROOT = pathlib.Path(__file__).resolve().parents[1]
 PHRASES = {
     "docs/protocol.md": """
-        Both messages are at most {DocumentWorkerMessage.maximumMessageBytes:d} bytes
-        | {WorkerExitStatus.noResponse} | unreadable
-        | {WorkerExitStatus.notConfined} | the confinement
+        request and response at most {DocumentWorkerMessage.maximumMessageBytes:d} bytes
+        | {WorkerExitStatus.noResponse} | nothing was written
+        | {WorkerExitStatus.notConfined} | nothing was read
         a table of more than {TableExtraction.maximumTableBytes} MiB of text""",
     "docs/security.md": """
         ends within {Policy.soft} seconds of processor time
@@ -27,24 +27,25 @@ PHRASES = {
         {DocumentWorkerHost.maximumSheets} sheets, {DocumentWorkerHost.maximumRows} rows
         rows of {DocumentWorkerHost.maximumColumns} cells, {DocumentWorkerHost.maximumWarnings} warnings""",
     "docs/cleaning.md": """
-        {WorksheetWalk.maximumWorksheetCells} cells with content a sheet, {CleaningCoding.maximumSheets} sheets
+        {WorksheetWalk.maximumWorksheetCells} cells with content a sheet, {CleaningCoding.maximumReportedSheets} sheets
         {SharedStrings.maximumItems} shared strings of {SharedStrings.maximumCharacters} characters
         {BoundedXML.maximumXMLBytes} MiB and {XMLTree.maximumXMLElements} elements a
         {BoundedZIP.maximumExpandedBytes} MiB in all, {BoundedZIP.maximumArchiveBytes} MiB for the archive
         at most {WorksheetCleaner.maximumFormulaCharacters} characters""",
-    "docs/research.md": """
-        Each may have {ResearchInput.maximumFileMebibytes:d} MiB
-        | {SourceScopeCoding.maximumEntries} local snapshots
-        coverages {HostFileLimits.maximumTextCharacters} characters
-        every text {HostFileLimits.maximumTextBytes} bytes
-        {Spreadsheet.maximumColumns} columns, {Spreadsheet.maximumRows} rows
-        {SourceReferences.maximumPerRow} sources and {SourceReferences.maximumPerRow} identifiers a row
-        {Spreadsheet.maximumCharts} charts of {Spreadsheet.maximumSeries} series
-        {FormulaEvaluator.maximumCalculations} calculations of {FormulaEvaluator.maximumNodes} nodes
-        | {Presentation.maximumDatasets} datasets
+    "docs/research-data.md": """
+        | `--scope` of check, workbook, presentation | {ResearchInput.maximumFileMebibytes:d} MiB
+        | `columns` | list of columns | yes | 2 to {Spreadsheet.maximumColumns}
+        | `rows` | list of rows | yes | 1 to {Spreadsheet.maximumRows}
+        0 to {Spreadsheet.maximumCharts}; `--require-chart`
+        1 to {Spreadsheet.maximumSeries} different number columns
+        | 0 to {FormulaEvaluator.maximumCalculations}
+        {FormulaEvaluator.maximumNodes} nodes
+        | `label` | string | yes | {HostFileLimits.maximumTextCharacters} characters
+        Every text of a scope has at most {HostFileLimits.maximumTextBytes} bytes
+        | `datasets` | list of `id`, `content` | no | {Presentation.maximumDatasets};
         2 to {ReportTable.maximumRows} rows, 2 to {ReportTable.maximumCells} cells in each row
         at most {ReportTable.maximumCellCharacters} characters a cell
-        {ReportWorkbook.maximumWholeDigits} digits before the mark""",
+        up to {ReportWorkbook.maximumWholeDigits} digits before the mark""",
 }
 
 

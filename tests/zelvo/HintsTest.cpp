@@ -92,13 +92,13 @@ TEST_F(Hints, NameTheOptionThatHelps) {
   for (const auto& [arguments, hint] : cases<2>(R"(
       extract $book --sheet quarter --range A1:B2 => --sheet takes the exact name
       extract $book --sheet Quarter --range B1:A2 => Write --range like A1:D20
-      extract $book --sheet Quarter --range A1:I2 => Choose a smaller --range
-      extract $book --sheet Quarter --range A1 => The range has one row, which is the header. --no-header
+      extract $book --json --sheet Quarter --range A1:I2 => Choose a smaller --range
+      extract $book --json --sheet Quarter --range A1 => The range has one row, which is the header. --no-header
       extract $book --sheet Quarter --range A1:B2 => --cached-formulas takes
       extract @rich.xlsx --sheet Sales --range A5:B5 --no-header --cached-formulas => No result is saved for this formula.
       extract @rich.xlsx --sheet Sales --range A6:B6 --no-header => --unmerge removes
-      extract @rich.xlsx --sheet Sales --range G5:H5 --no-header => Choose a --range without hidden columns.
-      extract @rich.xlsx --sheet Sales --range A3:B3 --no-header => --include-hidden takes
+      extract @rich.xlsx --json --sheet Sales --range G5:H5 --no-header => Choose a --range without hidden columns.
+      extract @rich.xlsx --json --sheet Sales --range A3:B3 --no-header => --include-hidden takes
       create $book --sheet Quarter --range A1:F5 --cached-formulas --title t --chart 1:0 -o @a.pptx => In every row the category
       clean @rich.xlsx --sheet None -o @a.xlsx => zelvo inspect --clean lists
       research check - --no-sources => Cite only URLs of --source.
@@ -113,16 +113,16 @@ TEST_F(Hints, NameTheNearestCommandOrOption) {
   for (const auto& [arguments, message, hint] : cases<3>(R"(
       insepct x => There is no command "insepct" => The nearest command is inspect.
       research chekc x => There is no command "chekc" => The nearest command is check.
-      pdf x => There is no command "pdf" => The commands are inspect, extract, create, validate, clean, research.
+      pdf x => There is no command "pdf" => The commands are inspect, extract, create, validate, clean, batch, research.
       inspect --jsno x => The following argument was not expected: --jsno => The nearest option is --json.
-      extract x --sheett S --range A1 => --sheet is required => The nearest option is --sheet.
+      extract x --sheett S => The following arguments were not expected: S --sheett => The nearest option is --sheet.
       --json inspect x => The following argument was not expected: --json => Write --json after inspect.)")) {
     const ToolRun wrong = zelvo(arguments);
     EXPECT_EQ(wrong, failure(2, message + " (see zelvo --help)"));
     EXPECT_EQ(wrong.hints, hint + "\n");
   }
   EXPECT_EQ(run(TOOL, {characters(20'000)}).hints,
-            "The commands are inspect, extract, create, validate, clean, research.\n");
+            "The commands are inspect, extract, create, validate, clean, batch, research.\n");
 }
 
 }  // namespace

@@ -59,16 +59,16 @@ TEST_F(ResearchCommands, CheckPrintsTheDataset) {
 TEST_F(ResearchCommands, WorkbookAndReportWriteWorkbooks) {
   const std::string book =
       expectDelivers("research workbook - --title [a,b] --scope @scope.json", "a.XLSX", dataset);
-  EXPECT_EQ(cellsOf(book, "Data --range A2:B2"), "Column A,Column B\r\nx,0.50\r\n");
-  EXPECT_EQ(cellsOf(book, "Report --range A1:A2"), "Column A\r\n\"[a,b]\"\r\nR\r\n");
-  EXPECT_EQ(cellsOf(book, "Sources --range A2:A3"), "Column A\r\nlocal\r\nweb\r\n");
+  EXPECT_EQ(cellsOf(book, "Data --range A2:B2"), "x,0.50\n");
+  EXPECT_EQ(cellsOf(book, "Report --range A1:A2"), "\"[a,b]\"\nR\n");
+  EXPECT_EQ(cellsOf(book, "Sources --range A2:A3"), "local\nweb\n");
   expectDelivers("research workbook --title T " EXAMPLE_DATASET, "b.xlsx");
 
   const std::string report =
       expectDelivers("research report --title T --source [a,b] --source http://h/ -", "c.xlsx",
                      "\xEF\xBB\xBF|City|Sold|\r\n|---|---|\r\n|Bonn|1,5|\r\n\r\nText");
-  EXPECT_EQ(cellsOf(report, "Data --range A1:B2"), "Column A,Column B\r\nCity,Sold\r\nBonn,1.5\r\n");
-  EXPECT_EQ(cellsOf(report, "Sources --range A2:A3"), "Column A\r\n\"[a,b]\"\r\nhttp://h/\r\n");
+  EXPECT_EQ(cellsOf(report, "Data --range A1:B2"), "City,Sold\nBonn,1.5\n");
+  EXPECT_EQ(cellsOf(report, "Sources --range A2:A3"), "\"[a,b]\"\nhttp://h/\n");
   expectDelivers("research report --title T " EXAMPLE_REPORT, "d.xlsx");
 }
 

@@ -202,9 +202,9 @@ class _Host:
         try:
             output, problem = self._exchange(process, request, deadline)
             if problem:
-                process.kill()
+                _kill(process)
         except BaseException:
-            process.kill()
+            _kill(process)
             process.wait()
             raise
         finally:
@@ -366,9 +366,14 @@ def _timed_out() -> WorkerFailed:
     return WorkerFailed("timed out", "The worker did not end in time and was stopped.")
 
 
+def _kill(process: "subprocess.Popen[bytes]") -> None:
+    """Not `Popen.kill`, which may wait for a process that has ended: `_wait` does that, and needs its usage."""
+    os.kill(process.pid, signal.SIGKILL)
+
+
 def _wait(process: "subprocess.Popen[bytes]", deadline: float) -> "resource.struct_rusage":
     """Waits for a program that has closed its output, and kills one that does not end."""
-    timer = threading.Timer(max(deadline - time.monotonic(), 0), process.kill)
+    timer = threading.Timer(max(deadline - time.monotonic(), 0), _kill, [process])
     timer.start()
     try:
         _, status, usage = os.wait4(process.pid, 0)

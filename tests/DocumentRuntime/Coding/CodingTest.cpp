@@ -272,7 +272,7 @@ TEST(RecordCoding, ListsAreBounded) {
     const std::string full = testing::replaced(report, "[*]", listOf(element, std::stoul(last)));
     EXPECT_EQ(recoded<CleaningReport>(full), full);
     const std::string beyond = testing::replaced(full, element, element + "," + element);
-    EXPECT_EQ(recoded<CleaningReport>(beyond), place + ": Too many elements.");
+    EXPECT_EQ(recoded<CleaningReport>(beyond), place + "[" + last + "]: Too many elements.");
   }
 }
 
