@@ -40,11 +40,9 @@ TEST(Unicode, Characters) {
            "\u0BA8\u0BBF \u0E01\u0E33 \u06001 ␍␊ ␍ ␊")) {
     for (std::size_t letters = 0; letters < 30; ++letters)
       expectCharacters(std::string(letters, 'b') + character + "c" + character + "d", letters + 4);
-    EXPECT_EQ(Unicode::prefix(character + "b", 1), character);
   }
   expectCharacters("\n\u0301", 2);
   expectCharacters("\r\n\r\n\r\n", 3);
-  expectCharacters("\n\r\r\n\r", 4);
 }
 
 TEST(Unicode, Lines) {

@@ -95,18 +95,6 @@ std::u32string with(char32_t scalar, std::u32string_view text) {
   return result;
 }
 
-/// Calls take(text) with texts of fewer scalars than `bound`, all of them out of the alphabet.
-template <typename Take>
-void eachRandomText(int rounds, std::u32string_view alphabet, std::size_t bound, const Take& take) {
-  std::mt19937 random(1);
-  for (int round = 0; round < rounds && !::testing::Test::HasFatalFailure(); ++round) {
-    std::u32string text(random() % bound, U'\0');
-    for (char32_t& scalar : text)
-      scalar = alphabet[random() % alphabet.size()];
-    take(text);
-  }
-}
-
 /// Scalars of all classes that the rules of characters distinguish: line breaks, a control; Extend of
 /// combining classes 0 and 230, ZWJ, SpacingMark, Prepend, flags; L, V, T, LV, LVT; emoji; a consonant, a
 /// virama and a nukta, a consonant and a virama of another script, a consonant and a virama of a script
@@ -119,11 +107,6 @@ constexpr std::u32string_view breakAlphabet =
 void expectSameBoundaries(const std::u32string& scalars) {
   const std::string text = encoded(scalars);
   ASSERT_EQ(boundaries(text), boundariesByICU(text)) << ::testing::PrintToString(scalars);
-}
-
-TEST(UnicodeAgainstICU, OnlyTheReferenceHasData) {
-  EXPECT_TRUE(SHARED(u_hasBinaryProperty)(U'\U0001F600', UCHAR_EMOJI));
-  EXPECT_FALSE(u_hasBinaryProperty(U'\U0001F600', UCHAR_EMOJI));
 }
 
 TEST(UnicodeAgainstICU, EveryScalarIsValidAndDecodes) {
@@ -171,7 +154,6 @@ TEST(UnicodeAgainstICU, BoundariesInSequences) {
                                                   breakAlphabet[i / count / count % count],
                                                   breakAlphabet[i / count / count / count]}));
   }
-  eachRandomText(100'000, breakAlphabet, 30, expectSameBoundaries);
 }
 
 TEST(UnicodeAgainstICU, BoundariesOfUnicodesTestFile) {
@@ -196,15 +178,9 @@ TEST(UnicodeAgainstICU, BoundariesOfUnicodesTestFile) {
 
 TEST(UnicodeAgainstICU, LongCharactersTakeLinearTime) {
   // With quadratic work none of these would end within the time-out.
-  const std::pair<std::string, std::size_t> rows[] = {
-      {"\u0301\u0316", 0}, {"\U0001F1E6", 2},   {"\U0001F469\u200D", 0}, {"\u200D", 0},
-      {"\u0915\u094D", 0}, {"\u0915\u093C", 1}, {"\u0600", 0},           {"\u1100", 0}};
-  for (const auto& [piece, perCharacter] : rows) {
-    const std::size_t pieces = (4U << 20U) / piece.size();
-    const std::string text = testing::repeated(piece, pieces);
-    EXPECT_EQ(Unicode::characterCount(text), perCharacter == 0 ? 1 : pieces / perCharacter) << piece;
-    EXPECT_EQ(Unicode::exceeds(text, 1), perCharacter != 0);
-  }
+  for (const std::string piece : {"\u0301\u0316", "\U0001F469\u200D", "\u0915\u094D", "\u0600", "\u1100"})
+    EXPECT_EQ(Unicode::characterCount(testing::repeated(piece, 1'000'000)), 1) << piece;
+  EXPECT_EQ(Unicode::characterCount(testing::repeated("\U0001F1E6", 1'000'000)), 500'000);
   // Marks of two classes in turn have to be sorted.
   constexpr int count = 300'000;
   EXPECT_TRUE(Unicode::composed("a" + testing::repeated("\u0301\u0316", count)) ==
@@ -223,8 +199,6 @@ TEST(UnicodeAgainstICU, Case) {
     // After a sigma and before it, whose lower case depends on what is around it.
     expectSameCase(with(c, U"?\u03A3?\u03A3 A?\u03A3?A"));
   });
-  eachRandomText(50'000, U"A\u03A3\u03A3\u0391\u0345\u0301\u0130Ii.'\u00AD\u2160\u01C51 \u00DF", 10,
-                 expectSameCase);
 }
 
 TEST(UnicodeAgainstICU, Composition) {
@@ -235,13 +209,7 @@ TEST(UnicodeAgainstICU, Composition) {
     const auto expected = utf8(composition->normalize(icu::UnicodeString::fromUTF8(text), status));
     ASSERT_EQ(Unicode::composed(text), expected) << ::testing::PrintToString(scalars);
   };
-  std::u32string active = U"AEaeo\u0915\u1100\u1161\u11A8\u0DD9";
-  eachScalar([&](char32_t c) {
-    expectSameComposition(with(c, U"?\u0301\u0323?A?\u0302\u1100?\u11A8"));
-    if (u_getCombiningClass(static_cast<UChar32>(c)) != 0 || Unicode::composed(encoded({c})) != encoded({c}))
-      active += c;
-  });
-  eachRandomText(50'000, active, 12, expectSameComposition);
+  eachScalar([&](char32_t c) { expectSameComposition(with(c, U"?\u0301\u0323?A?\u0302\u1100?\u11A8")); });
 }
 
 TEST(UnicodeAgainstICU, TerminalWidths) {
@@ -253,18 +221,12 @@ TEST(UnicodeAgainstICU, TerminalWidths) {
     const auto category = U_MASK(value(scalar, UCHAR_GENERAL_CATEGORY));
     const auto syllable = U_MASK(value(scalar, UCHAR_HANGUL_SYLLABLE_TYPE));
     const auto eastAsian = U_MASK(value(scalar, UCHAR_EAST_ASIAN_WIDTH));
-    const bool isPicture = has(scalar, UCHAR_EXTENDED_PICTOGRAPHIC) != 0;
-    const bool isModifier = has(scalar, UCHAR_EMOJI_MODIFIER) != 0;
     const bool isInvisible = (category & (U_GC_MN_MASK | U_GC_ME_MASK | U_GC_CF_MASK)) != 0 ||
                              (syllable & (U_MASK(U_HST_VOWEL_JAMO) | U_MASK(U_HST_TRAILING_JAMO))) != 0 ||
                              has(scalar, UCHAR_DEFAULT_IGNORABLE_CODE_POINT) != 0;
     const bool isWide = (eastAsian & (U_MASK(U_EA_WIDE) | U_MASK(U_EA_FULLWIDTH))) != 0;
     const std::size_t columns = isInvisible && c != 0xAD ? 0 : isWide ? 2 : 1;
     ASSERT_EQ(terminalColumns(encoded({c})), columns) << std::uint32_t{c};
-    ASSERT_EQ(terminalColumns(encoded({c, 0xFE0F})), isPicture && columns == 1 ? 2 : columns)
-        << std::uint32_t{c};
-    ASSERT_EQ(terminalColumns(encoded({0x1F469, c})), isModifier ? 2 : 2 + columns) << std::uint32_t{c};
-    ASSERT_EQ(terminalColumns(encoded({0x1F469, 0x200D, c})), isPicture || isModifier ? 2 : 2 + columns);
   });
 }
 

