@@ -6,25 +6,16 @@
 #include <gtest/gtest.h>
 
 #include "DocumentRuntime/Cleaning/CleanedBook.hpp"
-#include "DocumentRuntime/Cleaning/CoveredCells.hpp"
 #include "DocumentRuntime/Cleaning/PlainFormats.hpp"
 #include "DocumentRuntime/Errors/Cancelled.hpp"
 #include "Support/Cancellation.hpp"
 #include "Support/Cases.hpp"
-#include "Support/TableDump.hpp"
 #include "Text/Digest.hpp"
 
 namespace zelvo {
 namespace {
 
-using testing::clean;
-using testing::CleanedBook;
-using testing::PackageBuilder;
-using testing::refusalOf;
-using testing::replace;
-using testing::replaceAll;
-using testing::replaced;
-using testing::WorkbookText;
+using namespace testing;
 
 const std::string workbookPart = "xl/workbook.xml";
 const std::string workbookLinks = "xl/_rels/workbook.xml.rels";
@@ -36,25 +27,6 @@ PackageBuilder rich() {
 /// The text of a cell, as XML, in a sheet of its own.
 std::string cell(const std::string& xml) {
   return "<sheetData><row r='1'>" + xml + "</row></sheetData>";
-}
-
-TEST(WorkbookCleaning, KeepsWhatTheReaderReads) {
-  const PackageBuilder source = rich();
-  const CleanedBook book = clean(source);
-  EXPECT_EQ(book.report(), "Sales 19/2; Hidden 1/0; Empty & last 0/0; phonetic runs 1; empty cells 1 1@0");
-  EXPECT_EQ(book.cleaned.sourceSHA256, Digest::sha256(source.bytes().view()));
-  EXPECT_EQ(book.cleaned.outputSHA256, Digest::sha256(book.cleaned.data.view()));
-  const WorkbookReader before(source.bytes(), "book.xlsx");
-  const WorkbookReader after(ByteBuffer::copyOf(book.cleaned.data.view()), "book.xlsx");
-  for (const char* range : {"A1:E3", "A2:D4", "B4:C4", "A5:H5", "A6:B6"}) {
-    const TableSelection selection{.sheetName = "Sales", .range = range, .allowCachedFormulaValues = true};
-    const auto read = [&](const WorkbookReader& reader) {
-      std::string table;
-      const auto refusal = testing::outcomeOf([&] { table = testing::dump(reader.table(selection)); });
-      return refusal.text + table;
-    };
-    EXPECT_EQ(read(before), read(after)) << range;
-  }
 }
 
 TEST(WorkbookCleaning, ReportsWhatItLeavesOut) {
@@ -76,6 +48,8 @@ TEST(WorkbookCleaning, ReportsWhatItLeavesOut) {
   replace(package.part(workbookPart).text, "</workbook>",
           "<definedNames><definedName/></definedNames></workbook>");
   const CleanedBook book = clean(package);
+  EXPECT_EQ(book.cleaned.sourceSHA256, Digest::sha256(package.bytes().view()));
+  EXPECT_EQ(book.cleaned.outputSHA256, Digest::sha256(book.cleaned.data.view()));
   EXPECT_EQ(
       book.report(),
       "Sales 19/2; Hidden 1/0; Empty & last 0/0; pictures 2 [xl/media/image1.png] [xl/media/image2.png]; "
@@ -89,9 +63,6 @@ TEST(WorkbookCleaning, ReportsWhatItLeavesOut) {
       droppedInWords(book.cleaned.report),
       "2 pictures, comments of 1 sheet, printer settings of 1 sheet, macros, 1 other part, 2 hyperlinks, "
       "1 defined name, protection, 1 phonetic run, 1 other element");
-  EXPECT_EQ(
-      droppedInWords({.dropped = {{.kind = "hyperlinks", .count = 11'672}, {.kind = "later", .count = 2}}}),
-      "11,672 hyperlinks, 2 later");
 }
 
 TEST(WorkbookCleaning, ReportsFormulasThatNeedWhatIsGone) {
@@ -101,7 +72,6 @@ TEST(WorkbookCleaning, ReportsFormulasThatNeedWhatIsGone) {
             "Data 3/3; rich values 1 1@0; implied positions 3 3@0; formulas that name other workbooks 1 1@0; "
             "formulas that use defined names 1 1@0; formulas that use tables 1 1@0; "
             "formulas that name dropped sheets 1 1@0; formulas that reach out 1 1@0");
-  EXPECT_EQ(changedInWords(book.cleaned.report).substr(0, 38), "1 formula that names another workbook,");
 }
 
 TEST(WorkbookCleaning, TakesEveryKindOfWorkbook) {
@@ -113,39 +83,25 @@ TEST(WorkbookCleaning, TakesEveryKindOfWorkbook) {
 workbook | date1904="0" | date1904="true" | <workbookPr date1904="true"/> |
 workbook | date1904="0" | date1904="on" | main" xmlns:r= | +attributes with a wrong value 1
 workbook | state="hidden" | state="veryHidden" | <sheet name="Hidden" sheetId="2" state="veryHidden" r:id="rId2"/> |
-workbook | state="hidden" | state="shown" | <sheet name="Hidden" sheetId="2" state="hidden" r:id="rId2"/> | +sheet states 1
-workbook | name="Sales" | state='hidden' name="Sales" | <workbookView activeTab="2"/> |
 workbook | xmlns:r= | xmlns:q= | | invalidArchive: worksheet identity
 workbook | "Hidden" | "SALES" | | invalidArchive: too long or repeated name of sheet SALES
 workbook | <sheets> | <sheets/><sheets> | | invalidArchive: repeated element "sheets" in the workbook
 all | schemas.openxmlformats.org/spreadsheetml/2006/main | purl.oclc.org/ooxml/spreadsheetml/main | schemas.openxmlformats.org/spreadsheetml/2006/main | +strict conformance 1
-all | schemas.openxmlformats.org/officeDocument/2006/relationships | purl.oclc.org/ooxml/officeDocument/relationships | |
 all | /worksheet" | /chartsheet" | | unsupported: no worksheet is left
 types | vnd.openxmlformats-officedocument.spreadsheetml.sheet.main | vnd.ms-excel.sheet.macroEnabled.main | | +workbook type 1
-types | spreadsheetml.sheet.main | spreadsheetml.template.main | | +workbook type 1
 types | vnd.openxmlformats-officedocument.spreadsheetml.sheet.main+xml | vnd.ms-excel.sheet.binary.macroEnabled.main | | unsupported: binary workbook (.xlsb)
-package | /officeDocument" | /other" | |
 package | http://schemas.openxmlformats.org/officeDocument/2006/relationships/officeDocument" Target=" | urn:officeDocument" Target="no | |
 package | xl/workbook.xml | xl/styles.xml | | invalidArchive: two parts of the type officeDocument
 links | worksheet" Target="worksheets/sheet1 | chartsheet" Target="worksheets/sheet1 | <sheet name="Hidden" sheetId="1" state="hidden" r:id="rId1"/> | Hidden 1/0; Empty & last 0/0; worksheets 1 [xl/worksheets/sheet1.xml]; chart sheets 1 "Sales"; phonetic runs 1
-links | sheet3.xml | sheet1.xml | | Sales 19/2; Hidden 1/0; Empty & last 19/2; worksheets 1 [xl/worksheets/sheet3.xml]; phonetic runs 1; empty cells 1 1@0
 links | sheet1.xml" | sheet1.xml" TargetMode="External" | | unsafeContent: external or ambiguous relationship
-links | Id="rId2" | Id="rId1" | | unsafeContent: external or ambiguous relationship
-links | sheet1.xml | sheet9.xml | | invalidArchive: missing relationship target
-sheet | <worksheet | <chartsheet | | invalidArchive: malformed XML in sheet Sales
 styles | </numFmts> | <numFmt numFmtId='164' formatCode='0'/></numFmts> | | invalidArchive: number format 164 in the styles
-styles | </numFmts> | <numFmt numFmtId='9'/><numFmt numFmtId='9'/></numFmts> | |
-styles | </numFmts> | <numFmt numFmtId='10'/></numFmts> | | invalidArchive: number format 10 in the styles
 styles | <xf numFmtId="14"/> | <xf numFmtId="14"><value/></xf> | | unsupported: unknown element in cell style 2
-strings | <t>Region</t> | <t>Region</t><u/> | | unsupported: unknown element in shared string 1
 )")) {
     static const std::map<std::string, std::string> names = {{"workbook", workbookPart},
                                                              {"links", workbookLinks},
                                                              {"package", "_rels/.rels"},
                                                              {"types", "[Content_Types].xml"},
-                                                             {"sheet", "xl/worksheets/sheet1.xml"},
-                                                             {"styles", "xl/styles.xml"},
-                                                             {"strings", "xl/sharedStrings.xml"}};
+                                                             {"styles", "xl/styles.xml"}};
     PackageBuilder package = rich();
     if (part != "all") replace(package.part(names.at(part)).text, from, to);
     for (auto& each : package.parts)
@@ -161,14 +117,6 @@ strings | <t>Region</t> | <t>Region</t><u/> | | unsupported: unknown element in 
     EXPECT_EQ(refusal.text + outcome, expected) << to;
   }
 
-  PackageBuilder package = rich();
-  package.part(workbookPart).name = "xl/Book.XML";
-  replace(package.part("_rels/.rels").text, workbookPart, "/xl/book.xml");
-  package.part(workbookLinks).name = "xl/_rels/book.xml.rels";
-  replaceAll(package.part("[Content_Types].xml").text, "workbook.xml", "book.xml");
-  EXPECT_EQ(clean(package).report(), counts + usual);
-  package.remove("_rels/.rels");
-  EXPECT_EQ(refusalOf(package), "invalidArchive: not an OOXML package");
   EXPECT_EQ(testing::outcomeOf([] {
               cleanWorkbook(ByteBuffer::copyOf("\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1 and more"), "a.xlsx");
             }),
@@ -187,7 +135,6 @@ TEST(WorkbookCleaning, KeepsTheSheetsThatAreAskedFor) {
             "\"Empty & last\"; phonetic runs 1");
   EXPECT_EQ(refusalOf(package, {.sheets = {{"Hidden", "hidden"}}}),
             "invalidSelection: no worksheet is named hidden");
-  EXPECT_EQ(refusalOf(package, {.sheets = std::vector<std::string>()}), "unsupported: no worksheet is left");
 }
 
 TEST(WorkbookCleaning, RemovesMergedAreasAndCountsWhatTheyCovered) {
@@ -198,23 +145,6 @@ TEST(WorkbookCleaning, RemovesMergedAreasAndCountsWhatTheyCovered) {
   EXPECT_EQ(book.report(),
             "Data 2/0; empty cells 1 1@0; implied positions 3 3@0; merged areas removed 2 2@0; covered cells "
             "1 1@0");
-  EXPECT_EQ(book.part("xl/worksheets/sheet1.xml", "</sheetData>", ""), "</worksheet>");
-
-  // Every cell of a small sheet against every area in turn.
-  std::vector<CellRange> areas;
-  std::vector<CellAddress> cells;
-  std::int64_t expected = 0;
-  for (std::int64_t i = 1; i <= 7; ++i)
-    areas.push_back({{i, i}, {i + i % 3, i + i * 5 % 4}});
-  for (std::int64_t row = 11; row-- > 1;) {
-    for (std::int64_t column = 1; column <= 10; ++column) {
-      const CellAddress& at = cells.emplace_back(CellAddress{column, row});
-      const auto covers = [&](const CellRange& area) { return area.contains(at) && area.first != at; };
-      expected += std::any_of(areas.begin(), areas.end(), covers) ? 1 : 0;
-    }
-  }
-  EXPECT_GT(expected, 5);
-  EXPECT_EQ(Cleaning::countCoveredCells(areas, cells), expected);
 }
 
 TEST(WorkbookCleaning, ReplacesFormatsThatTheReaderCannotShow) {
@@ -243,19 +173,9 @@ TEST(WorkbookCleaning, ReplacesFormatsThatTheReaderCannotShow) {
       book.report(),
       "A 2/0; B 3/0; empty cells 1 1@0; implied positions 6 3@0 3@1; number formats 2 1@0 1@1 "
       "{m/d/yyyy}; number formats 1 1@0 {built-in format 44}; number formats 1 1@1 {built-in format 31}");
-  EXPECT_EQ(changedInWords(book.cleaned.report).substr(0, 46),
-            "number format m/d/yyyy replaced in 2 cells, nu");
-  EXPECT_EQ(book.part("xl/styles.xml", "<numFmts>", "</numFmts>"),
-            R"(<numFmt numFmtId="165" formatCode="[h]:mm"/><numFmt numFmtId="166" formatCode="yyyy-mm-dd"/>)"
-            R"(<numFmt numFmtId="167" formatCode="General"/>)");
-  EXPECT_EQ(
-      book.part("xl/styles.xml", "<cellXfs>", "</cellXfs>"),
-      R"(<xf numFmtId="0"/><xf numFmtId="166" applyNumberFormat="1"/><xf numFmtId="167" applyNumberFormat="1"/>)"
-      R"(<xf numFmtId="165" applyNumberFormat="1"/><xf numFmtId="166" applyNumberFormat="1"/><xf/>)");
 }
 
 TEST(WorkbookCleaning, StopsAtTheReadersLimitsAndNamesTheSheet) {
-  using testing::repeated;
   using Size = std::size_t;
   using W = WorkbookText&;
   const auto fillWithCells = [](W w, Size count) {
@@ -290,17 +210,6 @@ TEST(WorkbookCleaning, StopsAtTheReadersLimitsAndNamesTheSheet) {
       [](const WorkbookText& workbook) {
         cleanWorkbook(testing::workbookPackage(workbook).bytes(), "a.xlsx");
       });
-
-  EXPECT_EQ(refusalOf(testing::plainWorkbook("<row>" + repeated("<c/>", 200'001) + "</row>")),
-            "resourceLimit: XML structure in sheet Data");
-  // A sheet that is not kept is no obstacle, nor are formatted cells that are empty.
-  WorkbookText two;
-  fillWithCells(two, 50'001);
-  two.sheets.push_back({"Other", cell(repeated("<c/>", 16'384))});
-  EXPECT_EQ(refusalOf(two, {.sheets = {{"Other"}}}), "");
-  EXPECT_EQ(refusalOf(testing::plainWorkbook("<row><c t='str'><v><![CDATA[" + std::string(5'000'000, '<') +
-                                             "]]></v></c></row>")),
-            "resourceLimit: more than 16 MiB of XML in sheet Data");
 }
 
 }  // namespace

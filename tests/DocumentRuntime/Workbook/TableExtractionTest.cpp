@@ -35,17 +35,15 @@ struct Extraction {
 using X = Extraction&;
 
 /// Without a header, over one sheet of these rows; cells are styled by index: 0 General, 1 currency, 2
-/// m/d/yy, 3 0.00%, 4 h:mm, 5 a fraction, 6 text, 7 none.
+/// m/d/yy, 3 0.00%, 4 h:mm, 5 a fraction.
 Extraction tableOfRows(const std::string& rows, const std::string& range = "A1") {
-  return {
-      .workbook =
-          {.sheets = {{"S", "<sheetData>" + rows + "</sheetData>"}},
-           .styles =
-               R"(<numFmts><numFmt numFmtId="164" formatCode="&quot;$&quot;#,##0.00"/></numFmts>)"
-               R"(<cellXfs><xf numFmtId="0"/><xf numFmtId="164"/><xf numFmtId="14"/>)"
-               R"(<xf numFmtId="10"/><xf numFmtId="20"/><xf numFmtId="12"/><xf numFmtId="49"/><xf/></cellXfs>)"},
-      .selected = "S!" + range,
-      .hasHeader = false};
+  return {.workbook = {.sheets = {{"S", "<sheetData>" + rows + "</sheetData>"}},
+                       .styles =
+                           R"(<numFmts><numFmt numFmtId="164" formatCode="&quot;$&quot;#,##0.00"/></numFmts>)"
+                           R"(<cellXfs><xf numFmtId="0"/><xf numFmtId="164"/><xf numFmtId="14"/>)"
+                           R"(<xf numFmtId="10"/><xf numFmtId="20"/><xf numFmtId="12"/></cellXfs>)"},
+          .selected = "S!" + range,
+          .hasHeader = false};
 }
 
 Outcome outcome(const Extraction& extraction) {
@@ -100,8 +98,7 @@ ref="A6:B6" => ref="E4:F9" | unsupported: merged cells in the selected table |
 
 TEST(TableExtraction, LimitsRowsAndColumns) {
   for (const auto& [range, withHeader, without] : cases<3>(R"(
-      A1:H200 | yes | yes ; A1:H201 | yes | yes ; A1:H202 | no | no ; A1:I2 | no | no ; A1:I1 | no | no
-      A1 | no | yes ; A1:A2 | yes | yes ; B3:B203 | yes | yes ; B3:B204 | no | no)")) {
+      A1:H200 | yes | yes ; A1:H201 | yes | yes ; A1:H202 | no | no ; A1:I2 | no | no ; A1 | no | yes)")) {
     for (const bool header : {true, false}) {
       const auto select = [&, &range = range] {
         TableExtraction::selectedRange({"", range, header, false, false});
@@ -123,7 +120,7 @@ TEST(TableExtraction, ChecksHeadersAndVisibleRows) {
     EXPECT_EQ(titled(title), "invalidSelection: headers must be nonempty and at most 120 characters")
         << title;
   for (const auto& [first, second, expected] : cases<3>(R"(
-      hidden='0' | hidden='0' | ; hidden='0' | hidden='1' | invalidSelection: no data rows
+      hidden='0' | hidden='1' | invalidSelection: no data rows
       hidden='1' | hidden='0' | invalidSelection: header row is hidden
       hidden='1' | hidden='true' | invalidSelection: no visible rows)")) {
     Extraction rows = tableOfRows(
@@ -138,26 +135,17 @@ TEST(TableExtraction, ChecksHeadersAndVisibleRows) {
 TEST(TableExtraction, ReadsEveryTypeOfCell) {
   for (const auto& [cell, expected] : cases<2>(R"(
       <c r='A1'/> => A1 missing ; => A1 missing ; <c r='A1' s='1'/> => A1 missing {"$"#,##0.00}
-      <c r='A1' t=''><v>1</v></c> => A1 number 1 ; <c r='A1'><v>+1.50E-2</v></c> => A1 number +1.50E-2
       <c r='A1'><v>1e309</v></c> => invalidArchive: numeric cell
-      <c r='A1'><v> 1</v></c> => invalidArchive: numeric cell
-      <c r='A1' s='0'><v>1</v></c> => A1 number 1 {General} ; <c r='A1' s='6'><v>1</v></c> => A1 number 1 {@}
-      <c r='A1' s='7'><v>1</v></c> => A1 number 1
       <c r='A1' s='5'><v>1</v></c> => unsupported: number format at A1
       <c r='A1' s='5' t='str'><v>x</v></c> => A1 text x {unsupported-format-12}
-      <c r='A1' s='2'><v>60</v></c> => unsupported: Excel date at A1
       <c r='A1' s='2'><v>61</v></c> => A1 date 1900-03-01 {m/d/yy}
       <c r='A1' t='d'><v>2024-02-29</v></c> => A1 date 2024-02-29
-      <c r='A1' t='d'><v>2024-02-29T10:00:00Z</v></c> => A1 date 2024-02-29T10:00:00Z
-      <c r='A1' t='d'><v>2024-02-30</v></c> => invalidArchive: ISO date
       <c r='A1' t='d'><v>2024-02-29T10:00:00</v></c> => invalidArchive: ISO date
       <c r='A1' t='e'><v>#DIV/0!</v></c> => A1 error #DIV/0!
-      <c r='A1' t='s'><v></v></c> => invalidArchive: shared string index
       <c r='A1' t='s'><v>0.0</v></c> => invalidArchive: shared string index
       <c r='A1' t='inlineStr'/> => A1 text␠
       <c r='A1' t='inlineStr'><is><t>a</t><r><t>b</t></r><rPh><t>c</t></rPh></is></c> => A1 text abc
       <c r='A1'><f/><v>2</v></c> => A1 number 2 = cached
-      <c r='A1'><f t='normal'>1+1</f><v>2</v></c> => A1 number 2 =1+1 cached
       <c r='A1'><f t='array'>1+1</f><v>2</v></c> => unsupported: shared or array formula at A1
       <c r='A1' t='str'><f>1</f><v/></c> => formulaValueUnavailable: A1)")) {
     std::string shown;
@@ -168,8 +156,6 @@ TEST(TableExtraction, ReadsEveryTypeOfCell) {
   Extraction listed = tableOfRows("<row r='1'><c r='A1' t='str'><f>B1</f><v></v></c></row>");
   listed.acceptedEmptyFormulaCells = {{.column = 1, .row = 1}};
   EXPECT_EQ(dump(listed.table().rows[0][0]), "A1 text  =B1 cached");
-  listed.allowsCache = false;
-  EXPECT_EQ(outcome(listed), "formulaValueUnavailable: A1");
 }
 
 TEST(TableExtraction, LimitsTexts) {
@@ -185,9 +171,6 @@ TEST(TableExtraction, LimitsTexts) {
   expectLimits<Extraction>({{"cell", 2000, "resourceLimit: selected cell text", cell},
                             {"table", 19, "resourceLimit: response size", total}},
                            [](const Extraction& x) { x.table(); });
-  Extraction tooLarge;
-  total(tooLarge, 20);
-  EXPECT_THROW(tooLarge.table(), ResponseTooLarge);
 }
 
 }  // namespace
