@@ -3,9 +3,7 @@
 
 #include "DocumentRuntime/Coding/RecordCoding.hpp"
 #include "DocumentRuntime/Engine/DocumentEngine.hpp"
-#include "DocumentRuntime/PackageIO/PackageGate.hpp"
 #include "Support/Cost.hpp"
-#include "Support/PackageBuilder.hpp"
 #include "Support/RefusalTable.hpp"
 #include "Support/SampleTable.hpp"
 
@@ -80,25 +78,6 @@ TEST(DocumentEngine, RefusesWordDocumentsThatWouldShowOtherTexts) {
   }
 }
 
-TEST(DocumentEngine, WritesDocumentsOfTheExtractedTableOnly) {
-  const ByteBuffer workbook = workbookPackage(richWorkbook()).bytes();
-  const std::string digest = OOXML::hash(workbook.view());
-  EXPECT_EQ(DocumentEngine::inspectXLSX(ByteBuffer::copyOf(workbook.view()), "b.xlsx").sourceSHA256, digest);
-  const SourceTable table = DocumentEngine::extractTable(ByteBuffer::copyOf(workbook.view()), "b.xlsx",
-                                                         {"Sales", "A1:E4", true, true, true});
-  SourceTable other = table;
-  other.rows.at(0)[1].value = Value::number("1234.51");
-  for (const bool word : {true, false}) {
-    const GeneratedDocument made =
-        word ? DocumentEngine::createDOCX(table, "T") : DocumentEngine::createPPTX(table, "T", {});
-    EXPECT_EQ(made.format, word ? DocumentFormat::docx : DocumentFormat::pptx);
-    EXPECT_EQ(made.sourceSHA256, digest);
-    EXPECT_TRUE(made.validation.sourceValuesVerified);
-    EXPECT_EQ(made.validation, DocumentEngine::validate(made.data.view(), made.format, &table, nullptr));
-    EXPECT_THROW(DocumentEngine::validate(made.data.view(), made.format, &other, nullptr), DocumentError);
-  }
-}
-
 TEST(DocumentEngine, StopsWritingWhenTheDocumentIsTooLarge) {
   constexpr std::size_t mebibyte = std::size_t{1024} * 1024;
   SourceTable table = tableOf(8, 200);
@@ -106,10 +85,6 @@ TEST(DocumentEngine, StopsWritingWhenTheDocumentIsTooLarge) {
     const auto cost = costOf([&] { EXPECT_EQ(outcomeOf(create), expected); });
     EXPECT_LT(cost.peakBytes, mostBytes);
   };
-  table.sheetName = "e" + repeated("\u0301", 2 * mebibyte);  // one character, on each of 20 slides
-  expectRefusal([&] { DocumentEngine::createPPTX(table, "Title", {}); }, "resourceLimit: output archive",
-                60 * mebibyte);
-  table.sheetName = "Data";
   const std::string text = "e" + repeated("\u0301", 10'000);
   for (auto& row : table.rows) {
     for (SourceCell& cell : row)

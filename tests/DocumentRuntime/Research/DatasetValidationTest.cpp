@@ -54,19 +54,15 @@ TEST(ResearchValidation, RefusesInTheOrderOfItsChecks) {
       "Year"→"" or "Year"→"SOURCES" | shape | year
       10,4,null→10,4,null,null | row | cells
       "rows":[{→"rows":[{"sourceIDs":["a",""], or "rows":[{→"rows":[{"sourceIDs":["a/b"], | row | ids
-      "rows":[{→"rows":[{"sourceIDs":["é"], | row | ids
       "2022-12-31"→"2023-02-29" or "2022-12-31"→"2024-02-29T00:00" | text | date
       "2022-12-31"→2024 | number | date
       10,4,null→"12",4,null | text | cells
       10,4,null→-1e15,4,null or 10,4,null→1e15,4,null | number | cells
       "listed":false→"listed":true 2022"]→2022/"] | returned | sources
       "listed":false→"listed":true "list":[→"list":[],"":[ | returned | sources
-      "listed":false→"listed":true "https://example.org/2022"→ | returned | sources
-      "listed":false→"listed":true {"cells":["2023"→{"sourceIDs":["a"],"cells":["2023" | returned | sources
       "listed":false→"listed":true "scoped":false→"scoped":true "list":[→"list":[],"":[ | scope | sources
       https://example.org/2022→ftp://h/ or https://example.org/2022→HTTP://h/ | URL | sources
       https://example.org/2022→http:///a or https://example.org/2022→http://user@h/ | URL | sources
-      https://example.org/2022→http://:p@h/ or https://example.org/2022→http://@h | URL | sources
       https://example.org/2022→h or https://example.org/2022→ | URL | sources
       "column":2,"op"→"column":0,"op" | reference | formula
       "report":→"charts":[],"report": | no chart | chart
@@ -97,13 +93,6 @@ TEST(ResearchValidation, RefusesOneMoreThanEachLimit) {
       "2022"→"#e\u0301#"                                | 2000  | text
       "Profit"→"#e\u0301#"                              | 160   | columns)",
       validate);
-  ResearchSpreadsheet wide = numericTable(std::vector<std::optional<std::string>>(6));
-  wide.rows = {numberRow({1, 1, 1, 1, 1, 1}), numberRow({2, 2, 2, 2, 2, 2})};
-  wide.charts = {{"T", Chart::Kind::line, 5, {0, 1, 2, 3}}};
-  const auto outcome = [&] { return outcomeOf([&] { wide.validate(true, {}, {}); }); };
-  EXPECT_EQ(outcome(), "");
-  wide.charts[0].valueColumns.push_back(4);
-  EXPECT_EQ(outcome(), refusalIn(messages, "columns"));
 }
 
 /// Rows and charts are checked one after the other.
@@ -112,10 +101,8 @@ TEST(ResearchValidation, AcceptsOrNamesTheFirstRowAndChart) {
        cases<2>(R"(
       "requiresChart":true→"requiresChart":false "report":→"charts":[],"report": =>
       "Year"→"Sources","unit":"" => ; 10,4,null→999999999999999,-999999999999999,null =>
-      "B","unit":"USD"→"A","unit":"EUR" subtract→multiply subtract→multiply subtract→multiply =>
       "listed":false→"listed":true "rows":[{→"rows":[{"sourceIDs":[], =>
       2024"]}]→2024"]},{"cells":[null,null,null,1,null],"sources":[]}] =>
-      "kind":"line"→"kind":"bar" 11,4,→null,4, 12,4,→null,4, =>
       "listed":false→"listed":true "list":[→"list":[],"":[ "sources":["→"sources":[],"":[" )"
                 R"("sources":["→"sources":[],"":[" "sources":["→"sources":[],"":[" =>
       https://example.org/2022→ftp://h/ 11,4,→11,4,4, => URL

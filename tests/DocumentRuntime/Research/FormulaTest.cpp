@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <set>
 
 #include <gtest/gtest.h>
 
@@ -38,47 +37,20 @@ TEST(FormulaEvaluator, CalculatesValuesAndTexts) {
       multiply(#3,[0,1])      | 6.0   | IF(COUNT(3.0,<B2>)=2,IFERROR((3.0*<B2>),""),"")
       divide([0,0],[0,1])     | 0.5   | IF(COUNT(<A2>,<B2>)=2,IFERROR((<A2>/<B2>),""),"")
       divide([0,0],[0,2])     |       | IF(COUNT(<A2>,<C2>)=2,IFERROR((<A2>/<C2>),""),"")
-      divide([0,0],#-0.0)     |       | IF(COUNT(<A2>,-0.0)=2,IFERROR((<A2>/-0.0),""),"")
       add([0,0],[1,1])        |       | IF(COUNT(<A2>,<B3>)=2,IFERROR((<A2>+<B3>),""),"")
-      add([1,1],[0,0])        |       | IF(COUNT(<B3>,<A2>)=2,IFERROR((<B3>+<A2>),""),"")
       add([0,0,0,0],[0,1])    | 3.0   | IF(COUNT(A2:A2,<B2>)=2,IFERROR((A2:A2+<B2>),""),"")
-      count(divide(#1,#0))    | 0.0   | COUNT(IF(COUNT(1.0,0.0)=2,IFERROR((1.0/0.0),""),""))
       sum([0,0,2,2])          | 15.6  | IF(COUNT(A2:C4)=0,"",SUM(A2:C4))
       sum([2,0,2,2])          | 0.6000000000000001 | IF(COUNT(A4:C4)=0,"",SUM(A4:C4))
       average([0,0,1,2],#16)  | 5.166666666666667  | IF(COUNT(A2:C3,16.0)=0,"",AVERAGE(A2:C3,16.0))
       minimum([0,0,2,2])      | 0.0   | IF(COUNT(A2:C4)=0,"",MIN(A2:C4))
       maximum([0,0,2,2],[1,1]) | 8.0  | IF(COUNT(A2:C4,<B3>)=0,"",MAX(A2:C4,<B3>))
       sum([1,1,1,1])          |       | IF(COUNT(B3:B3)=0,"",SUM(B3:B3))
-      average([1,1,1,1],[1,1]) |      | IF(COUNT(B3:B3,<B3>)=0,"",AVERAGE(B3:B3,<B3>))
-      count([0,0,2,2],[1,1],#7) | 9.0 | COUNT(A2:C4,<B3>,7.0)
       count([1,1,1,1])        | 0.0   | COUNT(B3:B3))")) {
     const auto dataset = numbers("0,3=" + formula);
     EXPECT_EQ(dataset.resolvedCells()[0][3].displayText(), value) << formula;
     const std::string expected = std::regex_replace(text, std::regex("<(..)>"), R"(IF(ISNUMBER($1),$1,""))");
     EXPECT_EQ(ResearchFormulaEvaluator::resolve(dataset).at(0).formula, expected);
   }
-}
-
-TEST(FormulaEvaluator, AddsPlainlyRowByRow) {
-  // Column by column, or with what rounding loses carried along, it would be 2.5.
-  for (const auto& [operation, value] : cases<2>("sum => 1.5 ; average => 0.3")) {
-    ResearchSpreadsheet dataset = numbers("0,3=" + operation + "([0,0,1,1],#0.5)");
-    dataset.rows[0] = numberRow({1e16, 1, {}, {}});
-    dataset.rows[1] = numberRow({-1e16, 1, {}, {}});
-    EXPECT_EQ(dataset.resolvedCells()[0][3].displayText(), value);
-  }
-}
-
-TEST(FormulaEvaluator, KeepsTheOrderOfTheListAndFillsTheCells) {
-  const auto dataset = numbers("0,3=add([1,3],[2,3]) 2,3=divide(#1,#0) 1,3=count([0,0,2,2],[2,3])");
-  std::string rows;
-  for (const auto& resolved : ResearchFormulaEvaluator::resolve(dataset))
-    rows += std::to_string(resolved.row);
-  EXPECT_EQ(rows, "021");
-  const auto cells = dataset.resolvedCells();
-  EXPECT_EQ(cells[0], numberRow({1, 2, 0, {}}).cells);
-  EXPECT_EQ(cells[1], numberRow({4, {}, 8, 8}).cells);
-  EXPECT_EQ(cells[2][3], Cell());
 }
 
 /// Columns USD, USD, EUR, no unit, and a column of texts; two rows. Results are in the second row, whose
@@ -100,24 +72,17 @@ TEST(FormulaRefusal, NamesTheFirstFault) {
       Invalid formula constant. => {"op":"number"} #1e15 #-1e15 #1{"row":0} #1{"column":0} #1{"endRow":0}
       Invalid formula constant. => #1{"endColumn":0} #1{"arguments":[#1]}
       Invalid cell reference. => [0,0]{"row":null} [0,0]{"column":null} [0,0]{"endRow":0} [0,0]{"endColumn":0}
-      Invalid cell reference. => [0,0]{"value":1} [0,0]{"arguments":[#1]} [-1,0]{"arguments":[#1]}
       Formula references must address numeric dataset cells. => [-1,0] [2,0] [0,-1] [0,5] [0,4]
       Formula references must address numeric dataset cells. => [-9223372036854775808,9223372036854775807]
       Invalid formula range. => sum([0,0,0,0]{"row":null}) sum([0,0,0,0]{"column":null})
-      Invalid formula range. => sum([0,0,0,0]{"endRow":null}) sum([0,0,0,0]{"endColumn":null})
-      Invalid formula range. => sum([0,0,0,0]{"value":1}) sum([0,0,0,0]{"arguments":[#1]})
       Invalid formula range. => sum([1,0,0,0]) sum([0,1,0,0]) sum([0,0,2,0]) sum([0,0,0,5])
       Invalid formula range. => sum([-9223372036854775808,0,9223372036854775807,0])
       Formula references must address numeric dataset cells. => sum([-9223372036854775808,0,0,0]) sum([0,0,0,4])
       Invalid formula arguments. => add(#1,#1){"value":1} add(#1,#1){"row":0} sum() sum(#1,ONES)
       Arithmetic requires exactly two scalar operands. => add(#1) add(#1,#1,#1) divide(#1,[0,0,0,1])
       Formula references must address numeric dataset cells. => add([0,4],{"op":"number"},#1)
-      Invalid formula constant. => add({"op":"number"},[0,4])
-      Arithmetic requires exactly two scalar operands. => add([0,0,0,2],[0,0])
       Additive and aggregate calculations must use matching declared units. => add([0,0],[0,2])
-      Additive and aggregate calculations must use matching declared units. => subtract([0,0],[0,2])
       Additive and aggregate calculations must use matching declared units. => sum([0,0,0,2]) average([0,1,0,2])
-      Additive and aggregate calculations must use matching declared units. => minimum([0,1,0,2])
       Additive and aggregate calculations must use matching declared units. => multiply(#2,maximum([0,0],[0,3]))
       The calculation output must preserve its input unit. => sum([0,2]) [0,2] add([0,3],#1)
       A formula output must be one scalar. => [0,0,0,0] [0,2,0,3]
@@ -136,9 +101,7 @@ TEST(FormulaRefusal, ChecksDependenciesWhereTheyAreMet) {
            R"(
       1,0={"op":"number"} 1,0=#1 => validationFailed: A calculation needs one unique, null numeric output cell.
       1,0=[1,1] 1,1=[1,0] => validationFailed: Circular or deeply nested formula dependencies.
-      1,3=#1 1,0=[1,1] 1,1=add([0,0],[1,0]) => validationFailed: Circular or deeply nested formula dependencies.
       1,0=add([1,1],{"op":"number"}) 1,1=[0,2] => validationFailed: The calculation output must preserve its input unit.
-      1,0=add({"op":"number"},[1,1]) 1,1=[0,2] => validationFailed: Invalid formula constant.
       1,0=#1e14 1,1=multiply([1,0],[1,0]) 1,2=multiply([1,1],[1,1]) 1,3=multiply([1,2],[1,2]) =>
       1,0=#1e14 1,1=multiply([1,0],[1,0]) 1,2=multiply(multiply([1,1],[1,1]),multiply([1,1],[1,1])) )"
            R"(1,3=multiply(multiply([1,2],[1,2]),[1,2]) => resourceLimit: formula text or numeric result)"))
@@ -152,22 +115,16 @@ TEST(FormulaRefusal, AcceptsOtherUnits) {
 }
 
 TEST(FormulaRefusal, ChecksDatasetsThatWereNotValidated) {
-  const std::pair<Cell, const char*> rows[] = {{Cell("1"), "validationFailed: Formula input cannot be text."},
-                                               {Cell(HUGE_VAL), "validationFailed: Invalid formula input."}};
-  for (const auto& [cell, message] : rows) {
-    ResearchSpreadsheet dataset = unitTable("1,0=count([0,0,0,1])");
-    dataset.rows[0].cells[1] = cell;
-    EXPECT_EQ(outcome(dataset), message);
-  }
-  ResearchSpreadsheet ragged = unitTable("1,0=#1");
-  ragged.rows[1].cells.pop_back();
-  EXPECT_EQ(outcome(ragged), "validationFailed: A calculation needs one unique, null numeric output cell.");
+  ResearchSpreadsheet dataset = unitTable("1,0=count([0,0,0,1])");
+  dataset.rows[0].cells[1] = Cell("1");
+  EXPECT_EQ(outcome(dataset), "validationFailed: Formula input cannot be text.");
+  dataset.rows[0].cells[1] = Cell(HUGE_VAL);
+  EXPECT_EQ(outcome(dataset), "validationFailed: Invalid formula input.");
 }
 
 TEST(FormulaUnits, AreThoseOfAllColumns) {
   const std::string deepest = repeated("sum(", 32) + "[0,0]" + repeated(")", 32);
   for (const auto& [formula, units] : cases<2>(R"(
-      [0,0]{"column":null} => validationFailed: Invalid unit reference.
       [0,-1] => validationFailed: Invalid unit reference. ; [0,5] => validationFailed: Invalid unit reference.
       [0,2,0,1] => validationFailed: Invalid unit range. ; [0,2,0,5] => validationFailed: Invalid unit range.
       multiply([-9,1,99,3],#1) => /EUR/USD/ ; DEEPEST => USD/ ; count(sum(DEEPEST)) =>
@@ -207,11 +164,6 @@ std::string nested(const std::string& operation, std::size_t levels, const std::
   return repeated(operation + "(", levels) + innermost + repeated(")", levels);
 }
 
-/// Of two calculations, the first depends on the second at that depth.
-std::vector<Calculation> dependent(std::size_t depth) {
-  return calculations("0,0=" + nested("count", depth, "[1,0]") + " 1,0=" + nested("count", 31, "#1"));
-}
-
 TEST(FormulaBudget, RefusesOneMoreThanEachLimit) {
   using D = ResearchSpreadsheet&;
   const auto nodes = [](std::size_t last) {
@@ -243,7 +195,8 @@ TEST(FormulaBudget, RefusesOneMoreThanEachLimit) {
        {"depth of a dependency", 30, circular,
         [](D d, auto n) {
           d = tall(0, "#1");
-          d.calculations = dependent(n);
+          d.calculations =
+              calculations("0,0=" + nested("count", n, "[1,0]") + " 1,0=" + nested("count", 31, "#1"));
         }}},
       ResearchFormulaEvaluator::resolve);
 }
@@ -266,10 +219,6 @@ TEST(FormulaBudget, ResolvesLongChainsFromEitherEnd) {
   }
   chain.calculations->back().formula = calculations("0,0=[0,0]")[0].formula;
   EXPECT_EQ(outcomeOf([&] { chain.resolvedCells(); }), circular);
-
-  chain.calculations = dependent(31);
-  std::ranges::reverse(*chain.calculations);
-  EXPECT_EQ(outcomeOf([&] { chain.resolvedCells(); }), "");
 }
 
 // Quadratic work exceeds the time limit of the suite.
@@ -277,15 +226,6 @@ TEST(FormulaBudget, BoundsTheWork) {
   const std::string doubling = nested("sum", 30, "sum(" + repeated("#1,", 16) + "#1)");
   EXPECT_EQ(outcomeOf([&] { tall(1, doubling).resolvedCells(); }),
             "resourceLimit: formula text or numeric result");
-
-  // Every formula reads the row of the next: a chain in which each link is a range.
-  ResearchSpreadsheet ranges = tall(rowCount - 1, "#1");
-  for (Calculation& calculation : *ranges.calculations) {
-    const std::string next = std::to_string(calculation.row + 1);
-    calculation.formula = calculations("0,0=sum([" + next + ",0," + next + ",11])")[0].formula;
-  }
-  ranges.rows[rowCount - 1].cells[0] = Cell(3);
-  EXPECT_EQ(ranges.resolvedCells()[0][11], Cell(3));
 }
 
 }  // namespace

@@ -52,8 +52,6 @@ TEST(ResearchSourceScope, ChecksReferences) {
   const std::vector<std::string> none;
   EXPECT_EQ(outcome(scope(), none, none, false), "") << "evidence is not required";
   EXPECT_EQ(outcome({{}, {}, {}}, none, none, true), "") << "no evidence exists";
-  EXPECT_EQ(outcome({{}, {{"a", "https://h"}}, {}}, none, none, true), refused);
-  EXPECT_EQ(outcome({{"a"}, {}, {}}, none, none, true), refused);
   for (int c = 0; c < 256; ++c) {
     const std::vector<std::string> id = {std::string(1, static_cast<char>(c))};
     const bool isIdentifier = (c < 128 && std::isalnum(c)) || c == '-' || c == '.' || c == '_';
@@ -72,10 +70,6 @@ TEST(ResearchSourceScope, SelectsAndDescribesRecords) {
   const std::string page =
       "web.3 | publicPage | First | Not recorded | All | https://w/3 (Public page excerpt)\n";
   EXPECT_EQ(described({"unknown"}, {"https://unknown"}), "");
-  EXPECT_EQ(described({}, {"https://w/3"}), page);
-  EXPECT_EQ(described({}, {"https://w/shared"}),
-            "web.1 | publicURL | Public reference | Not recorded | Returned public URL; coverage metadata "
-            "unavailable | https://w/shared (Public source URL)\n");
   EXPECT_EQ(described({"web.3", "local-2", "local-1"}, {"https://l/1", "https://w/3"}),
             "local-1 | localSnapshot | Page | 2024-03-01T01:00:00Z | Half | Provenance only: https://l/1 "
             "(Local visible excerpt)\n"
@@ -93,12 +87,6 @@ TEST(ResearchSourceScope, ComposesEachIdentifierOnce) {
   const ResearchSourceScope many({}, sources, {});
   EXPECT_LT(std::clock() - start, 2 * CLOCKS_PER_SEC);
   EXPECT_EQ(many.selectedRecords({}, {"https://h/"}).at(0).id, sources.begin()->first);
-  // U+212B is sorted by its composed form, U+00C5, and so before U+0100.
-  const ResearchSourceScope composed({}, {{"\u0100", "https://h/"}, {"\u212b", "https://h/"}}, {});
-  EXPECT_EQ(composed.selectedRecords({}, {"https://h/"}).at(0).id, "\u212b");
-  // Of identifiers with the same composed form, the first in byte order counts.
-  const ResearchSourceScope equal({}, {{"\u00e9", "https://h/"}, {"e\u0301", "https://h/"}}, {});
-  EXPECT_EQ(equal.selectedRecords({}, {"https://h/"}).at(0).id, "e\u0301");
 }
 
 TEST(ResearchSourceScope, BoundsItsFile) {
@@ -112,28 +100,11 @@ TEST(ResearchSourceScope, BoundsItsFile) {
                 R"(records: Expected at most 20000 entries.
       "localSnapshotIDs":["#t#"]   | 8000  | localSnapshotIDs[0]: Expected at most 8000 bytes.
       "publicSources":{"#t#":"u"}  | 8000  | publicSources: Expected identifiers of at most 8000 bytes.
-      "publicSources":{"i":"#t#"}  | 8000  | publicSources.i: Expected at most 8000 bytes.
-      "records":[{"kind":"publicURL","coverage":"","label":"","id":"#t#"}] | 8000 | )"
-                R"(records[0].id: Expected at most 8000 bytes.
       "records":[{"id":"i","kind":"publicURL","coverage":"","label":"#t#"}] | 2000 | )"
                 R"(records[0].label: Expected at most 2000 characters.
-      "records":[{"id":"i","kind":"publicURL","label":"","coverage":"#t#"}] | 2000 | )"
-                R"(records[0].coverage: Expected at most 2000 characters.
       "records":[{"id":"i","kind":"publicURL","label":"","coverage":"","provenanceURL":"#t#"}] | 8000 | )"
                 R"(records[0].provenanceURL: Expected at most 8000 bytes.)"))
     EXPECT_EQ(errorsAtBound(start + member + "}", last, researchSourceScopeFromJson), error);
-}
-
-TEST(ResearchSourceScope, RefusesAFileOfAnotherShape) {
-  for (const auto& [from, to, path] : cases<3>(R"(
-      "publicPage" | "page" => records[1].kind ; "publicSources" | "sources" =>
-      2024-02-29T23:30:00.9-01:30 | 2024-02-29T23:30:00 => records[0].observedAt
-      "https://w/3","é" | null,"é" => publicSources.web.3)")) {
-    const std::string error =
-        decodingErrorOf([&] { researchSourceScopeFromJson(replaced(scopeJson, from, to)); });
-    ASSERT_NE(error, "") << to;
-    EXPECT_EQ(error.substr(0, error.find(": ")), path);
-  }
 }
 
 }  // namespace
