@@ -1,6 +1,5 @@
 // Owns PackageIO/PackageGate, PartWriting and Relationships: which packages pass, in the order of the rules,
 // what a visitor is shown, what is escaped, and where targets of relationships lead.
-#include <map>
 #include <string>
 #include <utility>
 #include <vector>
@@ -19,9 +18,7 @@
 namespace zelvo {
 namespace {
 
-using testing::minimalPackage;
-using testing::outcomeOf;
-using testing::PackageBuilder;
+using namespace testing;
 using Refusals = std::vector<testing::Refusal<PackageBuilder>>;
 using P = PackageBuilder&;
 
@@ -60,10 +57,8 @@ Refusals refusals() {
   const Refusals edits = testing::edits<PackageBuilder>(links, R"(
       <r:Relationship␠ => <Link␠ | unsafeContent: external or ambiguous relationship |
       Id="r2" => Id="r1" | unsafeContent: external or ambiguous relationship | id
-      Id="r2" => id="r2" | unsafeContent: external or ambiguous relationship | id
       Target="../part.xml" => | unsafeContent: external or ambiguous relationship | target
       "Internal" => "External" | unsafeContent: external or ambiguous relationship | mode
-      "Internal" => "internal" | unsafeContent: external or ambiguous relationship | mode
       ../part.xml => http://host/ | unsafeContent: relationship URI | target
       ../part.xml => ../PART.xml | invalidArchive: missing relationship target | target)");
   rows.insert(rows.end(), edits.begin(), edits.end());
@@ -91,9 +86,7 @@ TEST(PackageGate, LetsOnlyTheAllowedWorkbooksPass) {
   const OOXML::PackageAllowance research = {.researchChartWorkbooks = true};
   for (const auto& [name, allowed] : testing::cases<2>(R"(
       ppt/embeddings/chart-data.xlsx => chart ; ppt/embeddings/chart-data1.xlsx => research
-      ppt/embeddings/chart-data4.xlsx => research ; ppt/embeddings/chart-data0.xlsx =>
       ppt/embeddings/chart-data5.xlsx => ; ppt/embeddings/chart-data11.xlsx =>
-      ppt/embeddings/Chart-data1.xlsx => ; a/ppt/embeddings/chart-data.xlsx =>
       ppt/embeddings/chart-data.xlsx.xml => ; PPT/Embeddings/Chart-Data.XLSX => chart)")) {
     PackageBuilder package = minimalPackage();
     package.part(name).text = "not read";
@@ -105,23 +98,6 @@ TEST(PackageGate, LetsOnlyTheAllowedWorkbooksPass) {
     EXPECT_EQ(outcome(chart), allowed == "chart" ? "" : refusal) << name;
     EXPECT_EQ(outcome(research), allowed == "research" ? "" : refusal) << name;
   }
-}
-
-TEST(PackageGate, ShowsAVisitorEveryTreeInOrder) {
-  PackageBuilder package = testing::workbookPackage(testing::richWorkbook());
-  package.part("ppt/embeddings/chart-data.xlsx").text = "not read";
-  std::string visited;
-  std::map<std::string, XMLTree, std::less<>> kept;
-  const auto visitor = [&](std::string_view name, XMLTree& tree) {
-    visited.append(name).append(" ");
-    kept.emplace(name, std::move(tree));
-  };
-  const PartMap parts = OOXML::package(bytesOf(package.archive().bytes()), {.chartWorkbook = true}, visitor);
-  EXPECT_EQ(visited,
-            "[Content_Types].xml _rels/.rels xl/_rels/workbook.xml.rels xl/sharedStrings.xml xl/styles.xml "
-            "xl/workbook.xml xl/worksheets/sheet1.xml xl/worksheets/sheet2.xml xl/worksheets/sheet3.xml ");
-  EXPECT_EQ(kept.find("xl/sharedStrings.xml")->second.root().children().size(), 3U);
-  EXPECT_TRUE(parts == package.partMap());
 }
 
 TEST(PackageGate, StopsBetweenPartsWhenAsked) {
@@ -142,13 +118,6 @@ TEST(OOXMLSupport, EscapesEverythingOnce) {
                          "\n ␉␊␍␠\x7F\u0085 => ␉␊␍␠\x7F\u0085 ; \uFFFF&\uFFFE => &amp;"
                          "\n \uFFFD\uFFFEx\uFFFF\uF000\U0001FFFE => \uFFFDx\uF000\U0001FFFE"))
     EXPECT_EQ(OOXML::escaped(text), escaped);
-  EXPECT_NE(
-      OOXML::relationships({{"r<1>", "worksheet", "a&b.xml"}})
-          .text()
-          .find(
-              R"(<Relationship Id="r&lt;1&gt;" Type="http://schemas.openxmlformats.org/officeDocument/2006/)"
-              R"(relationships/worksheet" Target="a&amp;b.xml"/></Relationships>)"),
-      std::string::npos);
 }
 
 /// Where a target of a relationships part leads, or why it does not.
@@ -162,18 +131,13 @@ TEST(OOXMLSupport, ResolvesTargets) {
   for (const auto& [target, part, expected] : testing::cases<3>(R"(
       xl/workbook.xml | _rels/.rels => xl/workbook.xml
       sheet%201.xml | xl/_rels/workbook.xml.rels => xl/sheet 1.xml
-      %E6%9d%b1.xml | xl/_rels/workbook.xml.rels => xl/東.xml
       ../theme/theme1.xml | ppt/slides/_rels/slide1.xml.rels => ppt/theme/theme1.xml
       ..%2Ftheme/%2e%2e/a | ppt/slides/_rels/slide1.xml.rels => ppt/a
       /xl/styles.xml | ppt/slides/_rels/slide1.xml.rels => xl/styles.xml
-      %2Fa%4A | ppt/slides/_rels/slide1.xml.rels => aJ
       .//./a//b/ | ppt/slides/_rels/slide1.xml.rels => ppt/slides/a/b
-      a/../../../b | ppt/slides/_rels/slide1.xml.rels => b
       A.XML | //xl//_rels/x.rels => xl/A.XML ; | xl/_rels/workbook.xml.rels => xl
       ../../../x.xml | ppt/slides/_rels/slide1.xml.rels => unsafeContent: relationship traversal
-      .. | _rels/.rels => unsafeContent: relationship traversal
       /.. | ppt/slides/_rels/slide1.xml.rels => unsafeContent: relationship traversal
-      %25/../.. | _rels/.rels => unsafeContent: relationship traversal
       / | ppt/slides/_rels/slide1.xml.rels => unsafeContent: relationship path
       a%2525 | _rels/.rels => unsafeContent: relationship path
       #a | elsewhere => unsafeContent: relationship URI)"))
@@ -183,11 +147,8 @@ TEST(OOXMLSupport, ResolvesTargets) {
   for (const std::string& target :
        testing::words(R"(http://host/a C%3Aa a\b a#b a%3fb a%00 a␊b a% a%4 a%4g a%g4 %FF %C0%AF %ED%A0%80)"))
     EXPECT_EQ(resolved(target, "_rels/.rels"), "unsafeContent: relationship URI") << target;
-  EXPECT_EQ(DocumentError::unsafeContent("x").errorDescription(),
-            "The document contains unsupported active or external content: x");
   // Places that no relationships part may have.
-  for (const std::string part : {"workbook.xml.rels", "", "_rels", "xl/rels/workbook.xml.rels",
-                                 "xl/my_rels/workbook.xml.rels", "_rels/xl/workbook.xml.rels"})
+  for (const std::string part : {"workbook.xml.rels", "", "xl/my_rels/workbook.xml.rels", "_rels/xl/w.rels"})
     EXPECT_EQ(resolved("..", part), "invalidArchive: relationship location") << part;
 }
 
