@@ -31,22 +31,15 @@ ppt/embeddings/chart-data.xlsx | => | unsafeContent: embedded object |
 word/document.xml | <w:sectPr> => <w:hyperlink/><w:sectPr> | unexpected executable or unsupported document element |
 main part of another name | => | main document part | target
 _rels/.rels | <Relationship …/> => | main document relationship | target
-_rels/.rels | </ => <Relationship Id="x" Target="_rels/.rels"/></ | main document relationship | target/second
-_rels/.rels | /officeDocument" => /styles" | main document relationship | target/type
 _rels/.rels | word/document.xml => _rels/.rels | main document relationship | target
 docProps/core.xml | => <Types/> | unexpected Word package part |
 word/document.xml* | w:document => w:p | Word table | root
-word/document.xml |  xmlns:w="…main" => | Word table | namespace
-word/document.xml* | w:body => w:p | Word table | body
 word/document.xml | <w:tbl>…</w:tbl> => or <w:tbl/><w:tbl/> | Word table | table
-word/document.xml | </w:tc> => <w:tbl/></w:tc> | Word table | table
 word/document.xml | <w:tbl>…</w:tbl> => <w:tbl/> or <w:tbl>(2*<w:tr/>)</w:tbl> | table dimensions | table
 word/document.xml | <w:tbl>…</w:tbl> => <w:tbl>(2*<w:tr>(9*<w:tc/>)</w:tr>)</w:tbl> | table dimensions | table
 word/document.xml | <w:tbl>…</w:tbl> => <w:tbl>(202*<w:tr><w:tc/></w:tr>)</w:tbl> | table dimensions | table
-word/document.xml | <w:tc>…</w:tc> => | table dimensions | table
 expected table that breaks a rule | => | invalidSelection: table, title, or source bounds |
 word/document.xml | >2,2< => >2,2 < | table cells differ from frozen source values | table/row
-word/document.xml | >Column 3< => >Column < | table cells differ from frozen source values | table/header
 word/document.xml | </w:tbl> => <w:tr>(3*<w:tc><w:t>x</w:t></w:tc>)</w:tr></w:tbl> | table cells differ from frozen source values | table
 expected value or a row more expected | => | table cells differ from frozen source values |)",
                          changes);
@@ -62,15 +55,6 @@ TEST(WordValidation, ReturnsTheVerifiedProperties) {
                               .validatorVersion = "zelvo-ooxml-profile-1",
                               .warnings = {layoutWarning, "first", "second"},
                               .outputSHA256 = OOXML::hash(edited.package.bytes().view())};
-  EXPECT_EQ(edited.validate(), expected);
-
-  edited.table.reset();
-  expected.sourceValuesVerified = false;
-  expected.warnings = {layoutWarning};
-  EXPECT_EQ(edited.validate(), expected);
-
-  // A chart is not expected of a Word document.
-  edited.chart = ChartSelection{.categoryColumn = 9, .valueColumn = 9, .title = ""};
   EXPECT_EQ(edited.validate(), expected);
 }
 
@@ -90,35 +74,22 @@ TEST(WordValidation, AcceptsRunsAndTheLargestAndSmallestTable) {
 }
 
 TEST(PresentationValidation, RefusesInTheOrderOfItsChecks) {
-  const DocumentChanges changes = {
-      {"main part of another name", [](E e) { e.renameMainPart("ppt/presentation.xml", otherMainPart); }},
-      {"a chart expected", [](E e) { e.chart.emplace(0, 1, ""); }},
-      {"expected table that breaks a rule", [](E e) { e.table->sourceSHA256 = ""; }}};
+  const DocumentChanges changes = {{"a chart expected", [](E e) { e.chart.emplace(0, 1, ""); }}};
   expectDocumentRefusals([] { return deck(); },
                          R"(
 ppt/slides/slide1.xml | <p:spTree> => <p:spTree><p:pic/> | unexpected executable or unsupported document element |
-main part of another name | => | main document part |
-_rels/.rels | /officeDocument" => /slide" | main document relationship |
 ppt/slides/slide0.xml or ppt/slides/slide01.xml or ppt/slides/slide.xml | => <Types/> | unexpected presentation package part |
-ppt/slides/slide1a.xml or ppt/slides/slide3.XML or docProps/app.xml | => <Types/> | unexpected presentation package part |
-ppt/slideLayouts/slideLayout2.xml | => <Types/> | unexpected presentation package part |
 ppt/presentation.xml* | p:presentation => p:sp | presentation slides |
-ppt/presentation.xml | xmlns:p="http://schemas.openxmlformats.org/presentationml/2006/main" => | presentation slides |
-ppt/presentation.xml* | p:sldIdLst => p:sldMasterIdLst | presentation slides | list
 ppt/presentation.xml | <p:sldIdLst>…</p:sldIdLst> => <p:sldIdLst/> | presentation slides | list
 ppt/presentation.xml | <p:sldIdLst>…</ => <p:sldIdLst>(22*<p:sldId r:id="rId2"/>)</ | presentation slides | list
 ppt/presentation.xml | r:id="rId2" => or r:id="x" | presentation slides | list/first
-ppt/slides/slide1.xml | <a:tbl>…</a:tbl> => | repeated table header | first
 ppt/presentation.xml | <p:sldIdLst>…</ => <p:sldIdLst>(21*<p:sldId r:id="rId2"/>)</ | duplicate slide | list
 ppt/_rels/presentation.xml.rels | slides/slide2.xml => slides/../slides/slide1.xml | duplicate slide | second
-ppt/_rels/presentation.xml.rels | slides/slide2.xml => slideLayouts/slideLayout1.xml | slide root | second
 ppt/slides/slide2.xml* | p:sld => p:sldLayout | slide root | second
-ppt/slides/slide2.xml | <a:tbl>…</a:tbl> => | repeated table header | second
 ppt/slides/slide2.xml | >Column 3< => >Column 4< | repeated table header | second
 a chart expected | => | missing chart or orphaned chart workbook |
 ppt/embeddings/chart-data.xlsx | => <Types/> | missing chart or orphaned chart workbook |
 ppt/slides/slide1.xml | </a:tc></a:tr></a:tbl> => </a:tc><a:tc/></a:tr></a:tbl> | table dimensions | first
-expected table that breaks a rule | => | invalidSelection: table, title, or source bounds |
 ppt/slides/slide2.xml | >12,3< => >12,3 < | table cells differ from frozen source values | second
 ppt/presentation.xml | <p:sldIdLst>…</ => <p:sldIdLst><p:sldId r:id="rId3"/><p:sldId r:id="rId2"/></ )"
                          "| table cells differ from frozen source values | list",
@@ -129,28 +100,16 @@ TEST(PresentationValidation, ChecksSlidesInSlideOrderAndSkipsTheChart) {
   const auto change = [](E e, const std::string& name, const std::string& from, const std::string& to) {
     edit(e.package, "ppt/" + name, from, to);
   };
-  const auto outcome = [](const EditedDocument& edited) { return outcomeOf([&] { edited.validate(); }); };
-  EditedDocument edited = deck();
-  change(edited, "slides/slide1.xml*", "p:sld", "p:sldLayout");
-  change(edited, "_rels/presentation.xml.rels", "slides/slide2.xml", "slides/slide1.xml");
-  EXPECT_EQ(outcome(edited), "validationFailed: slide root");
-
-  edited = chartDeck();
+  EditedDocument edited = chartDeck();
   const std::string entry = R"(<p:sldId r:id="rId)";
   change(edited, "presentation.xml", "<p:sldIdLst>…</",
          "<p:sldIdLst>" + entry + "4\"/>" + entry + "2\"/>" + entry + "3\"/></");
   EXPECT_TRUE(edited.validate().sourceValuesVerified);
   edited.table.reset();
   EXPECT_FALSE(edited.validate().sourceValuesVerified);
-  EXPECT_EQ(edited.validate().warnings.size(), 1U);
   change(edited, "presentation.xml", "<p:sldIdLst>…</",
          "<p:sldIdLst>" + entry + "4\"/></");  // the chart alone
-  EXPECT_EQ(outcome(edited), "validationFailed: table dimensions");
-
-  edited = deck();  // without a chart part, the same slide is not skipped
-  change(edited, "slides/slide2.xml", "<a:tbl>…</a:tbl>", "");
-  change(edited, "slides/slide2.xml", "</p:spTree>", "<c:chart/></p:spTree>");
-  EXPECT_EQ(outcome(edited), "validationFailed: repeated table header");
+  EXPECT_EQ(outcomeOf([&] { edited.validate(); }), "validationFailed: table dimensions");
 
   const SourceTable table = tableOf(1, 200);  // twenty slides, the most for a table
   const ByteBuffer deck = DocumentAuthor::pptx(table, "Title", {});
@@ -188,7 +147,6 @@ const DocumentChanges changes = {
     {"a category less", points("11", "12")},
     {"impossible chart", [](E e) { e.chart->valueColumn = 3; }},
     {"chart of a text column", [](E e) { e.chart->valueColumn = 2; }},
-    {"other categories", [](E e) { e.chart->categoryColumn = 2; }},
     {"approved value", [](E e) { e.table->rows[6][1].value = Value::number("6.250"); }},
     {"approved category", [](E e) { e.table->rows[7][0].value = Value::text("8"); }},
     {"a row more approved", approveOneMoreRow},
@@ -203,7 +161,6 @@ ppt/embeddings/chart-data.xlsx | => xlsx | resourceLimit: archive size | book
 book:xl/worksheets/sheet1.xml | <sheetData> => <drawing/><sheetData> | unexpected executable or unsupported document element |
 book:docProps/app.xml | => <t/> | unexpected data in embedded chart workbook | book/part
 ppt/charts/chart1.xml* | c:chartSpace => c:chart | chart data | chart/root
-ppt/charts/chart1.xml | </c:ser> => </c:ser><c:ser/> | chart data | chart/series
 ppt/charts/chart1.xml | <c:ser>…</c:ser> or <c:cat>…</c:cat> or <c:val>…</c:val> or <c:numCache>…</c:numCache> => | chart data | chart/series
 ppt/charts/chart1.xml | <c:cat>…</c:cat> => <c:cat><c:numCache/></c:cat> | chart data | chart/series
 ppt/charts/chart1.xml | <c:plotArea> => <c:plotArea><c:strCache/> or <c:plotArea><c:numCache/> | chart data | chart/series/cache
@@ -213,22 +170,15 @@ ppt/charts/chart1.xml | <c:tx>…</c:tx> => | chart references or cache indexes 
 ppt/charts/chart1.xml | $A$2:$A$13 => $A$2:$A$14 | chart references or cache indexes |
 ppt/charts/chart1.xml | $B$2:$B$13 => $B$2:$B$12 | chart references or cache indexes |
 ppt/charts/chart1.xml | ChartData!$B$1 => ChartData!$A$1 | chart references or cache indexes |
-ppt/charts/chart1.xml | <c:plotArea> => <c:plotArea><c:f/> | chart references or cache indexes |
 ppt/charts/chart1.xml | ptCount val="12" => ptCount val="13" | chart references or cache indexes |
 ppt/charts/chart1.xml | <c:pt idx="11"> => <c:pt idx="12"> | chart references or cache indexes |
 book:xl/worksheets/sheet1.xml | <row r="2"> => <row r="2"><c r="C2"><v>1</v></c> | chart data |
-book:xl/worksheets/sheet1.xml | </sheetData> => <row r="14"/><row r="15"><c r="A15"/></row></sheetData> | chart data |
 book:xl/workbook.xml | "ChartData" => "Data" | chart data |
-ppt/charts/chart1.xml | <c:strCache>…</c:strCache> => | chart data | chart/series
 ppt/charts/chart1.xml | <c:v>Column 2</c:v> => <c:v>Column</c:v> or <c:v>Column 2</c:v></c:pt><c:pt><c:v>x</c:v> | chart data |
 ppt/charts/chart1.xml | <c:v>3.25</c:v> => <c:v>3.250</c:v> | chart cache and embedded data disagree |
 book:xl/worksheets/sheet1.xml | <v>4.25</v> => <v>5.25</v> | chart cache and embedded data disagree |
-book:xl/worksheets/sheet1.xml | >5,1< => >5,1 < | chart cache and embedded data disagree |
-book:xl/worksheets/sheet1.xml | <c r="B8"> => <c r="B8" t="str"> | chart cache and embedded data disagree |
-book:xl/worksheets/sheet1.xml | <row r="13">…</row> => | chart cache and embedded data disagree |
 impossible chart | => | invalidSelection: chart needs two different columns and at most 30 rows | expected
 chart of a text column | => | invalidSelection: chart categories and numeric values must be present; missing values are not zero | expected
-other categories | => | chart data differs from the approved columns | expected/category
 approved value or approved category or a row more approved | => | chart data differs from the approved columns |
 table that breaks a rule | => | invalidSelection: table, title, or source bounds |
 approved title | => | table cells differ from frozen source values |
@@ -236,21 +186,8 @@ ppt/slides/slide2.xml | >12,3< => >12< | table cells differ from frozen source v
                          changes);
 }
 
-TEST(ChartValidation, AcceptsAnyExpectedTableAndPointsWithSeveralValues) {
+TEST(ChartValidation, RefusesAChartWithoutItsWorkbook) {
   EditedDocument edited = chartDeck();
-  // The first value counts.
-  edit(edited.package, "ppt/charts/chart1.xml", "<c:v>0.25</c:v>", "<c:v>0.25</c:v><c:v>7</c:v>");
-  const auto outcome = [&] { return outcomeOf([&] { edited.validate(); }); };
-  EXPECT_EQ(outcome(), "");
-  edited.table->rows[11].clear();
-  EXPECT_EQ(
-      outcome(),
-      "invalidSelection: chart categories and numeric values must be present; missing values are not zero");
-  edited.table->rows.clear();
-  EXPECT_EQ(outcome(), "invalidSelection: chart values have mixed formats or units");
-  edited.table.reset();
-  EXPECT_EQ(outcome(), "");
-
   removeWorkbook(edited);
   const GeneratedPackage package(edited.package.bytes().view(), {}, {});
   EXPECT_EQ(outcomeOf([&] { validateChartPackage(package, nullptr, *edited.chart, {}); }),

@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 
 #include "DocumentRuntime/PackageIO/BoundedXML.hpp"
-#include "DocumentRuntime/Validation/EditedDocument.hpp"
 #include "DocumentRuntime/Validation/GeneratedDocumentProfile.hpp"
 #include "Support/GeneratedVocabulary.hpp"
 #include "Support/RefusalTable.hpp"
@@ -40,11 +39,9 @@ TEST(GeneratedDocumentProfile, ChecksElementThenPrefixesThenDefaultThenChildren)
       <c xmlns='spreadsheetml/2006/main'/> =>
       <w:p xmlns='urn:x' xmlns:v='urn:x'><script/></w:p> => unexpected document namespace
       <w:p xmlns:w='officeDocument/2006/relationships'/> => unexpected document namespace
-      <w:p xmlns:w='wordprocessingml/2006/main/'/> => unexpected document namespace
       <w:p xmlns:v='wordprocessingml/2006/main'/> => unexpected document namespace
       <w:p xmlns='urn:x'><script/></w:p> => unexpected default namespace
       <w:p xmlns='wordprocessingml/2006/main'/> => unexpected default namespace
-      <c xmlns=''/> => unexpected default namespace
       <w:p><w:r xmlns='urn:x'><w:t/></w:r><script/></w:p> => unexpected default namespace
       <w:script xmlns:v='urn:x' xmlns='urn:x'><script/></w:script> => unexpected executable or unsupported document element
       <w:p><w:r><script/></w:r><w:r xmlns='urn:x'/></w:p> => unexpected executable or unsupported document element)")) {
@@ -55,26 +52,6 @@ TEST(GeneratedDocumentProfile, ChecksElementThenPrefixesThenDefaultThenChildren)
     }
     EXPECT_EQ(verdict(full), expected.empty() ? "" : "validationFailed: " + expected) << xml;
   }
-}
-
-TEST(GeneratedDocumentProfile, AppliesToEveryPartAfterTheGate) {
-  const auto good = chartDeck();
-  std::size_t checked = 0;
-  for (const auto& part : good.package.parts) {
-    if (part.name.ends_with(".xlsx")) continue;
-    auto edited = good;
-    std::string& text = edited.part(part.name);
-    text = replaced(text, "?><", "?><Types><") + "<script/></Types>";
-    const auto expected =
-        part.name.ends_with(".rels") ? DocumentError::invalidArchive("relationships root") : badElement;
-    EXPECT_EQ(outcomeOf([&] { edited.validate(); }), expected) << part.name;
-    edited.part("ppt/theme/theme1.xml") = "<a:theme>";  // an error of the gate comes first
-    if (!part.name.ends_with(".rels")) {
-      EXPECT_EQ(outcomeOf([&] { edited.validate(); }), "invalidArchive: malformed XML") << part.name;
-    }
-    ++checked;
-  }
-  EXPECT_EQ(checked, 17U);
 }
 
 }  // namespace
