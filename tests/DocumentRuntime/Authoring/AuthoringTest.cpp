@@ -1,7 +1,6 @@
 // Owns the bytes of authored documents and the layout of presentations: estimated lines, slides of a
 // table, and what does not fit. `script/update-goldens` writes the folder "expected" again.
 #include <string>
-#include <vector>
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,5 @@
 // Owns DocumentRuntime/Cells: addresses and ranges, number texts, number formats, dates and times.
 #include <bit>
-#include <chrono>
 #include <cmath>
 #include <random>
 #include <string>

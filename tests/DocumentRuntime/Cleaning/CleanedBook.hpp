@@ -5,7 +5,6 @@
 
 #include "DocumentRuntime/Cleaning/WorkbookCleaner.hpp"
 #include "DocumentRuntime/PackageIO/BoundedZIP.hpp"
-#include "DocumentRuntime/Workbook/WorkbookReader.hpp"
 #include "Support/AllowedMarkup.hpp"
 #include "Support/PackageBuilder.hpp"
 #include "Support/RefusalTable.hpp"

@@ -94,6 +94,7 @@ package | http://schemas.openxmlformats.org/officeDocument/2006/relationships/of
 package | xl/workbook.xml | xl/styles.xml | | invalidArchive: two parts of the type officeDocument
 links | worksheet" Target="worksheets/sheet1 | chartsheet" Target="worksheets/sheet1 | <sheet name="Hidden" sheetId="1" state="hidden" r:id="rId1"/> | Hidden 1/0; Empty & last 0/0; worksheets 1 [xl/worksheets/sheet1.xml]; chart sheets 1 "Sales"; phonetic runs 1
 links | sheet1.xml" | sheet1.xml" TargetMode="External" | | unsafeContent: external or ambiguous relationship
+links | sheet1.xml | sheet9.xml | | invalidArchive: missing relationship target
 styles | </numFmts> | <numFmt numFmtId='164' formatCode='0'/></numFmts> | | invalidArchive: number format 164 in the styles
 styles | <xf numFmtId="14"/> | <xf numFmtId="14"><value/></xf> | | unsupported: unknown element in cell style 2
 )")) {

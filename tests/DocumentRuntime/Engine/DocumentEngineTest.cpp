@@ -1,4 +1,4 @@
-// Owns the order of the engine's steps, the limits of slide cells, and its results from workbook to document.
+// Owns the order of the engine's steps, the limits of slide cells, and the texts that Word documents refuse.
 #include <gtest/gtest.h>
 
 #include "DocumentRuntime/Coding/RecordCoding.hpp"

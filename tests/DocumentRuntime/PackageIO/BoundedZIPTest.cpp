@@ -121,6 +121,7 @@ Refusals refusals() {
       {"local name length", middle([](E e) { e.local.nameLength = 12; }), localBounds},
       {"local name", middle([](E e) { e.local.name.back() = 'k'; }), localBounds},
       {"overlap", middle([](E e) { e.nested = true; }), overlap},
+      {"local CRC", middle([](E e) { e.local.crc ^= 1; }), localSizes},
       {"local compressed size", middle([](E e) { e.local.compressedSize ^= 1; }), localSizes},
       {"local uncompressed size", middle([](E e) { e.local.uncompressedSize ^= 1; }), localSizes},
       {"stored size", twice([](H h) { h.method = 0; }), storedSize},

@@ -1,7 +1,6 @@
 // Owns PackageIO/PackageGate, PartWriting and Relationships: which packages pass, in the order of the rules,
-// what a visitor is shown, what is escaped, and where targets of relationships lead.
+// when a visitor stops, what is escaped, and where targets of relationships lead.
 #include <string>
-#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>

@@ -183,6 +183,7 @@ TEST(ResearchPresentation, ResolvesOneBindingForEachChartSlide) {
   for (const auto& binding : bindings)
     parts += binding.reference.datasetID + std::to_string(binding.partNumber) + " ";
   EXPECT_EQ(parts, "a1 b2 a1 ");
+  EXPECT_EQ(deck.referencedChartDatasetIDs(), (std::set<std::string>{"a", "b"}));
   EXPECT_EQ(bindings[0].cells, bindings[2].cells) << "copied for each slide";
 }
 

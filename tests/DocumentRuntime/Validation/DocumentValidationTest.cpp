@@ -31,6 +31,7 @@ ppt/embeddings/chart-data.xlsx | => | unsafeContent: embedded object |
 word/document.xml | <w:sectPr> => <w:hyperlink/><w:sectPr> | unexpected executable or unsupported document element |
 main part of another name | => | main document part | target
 _rels/.rels | <Relationship …/> => | main document relationship | target
+_rels/.rels | /officeDocument" => /styles" | main document relationship | target/type
 _rels/.rels | word/document.xml => _rels/.rels | main document relationship | target
 docProps/core.xml | => <Types/> | unexpected Word package part |
 word/document.xml* | w:document => w:p | Word table | root

@@ -1,6 +1,5 @@
 // Owns the allow-list of elements and namespaces.
 #include <string>
-#include <vector>
 
 #include <gtest/gtest.h>
 
