@@ -108,11 +108,12 @@ TEST_F(ExtractSheet, ChoosesTheSheetAndTheRange) {
   }
 }
 
-/// A row from B3 on, of cells {value, more members}.
-std::string rowOf(const std::vector<std::string>& values) {
+/// Cells of a row, each {value, more members}.
+std::string rowOf(const std::string& number, const std::vector<std::string>& values) {
   std::string row;
   for (const std::string& value : values)
-    row += R"(,{"address":"B3","hidden":false,"usesCachedFormulaValue":false,"value":)" + value + "}";
+    row += R"(,{"address":"B)" + number + R"(","hidden":false,"usesCachedFormulaValue":false,"value":)" +
+           value + "}";
   return row.replace(0, 1, "[") + "]";
 }
 
@@ -120,13 +121,13 @@ TEST_F(ExtractSheet, PrintsRowForms) {
   displace(
       R"(say {"table":{"sourceName":"b","sourceSHA256":"0","sheetName":"S\u001b","selectedRange":"B3","columns":[],)"
       R"("warnings":["w\u0007"],"headerUsesCachedFormulaValues":false,"rows":[)" +
-      rowOf({R"({"text":{"_0":"a"}})", R"({"text":{"_0":" "}})", R"({"text":{"_0":"a"}})"}) + "," +
-      rowOf({R"({"number":{"_0":"-1.50"}},"numberFormat":"0.0")", R"({"text":{"_0":"=1|2\\|\"\u009b"}})",
-             R"({"boolean":{"_0":true}})"}) +
+      rowOf("3", {R"({"text":{"_0":"a"}})", R"({"text":{"_0":" "}})", R"({"text":{"_0":"a"}})"}) + "," +
+      rowOf("4", {R"({"number":{"_0":"-1.50"}},"numberFormat":"0.0")", R"({"text":{"_0":"=1|2\\|\"\u009b"}})",
+                  R"({"boolean":{"_0":true}})"}) +
       "," +
-      rowOf(
-          {R"({"number":{"_0":"+.5E1"}})", R"({"error":{"_0":"#N/A"}})", R"({"text":{"_0":"\tx\r\ny\\"}})"}) +
-      "," + rowOf({R"({"missing":{}})", R"({"text":{"_0":""}})", R"({"missing":{}})"}) + "]}}");
+      rowOf("5", {R"({"number":{"_0":"+.5E1"}})", R"({"error":{"_0":"#N/A"}})",
+                  R"({"text":{"_0":"\tx\r\ny\\"}})"}) +
+      "," + rowOf("6", {R"({"missing":{}})", R"({"text":{"_0":""}})", R"({"missing":{}})"}) + "]}}");
   const std::string c1 = "\u009b";
   const std::pair<std::string, std::string> forms[] = {
       {"--csv", "a, ,a\n-1.5,\"=1|2\\|\"\"" + c1 + "\",TRUE\n+.5E1,#N/A,\"\tx\r\ny\\\"\n"},

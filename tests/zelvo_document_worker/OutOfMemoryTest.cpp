@@ -18,7 +18,6 @@
 #include "DocumentRuntime/Research/Slides/Renderer.hpp"
 #include "DocumentRuntime/Research/Workbook/DatasetWorkbook.hpp"
 #include "FakeProcess.hpp"
-#include "Support/Cases.hpp"
 #include "Support/HeapUse.hpp"
 
 namespace zelvo {
@@ -128,31 +127,6 @@ TEST(OutOfMemory, AProcessThatHasJustStartedEndsInNoOtherWay) {
     ASSERT_TRUE(WIFEXITED(status)) << "allocation " << allocation << ": " << status;
     status = WEXITSTATUS(status);
     ASSERT_NE(status, wrong) << "allocation " << allocation;
-  }
-}
-
-TEST(Decoding, TakesMemoryInProportionToTheText) {
-  const std::string head =
-      R"({"operation":"validate","data":"","sourceName":"","expectedTable":{"sourceName":"","sourceSHA256":"",)"
-      R"("sheetName":"","selectedRange":"","headerUsesCachedFormulaValues":false)";
-  constexpr std::size_t listBytes = 512 << 10;  // of what is kept of lists
-  for (const auto& [list, element, end] : testing::cases<3>(R"(
-      "columns":[ => "" => ]
-      "rows":[ => [] => ]
-      "rows":[[ => {"address":"","value":{"missing":{}},"usesCachedFormulaValue":false,"hidden":false} => ]]
-      "more":[ => 0 => ]
-      "more":[ => [0] => ]
-      "more":{ => "":0 => })")) {
-    std::string text = head + "," + list + element;
-    while (text.size() < 1 << 20)
-      text.append(",").append(element);
-    text += end;
-    for (const std::string key : {R"("columns":[)", R"("rows":[)", R"("warnings":[)"}) {
-      if (!list.starts_with(key)) text += "," + key + "]";
-    }
-    text += "}}";
-    const testing::HeapLimit limit(2 * text.size() + listBytes);
-    EXPECT_TRUE(fromJson<DocumentWorkerRequest>(std::move(text)).expectedTable) << element;
   }
 }
 
