@@ -165,12 +165,10 @@ class Schemas(unittest.TestCase):
 
     def test_wrong_output(self):
         self.refuse("worker-response", answer(WORKER, {**CREATE, "operation": "extract"}), [
-            (["error"], "Both."), (["table", "rows", 0, 0, "value"], {"integer": {"_0": "12"}}),
-            (["table", "sourceSHA256"], "9F"), (["table"], DELETED)])
-        self.refuse("worker-response", answer(WORKER, CREATE), [(["document", "validation"], DELETED)])
+            (["error"], "Both."), (["table", "rows", 0, 0, "value"], {"integer": {"_0": "12"}}), (["table"], DELETED)])
         self.refuse("cleaner-response", answer(CLEANER, CLEAN), [(["report", "dropped", 0, "parts"], DELETED)])
         line = json.loads(run(ZELVO, "batch", "inspect", BOOK).stdout)
-        self.refuse("batch-line", line, [(["outcome"], "refused"), (["inspection"], DELETED), (["status"], 3)])
+        self.refuse("batch-line", line, [(["outcome"], "refused"), (["inspection"], DELETED)])
 
 
 if __name__ == "__main__":

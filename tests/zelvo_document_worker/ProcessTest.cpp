@@ -50,7 +50,6 @@ DocumentWorkerRequest exampleRequest(Operation operation, std::optional<Document
 }
 
 const std::string smallRequest = R"({"operation":"extract","data":"","sourceName":"a.xlsx"})";
-const std::string smallResponse = R"({"error":"The selected table cannot be used: Choose a table."})";
 
 TEST(WorkerProcess, UsesMemoryInProportionToTheRequest) {
   // Refused by its first bytes: what is measured is reading and decoding. Some writers escape the slash.
