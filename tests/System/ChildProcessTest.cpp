@@ -87,16 +87,6 @@ TEST(ChildProcess, PassesNothingOn) {
   EXPECT_EQ(runForkedChild(host, 0).code, SIGTERM) << "a signal was blocked or ignored";
 }
 
-TEST(ChildProcess, WorksInAHostWithoutStandardStreams) {
-  const auto host = [] {
-    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
-      close(stream);
-    const ChildResult result = runShell("cat; echo errors >&2", "input");
-    return result.output == "input" && result.errorOutput == "errors\n" ? 0 : 1;
-  };
-  EXPECT_EQ(runForkedChild(host, 0).code, 0);
-}
-
 TEST(ChildProcess, MeasuresTimeAndMemory) {
   const ChildResult busy = runShell("i=0; while [ $i -lt 100000 ]; do i=$((i+1)); done");
   EXPECT_GT(busy.cpuTime, milliseconds(20));
