@@ -15,10 +15,6 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr std::string_view workbookSuffix = ".xlsx";
-// Bytes of a difference, and those before its first.
-constexpr std::size_t shown = 300;
-constexpr std::ptrdiff_t before = 100;
-
 void update(ByteView package, const fs::path& folder) {
   fs::remove_all(folder);
   for (const Part& part : BoundedZIP::read(package)) {
@@ -51,21 +47,15 @@ std::string archiveOf(const fs::path& folder) {
 }
 
 std::string differencesOf(ByteView package, const fs::path& folder) {
-  std::string text;
   for (const Part& part : BoundedZIP::read(package)) {
     const fs::path path = folder / part.name;
-    if (part.name.ends_with(workbookSuffix)) {
-      text += differencesOf(part.bytes.view(), path);
-    } else if (const std::string wanted = contentOf(path), found(part.bytes.text()); found != wanted) {
-      const auto same = std::ranges::mismatch(wanted, found).in1 - wanted.begin();
-      const auto start = static_cast<std::size_t>(std::max(same, before) - before);
-      text += path.string() + "\n  - " + wanted.substr(start, shown) + "\n  + " + found.substr(start, shown) +
-              '\n';
-    }
+    const bool isArchive = part.name.ends_with(workbookSuffix);
+    const std::string within = isArchive ? differencesOf(part.bytes.view(), path) : "";
+    if (!within.empty()) return within;
+    if (!isArchive && part.bytes.text() != contentOf(path))
+      return path.string() + ": " + std::string(part.bytes.text());
   }
-  if (text.empty() && textOf(package) != archiveOf(folder))
-    return "the archive differs from " + folder.string();
-  return text;
+  return textOf(package) == archiveOf(folder) ? "" : "the archive differs from " + folder.string();
 }
 
 }  // namespace

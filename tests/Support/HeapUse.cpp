@@ -22,7 +22,6 @@ std::atomic<std::size_t> allowedBytes = SIZE_MAX;
 
 /// Zero: the next allocation fails. Negative: one has failed.
 std::atomic<std::ptrdiff_t> allocationsUntilFailure = never;
-std::atomic<bool> failsOnlyOnce = true;
 
 void count(std::size_t size) {
   ++blocks;
@@ -43,14 +42,7 @@ std::size_t liveBlocks() {
   return blocks;
 }
 
-bool isNextAllocationToFail() {
-  if (allocationsUntilFailure == never) return false;
-  const std::ptrdiff_t left = allocationsUntilFailure--;
-  return left == 0 || (left < 0 && !failsOnlyOnce);
-}
-
-FailingAllocation::FailingAllocation(std::size_t skipped, Then then) {
-  failsOnlyOnce = then == Then::succeed;
+FailingAllocation::FailingAllocation(std::size_t skipped) {
   allocationsUntilFailure = static_cast<std::ptrdiff_t>(skipped);
 }
 FailingAllocation::~FailingAllocation() {
@@ -92,7 +84,8 @@ namespace {
 /// bytes, if any, as if the two were never there at once: the system moves the pages of a large block.
 template <typename Allocate>
 void* counted(Allocate allocate, std::size_t replaced = 0) {
-  void* const block = isNextAllocationToFail() ? nullptr : allocate();
+  void* const block =
+      allocationsUntilFailure != never && allocationsUntilFailure-- == 0 ? nullptr : allocate();
   if (block == nullptr) {
     errno = ENOMEM;
     return nullptr;

@@ -13,18 +13,13 @@ std::size_t liveBlocks();
 /// While this lives, an allocation fails: the first after `skipped` others.
 class FailingAllocation {
  public:
-  enum class Then { succeed, fail };  ///< what later ones do
-
-  explicit FailingAllocation(std::size_t skipped, Then then = Then::succeed);
+  explicit FailingAllocation(std::size_t skipped);
   FailingAllocation(const FailingAllocation&) = delete;
   FailingAllocation& operator=(const FailingAllocation&) = delete;
   ~FailingAllocation();
 
   bool hasFailed() const;
 };
-
-/// Counts an allocation, and says whether it is to fail. Programs that replace `operator new` ask for it.
-bool isNextAllocationToFail();
 
 /// While this lives, the program may allocate so many bytes more than it holds now. The allocation that takes
 /// it above aborts the program, so that a debugger or a sanitizer shows where. One at a time.

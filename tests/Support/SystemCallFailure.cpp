@@ -2,11 +2,9 @@
 
 #include <atomic>
 #include <cerrno>
-#include <fcntl.h>
+#include <filesystem>
 #include <optional>
-#include <spawn.h>
 #include <sys/wait.h>
-#include <unistd.h>
 
 namespace {
 
@@ -31,15 +29,17 @@ std::optional<int> failureOf(std::string_view name) {
 // linker's names.
 extern "C" {
 
-// Every argument and every result fits a register and is passed on in it, whatever its type.
-#define ZELVO_FAILING(NAME)                                              \
-  long __real_##NAME(long a, long b, long c, long d);                    \
-  long __wrap_##NAME(long a, long b, long c, long d);                    \
-  long __wrap_##NAME(long a, long b, long c, long d) {                   \
-    const auto error = failureOf(#NAME);                                 \
-    if (error == FailingCall::isShort) return __real_##NAME(a, b, 1, d); \
-    if (error) errno = *error;                                           \
-    return error ? -1 : __real_##NAME(a, b, c, d);                       \
+// Every argument and every result fits a register and is passed on in it, whatever its type. posix_spawn
+// returns its error number.
+#define ZELVO_FAILING(NAME)                                                    \
+  long __real_##NAME(long a, long b, long c, long d, long e, long f);          \
+  long __wrap_##NAME(long a, long b, long c, long d, long e, long f);          \
+  long __wrap_##NAME(long a, long b, long c, long d, long e, long f) {         \
+    const auto error = failureOf(#NAME);                                       \
+    if (error == FailingCall::isShort) return __real_##NAME(a, b, 1, d, e, f); \
+    if (!error) return __real_##NAME(a, b, c, d, e, f);                        \
+    errno = *error;                                                            \
+    return std::string_view(#NAME) == "posix_spawn" ? *error : -1;             \
   }
 
 ZELVO_FAILING(dup2)
@@ -51,24 +51,12 @@ ZELVO_FAILING(mkostemp)
 ZELVO_FAILING(pipe)
 ZELVO_FAILING(pipe2)
 ZELVO_FAILING(poll)
+ZELVO_FAILING(posix_spawn)
 ZELVO_FAILING(read)
 ZELVO_FAILING(rename)
 ZELVO_FAILING(wait4)
 ZELVO_FAILING(waitpid)
 ZELVO_FAILING(write)
-
-// Returns the error number, and leaves errno alone.
-using SpawnActions = posix_spawn_file_actions_t;
-int __real_posix_spawn(pid_t* id, const char* path, const SpawnActions* actions,
-                       const posix_spawnattr_t* attributes, char* const* arguments, char* const* environment);
-int __wrap_posix_spawn(pid_t* id, const char* path, const SpawnActions* actions,
-                       const posix_spawnattr_t* attributes, char* const* arguments, char* const* environment);
-int __wrap_posix_spawn(pid_t* id, const char* path, const SpawnActions* actions,
-                       const posix_spawnattr_t* attributes, char* const* arguments,
-                       char* const* environment) {
-  const auto error = failureOf("posix_spawn");
-  return error ? *error : __real_posix_spawn(id, path, actions, attributes, arguments, environment);
-}
 
 }  // extern "C"
 // NOLINTEND(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp,readability-identifier-naming)
@@ -90,11 +78,8 @@ bool FailingCall::hasFailed() const {
 }
 
 std::size_t openDescriptors() {
-  constexpr int searched = 1024;
-  std::size_t count = 0;
-  for (int descriptor = 0; descriptor < searched; ++descriptor)
-    count += fcntl(descriptor, F_GETFD) >= 0 ? 1 : 0;
-  return count;
+  const std::filesystem::directory_iterator descriptors("/proc/self/fd");
+  return static_cast<std::size_t>(std::distance(descriptors, {}));
 }
 
 bool leavesChild() {

@@ -6,12 +6,6 @@
 /// System calls that fail on demand, in programs that link `SystemCallFailure`. The linker leads every use of
 /// the calls listed in CMakeLists.txt, in all static code of the program, to a replacement that fails or
 /// passes the call on. A call that is not listed yet is added there and in SystemCallFailure.cpp.
-///
-///     {
-///       const FailingCall full("write", ENOSPC);
-///       EXPECT_FALSE(writeFile(path, content));
-///       EXPECT_TRUE(full.hasFailed());
-///     }
 namespace zelvo::testing {
 
 /// While this lives, one use of the call fails: the first after `skipped` others. One at a time; the uses of

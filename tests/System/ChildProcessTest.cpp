@@ -31,7 +31,7 @@ ChildResult runShell(const std::string& script, std::string_view input = "",
 
 TEST(ChildProcess, ReportsHowTheChildEnded) {
   const ChildBounds brief = {.outputBytes = 1 << 20, .wallClock = milliseconds(300)};
-  const ChildBounds eightBytes = {.outputBytes = 8, .wallClock = std::chrono::seconds(60)};
+  const ChildBounds eightBytes = {.outputBytes = 8, .wallClock = milliseconds::max()};
   const struct {
     std::string script;
     ChildBounds bounds;
@@ -39,62 +39,39 @@ TEST(ChildProcess, ReportsHowTheChildEnded) {
     int code;
     std::string output;
   } rows[] = {
-      {"echo said; exit 78", {10, milliseconds::max()}, exited, 78, "said\n"},
+      {"echo said; exit 78", eightBytes, exited, 78, "said\n"},
       {"echo said; kill -SYS $$", ample, killed, SIGSYS, "said\n"},
       {"printf 12345678", eightBytes, exited, 0, "12345678"},
       {"printf 123456789", eightBytes, outputTooLarge, 0, "12345678"},
       {"while :; do echo more; done", eightBytes, outputTooLarge, 0, "more\nmor"},
-      {"exec sleep 60", brief, timedOut, 0, ""},
       {"while :; do echo more >&2; done", brief, timedOut, 0, ""},
       {"echo said; exec sleep 60 >&- 2>&-", brief, timedOut, 0, "said\n"},
       {"trap '' TERM PIPE; exec sleep 60", brief, timedOut, 0, ""},
   };
   for (const auto& row : rows) {
-    SCOPED_TRACE(row.script);
     const ChildResult result = runShell(row.script, "", row.bounds);
-    EXPECT_EQ(result.outcome, row.outcome);
-    EXPECT_EQ(result.code, row.code);
-    EXPECT_EQ(result.output, row.output);
+    EXPECT_EQ(result.outcome, row.outcome) << row.script;
+    EXPECT_EQ(result.code, row.code) << row.script;
+    EXPECT_EQ(result.output, row.output) << row.script;
   }
   EXPECT_FALSE(testing::leavesChild());
-}
-
-TEST(ChildProcess, ReportsWhyNothingWasStarted) {
-  const ChildResult result = runChildProcess({"/", {}}, "ignored", ample);
-  EXPECT_EQ(result.outcome, failed);
-  EXPECT_EQ(result.code, EACCES);
+  const ChildResult none = runChildProcess({"/", {}}, "ignored", ample);
+  EXPECT_EQ(none.outcome, failed);
+  EXPECT_EQ(none.code, EACCES);
 }
 
 TEST(ChildProcess, WritesAndReadsAtTheSameTime) {
-  std::string input;
-  for (int i = 0; input.size() < 5'000'000; ++i)
-    input += std::to_string(i) + '\n';
-  const struct {
-    std::string script;
-    std::string output;
-    std::uint64_t bytesRead;
-  } rows[] = {
-      {"cat", input, input.size()},
-      {"sleep 0.2; wc -c; sleep 0.2; echo late", std::to_string(input.size()) + "\nlate\n", input.size()},
-      {"head -c 7 >/dev/null; kill -SYS $$", "", 7},
-      {"exec <&-; echo unread", "unread\n", 0},
-  };
-  for (const auto& row : rows) {
-    const ChildResult result = runShell(row.script, input);
-    EXPECT_TRUE(result.output == row.output) << row.script << ": " << result.output.size() << " bytes";
-    EXPECT_EQ(result.inputBytesRead, row.bytesRead) << row.script;
-  }
-}
-
-TEST(ChildProcess, KeepsTheStartOfStandardError) {
-  const ChildResult result = runShell("head -c 1000000 /dev/zero >&2; echo reason >&2; echo answer");
-  EXPECT_EQ(result.errorOutput, std::string(65536, '\0'));
-  EXPECT_EQ(result.output, "answer\n");
+  const std::string input(5'000'000, 'x');
+  const ChildResult echo = runShell("sleep 0.2; cat; head -c 1000000 /dev/zero >&2; echo late", input);
+  EXPECT_TRUE(echo.output == input + "late\n");
+  EXPECT_EQ(echo.inputBytesRead, input.size());
+  EXPECT_EQ(echo.errorOutput, std::string(65536, '\0'));
+  EXPECT_EQ(runShell("head -c 7 >/dev/null; kill -SYS $$", input).inputBytesRead, 7U);
+  EXPECT_EQ(runShell("exec <&-; echo unread", input).output, "unread\n");
 }
 
 TEST(ChildProcess, PassesNothingOn) {
   EXPECT_EQ(runChildProcess({"/usr/bin/env", {}}, "", ample).output, "");
-
   const int leaking = open("/dev/null", O_RDONLY);
   const std::string number = std::to_string(leaking);
   EXPECT_EQ(runShell("[ -e /proc/self/fd/" + number + " ] && echo open || echo closed").output, "closed\n");
@@ -110,16 +87,6 @@ TEST(ChildProcess, PassesNothingOn) {
   EXPECT_EQ(runForkedChild(host, 0).code, SIGTERM) << "a signal was blocked or ignored";
 }
 
-TEST(ChildProcess, WorksInAHostWithoutStandardStreams) {
-  const auto host = [] {
-    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
-      close(stream);
-    const ChildResult result = runShell("cat; echo errors >&2", "input");
-    return result.output == "input" && result.errorOutput == "errors\n" ? 0 : 1;
-  };
-  EXPECT_EQ(runForkedChild(host, 0).code, 0);
-}
-
 TEST(ChildProcess, MeasuresTimeAndMemory) {
   const ChildResult busy = runShell("i=0; while [ $i -lt 100000 ]; do i=$((i+1)); done");
   EXPECT_GT(busy.cpuTime, milliseconds(20));
@@ -130,50 +97,45 @@ TEST(ChildProcess, MeasuresTimeAndMemory) {
   EXPECT_LT(large.peakMemoryBytes, 100 * kept);
 }
 
-using FailingCalls = std::vector<std::pair<std::string, int>>;
-
-/// Fails each of the first uses of a call, which are of three pipes, three streams and several waits, while
-/// `start` runs a child that writes the output and exits with status 3.
-void expectEnd(ChildOutcome outcome, const FailingCalls& calls, const std::function<ChildResult()>& start,
-               const std::string& output = "") {
-  const std::size_t descriptors = testing::openDescriptors();
-  for (const auto& [call, error] : calls) {
-    for (std::size_t skipped = 0; skipped < 6; ++skipped) {
-      SCOPED_TRACE(call + " " + std::to_string(error) + " " + std::to_string(skipped));
-      const testing::FailingCall failing(call, error, skipped);
-      const ChildResult result = start();
-      EXPECT_TRUE(failing.hasFailed() || skipped > 0);
-      if (!failing.hasFailed()) break;
-      EXPECT_EQ(result.outcome, outcome);
-      EXPECT_EQ(result.code, outcome == failed ? error : 3);
-      EXPECT_TRUE(result.output == output || outcome == failed);
-      EXPECT_EQ(testing::openDescriptors(), descriptors);
-      // A child that the system denies cannot be waited for.
-      EXPECT_EQ(testing::leavesChild(), error == ECHILD);
-      waitpid(-1, nullptr, 0);
-    }
-  }
-}
-
 TEST(ChildProcess, SurvivesSystemCallsThatFail) {
   const std::string input(100'000, 'x');  // more than a pipe holds
   const auto program = [&] { return runShell("cat; exit 3", input); };
   const auto copy = [] { return runForkedChild([] { return 3; }, 0); };
-  const FailingCalls fatal = {{"pipe2", EMFILE}, {"fcntl", EBADF}, {"posix_spawn", EAGAIN}, {"poll", ENOMEM},
-                              {"write", EIO},    {"read", EIO},    {"wait4", ECHILD}};
-  const FailingCalls temporary = {{"poll", EINTR},
-                                  {"write", testing::FailingCall::isShort},
-                                  {"write", EINTR},
-                                  {"read", EAGAIN},
-                                  {"wait4", EINTR}};
-  expectEnd(failed, fatal, program);
-  expectEnd(exited, temporary, program, input);
-  expectEnd(failed, {{"pipe", EMFILE}, {"fcntl", EBADF}, {"fork", EAGAIN}, {"poll", ENOMEM}}, copy);
-  expectEnd(exited, {{"poll", EINTR}, {"wait4", EINTR}}, copy);
-  for (const std::size_t skipped : {0, 1}) {
-    const testing::FailingCall inTheChild("dup2", EMFILE, skipped);
-    EXPECT_EQ(copy().code, 71);
+  const struct {
+    std::function<ChildResult()> start;
+    ChildOutcome outcome;
+    std::string output;
+    std::vector<std::pair<std::string, int>> calls;
+  } rows[] = {
+      {program, failed, "", {{"pipe2", EMFILE}, {"fcntl", EBADF}, {"posix_spawn", EAGAIN}, {"poll", ENOMEM}}},
+      {program, failed, "", {{"write", EIO}, {"read", EIO}, {"wait4", ECHILD}}},
+      {program, exited, input, {{"poll", EINTR}, {"write", testing::FailingCall::isShort}, {"write", EINTR}}},
+      {program, exited, input, {{"read", EAGAIN}, {"wait4", EINTR}}},
+      {copy, failed, "", {{"pipe", EMFILE}, {"fcntl", EBADF}, {"fork", EAGAIN}, {"poll", ENOMEM}}},
+      {copy, exited, "", {{"poll", EINTR}, {"wait4", EINTR}}},
+  };
+  const std::size_t descriptors = testing::openDescriptors();
+  for (const auto& [start, outcome, output, calls] : rows) {
+    for (const auto& [call, error] : calls) {
+      // The first uses of a call are of three pipes, three streams and several waits.
+      for (std::size_t skipped = 0; skipped < 6; ++skipped) {
+        SCOPED_TRACE(call + " " + std::to_string(error) + " " + std::to_string(skipped));
+        const testing::FailingCall failing(call, error, skipped);
+        const ChildResult result = start();
+        EXPECT_TRUE(failing.hasFailed() || skipped > 0);
+        if (!failing.hasFailed()) break;
+        EXPECT_EQ(result.outcome, outcome);
+        EXPECT_EQ(result.code, outcome == failed ? error : 3);
+        EXPECT_TRUE(outcome == failed || result.output == output);
+        EXPECT_EQ(testing::openDescriptors(), descriptors);
+        // A child that the system denies cannot be waited for.
+        EXPECT_EQ(testing::leavesChild(), error == ECHILD);
+        waitpid(-1, nullptr, 0);
+      }
+    }
   }
+  const testing::FailingCall inTheChild("dup2", EMFILE);
+  EXPECT_EQ(copy().code, 71);
 }
 
 TEST(ForkedChild, ReportsOutputAndEnd) {
@@ -190,7 +152,6 @@ TEST(ForkedChild, ReportsOutputAndEnd) {
       {[=] { return writeOutput(bound) ? 7 : 99; }, exited, 7, bound},
       {[=] { return writeOutput(bound + 1) ? 0 : 99; }, outputTooLarge, 0, bound},
       {[=] { return writeOutput(3) ? raise(SIGKILL) : 99; }, killed, SIGKILL, 3},
-      {[] { return pause(); }, timedOut, 0, 0},
       {[] { return close(STDOUT_FILENO) + pause(); }, timedOut, 0, 0},
   };
   for (const auto& row : rows) {

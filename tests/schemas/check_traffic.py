@@ -3,7 +3,9 @@ check_traffic.py ZELVO WORKER CLEANER"""
 
 import base64
 import copy
+import functools
 import json
+import operator
 import re
 import subprocess
 import sys
@@ -48,26 +50,22 @@ def errors(name, instance, schemas=SCHEMAS):
 def changed(instance, path, value):
     instance = copy.deepcopy(instance)
     *parents, last = path
-    target = instance
-    for key in parents:
-        target = target[key]
+    target = functools.reduce(operator.getitem, parents, instance)
+    target[last] = value
     if value is DELETED:
         del target[last]
-    else:
-        target[last] = value
     return instance
 
 
 def run(*command, stdin=b"", folder=None):
-    return subprocess.run([str(part) for part in command], input=stdin, cwd=folder, capture_output=True, timeout=120,
-                          check=False)
+    return subprocess.run(command, input=stdin, cwd=folder, capture_output=True, timeout=120, check=False)
 
 
 def answer(program, request):
     """None where the request could not be decoded."""
     process = run(program, stdin=json.dumps(request).encode())
     assert process.returncode == (0 if process.stdout else 65), process
-    return json.loads(process.stdout) if process.stdout else None
+    return json.loads(process.stdout or "null")
 
 
 def documented(page):
@@ -86,7 +84,7 @@ class Schemas(unittest.TestCase):
         self.assertEqual(errors(name, instance, schemas), [])
 
     def accept_output(self, name, instance):
-        self.accept(name, instance, {key: closed(schema) for key, schema in SCHEMAS.items()})
+        self.accept(name, instance, closed(SCHEMAS))
 
     def exchange(self, kind, program, request, keys):
         self.accept(kind + "-request", request)
@@ -94,17 +92,6 @@ class Schemas(unittest.TestCase):
         self.accept_output(kind + "-response", response)
         self.assertEqual(set(response), set(keys.split()))
         return response
-
-    def research(self, *arguments):
-        process = run(ZELVO, "research", *arguments)
-        self.assertIn(process.returncode, (0, 1), process.stderr)
-        return process.stdout or None
-
-    def test_they_are_schemas(self):
-        self.assertEqual(len(SCHEMAS), 10)
-        for name, schema in SCHEMAS.items():
-            Draft202012Validator.check_schema(schema)
-            self.assertEqual(schema["$id"], f"urn:zelvo:schema:{name}:1")
 
     def test_worker(self):
         self.exchange("worker", WORKER, INSPECT, "inspection")
@@ -116,33 +103,31 @@ class Schemas(unittest.TestCase):
             request = {"operation": "validate", "data": made["data"], "sourceName": "", "format": kind,
                        "chart": CREATE["chart"], "expectedTable": table, "title": None, "unknown": 1}
             self.exchange("worker", WORKER, request, "validation")
-        for refused in (changed(INSPECT, ["data"], ""), changed(CREATE, ["selection", "sheetName"], "None")):
-            self.exchange("worker", WORKER, refused, "error")
+        self.exchange("worker", WORKER, changed(CREATE, ["selection", "sheetName"], "None"), "error")
 
     def test_cleaner(self):
         self.exchange("cleaner", CLEANER, CLEAN, "version document report")
-        self.exchange("cleaner", CLEANER, changed(CLEAN, ["sheets"], None), "version document report")
         self.exchange("cleaner", CLEANER, changed(CLEAN, ["data"], "UEsDBA=="), "error")
 
     def test_batch_lines(self):
         with tempfile.TemporaryDirectory() as folder:
-            files = ["book.xlsx", "odd\udcff.xlsx", "text.xlsx", "missing.xlsx"]
-            for file, source in zip(files, (BOOK, BOOK, Path(__file__))):
-                Path(folder, file).write_bytes(source.read_bytes())
+            files = ["book.xlsx", "odd\udcff.xlsx", "missing.xlsx"]
+            for file in files[:2]:
+                Path(folder, file).write_bytes(BOOK.read_bytes())
             for command in (["inspect"], ["clean", "--output-dir", "out"]):
-                lines = [json.loads(line) for line in run(ZELVO, "batch", *command, *files, folder=folder).stdout.splitlines()]
-                self.assertEqual(sorted(line["outcome"] for line in lines), ["answered"] * 2 + ["refused"] * 2)
-                for line in lines:
+                lines = run(ZELVO, "batch", *command, *files, folder=folder).stdout.splitlines()
+                self.assertEqual(len(lines), 3)
+                for line in map(json.loads, lines):
                     self.accept_output("batch-line", line)
 
     def test_research(self):
-        self.accept("dataset", example("research-dataset.json"))
-        self.accept("datasets", example("research-datasets.json"))
-        self.accept("deck", example("research-presentation.json"))
-        self.accept_output("dataset-check", json.loads(self.research("check", ROOT / "examples/research-dataset.json")))
-        deck = self.research("presentation", ROOT / "examples/research-presentation.json",
-                             "--datasets", ROOT / "examples/research-datasets.json")
-        self.accept_output("deck", json.loads(deck))
+        for name in ("dataset", "datasets", "presentation"):
+            self.accept("deck" if name == "presentation" else name, example(f"research-{name}.json"))
+        check = run(ZELVO, "research", "check", ROOT / "examples/research-dataset.json")
+        self.accept_output("dataset-check", json.loads(check.stdout))
+        deck = run(ZELVO, "research", "presentation", ROOT / "examples/research-presentation.json",
+                   "--datasets", ROOT / "examples/research-datasets.json")
+        self.accept_output("deck", json.loads(deck.stdout))
 
     def test_documentation(self):
         examples = documented("protocol.md")
@@ -150,74 +135,40 @@ class Schemas(unittest.TestCase):
         for name, block in examples:
             self.accept(name, block)
 
-    def refuse(self, name, instance, wrong, is_accepted=lambda changed: False):
+    def refuse(self, name, instance, wrong, program=None):
+        """Each change, and each missing key that is required, is an error, for the program, too."""
         self.accept(name, instance)
+        Draft202012Validator.check_schema(SCHEMAS[name])
         for path, value in wrong + [([key], DELETED) for key in SCHEMAS[name].get("required", [])]:
             broken = changed(instance, path, value)
-            with self.subTest(name, path=path):
-                self.assertNotEqual(errors(name, broken), [])
-                self.assertFalse(is_accepted(broken), "the program accepts it")
+            self.assertNotEqual(errors(name, broken), [], (name, path))
+            self.assertTrue(program is None or "error" in (answer(program, broken) or "error"), (name, path))
 
     def test_wrong_requests(self):
-        def has_result(program):
-            return lambda request: "error" not in (answer(program, request) or {"error": ""})
-
         self.refuse("worker-request", CREATE, [
             (["operation"], "delete"), (["data"], "not base64!"), (["sourceName"], "a" * 513), (["format"], None),
-            (["title"], " "), (["selection"], DELETED), (["selection", "range"], DELETED),
-            (["selection", "firstRowIsHeader"], "yes"), (["chart", "valueColumn"], 1.5), (["expectedTable"], {}),
-        ], has_result(WORKER))
-        self.refuse("cleaner-request", CLEAN, [(["version"], 2), (["sheets"], "Orders"), (["sheets", 0], 1),
-                                               (["unmerge"], 1)], has_result(CLEANER))
+            (["title"], " "), (["selection", "range"], DELETED), (["chart", "valueColumn"], 1.5)], WORKER)
+        self.refuse("cleaner-request", CLEAN, [(["version"], 2), (["sheets", 0], 1), (["unmerge"], 1)], CLEANER)
 
     def test_wrong_research_data(self):
         blocks = dict(documented("research-data.md"))
-        with tempfile.TemporaryDirectory() as folder:
-            def is_accepted(name):
-                def draws(content):
-                    files = {key: Path(folder, key) for key in blocks}
-                    for key, block in blocks.items():
-                        files[key].write_text(json.dumps(content if key == name else block))
-                    return self.research("presentation", files["deck"], "--dataset", files["dataset"],
-                                         "--scope", files["scope"])
-                return draws
-
-            self.assertTrue(is_accepted("deck")(blocks["deck"]))
-            formula = ["calculations", 0, "formula"]
-            self.refuse("dataset", blocks["dataset"], [
-                (["report"], "\n"), (["columns", 0, "kind"], "money"), (["rows"], []), (["rows", 0, "cells", 1], True),
-                (["rows", 0, "cells", 1], 1e15), (["rows", 0, "sources", 0], "ftp://a/b"), (["rows", 0, "sources"], DELETED),
-                (["rows", 1, "sourceIDs", 0], "a b"), (["charts", 0, "valueColumns"], [1, 1]), (["charts", 0, "title"], ""),
-                (formula + ["op"], "power"), (formula + ["value"], 1), (formula + ["arguments"], []),
-                (formula + ["arguments", 0, "row"], DELETED),
-            ], is_accepted("dataset"))
-            self.refuse("deck", blocks["deck"], [
-                (["slides"], blocks["deck"]["slides"][:2]), (["slides", 0, "chartIndex"], 0), (["title"], "\u0007"),
-                (["slides", 1, "body"], ["one", "two"]), (["slides", 1, "chartIndex"], "0"), (["slides", 1, "sourceIDs"], "levels"),
-                (["slides", 1, "chartReference"], {"datasetID": "a", "chartIndex": 0}), (["dataset"], {}),
-            ], is_accepted("deck"))
-            self.refuse("scope", blocks["scope"], [
-                (["localSnapshotIDs"], {}), (["publicSources"], []), (["records", 0, "kind"], "page"),
-                (["records", 0, "label"], DELETED), (["records", 0, "observedAt"], "2024-04-02"),
-            ], is_accepted("scope"))
-        datasets = example("research-datasets.json")
-        self.refuse("datasets", datasets, [([0, "id"], "a/b"), ([1, "content"], DELETED), ([0, "content", "rows"], None)])
-        self.assertNotEqual(errors("datasets", datasets * 3), [])
+        formula = ["calculations", 0, "formula"]
+        self.refuse("dataset", blocks["dataset"], [
+            (["report"], "\n"), (["columns", 0, "kind"], "money"), (["rows"], []), (["rows", 0, "cells", 1], 1e15),
+            (["rows", 0, "sources", 0], "ftp://a/b"), (["rows", 1, "sourceIDs", 0], "a b"),
+            (["charts", 0, "valueColumns"], [1, 1]), (formula + ["op"], "power"), (formula + ["arguments"], [])])
+        self.refuse("deck", blocks["deck"], [
+            (["slides"], blocks["deck"]["slides"][:2]), (["slides", 0, "chartIndex"], 0), (["title"], "\u0007"),
+            (["slides", 1, "body"], ["one", "two"]), (["slides", 1, "sourceIDs"], "levels"), (["dataset"], {})])
+        self.refuse("scope", blocks["scope"], [(["localSnapshotIDs"], {}), (["records", 0, "kind"], "page")])
+        self.refuse("datasets", example("research-datasets.json"), [([0, "id"], "a/b"), ([1, "content"], DELETED)])
 
     def test_wrong_output(self):
-        table = answer(WORKER, {**CREATE, "operation": "extract"})
-        self.refuse("worker-response", table, [
-            (["error"], "Both."), (["table", "rows", 0, 0, "value"], {"number": {"_0": 12}}),
-            (["table", "rows", 0, 0, "value"], {"integer": {"_0": "12"}}), (["table", "rows", 0, 0, "value"], {}),
-            (["table", "sourceSHA256"], "9F"), (["table", "rows", 0, 0, "address"], DELETED), (["table"], DELETED)])
-        self.refuse("worker-response", answer(WORKER, CREATE), [(["table"], DELETED), (["document", "validation"], DELETED)])
-        self.refuse("worker-response", answer(WORKER, INSPECT), [(["inspection", "sheets", 0, "name"], DELETED)])
-        self.refuse("cleaner-response", answer(CLEANER, CLEAN), [
-            (["version"], DELETED), (["report", "dropped", 0, "parts"], DELETED), (["report", "sheets", 0, "cells"], -1)])
+        self.refuse("worker-response", answer(WORKER, {**CREATE, "operation": "extract"}), [
+            (["error"], "Both."), (["table", "rows", 0, 0, "value"], {"integer": {"_0": "12"}}), (["table"], DELETED)])
+        self.refuse("cleaner-response", answer(CLEANER, CLEAN), [(["report", "dropped", 0, "parts"], DELETED)])
         line = json.loads(run(ZELVO, "batch", "inspect", BOOK).stdout)
-        self.refuse("batch-line", line, [(["outcome"], "refused"), (["inspection"], DELETED), (["status"], 3)])
-        check = json.loads(self.research("check", ROOT / "examples/research-dataset.json"))
-        self.refuse("dataset-check", check, [(["cells", 0, 0], False), (["calculations", 0, "formula"], DELETED)])
+        self.refuse("batch-line", line, [(["outcome"], "refused"), (["inspection"], DELETED)])
 
 
 if __name__ == "__main__":

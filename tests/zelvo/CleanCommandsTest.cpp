@@ -68,13 +68,9 @@ TEST_F(CleanCommands, OtherCommandsReadTheCleanedWorkbook) {
     EXPECT_EQ(contentOf(folder.path("kept.xlsx")), cleaned);
     std::filesystem::remove(folder.path("kept.xlsx"));
   }
-  EXPECT_EQ(zelvo("extract @book.xlsx --clean --csv" + table), zelvo("extract @cleaned.xlsx --csv" + table));
   const ToolRun created = zelvo("create @book.xlsx --title T -o @a.docx --keep-cleaned @kept.xlsx" + table);
   EXPECT_NE(created.output.find(notes(cleaned)), std::string::npos) << created;
   EXPECT_EQ(contentOf(folder.path("kept.xlsx")), cleaned);
-
-  folder.write("t.json", zelvo("extract @book.xlsx --clean --json" + table).output);
-  EXPECT_EQ(zelvo("validate @a.docx --expect @t.json").status, 0);
 
   EXPECT_EQ(zelvo("extract @book.xlsx --sheet Sales --range A6:B6 --no-header --unmerge --csv").status, 0);
 }
@@ -92,14 +88,13 @@ TEST_F(CleanCommands, RefusalsWriteNoFile) {
       inspect @book.xlsx --keep-cleaned @book.xlsx => 2 | The output is one of the inputs: @book.xlsx
       extract @book.xlsx --sheet Sales --range A6:B6 --no-header --keep-cleaned @old.xlsx => 1 | $merged at A6
       create @book.xlsx --sheet Sales --range A6:B6 --no-header --title T -o @new.docx --keep-cleaned @old.xlsx => 1 | $merged)";
-  for (std::size_t at = 0; (at = table.find("$merged")) != std::string::npos;)
-    table.replace(at, 7, "This document feature is not supported yet: merged cells in the selected table");
+  replaceAll(table, "$merged",
+             "This document feature is not supported yet: merged cells in the selected table");
   expectFailures(table);
   EXPECT_EQ(onTerminal("clean " + folder.path("book.xlsx") + " -o -"),
             failure(2, "A document is not written to a terminal."));
   displace();
-  const ToolRun missing = displaced("clean @book.xlsx -o @new.xlsx");
-  EXPECT_EQ(missing,
+  EXPECT_EQ(displaced("clean @book.xlsx -o @new.xlsx"),
             failure(3, "The cleaner was not found. (" + folder.path("zelvo_document_cleaner") + ")"));
 }
 

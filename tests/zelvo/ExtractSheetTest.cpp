@@ -58,18 +58,8 @@ TEST_F(ExtractSheet, ReadsLargeRanges) {
   EXPECT_EQ(zelvo("extract @large.xlsx --range A1:A300 --csv").errors,
             "zelvo: Left out 151 hidden rows: 150-300. --include-hidden includes them.\n");
   // What a table is refused for, in a range of its size.
-  EXPECT_EQ(zelvo("extract @large.xlsx --range A2:C3 --csv"),
-            (ToolRun{0, "A2,C2\nA3,C3\n", "zelvo: Left out 1 hidden column: B.\n"}));
+  EXPECT_EQ(zelvo("extract @large.xlsx --range A2:C3 --csv").output, "A2,C2\nA3,C3\n");
   EXPECT_EQ(zelvo("extract @large.xlsx --range C402:D402 --csv").output, "");
-
-  const ToolRun text = runAfter(":", expanded("extract @large.xlsx --range A400:J449 2>&1 | sed -n 1,7p"));
-  EXPECT_EQ(text.output, expanded("zelvo: Left out 1 hidden row: 402. --include-hidden includes them.\n") +
-                             hiddenColumns + expanded(R"(@large.xlsx
-  Row  A400  C400  400  E400  F400  G400  H400  J400
-  401  A401  C401  401  E401  F401  G401  H401  J401
-  403  A403  C403  403  E403  F403  G403  H403  J403
-  404  A404  C404  404  E404  F404  G404  H404  J404
-)"));
 }
 
 TEST_F(ExtractSheet, RefusesTheWholeOfALargeRange) {
@@ -95,136 +85,100 @@ TEST_F(ExtractSheet, RefusesTheWholeOfALargeRange) {
 }
 
 TEST_F(ExtractSheet, ChoosesTheSheetAndTheRange) {
-  const std::string sheet = "<sheetData><row r='2'>";
-  const auto named = [&](const std::string& name, const std::string& state = "") {
-    return WorksheetText{name, sheet + cell("B2", name) + "</row></sheetData>", state};
+  const auto named = [](const std::string& name, const std::string& state = "") {
+    return WorksheetText{name, "<sheetData><row r='2'>" + cell("B2", name) + "</row></sheetData>", state};
   };
-  const std::string hidden = R"( state="hidden")";
-  folder.write(
-      "several.xlsx",
-      workbookPackage(
-          {.sheets = {named("3"), named("#1"), named("x"), named("h", hidden), {"e", "<sheetData/>"}}})
-          .bytes()
-          .text());
-  folder.write("one.xlsx", workbookPackage({.sheets = {named("h", hidden), named("v")}}).bytes().text());
+  const WorksheetText hidden = named("h", R"( state="hidden")");
+  const WorkbookText several = {
+      .sheets = {named("3"), named("#1"), named("x"), hidden, {"e", "<sheetData/>"}}};
+  folder.write("several.xlsx", workbookPackage(several).bytes().text());
+  folder.write("one.xlsx", workbookPackage({.sheets = {hidden, named("v")}}).bytes().text());
   for (const auto& [arguments, output] : cases<2>(R"(
       several.xlsx --sheet 3 => 3␊ ; several.xlsx --sheet #3 => x␊ ; several.xlsx --sheet 2 => #1␊
       several.xlsx --sheet #1 => 3␊ ; several.xlsx --sheet x --range A1:B2 => ,␊,x␊ ; one.xlsx => v␊
       several.xlsx --sheet e => )"))
     EXPECT_EQ(zelvo("extract --csv @" + arguments), (ToolRun{0, output, ""})) << arguments;
 
-  const std::string sheets = "Visible sheets: 3 (B2:B2), #1 (B2:B2), x (B2:B2), e (empty)\n";
-  const std::string several = contentOf(folder.path("several.xlsx"));
-  EXPECT_EQ(zelvo("extract -", several),
+  EXPECT_EQ(zelvo("extract @several.xlsx"),
             failure(1, "The workbook has several visible sheets: choose one with --sheet."));
-  EXPECT_EQ(zelvo("extract -", several).hints, sheets);
-  for (const std::string arguments :
-       {"extract - --sheet 4", "extract - --sheet #6", "extract - --sheet 0 --range A1",
-        "extract - --sheet y --range A1", "create - --sheet X --title t -o x.docx"}) {
-    const ToolRun refused = zelvo(arguments, several);
+  for (const std::string options : {"4", "#6", "0 --range A1", "h --range A1"}) {
+    const ToolRun refused = zelvo("extract @several.xlsx --sheet " + options);
     EXPECT_EQ(refused, failure(1, "The selected table cannot be used: unknown or hidden worksheet"));
-    EXPECT_TRUE(refused.hints.ends_with(sheets)) << refused;
+    EXPECT_TRUE(refused.hints.ends_with("Visible sheets: 3 (B2:B2), #1 (B2:B2), x (B2:B2), e (empty)\n"));
   }
-  EXPECT_EQ(zelvo("extract @several.xlsx --sheet e --json").hints, "The sheet is empty: e\n");
 }
 
-/// Rows of cells {value, more members} from B3.
-std::string tableOf(const std::vector<std::vector<std::string>>& rows) {
-  std::string table;
-  for (std::size_t row = 0; row < rows.size(); ++row) {
-    table += row == 0 ? "[" : "],[";
-    for (std::size_t column = 0; column < rows[row].size(); ++column)
-      table += std::string(column == 0 ? "" : ",") + R"({"address":")" + "BCDE"[column] +
-               std::to_string(row + 3) + R"(","hidden":false,"usesCachedFormulaValue":false,"value":)" +
-               rows[row][column] + "}";
-  }
-  return R"(say {"table":{"sourceName":"b","sourceSHA256":"0","sheetName":"S\u001b","selectedRange":"B3","columns":[],)"
-         R"("rows":[)" +
-         table + R"(]],"warnings":["w\u0007"],"headerUsesCachedFormulaValues":false}})";
+/// Cells of a row, each {value, more members}.
+std::string rowOf(const std::string& number, const std::vector<std::string>& values) {
+  std::string row;
+  for (const std::string& value : values)
+    row += R"(,{"address":"B)" + number + R"(","hidden":false,"usesCachedFormulaValue":false,"value":)" +
+           value + "}";
+  return row.replace(0, 1, "[") + "]";
 }
 
 TEST_F(ExtractSheet, PrintsRowForms) {
   displace(
-      tableOf({{R"({"text":{"_0":"a"}})", R"({"text":{"_0":" "}})", R"({"text":{"_0":"a"}})",
-                R"~({"text":{"_0":"a (D)"}})~"},
-               {R"({"number":{"_0":"-1.50"}},"numberFormat":"0.0")", R"({"text":{"_0":"=1|2\\|\"\u009b"}})",
-                R"({"missing":{}})", R"({"boolean":{"_0":true}})"},
-               {R"({"number":{"_0":"+.5E1"}})", R"({"error":{"_0":"#N/A"}})",
-                R"({"date":{"_0":"2024-03-01"}})", R"({"text":{"_0":"\tx\r\ny\\"}})"},
-               {R"({"missing":{}})", R"({"text":{"_0":""}})", R"({"missing":{}})", R"({"missing":{}})"}}));
+      R"(say {"table":{"sourceName":"b","sourceSHA256":"0","sheetName":"S\u001b","selectedRange":"B3","columns":[],)"
+      R"("warnings":["w\u0007"],"headerUsesCachedFormulaValues":false,"rows":[)" +
+      rowOf("3", {R"({"text":{"_0":"a"}})", R"({"text":{"_0":" "}})", R"({"text":{"_0":"a"}})"}) + "," +
+      rowOf("4", {R"({"number":{"_0":"-1.50"}},"numberFormat":"0.0")", R"({"text":{"_0":"=1|2\\|\"\u009b"}})",
+                  R"({"boolean":{"_0":true}})"}) +
+      "," +
+      rowOf("5", {R"({"number":{"_0":"+.5E1"}})", R"({"error":{"_0":"#N/A"}})",
+                  R"({"text":{"_0":"\tx\r\ny\\"}})"}) +
+      "," + rowOf("6", {R"({"missing":{}})", R"({"text":{"_0":""}})", R"({"missing":{}})"}) + "]}}");
   const std::string c1 = "\u009b";
-  const struct {
-    std::string options, expected;
-  } forms[] = {
-      {"--csv", "a, ,a,a (D)\n-1.5,\"=1|2\\|\"\"" + c1 + "\",,TRUE\n+.5E1,#N/A,2024-03-01,\"\tx\r\ny\\\"\n"},
+  const std::pair<std::string, std::string> forms[] = {
+      {"--csv", "a, ,a\n-1.5,\"=1|2\\|\"\"" + c1 + "\",TRUE\n+.5E1,#N/A,\"\tx\r\ny\\\"\n"},
       {"--csv --raw --escape-formulas",
-       "a, ,a,a (D)\n-1.50,\"'=1|2\\|\"\"" + c1 + "\",,TRUE\n+.5E1,#N/A,2024-03-01,\"'\tx\r\ny\\\"\n"},
-      {"--tsv --no-header",
-       "a\t \ta\ta (D)\n-1.5\t=1|2\\\\|\"" + c1 + "\t\tTRUE\n+.5E1\t#N/A\t2024-03-01\t\\tx\\r\\ny\\\\\n"},
-      {"--markdown", "| a |   | a | a (D) |\n| ---: | --- | --- | --- |\n| -1.5 | =1\\|2\\\\\\|\"" + c1 +
-                         " |  | TRUE |\n| +.5E1 | #N/A | 2024-03-01 | \tx<br>y\\ |\n"},
-      {"--jsonl", R"~({"a":-1.50,"C":"=1|2\\|\")~" + c1 + R"~(","a (D)":null,"a (D) (E)":true})~" + "\n" +
-                      R"~({"a":5,"C":{"error":"#N/A"},"a (D)":"2024-03-01","a (D) (E)":"\tx\r\ny\\"})~" +
-                      "\n"},
-  };
-  const std::string command = "extract - --sheet S --range B3:E6 ";
-  for (const auto& [options, expected] : forms)
-    EXPECT_EQ(displaced(command + options), (ToolRun{0, expected, ""})) << options;
-  EXPECT_TRUE(
-      displaced(command + "--markdown --no-header").output.starts_with("|  |  |  |  |\n| ---: | --- |"));
-  EXPECT_TRUE(displaced(command + "--jsonl --no-header")
-                  .output.starts_with(R"~({"B":"a","C":" ","D":"a","E":"a (D)"})~"));
-  EXPECT_EQ(displaced(command + "--no-header"), (ToolRun{0, R"~(-
-  Row      B  C              D           E
-    3      a                 a           a (D)
-    4   -1.5  =1|2\|"\u{9B}              TRUE
-    5  +.5E1  #N/A           2024-03-01  \u{9}x\u{D}\u{A}y\
+       "a, ,a\n-1.50,\"'=1|2\\|\"\"" + c1 + "\",TRUE\n+.5E1,#N/A,\"'\tx\r\ny\\\"\n"},
+      {"--tsv --no-header", "a\t \ta\n-1.5\t=1|2\\\\|\"" + c1 + "\tTRUE\n+.5E1\t#N/A\t\\tx\\r\\ny\\\\\n"},
+      {"--markdown", "| a |   | a |\n| ---: | --- | --- |\n| -1.5 | =1\\|2\\\\\\|\"" + c1 +
+                         " | TRUE |\n| +.5E1 | #N/A | \tx<br>y\\ |\n"},
+      {"--jsonl", R"~({"a":-1.50,"C":"=1|2\\|\")~" + c1 + R"~(","a (D)":true})~" + "\n" +
+                      R"~({"a":5,"C":{"error":"#N/A"},"a (D)":"\tx\r\ny\\"})~" + "\n"},
+      {"--no-header", R"~(-
+  Row      B  C              D
+    3      a                 a
+    4   -1.5  =1|2\|"\u{9B}  TRUE
+    5  +.5E1  #N/A           \u{9}x\u{D}\u{A}y\
 
   Sheet    S\u{1B}
-  Range    B3:E6
+  Range    B3:D6
   SHA-256  0
 
   Warning: w\u{7}
-)~",
-                                                         ""}));
-  for (const char* form : {"--csv", "--tsv", "--markdown"})
-    EXPECT_NE(onTerminal(command + form, {}, folder.path("zelvo")).output.find("\\u{9B}"), std::string::npos)
-        << form;
+)~"},
+  };
+  for (const auto& [options, expected] : forms)
+    EXPECT_EQ(displaced("extract - --sheet S --range B3:D6 " + options), (ToolRun{0, expected, ""}))
+        << options;
+  const ToolRun shown = onTerminal("extract - --sheet S --range B3:D6 --csv", {}, folder.path("zelvo"));
+  EXPECT_NE(shown.output.find("\\u{9B}"), std::string::npos);
 }
 
 TEST_F(ExtractSheet, FitsTheTerminal) {
-  const std::string titles =
-      cell("A1", "Name") + cell("B1", std::string(30, 'b')) + cell("C1", std::string(30, 'c'));
   write(folder, "wide.xlsx",
-        "<sheetData><row r='1'>" + titles + "</row><row r='2'>" + cell("A2", "価格価格価格価格価格") +
+        "<sheetData><row r='1'>" + cell("A1", "Name") + cell("B1", std::string(30, 'b')) +
+            "</row><row r='2'>" + cell("A2", "価格価格価格価格価格") +
             "<c r='B2'><v>1234567890123</v></c></row></sheetData>");
-  const auto shown = [&](const std::string& columns) {
-    const std::string command =
-        "stty cols " + columns + " -onlcr; " TOOL " extract " + folder.path("wide.xlsx");
-    const std::string output = run("/usr/bin/script", {"-qec", command, "/dev/null"}).output;
-    const std::size_t start = output.find('\n') + 1;
-    return output.substr(start, output.find("\n\n  Sheet") - start);
-  };
-  const std::string note =
-      "\n\n  Texts that end with … are cut to the terminal's width; --csv prints them whole.";
-  EXPECT_EQ(shown("45"),
-            "  Row  Name        bbbbbbbbbbbb…  ccccccccc…\n    2  価格価格…   1234567890123" + note);
-  EXPECT_EQ(shown("24"),
-            "  Row  Name\n    2  価格価格価格価格…\n\n  Row  bbbbbbbbbbbbbbbb…\n    2      1234567890123\n\n"
-            "  Row  cccccccccccccccc…\n    2" +
-                note);
+  const std::string command = "stty cols 24 -onlcr; " TOOL " extract " + folder.path("wide.xlsx");
+  const std::string output = run("/usr/bin/script", {"-qec", command, "/dev/null"}).output;
+  EXPECT_NE(
+      output.find(
+          "\n  Row  Name\n    2  価格価格価格価格…\n\n  Row  bbbbbbbbbbbbbbbb…\n    2      1234567890123\n\n"
+          "  Texts that end with … are cut to the terminal's width; --csv prints them whole."),
+      std::string::npos)
+      << output;
 }
 
 TEST_F(ExtractSheet, CreatePrintsTheRecord) {
-  const std::string command = "create $book --sheet Quarter --range A1:F5 --cached-formulas --title t -o @";
-  const ToolRun json = zelvo(command + "a.docx --json");
-  EXPECT_EQ(json.errors, "");
+  const ToolRun json =
+      zelvo("create $book --sheet Quarter --range A1:F5 --cached-formulas --title t -o @a.docx --json");
   EXPECT_TRUE(json.output.starts_with(R"({"format":"docx","sourceSHA256":")" +
                                       Digest::sha256(bytesOf(contentOf(book)))));
-  EXPECT_NE(
-      json.output.find(R"("outputSHA256":")" + Digest::sha256(bytesOf(contentOf(folder.path("a.docx"))))),
-      std::string::npos)
-      << json;
+  EXPECT_NE(json.output.find(Digest::sha256(bytesOf(contentOf(folder.path("a.docx"))))), std::string::npos);
 }
 
 }  // namespace

@@ -23,10 +23,7 @@ TEST_F(Hints, SayWhatAFileIs) {
   PackageBuilder spreadsheet;
   spreadsheet.part("mimetype").text = "application/vnd.oasis.opendocument.spreadsheet";
   const std::string archive = package("x", "x");
-  const struct {
-    std::string content;
-    std::string hint;  ///< its start
-  } rows[] = {
+  const std::pair<std::string, std::string> rows[] = {
       {"", "The file is empty."},
       {"\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1" + characters(100),
        "It is a compound file: an encrypted document, "},
@@ -44,15 +41,11 @@ TEST_F(Hints, SayWhatAFileIs) {
       {package("vnd.openxmlformats-officedocument.wordprocessingml.document.main+xml", "word/a.xml"),
        "It is a Word document."},
   };
-  for (const auto& row : rows) {
-    for (const std::string command : {"inspect -", "clean - -o @new.xlsx", "inspect - --clean"}) {
-      const ToolRun refused = zelvo(command, row.content);
-      EXPECT_EQ(refused.status, 1);
-      EXPECT_TRUE(refused.hints.starts_with(row.hint)) << refused;
-      EXPECT_EQ(std::ranges::count(refused.hints, '\n'), 1) << refused;
-    }
+  for (const auto& [content, start] : rows) {
+    const ToolRun refused = zelvo("inspect -", content);
+    EXPECT_TRUE(refused.status == 1 && refused.hints.starts_with(start)) << refused;
+    EXPECT_EQ(std::ranges::count(refused.hints, '\n'), 1) << refused;
   }
-  EXPECT_TRUE(zelvo("validate " + book + "x.docx").hints.empty());
   folder.write("a.docx", contentOf(book));
   EXPECT_EQ(zelvo("validate @a.docx").hints, "It is a workbook.\n");
 }
@@ -69,22 +62,14 @@ TEST_F(Hints, SayWhetherCleaningHelps) {
                 "recalculate formulas.\n");
 
   auto large = workbookPackage(plainWorkbook(repeated("<row><c><v>1</v></c></row>", 50'001)));
-  const std::string limit =
-      "The document exceeds a safe processing limit: more than 50,000 cells in sheet Data";
-  const std::string others =
-      "zelvo clean --sheet NAME writes a workbook of the named worksheets only, without this one.\n";
-  EXPECT_EQ(zelvo("inspect -", large.archive().bytes()).hints,
-            "Cleaning does not help: " + limit + "\n" + others);
-  EXPECT_EQ(zelvo("clean - -o -", large.archive().bytes()), failure(1, limit));
-  EXPECT_EQ(zelvo("clean - -o -", large.archive().bytes()).hints, others);
-
+  EXPECT_EQ(
+      zelvo("inspect -", large.archive().bytes()).hints,
+      "Cleaning does not help: The document exceeds a safe processing limit: more than 50,000 cells in sheet "
+      "Data\nzelvo clean --sheet NAME writes a workbook of the named worksheets only, without this one.\n");
   // What is wrong in a cell stays wrong.
   const auto wrong = workbookPackage(plainWorkbook("<row r='1'><c r='A1' s='99'><v>1</v></c></row>"));
-  const std::string input = wrong.archive().bytes();
-  EXPECT_EQ(zelvo("extract - --sheet Data --range A1 --no-header", input).hints.find("--clean"),
-            std::string::npos);
-  displace();
-  EXPECT_EQ(displaced("inspect -", input).hints, "");  // there is no worker
+  const ToolRun refused = zelvo("extract - --sheet Data --range A1 --no-header", wrong.archive().bytes());
+  EXPECT_EQ(refused.hints.find("--clean"), std::string::npos);
 }
 
 TEST_F(Hints, NameTheOptionThatHelps) {
@@ -101,8 +86,7 @@ TEST_F(Hints, NameTheOptionThatHelps) {
       extract @rich.xlsx --json --sheet Sales --range A3:B3 --no-header => --include-hidden takes
       create $book --sheet Quarter --range A1:F5 --cached-formulas --title t --chart 1:0 -o @a.pptx => In every row the category
       clean @rich.xlsx --sheet None -o @a.xlsx => zelvo inspect --clean lists
-      research check - --no-sources => Cite only URLs of --source.
-      research workbook - --no-sources --title t -o @a.xlsx => Cite only URLs of --source.)")) {
+      research check - --no-sources => Cite only URLs of --source.)")) {
     const ToolRun run = zelvo(arguments, contentOf(EXAMPLE_DATASET));
     EXPECT_EQ(run.status, 1) << arguments << run;
     EXPECT_TRUE(run.hints.starts_with(hint)) << arguments << run;
@@ -121,8 +105,6 @@ TEST_F(Hints, NameTheNearestCommandOrOption) {
     EXPECT_EQ(wrong, failure(2, message + " (see zelvo --help)"));
     EXPECT_EQ(wrong.hints, hint + "\n");
   }
-  EXPECT_EQ(run(TOOL, {characters(20'000)}).hints,
-            "The commands are inspect, extract, create, validate, clean, batch, research.\n");
 }
 
 }  // namespace

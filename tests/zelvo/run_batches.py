@@ -12,7 +12,8 @@ import tempfile
 import time
 
 TOOL, BOOK, COUNT = sys.argv[1], pathlib.Path(sys.argv[2]).read_bytes(), int(sys.argv[3])
-os.chdir(tempfile.mkdtemp())
+folder = tempfile.TemporaryDirectory()
+os.chdir(folder.name)
 
 
 def zelvo(arguments, status=0, stdin=b""):
@@ -77,8 +78,8 @@ run = zelvo("clean in/a.xlsx in/deep --output-dir out -o c.jsonl")
 assert pathlib.Path("out/in/a.xlsx").exists() and pathlib.Path("out/er/c.xlsx").exists()
 assert all("report" in line for line in lines(pathlib.Path("c.jsonl").read_bytes()))
 for arguments in ["../x.xlsx", os.path.abspath("in/a.xlsx"), "in/a.xlsx in/a.xlsm", "in/a.xlsx --output-dir ."]:
-    folder = "" if "--output-dir" in arguments else " --output-dir new"
-    zelvo("clean " + arguments + folder, 2)
+    output = "" if "--output-dir" in arguments else " --output-dir new"
+    zelvo("clean " + arguments + output, 2)
 assert not pathlib.Path("new").exists() and pathlib.Path("in/a.xlsx").read_bytes() == BOOK
 
 # Workers and whole batches are killed; each file is in the results once, with its outcome.
@@ -92,7 +93,8 @@ while not all(done.values()):
                for i in done if not done[i]}
     deadline = time.monotonic() + random.uniform(0.1, 1.5)
     while time.monotonic() < deadline:
-        subprocess.run(["pkill", "-KILL", "-n", "-f", os.path.dirname(TOOL) + "/zelvo_document_work"])
+        parents = ",".join(str(process.pid) for process in running.values())
+        subprocess.run(["pkill", "-KILL", "-n", "-P", parents])
         time.sleep(0.05)
     if random.random() < 0.6:
         random.choice(list(running.values())).send_signal(random.choice([signal.SIGKILL, signal.SIGTERM]))

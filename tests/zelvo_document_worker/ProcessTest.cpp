@@ -49,39 +49,7 @@ DocumentWorkerRequest exampleRequest(Operation operation, std::optional<Document
           .chart = ChartSelection{.categoryColumn = 0, .valueColumn = 1, .title = "Sales"}};
 }
 
-DocumentWorkerResponse answerTo(const DocumentWorkerRequest& request) {
-  ChildResult result = runWorkerProcess(toJson(request));
-  auto response = fromJson<DocumentWorkerResponse>(result.output);
-  // No byte precedes or follows the object.
-  expectEnd(result, 0, toJson(response));
-  return response;
-}
-
 const std::string smallRequest = R"({"operation":"extract","data":"","sourceName":"a.xlsx"})";
-const std::string smallResponse = R"({"error":"The selected table cannot be used: Choose a table."})";
-
-TEST(WorkerProcess, RunsItsFourOperations) {
-  const auto inspected = answerTo(exampleRequest(Operation::inspect));
-  ASSERT_TRUE(inspected.inspection);
-  EXPECT_EQ(inspected.inspection->sheets.at(0).name, "Quarter");
-
-  const auto extracted = answerTo(exampleRequest(Operation::extract));
-  ASSERT_TRUE(extracted.table) << extracted.error.value_or("");
-  EXPECT_EQ(extracted.table->rows.size(), 5U);
-
-  for (const auto format : {DocumentFormat::docx, DocumentFormat::pptx}) {
-    DocumentWorkerRequest request = exampleRequest(Operation::create, format);
-    auto created = answerTo(request);
-    ASSERT_TRUE(created.document) << created.error.value_or("");
-    EXPECT_EQ(created.table, extracted.table);
-
-    request.operation = Operation::validate;
-    request.data = std::move(created.document->data);
-    request.expectedTable = std::move(created.table);
-    const auto validated = answerTo(request);
-    EXPECT_EQ(validated.validation, created.document->validation) << validated.error.value_or("");
-  }
-}
 
 TEST(WorkerProcess, UsesMemoryInProportionToTheRequest) {
   // Refused by its first bytes: what is measured is reading and decoding. Some writers escape the slash.
