@@ -24,7 +24,8 @@ Links readLinks(OOXML::ArchiveTrees& trees, const std::string& part) {
   if (entry == nullptr) return links;
   const Element root(trees.root(*entry));
   for (const XMLNode link : root.element().children()) {
-    if (Element(root, link).name().space != Namespace::packageRelationships) continue;
+    const auto [space, name] = Element(root, link).name();
+    if (space != Namespace::packageRelationships || name != "Relationship") continue;
     links.emplace(link.attribute("Id").value_or(""),
                   Link{std::string(OOXML::relationshipType(link.attribute("Type").value_or(""))),
                        std::string(link.attribute("Target").value_or(""))});

@@ -134,7 +134,7 @@ TEST(WorkerEntry, CutsErrorsToFiveHundredCharacters) {
   const std::string before = "This document feature is not supported yet: cell type ";
   const std::string pair = "👩‍👩‍👧é";  // two user-perceived characters of 18 and 2 bytes
   const std::size_t pairsThatFit = (500 - before.size()) / 2;
-  for (const std::size_t more : {0, 1, 50}) {
+  for (const std::size_t more : {0U, 1U, 50U}) {
     const std::string cell = "<c r='A1' t='" + repeated(pair, pairsThatFit + more) + "'><v>1</v></c>";
     EXPECT_EQ(extracted(testing::plainWorkbook("<row r='1'>" + cell + "</row>"), "A1").error,
               before + repeated(pair, pairsThatFit));
