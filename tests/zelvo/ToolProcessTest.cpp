@@ -84,6 +84,32 @@ TEST_F(ToolProcess, NamesTheProcessThatFailed) {
   }
 }
 
+TEST_F(ToolProcess, ChecksTheMachine) {
+  EXPECT_EQ(
+      zelvo("doctor").output.find("\nConfinement  in force\nWorker       answers\nCleaner      answers\n"),
+      zelvo("doctor").output.find('\n'));
+  EXPECT_EQ(runAfter("ulimit -t 20", "doctor").errors.find("zelvo: The limit of 45 seconds "), 0U);
+  displace("say {}");  // and no cleaner
+  const ToolRun broken = displaced("doctor");
+  EXPECT_EQ(broken.status, 3);
+  EXPECT_NE(broken.output.find("\nConfinement  in force\nWorker       fails\nCleaner      fails\n"),
+            std::string::npos);
+  EXPECT_NE(broken.errors.find("zelvo: The cleaner was not found. ("), std::string::npos);
+}
+
+TEST_F(ToolProcess, ChecksRequests) {
+  for (const auto& [request, reason] : cases<2>(R"(
+      {"operation":"inspect","sourceName":"s"} => The key "data" is missing.
+      {"operation":"create","data":"","sourceName":"s"} => It is a request to the worker, create, and lacks these keys: selection, format, title.
+      {"operation":"extract","data":"","sourceName":"s","selection":{"sheetName":1}} => selection.sheetName: Expected a string, found a number.
+      {"version":2,"data":"","sourceName":"s"} => version: Expected 1.
+      {"data":"","sourceName":"s"} => The key "operation" of a request to the worker is missing, and "version" of one to the cleaner.)"))
+    EXPECT_EQ(zelvo("doctor --request -", request), failure(1, "The request cannot be used: " + reason));
+  EXPECT_EQ(
+      zelvo("doctor --request -", R"({"operation":"validate","data":"","sourceName":"s","format":"docx"})"),
+      (ToolRun{0, "The request is well formed: a request to the worker, validate.\n", ""}));
+}
+
 TEST_F(ToolProcess, WorksWithInheritedStreamsAndSignals) {
   const std::string inspect = "inspect " + book;
   const ToolRun inspected = zelvo(inspect);

@@ -129,7 +129,11 @@ struct ResearchPresentationArguments {
   std::string output;  ///< a file; empty to print the deck as JSON
 };
 
-/// Of every command: the programs that it starts.
+struct DoctorArguments {
+  std::string request;  ///< a file with a request to check; empty to check the machine
+};
+
+/// Of every command that starts a process.
 struct HostArguments {
   std::string libexec;                ///< the folder of worker and cleaner; empty to find it
   std::int64_t timeoutSeconds = 180;  ///< of each process, by the wall clock
@@ -139,6 +143,6 @@ struct HostArguments {
 using Command =
     std::variant<BatchArguments, InspectArguments, ExtractArguments, CreateArguments, ValidateArguments,
                  CleanArguments, ResearchCheckArguments, ResearchWorkbookArguments, ResearchReportArguments,
-                 ResearchPresentationArguments>;
+                 ResearchPresentationArguments, DoctorArguments>;
 
 }  // namespace zelvo

@@ -353,6 +353,22 @@ class CleanParser {
   CLI::Option* output_;
 };
 
+class DoctorParser {
+ public:
+  explicit DoctorParser(CLI::App& tool)
+      : command_(tool.add_subcommand("doctor", "Check that confined processes can run here")),
+        request_(command_->add_option("--request", "Check a request to the worker or the cleaner instead")) {
+    request_->type_name("FILE")->check(checkNotEmpty);
+  }
+
+  bool isGiven() const { return command_->parsed(); }
+  DoctorArguments arguments() const { return {.request = value(*request_)}; }
+
+ private:
+  CLI::App* command_;
+  CLI::Option* request_;
+};
+
 using ParsedCommandLine = std::variant<Invocation, Information>;
 
 constexpr const char* seeHelp = " (see zelvo --help)";
@@ -434,6 +450,7 @@ Result<ParsedCommandLine> parseCommandLine(int count, const char* const* argumen
   const CleanParser clean(tool);
   const BatchParser batch(tool);
   const ResearchParser research(tool);
+  const DoctorParser doctor(tool);
   const HostOptions hosts(tool);
 
   std::vector<std::string> reversed;  // the order that CLI11 requires
@@ -451,6 +468,7 @@ Result<ParsedCommandLine> parseCommandLine(int count, const char* const* argumen
     if (clean.isGiven()) return clean.arguments();
     if (auto given = batch.command()) return *std::move(given);
     if (auto given = research.command()) return *std::move(given);
+    if (doctor.isGiven()) return doctor.arguments();
     return inspect.arguments();
   };
   Command given = command();
