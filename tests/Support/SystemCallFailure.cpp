@@ -32,14 +32,14 @@ std::optional<int> failureOf(std::string_view name) {
 extern "C" {
 
 // Every argument and every result fits a register and is passed on in it, whatever its type.
-#define ZELVO_FAILING(NAME)                                              \
-  long __real_##NAME(long a, long b, long c, long d);                    \
-  long __wrap_##NAME(long a, long b, long c, long d);                    \
-  long __wrap_##NAME(long a, long b, long c, long d) {                   \
-    const auto error = failureOf(#NAME);                                 \
-    if (error == FailingCall::isShort) return __real_##NAME(a, b, 1, d); \
-    if (error) errno = *error;                                           \
-    return error ? -1 : __real_##NAME(a, b, c, d);                       \
+#define ZELVO_FAILING(NAME)                                                 \
+  long __real_##NAME(long a, long b, long c, long d, long e);               \
+  long __wrap_##NAME(long a, long b, long c, long d, long e);               \
+  long __wrap_##NAME(long a, long b, long c, long d, long e) {              \
+    const auto error = failureOf(#NAME);                                    \
+    if (error == FailingCall::isShort) return __real_##NAME(a, b, 1, d, e); \
+    if (error) errno = *error;                                              \
+    return error ? -1 : __real_##NAME(a, b, c, d, e);                       \
   }
 
 ZELVO_FAILING(dup2)
@@ -53,6 +53,7 @@ ZELVO_FAILING(pipe2)
 ZELVO_FAILING(poll)
 ZELVO_FAILING(read)
 ZELVO_FAILING(rename)
+ZELVO_FAILING(renameat2)
 ZELVO_FAILING(wait4)
 ZELVO_FAILING(waitpid)
 ZELVO_FAILING(write)

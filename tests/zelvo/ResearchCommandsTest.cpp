@@ -109,7 +109,7 @@ TEST_F(ResearchCommands, WriteNothingIfTheyFail) {
       workbook - --title T -o @old.xlsx --no-sources => 1 | $invalid $notReturned
       report - --title T -o @old.xlsx => 1 | $invalid The saved report has no table. Continue the task to prepare spreadsheet data.
       report @absent --title T -o @old.xlsx => 1 | The file cannot be read: @absent: No such file or directory
-      report - --title T -o a.docx => 2 | -o: The file's name must end in .xlsx (see zelvo --help)
+      report - --title T -o a.docx => 2 | --output: The file's name must end in .xlsx (see zelvo --help)
       presentation - -o @old.pptx --datasets @one.json => 1 | @one.json: Expected an array, found an object.
       presentation - --dataset @one.json --allow-dataset d => 2 | --allow-dataset requires --datasets (see zelvo --help)
       presentation - --dataset @one.json --datasets @two.json => 2 | --dataset excludes --datasets (see zelvo --help)

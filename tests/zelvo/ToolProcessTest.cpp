@@ -23,9 +23,12 @@ TEST_F(ToolProcess, RefusesAnInvalidCommandLine) {
       extract - --json --csv => --json excludes --csv ; extract - --tsv --jsonl => --jsonl excludes --tsv
       extract - --json --raw => --json excludes --raw ; extract - --sheet  => --sheet: 1 required NAME|#N|N missing
       create - --title t --json -o - => --json excludes -o -: standard output holds the document
-      create - --sheet S --range A1 --title t => -o is required
-      create - --sheet S --range A1 --title t -o docx => -o: The file's name must end in .docx or .pptx
+      create - --sheet S --range A1 --title t => --output is required
+      create - --sheet S --range A1 --title t -o docx => --output: The file's name must end in .docx or .pptx
       validate a.xlsx => DOC.docx|DOC.pptx: The file's name must end in .docx or .pptx
+      create - --title t --chart a:b -o a.docx => --chart excludes a Word document, which has no charts
+      validate a.docx --chart 0:1 => --chart excludes a Word document, which has no charts
+      research presentation - --no-clobber => --no-clobber requires --output
       validate a.pptx --chart 0 => --chart: The columns must be given as CATEGORY:VALUE
       validate a.pptx --chart-title t => --chart-title requires --chart)"))
     EXPECT_EQ(zelvo(arguments), failure(2, message + " (see zelvo --help)"));

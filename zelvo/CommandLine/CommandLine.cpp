@@ -61,7 +61,8 @@ constexpr const char* impliesClean = "; implies --clean";
 /// How the workbook is cleaned first.
 class CleaningOptions {
  public:
-  explicit CleaningOptions(CLI::App& command)
+  /// A command that writes a document has --no-clobber already.
+  explicit CleaningOptions(CLI::App& command, bool writesDocument = false)
       : clean_(addFlag(command, "--clean", "Read a cleaned copy of the workbook, see zelvo clean --help")),
         unmerge_(addUnmerge(command, impliesClean)),
         plainFormats_(addPlainFormats(command, impliesClean)),
@@ -70,6 +71,7 @@ class CleaningOptions {
     kept_->type_name("FILE.xlsx")->check([](const std::string& path) {
       return path == "-" ? "The cleaned workbook is written to a file only" : checkWorkbookName(path);
     });
+    if (!writesDocument) noClobber_ = addNoClobber(command, kept_);
   }
 
   CleaningArguments arguments() const {
@@ -77,7 +79,7 @@ class CleaningOptions {
     return {.clean = !clean_->empty() || isImplied,
             .unmerge = !unmerge_->empty(),
             .plainFormats = !plainFormats_->empty(),
-            .keptFile = value(*kept_)};
+            .kept = {.file = value(*kept_), .noClobber = noClobber_ != nullptr && !noClobber_->empty()}};
   }
 
  private:
@@ -85,6 +87,7 @@ class CleaningOptions {
   CLI::Option* unmerge_;
   CLI::Option* plainFormats_;
   CLI::Option* kept_;
+  CLI::Option* noClobber_ = nullptr;
 };
 
 class InspectParser {
@@ -150,8 +153,8 @@ class SelectionOptions {
 class ChartOptions {
  public:
   explicit ChartOptions(CLI::App& command)
-      : columns_(addText(command, "--chart",
-                         "Columns of a chart, by title or zero-based index; ignored for Word")),
+      : columns_(
+            addText(command, "--chart", "Columns of a chart, by title or zero-based index; not for Word")),
         title_(addText(command, "--chart-title", "The chart's title")->needs(columns_)) {
     columns_->type_name("CATEGORY:VALUE")->check([](const std::string& text) {
       return text.find(':') != std::string::npos ? "" : "The columns must be given as CATEGORY:VALUE";
@@ -246,25 +249,25 @@ class CreateParser {
   explicit CreateParser(CLI::App& tool)
       : command_(tool.add_subcommand("create", "Write a table as a Word document or a presentation")),
         table_(*command_),
-        cleaning_(*command_),
+        cleaning_(*command_, /*writesDocument=*/true),
         title_(addText(*command_, "--title", "The document's title")->required()),
         chart_(*command_),
         json_(addFlag(*command_, "--json", "Print the document's JSON record, without its bytes")),
-        output_(command_->add_option("-o", "The output file")->required()) {
-    output_->type_name("OUT.docx|OUT.pptx")->check(checkDocumentName);
-  }
+        output_(OutputOptions(*command_, "OUT.docx|OUT.pptx", checkDocumentName).required()) {}
 
   bool isGiven() const { return command_->parsed(); }
   CreateArguments arguments() const {
     const auto chart = chart_.arguments();
-    const std::string output = value(*output_);
+    const OutputArguments output = output_.arguments();
+    CleaningArguments cleaning = cleaning_.arguments();
+    cleaning.kept.noClobber = output.noClobber;
     return {.workbook = table_.workbook(),
             .selection = table_.selection(),
-            .cleaning = cleaning_.arguments(),
+            .cleaning = cleaning,
             .title = value(*title_),
             .chart = chart,
             .output = output,
-            .format = formatOf(output, chart),
+            .format = formatOf(output.file, chart),
             .json = !json_->empty()};
   }
 
@@ -275,7 +278,7 @@ class CreateParser {
   CLI::Option* title_;
   ChartOptions chart_;
   CLI::Option* json_;
-  CLI::Option* output_;
+  OutputOptions output_;
 };
 
 class ValidateParser {
@@ -327,9 +330,8 @@ class CleanParser {
         unmerge_(addUnmerge(*command_)),
         plainFormats_(addPlainFormats(*command_)),
         json_(addFlag(*command_, "--json", "Print the report as JSON")),
-        output_(command_->add_option("-o", "The output file")->required()) {
+        output_(OutputOptions(*command_, "OUT.xlsx", checkWorkbookName).required()) {
     sheets_->type_name("NAME")->take_all();
-    output_->type_name("OUT.xlsx")->check(checkWorkbookName);
     command_->footer(cleanFooter);
   }
 
@@ -340,7 +342,7 @@ class CleanParser {
             .unmerge = !unmerge_->empty(),
             .plainFormats = !plainFormats_->empty(),
             .json = !json_->empty(),
-            .output = value(*output_)};
+            .output = output_.arguments()};
   }
 
  private:
@@ -350,7 +352,7 @@ class CleanParser {
   CLI::Option* unmerge_;
   CLI::Option* plainFormats_;
   CLI::Option* json_;
-  CLI::Option* output_;
+  OutputOptions output_;
 };
 
 class DoctorParser {
@@ -424,13 +426,19 @@ Failure conflictIn(const Command& command) {
     return CommandError{ExitStatus::usage, message + seeHelp};
   };
   const auto* inspect = std::get_if<InspectArguments>(&command);
-  if (inspect != nullptr && inspect->files.size() > 1 && !inspect->cleaning.keptFile.empty())
+  if (inspect != nullptr && inspect->files.size() > 1 && !inspect->cleaning.kept.file.empty())
     return usage("--keep-cleaned takes one workbook");
   const auto* clean = std::get_if<CleanArguments>(&command);
-  if (clean != nullptr && clean->json && clean->output == "-")
+  if (clean != nullptr && clean->json && clean->output.file == "-")
     return usage("--json excludes -o -: standard output holds the workbook");
   const auto* create = std::get_if<CreateArguments>(&command);
-  if (create != nullptr && create->json && create->output == "-")
+  const auto* validate = std::get_if<ValidateArguments>(&command);
+  const auto hasWordChart = [](const auto* given) {
+    return given != nullptr && given->chart && given->format == DocumentFormat::docx;
+  };
+  if (hasWordChart(create) || hasWordChart(validate))
+    return usage("--chart excludes a Word document, which has no charts");
+  if (create != nullptr && create->json && create->output.file == "-")
     return usage("--json excludes -o -: standard output holds the document");
   return std::nullopt;
 }
@@ -439,7 +447,7 @@ Failure conflictIn(const Command& command) {
 
 Result<ParsedCommandLine> parseCommandLine(int count, const char* const* arguments) {
   CLI::App tool("Reads and writes office documents in a confined worker process.", "zelvo");
-  tool.set_version_flag("--version", "zelvo " ZELVO_VERSION);
+  tool.set_version_flag("-V,--version", "zelvo " ZELVO_VERSION);
   tool.set_help_all_flag("--help-all", "Print the help of every subcommand and exit");
   tool.require_subcommand(1);
   tool.footer(footer);
