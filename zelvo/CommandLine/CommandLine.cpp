@@ -14,18 +14,6 @@
 namespace zelvo {
 namespace {
 
-constexpr const char* footer =
-    R"(Examples:
-  zelvo extract book.xlsx --csv               the only visible sheet
-  zelvo extract book.xlsx --sheet 2 --jsonl   the second sheet, one JSON object per row
-  zelvo inspect book.xlsx                     what sheets there are
-
-"-" as a file is standard input, and for -o standard output, which must not be a terminal. create -o -
-writes a presentation with --chart, and a Word document without.
-
-Exit status: 0 success, 1 a document was refused or a file could not be read or written, 2 invalid command
-line, 3 the worker could not be run or failed; with several files the highest.)";
-
 /// The format that a file's ending names.
 std::optional<DocumentFormat> formatOf(std::string_view path) {
   const std::string name = ASCII::lowercased(path);
@@ -171,19 +159,6 @@ class ChartOptions {
   CLI::Option* title_;
 };
 
-constexpr const char* extractFooter =
-    R"(Examples:
-  zelvo extract book.xlsx --csv                      the only visible sheet
-  zelvo extract book.xlsx --sheet Sales --jsonl      one JSON object per row
-  zelvo extract book.xlsx --sheet 2 --range A1:D20   for reading
-
-Rows are printed as they are, from a range of any size up to 250,000 cells. The first row has the titles, with
---no-header data. Hidden columns are left out, hidden rows unless they are included; both are named on standard
-error. --json prints a table of at most 8 columns and 200 data rows, with the provenance of every cell.
-
-Spreadsheet programs take a text that begins with = + - @, tab or carriage return for a formula and run it when
-they open CSV. --escape-formulas puts a ' before such texts, never before numbers.)";
-
 class ExtractParser {
  public:
   explicit ExtractParser(CLI::App& tool)
@@ -200,7 +175,6 @@ class ExtractParser {
     escape_ = addFlag(*command_, "--escape-formulas", "Put a ' before texts that look like formulas");
     for (CLI::Option* option : {raw_, escape_})
       option->excludes(options_.front());
-    command_->footer(extractFooter);
   }
 
   bool isGiven() const { return command_->parsed(); }
@@ -313,14 +287,6 @@ class ValidateParser {
   CLI::Option* json_;
 };
 
-constexpr const char* cleanFooter =
-    R"(Writes a new workbook that holds only what the other commands read: sheets, cells with their saved values,
-formulas and number formats, hidden rows and columns, merged areas. Pictures, comments, links, macros, printer
-settings and all else are left out and reported. Every value is compared with the source before the file is
-written. The result is for programs that read cells, not for opening in an office program: formulas are kept
-as text, and some reach out of the workbook when an office program calculates them. Records of the cleaned
-workbook name its digest; --json prints that and the digest of the source.)";
-
 class CleanParser {
  public:
   explicit CleanParser(CLI::App& tool)
@@ -332,7 +298,6 @@ class CleanParser {
         json_(addFlag(*command_, "--json", "Print the report as JSON")),
         output_(OutputOptions(*command_, "OUT.xlsx", checkWorkbookName).required()) {
     sheets_->type_name("NAME")->take_all();
-    command_->footer(cleanFooter);
   }
 
   bool isGiven() const { return command_->parsed(); }
@@ -447,10 +412,9 @@ Failure conflictIn(const Command& command) {
 
 Result<ParsedCommandLine> parseCommandLine(int count, const char* const* arguments) {
   CLI::App tool("Reads and writes office documents in a confined worker process.", "zelvo");
-  tool.set_version_flag("-V,--version", "zelvo " ZELVO_VERSION);
-  tool.set_help_all_flag("--help-all", "Print the help of every subcommand and exit");
+  tool.set_help_flag("-h,--help", "Print this help");
+  tool.set_version_flag("-V,--version", "zelvo " ZELVO_VERSION, "Print the version");
   tool.require_subcommand(1);
-  tool.footer(footer);
   const InspectParser inspect(tool);
   const ExtractParser extract(tool);
   const CreateParser create(tool);
@@ -460,6 +424,7 @@ Result<ParsedCommandLine> parseCommandLine(int count, const char* const* argumen
   const ResearchParser research(tool);
   const DoctorParser doctor(tool);
   const HostOptions hosts(tool);
+  const InformationParser information(tool);
 
   std::vector<std::string> reversed;  // the order that CLI11 requires
   for (int i = count - 1; i > 0; --i)
@@ -468,6 +433,10 @@ Result<ParsedCommandLine> parseCommandLine(int count, const char* const* argumen
     tool.parse(std::move(reversed));
   } catch (const CLI::ParseError& end) {
     return resultOf(tool, end);
+  }
+  if (auto given = information.information()) {
+    if (*given) return ParsedCommandLine(**std::move(given));
+    return given->error();
   }
   const auto command = [&]() -> Command {
     if (extract.isGiven()) return extract.arguments();
