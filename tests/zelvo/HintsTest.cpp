@@ -113,7 +113,7 @@ TEST_F(Hints, NameTheNearestCommandOrOption) {
   for (const auto& [arguments, message, hint] : cases<3>(R"(
       insepct x => There is no command "insepct" => The nearest command is inspect.
       research chekc x => There is no command "chekc" => The nearest command is check.
-      pdf x => There is no command "pdf" => The commands are inspect, extract, create, validate, clean, research.
+      pdf x => There is no command "pdf" => The commands are inspect, extract, create, validate, clean, batch, research, doctor, help, schema, completion.
       inspect --jsno x => The following argument was not expected: --jsno => The nearest option is --json.
       extract x --sheett S --range A1 => --sheet is required => The nearest option is --sheet.
       --json inspect x => The following argument was not expected: --json => Write --json after inspect.)")) {
@@ -122,7 +122,8 @@ TEST_F(Hints, NameTheNearestCommandOrOption) {
     EXPECT_EQ(wrong.hints, hint + "\n");
   }
   EXPECT_EQ(run(TOOL, {characters(20'000)}).hints,
-            "The commands are inspect, extract, create, validate, clean, research.\n");
+            "The commands are inspect, extract, create, validate, clean, batch, research, doctor, help, "
+            "schema, completion.\n");
 }
 
 }  // namespace

@@ -95,7 +95,7 @@ constexpr std::array completion = {
     CommandExample{"eval \"$(zelvo completion bash)\"", "in ~/.bashrc"},
     CommandExample{"zelvo completion fish > zelvo.fish", "for ~/.config/fish/completions"}};
 
-const std::array all = {
+constexpr std::array all = {
     CommandHelp{
         "zelvo", tool,
         R"("-" as a file is standard input, and for -o standard output, which must not be a terminal. create -o -

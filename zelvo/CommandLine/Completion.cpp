@@ -10,8 +10,10 @@ using Commands = std::vector<const CommandDescription*>;
 /// As one word of each of the shells.
 std::string quoted(std::string_view text) {
   std::string word = "'";
-  for (const char c : text)
-    c == '\'' ? word += "'\\''" : word += c;
+  for (const char c : text) {
+    if (c == '\'') word += "'\\'";
+    word += c;
+  }
   return word + "'";
 }
 
