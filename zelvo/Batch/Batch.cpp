@@ -262,7 +262,7 @@ ExitStatus batch(const Hosts& hosts, const BatchArguments& arguments) {
   }
   const auto& [resultsFile, noClobber] = arguments.output;
   std::error_code ignored;
-  if (noClobber && !arguments.resume && fs::exists(resultsFile, ignored)) {
+  if (noClobber && !arguments.resume && resultsFile != "-" && fs::exists(resultsFile, ignored)) {
     return Console::report({.status = ExitStatus::refused,
                             .message = "The file cannot be written: " + resultsFile + ": " +
                                        std::make_error_code(std::errc::file_exists).message()});

@@ -39,12 +39,9 @@ std::string value(const CLI::Option& option) {
 }
 
 OutputOptions::OutputOptions(CLI::App& command, const std::string& typeName,
-                             const std::function<std::string(const std::string&)>& check,
-                             const std::string& description)
-    : output_(command.add_option("-o,--output", description)->type_name(typeName)),
-      noClobber_(addNoClobber(command, output_)) {
-  if (check) output_->check(check);
-}
+                             const std::function<std::string(const std::string&)>& check)
+    : output_(command.add_option("-o,--output", "The output file")->type_name(typeName)->check(check)),
+      noClobber_(addNoClobber(command, output_)) {}
 
 OutputOptions OutputOptions::required() {
   output_->required();

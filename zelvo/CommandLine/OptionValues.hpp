@@ -32,8 +32,7 @@ class OutputOptions {
  public:
   /// `check` returns what is wrong with a file's name, or an empty text.
   OutputOptions(CLI::App& command, const std::string& typeName,
-                const std::function<std::string(const std::string&)>& check = {},
-                const std::string& description = "The output file");
+                const std::function<std::string(const std::string&)>& check);
 
   OutputOptions required();
   /// After parsing.

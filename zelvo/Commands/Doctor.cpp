@@ -18,8 +18,8 @@ namespace {
 
 constexpr std::size_t maximumRequestMebibytes = DocumentWorkerWire::maximumMessageBytes >> 20U;
 
-/// The document of a request that must be refused is empty.
-constexpr const char* nameOfNothing = "doctor";
+/// The source name of the requests that try worker and cleaner. Their document is empty.
+constexpr const char* trialName = "doctor";
 
 CommandError malformed(const std::string& reason) {
   return {ExitStatus::refused, "The request cannot be used: " + reason};
@@ -85,9 +85,9 @@ std::string failureOf(const std::variant<Response, WorkerFailure>& reply, const 
 ExitStatus checkMachine(const Hosts& hosts) {
   Console::print("Executables  " + printable(hosts.folder) + "\n");
   const ExitStatus confinement = conclude("Confinement  ", "in force", explainConfinementFailure());
-  const auto worker = hosts.worker.send({.sourceName = nameOfNothing});
+  const auto worker = hosts.worker.send({.sourceName = trialName});
   const ExitStatus workerAnswers = conclude("Worker       ", "answers", failureOf(worker, "The worker"));
-  const auto cleaner = hosts.cleaner.send({.sourceName = nameOfNothing});
+  const auto cleaner = hosts.cleaner.send({.sourceName = trialName});
   const ExitStatus cleanerAnswers = conclude("Cleaner      ", "answers", failureOf(cleaner, "The cleaner"));
   return std::max({confinement, workerAnswers, cleanerAnswers});
 }

@@ -39,7 +39,7 @@ Failure DocumentOutput::check(const OutputArguments& output, const std::vector<s
     return CommandError{ExitStatus::usage, "A document is not written to a terminal."};
   }
   if (std::ranges::any_of(inputs,
-                          [&, &path = path](const std::string& input) { return isSameFile(input, path); }))
+                          [&path = path](const std::string& input) { return isSameFile(input, path); }))
     return CommandError{ExitStatus::usage, "The output is one of the inputs: " + path};
   std::error_code ignored;
   if (noClobber && std::filesystem::exists(path, ignored)) return unwritable(path, EEXIST);
