@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "DocumentRuntime/Coding/RecordCoding.hpp"
 #include "DocumentRuntime/Records/ByteBuffer.hpp"
@@ -53,6 +54,12 @@ struct DocumentWorkerResponse {
 
   bool operator==(const DocumentWorkerResponse&) const = default;
 };
+
+/// The keys that the request's operation needs and the request lacks.
+std::vector<std::string_view> missingKeys(const DocumentWorkerRequest& request);
+
+/// "inspect", "extract", "create" or "validate".
+std::string_view rawValue(DocumentWorkerRequest::Operation operation);
 
 void encode(JsonWriter& writer, DocumentWorkerRequest::Operation operation);
 void decode(JsonValue value, DocumentWorkerRequest::Operation& operation);

@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
+#include <mutex>
 #include <optional>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -40,15 +41,25 @@ int followLinks(std::string& path) {
   return ELOOP;
 }
 
-/// Reads the umask once: no call only reads it, and other threads may create files in between. The value in
-/// between gives no permission to others.
+/// No call only reads the umask. The value in between gives no permission to others; only this function
+/// creates files on several threads.
 mode_t permissionsByUmask() {
-  static const mode_t mask = [] {
-    const mode_t before = umask(S_IRWXG | S_IRWXO);
-    umask(before);
-    return before;
-  }();
+  static std::mutex lock;
+  const std::lock_guard guard(lock);
+  const mode_t mask = umask(S_IRWXG | S_IRWXO);
+  umask(mask);
   return permissionsOfNewFile & ~mask;
+}
+
+/// Renames a file unless there is one of the new name. Returns 0 or the error number.
+int renameWithoutReplacing(const char* from, const char* to) {
+#if defined(__linux__)
+  if (renameat2(AT_FDCWD, from, AT_FDCWD, to, RENAME_NOREPLACE) == 0) return 0;
+  if (errno != EINVAL) return errno;  // EINVAL: the file system cannot do this
+#endif
+  if (link(from, to) != 0) return errno;
+  static_cast<void>(unlink(from));
+  return 0;
 }
 
 /// A temporary file in the folder of `target`. Removed unless it is renamed to `target`.
@@ -86,10 +97,14 @@ class TemporaryFile {
     return errno == EPERM ? 0 : errno;
   }
 
-  int commit() {
+  int commit(ExistingFile existing) {
     if (fsync(file_.number()) != 0) return errno;
     const SignalCleanup::Hold whileRenamed;
-    if (std::rename(path_.c_str(), target_.c_str()) != 0) return errno;
+    if (existing == ExistingFile::kept) {
+      if (const int error = renameWithoutReplacing(path_.c_str(), target_.c_str()); error != 0) return error;
+    } else if (std::rename(path_.c_str(), target_.c_str()) != 0) {
+      return errno;
+    }
     cleanup_.reset();
     return 0;
   }
@@ -117,12 +132,12 @@ void syncFolder(const std::string& folder) {
 }
 
 int replaceFile(const std::string& path, const std::optional<struct stat>& replaced,
-                const OutputContent& content) {
+                const OutputContent& content, ExistingFile existing) {
   TemporaryFile file(path);
   int error = file.create();
   if (error == 0) error = content([&](std::string_view bytes) { return file.write(bytes); });
   if (error == 0) error = file.copyPermissions(replaced);
-  if (error == 0) error = file.commit();
+  if (error == 0) error = file.commit(existing);
   if (error == 0) syncFolder(folderOf(path));
   return error;
 }
@@ -139,21 +154,23 @@ int writeInPlace(const std::string& path, const OutputContent& content) {
 
 }  // namespace
 
-int writeOutputFile(const std::string& path, std::string_view bytes) {
-  return writeOutputFile(path, [bytes](const WriteBytes& write) { return write(bytes); });
+int writeOutputFile(const std::string& path, std::string_view bytes, ExistingFile existing) {
+  return writeOutputFile(
+      path, [bytes](const WriteBytes& write) { return write(bytes); }, existing);
 }
 
-int writeOutputFile(const std::string& path, const OutputContent& content) {
+int writeOutputFile(const std::string& path, const OutputContent& content, ExistingFile existing) {
   // The kernel follows the links first: it refuses links of other users in shared folders.
   struct stat found = {};
   const bool exists = stat(path.c_str(), &found) == 0;
   if (!exists && errno != ENOENT) return errno;
+  if (exists && existing == ExistingFile::kept) return EEXIST;
   if (exists && S_ISDIR(found.st_mode)) return EISDIR;
   if (exists && !S_ISREG(found.st_mode)) return writeInPlace(path, content);
 
   std::string target = path;
   if (const int error = followLinks(target); error != 0) return error;
-  return replaceFile(target, exists ? std::optional(found) : std::nullopt, content);
+  return replaceFile(target, exists ? std::optional(found) : std::nullopt, content, existing);
 }
 
 }  // namespace zelvo

@@ -6,6 +6,12 @@
 
 namespace zelvo {
 
+/// What happens to a file that exists at the path.
+enum class ExistingFile {
+  replaced,
+  kept,  ///< writing fails with EEXIST, also if the file appears meanwhile
+};
+
 /// Replaces the content of the file at `path`, or creates it. Returns 0, or the error number; after an error
 /// the old file is unchanged.
 ///
@@ -15,9 +21,9 @@ namespace zelvo {
 /// new file has the permissions of the process's umask. A target that is not a regular file (a FIFO, a
 /// device) is written in place. `SignalCleanup` removes the temporary file.
 ///
-/// May be called from several threads at once. The umask is read at the first call. Throws only
-/// `std::bad_alloc`.
-int writeOutputFile(const std::string& path, std::string_view bytes);
+/// May be called from several threads at once. Throws only `std::bad_alloc`.
+int writeOutputFile(const std::string& path, std::string_view bytes,
+                    ExistingFile existing = ExistingFile::replaced);
 
 /// Appends bytes to a file. Returns 0 or the error number.
 using WriteBytes = std::function<int(std::string_view bytes)>;
@@ -27,6 +33,7 @@ using OutputContent = std::function<int(const WriteBytes& write)>;
 
 /// The same for a content that is not in memory. Throws what `content` throws, and then, too, leaves what was
 /// there.
-int writeOutputFile(const std::string& path, const OutputContent& content);
+int writeOutputFile(const std::string& path, const OutputContent& content,
+                    ExistingFile existing = ExistingFile::replaced);
 
 }  // namespace zelvo

@@ -8,6 +8,35 @@ install(TARGETS zelvo RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT zelv
 install(TARGETS zelvo_document_worker zelvo_document_cleaner
   RUNTIME DESTINATION ${CMAKE_INSTALL_LIBEXECDIR}/zelvo COMPONENT zelvo)
 
+install(DIRECTORY schemas/ DESTINATION ${CMAKE_INSTALL_DATADIR}/zelvo/schemas COMPONENT zelvo FILES_MATCHING PATTERN "*.json")
+
+# zelvo_print(FILE DESTINATION ARGUMENT...): installs what the tool prints, or a program behind it.
+function(zelvo_print FILE DESTINATION)
+  set(folder ${CMAKE_CURRENT_BINARY_DIR}/printed)
+  add_custom_command(OUTPUT ${folder}/${FILE}
+    COMMAND ${CMAKE_COMMAND} -E make_directory ${folder}
+    COMMAND zelvo ${ARGN} > ${folder}/${FILE}
+    DEPENDS zelvo)
+  set_property(GLOBAL APPEND PROPERTY ZELVO_PRINTED ${folder}/${FILE})
+  install(FILES ${folder}/${FILE} DESTINATION ${DESTINATION} COMPONENT zelvo)
+endfunction()
+
+# Completions, and the man page if there is scdoc to format it. A tool for another system cannot print them.
+if(NOT CMAKE_CROSSCOMPILING)
+  zelvo_print(zelvo ${CMAKE_INSTALL_DATADIR}/bash-completion/completions completion bash)
+  zelvo_print(_zelvo ${CMAKE_INSTALL_DATADIR}/zsh/site-functions completion zsh)
+  # Where Debian's zsh looks below /usr.
+  install(FILES ${CMAKE_CURRENT_BINARY_DIR}/printed/_zelvo
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions COMPONENT zelvo)
+  zelvo_print(zelvo.fish ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d completion fish)
+  find_program(ZELVO_SCDOC scdoc)
+  if(ZELVO_SCDOC)
+    zelvo_print(zelvo.1 ${CMAKE_INSTALL_MANDIR}/man1 help --man-source | ${ZELVO_SCDOC})
+  endif()
+  get_property(printed GLOBAL PROPERTY ZELVO_PRINTED)
+  add_custom_target(zelvo_printed ALL DEPENDS ${printed})
+endif()
+
 # The libraries: Host, Runtime, and all that they use, in the order in which a linker needs their archives.
 function(zelvo_collect OUT)
   set(order ${${OUT}})

@@ -35,6 +35,7 @@ struct RunCommand {
   ExitStatus operator()(const ResearchPresentationArguments& arguments) const {
     return researchPresentation(arguments);
   }
+  ExitStatus operator()(const DoctorArguments& arguments) const { return doctor(hosts, arguments); }
 };
 
 ExitStatus run(int count, const char* const* arguments) {

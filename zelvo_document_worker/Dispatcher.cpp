@@ -23,7 +23,7 @@ DocumentWorkerResponse inspect(DocumentWorkerRequest request) {
 }
 
 DocumentWorkerResponse extract(DocumentWorkerRequest request) {
-  if (!request.selection) throw DocumentError::invalidSelection("Choose a table.");
+  if (!missingKeys(request).empty()) throw DocumentError::invalidSelection("Choose a table.");
   DocumentWorkerResponse response;
   response.table =
       DocumentEngine::extractTable(std::move(request.data), request.sourceName, *request.selection);
@@ -31,9 +31,8 @@ DocumentWorkerResponse extract(DocumentWorkerRequest request) {
 }
 
 DocumentWorkerResponse create(DocumentWorkerRequest request) {
-  if (!request.selection || !request.format || !request.title) {
+  if (!missingKeys(request).empty())
     throw DocumentError::invalidSelection("The document plan is incomplete.");
-  }
   DocumentWorkerResponse response;
   response.table =
       DocumentEngine::extractTable(std::move(request.data), request.sourceName, *request.selection);
@@ -45,7 +44,7 @@ DocumentWorkerResponse create(DocumentWorkerRequest request) {
 }
 
 DocumentWorkerResponse validate(DocumentWorkerRequest request) {
-  if (!request.format) throw DocumentError::validationFailed("Missing document format.");
+  if (!missingKeys(request).empty()) throw DocumentError::validationFailed("Missing document format.");
   DocumentWorkerResponse response;
   response.validation = DocumentEngine::validate(request.data.view(), *request.format,
                                                  pointerTo(request.expectedTable), pointerTo(request.chart));

@@ -121,6 +121,25 @@ TEST(OutputFile, WritesOtherThanRegularFilesInPlace) {
   EXPECT_EQ(filesIn(folder), 2);
 }
 
+TEST(OutputFile, KeepsAnExistingFileOnRequest) {
+  const TemporaryFolder folder;
+  const std::string path = folder.path("file");
+  // The second one appears while the first is written.
+  const auto writeTwo = [&](const WriteBytes& write) {
+    EXPECT_EQ(writeOutputFile(path, "first", ExistingFile::kept), 0);
+    return write("second");
+  };
+  for (const char* failing : {"", "renameat2"}) {
+    SCOPED_TRACE(failing);
+    const testing::FailingCall unsupported(failing, EINVAL, 0);
+    fs::remove(path);
+    EXPECT_EQ(writeOutputFile(path, writeTwo, ExistingFile::kept), EEXIST);
+    EXPECT_EQ(writeOutputFile(path, "third", ExistingFile::kept), EEXIST);
+    EXPECT_EQ(testing::contentOf(path), "first");
+    EXPECT_EQ(filesIn(folder), 1);
+  }
+}
+
 TEST(OutputFile, SurvivesSystemCallsThatFail) {
   const struct {
     const char* call;

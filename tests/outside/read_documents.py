@@ -55,8 +55,8 @@ class Documents(office.Case):
             book.save(path)
             given = [path, "--sheet", "Sheet", "--range", f"A1:{chr(64 + len(rows[0]))}{len(rows)}"]
             chart = ["--chart", "0:1", "--chart-title", "Revenue"] if rows[0] is FIGURES[0] else []
-            for ending in ("docx", "pptx"):
-                office.zelvo("create", *given, "--title", "Quarterly <figures> & more", *chart,
+            for ending, options in (("docx", []), ("pptx", chart)):
+                office.zelvo("create", *given, "--title", "Quarterly <figures> & more", *options,
                              "-o", cls.folder / f"{name}.{ending}")
         cls.convert("*.docx", "odt")
         cls.convert("*.pptx", "odp")

@@ -80,7 +80,7 @@ TEST_F(CleanCommands, RefusalsWriteNoFile) {
       clean @book.xlsx -o @book.xlsx => 2 | The output is one of the inputs: @book.xlsx
       clean @book.xlsx -o @absent/../book.xlsx => 1 | The file cannot be written: @absent/../book.xlsx: No such file or directory
       clean @book.xlsx --json -o - => 2 | --json excludes -o -: standard output holds the workbook (see zelvo --help)
-      clean @book.xlsx -o a.xls => 2 | -o: The file's name must end in .xlsx (see zelvo --help)
+      clean @book.xlsx -o a.xls => 2 | --output: The file's name must end in .xlsx (see zelvo --help)
       clean @old.xlsx -o @new.xlsx => 1 | The document exceeds a safe processing limit: archive size
       clean @book.xlsx --sheet None -o @old.xlsx => 1 | The selected table cannot be used: no worksheet is named None
       inspect @book.xlsx @old.xlsx --keep-cleaned @new.xlsx => 2 | --keep-cleaned takes one workbook (see zelvo --help)

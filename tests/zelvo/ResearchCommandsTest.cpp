@@ -101,7 +101,7 @@ TEST_F(ResearchCommands, WriteNothingIfTheyFail) {
       check /dev/zero => 1 | The file is larger than 16 MiB: /dev/zero
       workbook - --title T -o @old.xlsx --no-sources => 1 | $invalid $notReturned
       report - --title T -o @old.xlsx => 1 | $invalid The saved report has no table. Continue the task to prepare spreadsheet data.
-      report - --title T -o a.docx => 2 | -o: The file's name must end in .xlsx (see zelvo --help)
+      report - --title T -o a.docx => 2 | --output: The file's name must end in .xlsx (see zelvo --help)
       presentation - -o @old.pptx --datasets @one.json => 1 | @one.json: Expected an array, found an object.
       presentation - --dataset @one.json --allow-dataset d => 2 | --allow-dataset requires --datasets (see zelvo --help)
       check - --source http://h --no-sources => 2 | --source excludes --no-sources (see zelvo --help))";

@@ -23,9 +23,12 @@ TEST_F(ToolProcess, RefusesAnInvalidCommandLine) {
       extract - --json --csv => --json excludes --csv ; extract - --tsv --jsonl => --jsonl excludes --tsv
       extract - --json --raw => --json excludes --raw ; extract - --sheet  => --sheet: 1 required NAME|#N|N missing
       create - --title t --json -o - => --json excludes -o -: standard output holds the document
-      create - --sheet S --range A1 --title t => -o is required
-      create - --sheet S --range A1 --title t -o docx => -o: The file's name must end in .docx or .pptx
+      create - --sheet S --range A1 --title t => --output is required
+      create - --sheet S --range A1 --title t -o docx => --output: The file's name must end in .docx or .pptx
       validate a.xlsx => DOC.docx|DOC.pptx: The file's name must end in .docx or .pptx
+      create - --title t --chart a:b -o a.docx => --chart excludes a Word document, which has no charts
+      validate a.docx --chart 0:1 => --chart excludes a Word document, which has no charts
+      research presentation - --no-clobber => --no-clobber requires --output
       validate a.pptx --chart 0 => --chart: The columns must be given as CATEGORY:VALUE
       validate a.pptx --chart-title t => --chart-title requires --chart)"))
     EXPECT_EQ(zelvo(arguments), failure(2, message + " (see zelvo --help)"));
@@ -64,6 +67,32 @@ TEST_F(ToolProcess, EndsItsWorkerIfASignalEndsIt) {
   EXPECT_EQ(result.outcome, ChildOutcome::killed);
   EXPECT_EQ(result.code, SIGTERM);
   EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1) << "the worker is still there";
+}
+
+TEST_F(ToolProcess, ChecksTheMachine) {
+  EXPECT_EQ(
+      zelvo("doctor").output.find("\nConfinement  in force\nWorker       answers\nCleaner      answers\n"),
+      zelvo("doctor").output.find('\n'));
+  EXPECT_EQ(runAfter("ulimit -t 20", "doctor").errors.find("zelvo: The limit of 45 seconds "), 0U);
+  displace("say {}");  // and no cleaner
+  const ToolRun broken = displaced("doctor");
+  EXPECT_EQ(broken.status, 3);
+  EXPECT_NE(broken.output.find("\nConfinement  in force\nWorker       fails\nCleaner      fails\n"),
+            std::string::npos);
+  EXPECT_NE(broken.errors.find("zelvo: The cleaner was not found. ("), std::string::npos);
+}
+
+TEST_F(ToolProcess, ChecksRequests) {
+  for (const auto& [request, reason] : cases<2>(R"(
+      {"operation":"inspect","sourceName":"s"} => The key "data" is missing.
+      {"operation":"create","data":"","sourceName":"s"} => It is a request to the worker, create, and lacks these keys: selection, format, title.
+      {"operation":"extract","data":"","sourceName":"s","selection":{"sheetName":1}} => selection.sheetName: Expected a string, found a number.
+      {"version":2,"data":"","sourceName":"s"} => version: Expected 1.
+      {"data":"","sourceName":"s"} => The key "operation" of a request to the worker is missing, and "version" of one to the cleaner.)"))
+    EXPECT_EQ(zelvo("doctor --request -", request), failure(1, "The request cannot be used: " + reason));
+  EXPECT_EQ(
+      zelvo("doctor --request -", R"({"operation":"validate","data":"","sourceName":"s","format":"docx"})"),
+      (ToolRun{0, "The request is well formed: a request to the worker, validate.\n", ""}));
 }
 
 TEST_F(ToolProcess, WorksWithInheritedStreamsAndSignals) {

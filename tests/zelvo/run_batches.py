@@ -77,6 +77,9 @@ assert b"Line 1 is not one of a batch" in zelvo("inspect in -o r.jsonl --resume"
 run = zelvo("clean in/a.xlsx in/deep --output-dir out -o c.jsonl")
 assert pathlib.Path("out/in/a.xlsx").exists() and pathlib.Path("out/er/c.xlsx").exists()
 assert all("report" in line for line in lines(pathlib.Path("c.jsonl").read_bytes()))
+pathlib.Path("out/in/a.xlsx").write_bytes(b"kept")
+assert b"out/in/a.xlsx: File exists" in zelvo("clean in/a.xlsx --output-dir out --no-clobber", 1).stdout
+assert pathlib.Path("out/in/a.xlsx").read_bytes() == b"kept"
 for arguments in ["../x.xlsx", os.path.abspath("in/a.xlsx"), "in/a.xlsx in/a.xlsm", "in/a.xlsx --output-dir ."]:
     output = "" if "--output-dir" in arguments else " --output-dir new"
     zelvo("clean " + arguments + output, 2)

@@ -66,6 +66,11 @@ class FileWork {
   }
 
   Failure clean(const BatchFile& file, FileOutcome& outcome) const {
+    // The name was checked before the first file.
+    const fs::path output = fs::path(arguments_.outputFolder) / cleanedName(file.relative).value();
+    std::error_code ignored;
+    if (arguments_.output.noClobber && fs::exists(output, ignored))
+      return unwritable(output, std::make_error_code(std::errc::file_exists));
     auto input = readFile(file.path, DocumentWorkerHost::unsendableBytes);
     if (!input) return input.error();
     DocumentCleanerRequest request{.sourceName = std::move(input->sourceName),
@@ -78,7 +83,7 @@ class FileWork {
     auto& response = std::get<DocumentCleanerResponse>(reply);
     if (response.error) return refusal(*std::move(response.error), Stage::cleaning);
     outcome.report = std::move(response.report);
-    return write(file, response.document->data);
+    return write(output, response.document->data);
   }
 
   /// Hints of the table alone: a look at the file takes a child process, whose parent may have only one
@@ -92,16 +97,19 @@ class FileWork {
     return error;
   }
 
-  /// A full disk says nothing about the document, so that its outcome is "failed".
-  Failure write(const BatchFile& file, const ByteBuffer& document) const {
-    // The name was checked before the first file.
-    const fs::path path = fs::path(arguments_.outputFolder) / cleanedName(file.relative).value();
+  Failure write(const fs::path& path, const ByteBuffer& document) const {
     std::error_code error;
     fs::create_directories(path.parent_path(), error);
-    if (!error) error = {writeOutputFile(path.string(), document.text()), std::generic_category()};
+    const auto existing = arguments_.output.noClobber ? ExistingFile::kept : ExistingFile::replaced;
+    if (!error) error = {writeOutputFile(path.string(), document.text(), existing), std::generic_category()};
     if (!error) return std::nullopt;
-    return CommandError{ExitStatus::workerFailed,
-                        "The file cannot be written: " + path.string() + ": " + error.message()};
+    return unwritable(path, error);
+  }
+
+  /// A full disk says nothing about the document, so that its outcome is "failed".
+  static CommandError unwritable(const fs::path& path, const std::error_code& error) {
+    return {error == std::errc::file_exists ? ExitStatus::refused : ExitStatus::workerFailed,
+            "The file cannot be written: " + path.string() + ": " + error.message()};
   }
 
   const Hosts& hosts_;
@@ -252,7 +260,14 @@ ExitStatus batch(const Hosts& hosts, const BatchArguments& arguments) {
     if (const Failure failure = checkOutputs(*files, arguments.outputFolder))
       return Console::report(*failure);
   }
-  auto results = BatchResults::open(arguments.output, arguments.resume);
+  const auto& [resultsFile, noClobber] = arguments.output;
+  std::error_code ignored;
+  if (noClobber && !arguments.resume && resultsFile != "-" && fs::exists(resultsFile, ignored)) {
+    return Console::report({.status = ExitStatus::refused,
+                            .message = "The file cannot be written: " + resultsFile + ": " +
+                                       std::make_error_code(std::errc::file_exists).message()});
+  }
+  auto results = BatchResults::open(resultsFile, arguments.resume);
   if (!results) return Console::report(results.error());
   const FileWork work(hosts, arguments);
   return BatchRun(arguments, *std::move(files), *std::move(results), work).run();

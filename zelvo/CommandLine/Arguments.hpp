@@ -11,12 +11,18 @@
 // The arguments of each command. A file "-" is standard input, or standard output where it is an output.
 namespace zelvo {
 
+/// Where a document is written.
+struct OutputArguments {
+  std::string file;        ///< empty for nowhere, if the command need not write one
+  bool noClobber = false;  ///< an existing file is an error
+};
+
 /// How a workbook is cleaned before it is read.
 struct CleaningArguments {
   bool clean = false;  ///< without it the other fields have their defaults
   bool unmerge = false;
   bool plainFormats = false;
-  std::string keptFile;  ///< where the cleaned workbook is written; empty for nowhere
+  OutputArguments kept;  ///< where the cleaned workbook is written
 };
 
 struct InspectArguments {
@@ -53,7 +59,7 @@ struct CreateArguments {
   CleaningArguments cleaning;
   std::string title;
   std::optional<ChartArguments> chart;
-  std::string output;  ///< a file
+  OutputArguments output;
   DocumentFormat format = DocumentFormat::docx;
   bool json = false;  ///< print the document's record; the output is a file then
 };
@@ -71,8 +77,8 @@ struct CleanArguments {
   std::vector<std::string> sheets;  ///< the names of the worksheets to keep; empty for all
   bool unmerge = false;
   bool plainFormats = false;
-  bool json = false;   ///< print the report as JSON
-  std::string output;  ///< a file
+  bool json = false;  ///< print the report as JSON
+  OutputArguments output;
 };
 
 struct BatchArguments {
@@ -87,8 +93,8 @@ struct BatchArguments {
   std::int64_t jobs = 0;           ///< files at once; 0 for the number of processors
   bool resume = false;
   bool quiet = false;
-  std::string output;        ///< a file; empty for standard output
-  std::string outputFolder;  ///< of `clean`
+  OutputArguments output;    ///< the results; nowhere means standard output
+  std::string outputFolder;  ///< of `clean`; `output.noClobber` applies to its workbooks, too
   bool unmerge = false;
   bool plainFormats = false;
 };
@@ -110,14 +116,14 @@ struct ResearchWorkbookArguments {
   std::string dataset;  ///< a file
   std::string title;
   SourceArguments sources;
-  std::string output;  ///< a file
+  OutputArguments output;
 };
 
 struct ResearchReportArguments {
   std::string report;  ///< a file
   std::string title;
   std::vector<std::string> sources;  ///< URLs, in the order in which they are listed
-  std::string output;                ///< a file
+  OutputArguments output;
 };
 
 struct ResearchPresentationArguments {
@@ -126,10 +132,14 @@ struct ResearchPresentationArguments {
   std::string datasets;  ///< a file of several; empty for none, and if there is a `dataset`
   std::vector<std::string> allowedDatasets;  ///< identifiers among `datasets`; empty for all
   SourceArguments sources;
-  std::string output;  ///< a file; empty to print the deck as JSON
+  OutputArguments output;  ///< nowhere to print the deck as JSON
 };
 
-/// Of every command: the programs that it starts.
+struct DoctorArguments {
+  std::string request;  ///< a file with a request to check; empty to check the machine
+};
+
+/// Of every command that starts a process.
 struct HostArguments {
   std::string libexec;                ///< the folder of worker and cleaner; empty to find it
   std::int64_t timeoutSeconds = 180;  ///< of each process, by the wall clock
@@ -139,6 +149,6 @@ struct HostArguments {
 using Command =
     std::variant<BatchArguments, InspectArguments, ExtractArguments, CreateArguments, ValidateArguments,
                  CleanArguments, ResearchCheckArguments, ResearchWorkbookArguments, ResearchReportArguments,
-                 ResearchPresentationArguments>;
+                 ResearchPresentationArguments, DoctorArguments>;
 
 }  // namespace zelvo

@@ -46,6 +46,7 @@ struct BatchParser::Options {
   CLI::Option* resume;
   CLI::Option* quiet;
   CLI::Option* output;
+  CLI::Option* noClobber;
   // Of `clean` only.
   CLI::Option* outputFolder = nullptr;
   CLI::Option* unmerge = nullptr;
@@ -75,7 +76,8 @@ struct BatchParser::Options {
                        "Continue the results file: skip what is answered or refused in it")),
         quiet(addFlag(*command, "-q,--quiet", "No progress and no totals")),
         output(command->add_option("-o,--output", "The results; without it standard output")
-                   ->type_name("RESULTS.jsonl")) {
+                   ->type_name("RESULTS.jsonl")),
+        noClobber(addFlag(*command, "--no-clobber", "Do not write over files that exist")) {
     resume->needs(output);
     if (what != BatchArguments::Operation::clean) return;
     outputFolder = command->add_option("--output-dir", "The folder for the cleaned workbooks")->required();
@@ -91,7 +93,7 @@ struct BatchParser::Options {
                          .nulSeparated = !nulSeparated->empty(),
                          .resume = !resume->empty(),
                          .quiet = !quiet->empty(),
-                         .output = value(*output)};
+                         .output = {.file = value(*output), .noClobber = !noClobber->empty()}};
     if (const auto part = shard(value(*shardOption))) {
       given.shard = part->index;
       given.shards = part->count;

@@ -14,18 +14,6 @@
 namespace zelvo {
 namespace {
 
-constexpr const char* footer =
-    R"(Examples:
-  zelvo extract book.xlsx --csv               the only visible sheet
-  zelvo extract book.xlsx --sheet 2 --jsonl   the second sheet, one JSON object per row
-  zelvo inspect book.xlsx                     what sheets there are
-
-"-" as a file is standard input, and for -o standard output, which must not be a terminal. create -o -
-writes a presentation with --chart, and a Word document without.
-
-Exit status: 0 success, 1 a document was refused or a file could not be read or written, 2 invalid command
-line, 3 the worker could not be run or failed; with several files the highest.)";
-
 /// The format that a file's ending names.
 std::optional<DocumentFormat> formatOf(std::string_view path) {
   const std::string name = ASCII::lowercased(path);
@@ -61,7 +49,8 @@ constexpr const char* impliesClean = "; implies --clean";
 /// How the workbook is cleaned first.
 class CleaningOptions {
  public:
-  explicit CleaningOptions(CLI::App& command)
+  /// A command that writes a document has --no-clobber already.
+  explicit CleaningOptions(CLI::App& command, bool writesDocument = false)
       : clean_(addFlag(command, "--clean", "Read a cleaned copy of the workbook, see zelvo clean --help")),
         unmerge_(addUnmerge(command, impliesClean)),
         plainFormats_(addPlainFormats(command, impliesClean)),
@@ -70,6 +59,7 @@ class CleaningOptions {
     kept_->type_name("FILE.xlsx")->check([](const std::string& path) {
       return path == "-" ? "The cleaned workbook is written to a file only" : checkWorkbookName(path);
     });
+    if (!writesDocument) noClobber_ = addNoClobber(command, kept_);
   }
 
   CleaningArguments arguments() const {
@@ -77,7 +67,7 @@ class CleaningOptions {
     return {.clean = !clean_->empty() || isImplied,
             .unmerge = !unmerge_->empty(),
             .plainFormats = !plainFormats_->empty(),
-            .keptFile = value(*kept_)};
+            .kept = {.file = value(*kept_), .noClobber = noClobber_ != nullptr && !noClobber_->empty()}};
   }
 
  private:
@@ -85,6 +75,7 @@ class CleaningOptions {
   CLI::Option* unmerge_;
   CLI::Option* plainFormats_;
   CLI::Option* kept_;
+  CLI::Option* noClobber_ = nullptr;
 };
 
 class InspectParser {
@@ -150,8 +141,8 @@ class SelectionOptions {
 class ChartOptions {
  public:
   explicit ChartOptions(CLI::App& command)
-      : columns_(addText(command, "--chart",
-                         "Columns of a chart, by title or zero-based index; ignored for Word")),
+      : columns_(
+            addText(command, "--chart", "Columns of a chart, by title or zero-based index; not for Word")),
         title_(addText(command, "--chart-title", "The chart's title")->needs(columns_)) {
     columns_->type_name("CATEGORY:VALUE")->check([](const std::string& text) {
       return text.find(':') != std::string::npos ? "" : "The columns must be given as CATEGORY:VALUE";
@@ -167,19 +158,6 @@ class ChartOptions {
   CLI::Option* columns_;
   CLI::Option* title_;
 };
-
-constexpr const char* extractFooter =
-    R"(Examples:
-  zelvo extract book.xlsx --csv                      the only visible sheet
-  zelvo extract book.xlsx --sheet Sales --jsonl      one JSON object per row
-  zelvo extract book.xlsx --sheet 2 --range A1:D20   for reading
-
-Rows are printed as they are, from a range of any size up to 250,000 cells. The first row has the titles, with
---no-header data. Hidden columns are left out, hidden rows unless they are included; both are named on standard
-error. --json prints a table of at most 8 columns and 200 data rows, with the provenance of every cell.
-
-Spreadsheet programs take a text that begins with = + - @, tab or carriage return for a formula and run it when
-they open CSV. --escape-formulas puts a ' before such texts, never before numbers.)";
 
 class ExtractParser {
  public:
@@ -197,7 +175,6 @@ class ExtractParser {
     escape_ = addFlag(*command_, "--escape-formulas", "Put a ' before texts that look like formulas");
     for (CLI::Option* option : {raw_, escape_})
       option->excludes(options_.front());
-    command_->footer(extractFooter);
   }
 
   bool isGiven() const { return command_->parsed(); }
@@ -246,25 +223,25 @@ class CreateParser {
   explicit CreateParser(CLI::App& tool)
       : command_(tool.add_subcommand("create", "Write a table as a Word document or a presentation")),
         table_(*command_),
-        cleaning_(*command_),
+        cleaning_(*command_, /*writesDocument=*/true),
         title_(addText(*command_, "--title", "The document's title")->required()),
         chart_(*command_),
         json_(addFlag(*command_, "--json", "Print the document's JSON record, without its bytes")),
-        output_(command_->add_option("-o", "The output file")->required()) {
-    output_->type_name("OUT.docx|OUT.pptx")->check(checkDocumentName);
-  }
+        output_(OutputOptions(*command_, "OUT.docx|OUT.pptx", checkDocumentName).required()) {}
 
   bool isGiven() const { return command_->parsed(); }
   CreateArguments arguments() const {
     const auto chart = chart_.arguments();
-    const std::string output = value(*output_);
+    const OutputArguments output = output_.arguments();
+    CleaningArguments cleaning = cleaning_.arguments();
+    cleaning.kept.noClobber = output.noClobber;
     return {.workbook = table_.workbook(),
             .selection = table_.selection(),
-            .cleaning = cleaning_.arguments(),
+            .cleaning = cleaning,
             .title = value(*title_),
             .chart = chart,
             .output = output,
-            .format = formatOf(output, chart),
+            .format = formatOf(output.file, chart),
             .json = !json_->empty()};
   }
 
@@ -275,7 +252,7 @@ class CreateParser {
   CLI::Option* title_;
   ChartOptions chart_;
   CLI::Option* json_;
-  CLI::Option* output_;
+  OutputOptions output_;
 };
 
 class ValidateParser {
@@ -310,14 +287,6 @@ class ValidateParser {
   CLI::Option* json_;
 };
 
-constexpr const char* cleanFooter =
-    R"(Writes a new workbook that holds only what the other commands read: sheets, cells with their saved values,
-formulas and number formats, hidden rows and columns, merged areas. Pictures, comments, links, macros, printer
-settings and all else are left out and reported. Every value is compared with the source before the file is
-written. The result is for programs that read cells, not for opening in an office program: formulas are kept
-as text, and some reach out of the workbook when an office program calculates them. Records of the cleaned
-workbook name its digest; --json prints that and the digest of the source.)";
-
 class CleanParser {
  public:
   explicit CleanParser(CLI::App& tool)
@@ -327,10 +296,8 @@ class CleanParser {
         unmerge_(addUnmerge(*command_)),
         plainFormats_(addPlainFormats(*command_)),
         json_(addFlag(*command_, "--json", "Print the report as JSON")),
-        output_(command_->add_option("-o", "The output file")->required()) {
+        output_(OutputOptions(*command_, "OUT.xlsx", checkWorkbookName).required()) {
     sheets_->type_name("NAME")->take_all();
-    output_->type_name("OUT.xlsx")->check(checkWorkbookName);
-    command_->footer(cleanFooter);
   }
 
   bool isGiven() const { return command_->parsed(); }
@@ -340,7 +307,7 @@ class CleanParser {
             .unmerge = !unmerge_->empty(),
             .plainFormats = !plainFormats_->empty(),
             .json = !json_->empty(),
-            .output = value(*output_)};
+            .output = output_.arguments()};
   }
 
  private:
@@ -350,7 +317,23 @@ class CleanParser {
   CLI::Option* unmerge_;
   CLI::Option* plainFormats_;
   CLI::Option* json_;
-  CLI::Option* output_;
+  OutputOptions output_;
+};
+
+class DoctorParser {
+ public:
+  explicit DoctorParser(CLI::App& tool)
+      : command_(tool.add_subcommand("doctor", "Check that confined processes can run here")),
+        request_(command_->add_option("--request", "Check a request to the worker or the cleaner instead")) {
+    request_->type_name("FILE")->check(checkNotEmpty);
+  }
+
+  bool isGiven() const { return command_->parsed(); }
+  DoctorArguments arguments() const { return {.request = value(*request_)}; }
+
+ private:
+  CLI::App* command_;
+  CLI::Option* request_;
 };
 
 using ParsedCommandLine = std::variant<Invocation, Information>;
@@ -408,13 +391,19 @@ Failure conflictIn(const Command& command) {
     return CommandError{ExitStatus::usage, message + seeHelp};
   };
   const auto* inspect = std::get_if<InspectArguments>(&command);
-  if (inspect != nullptr && inspect->files.size() > 1 && !inspect->cleaning.keptFile.empty())
+  if (inspect != nullptr && inspect->files.size() > 1 && !inspect->cleaning.kept.file.empty())
     return usage("--keep-cleaned takes one workbook");
   const auto* clean = std::get_if<CleanArguments>(&command);
-  if (clean != nullptr && clean->json && clean->output == "-")
+  if (clean != nullptr && clean->json && clean->output.file == "-")
     return usage("--json excludes -o -: standard output holds the workbook");
   const auto* create = std::get_if<CreateArguments>(&command);
-  if (create != nullptr && create->json && create->output == "-")
+  const auto* validate = std::get_if<ValidateArguments>(&command);
+  const auto hasWordChart = [](const auto* given) {
+    return given != nullptr && given->chart && given->format == DocumentFormat::docx;
+  };
+  if (hasWordChart(create) || hasWordChart(validate))
+    return usage("--chart excludes a Word document, which has no charts");
+  if (create != nullptr && create->json && create->output.file == "-")
     return usage("--json excludes -o -: standard output holds the document");
   return std::nullopt;
 }
@@ -423,10 +412,9 @@ Failure conflictIn(const Command& command) {
 
 Result<ParsedCommandLine> parseCommandLine(int count, const char* const* arguments) {
   CLI::App tool("Reads and writes office documents in a confined worker process.", "zelvo");
-  tool.set_version_flag("--version", "zelvo " ZELVO_VERSION);
-  tool.set_help_all_flag("--help-all", "Print the help of every subcommand and exit");
+  tool.set_help_flag("-h,--help", "Print this help");
+  tool.set_version_flag("-V,--version", "zelvo " ZELVO_VERSION, "Print the version");
   tool.require_subcommand(1);
-  tool.footer(footer);
   const InspectParser inspect(tool);
   const ExtractParser extract(tool);
   const CreateParser create(tool);
@@ -434,7 +422,9 @@ Result<ParsedCommandLine> parseCommandLine(int count, const char* const* argumen
   const CleanParser clean(tool);
   const BatchParser batch(tool);
   const ResearchParser research(tool);
+  const DoctorParser doctor(tool);
   const HostOptions hosts(tool);
+  const InformationParser information(tool);
 
   std::vector<std::string> reversed;  // the order that CLI11 requires
   for (int i = count - 1; i > 0; --i)
@@ -444,6 +434,10 @@ Result<ParsedCommandLine> parseCommandLine(int count, const char* const* argumen
   } catch (const CLI::ParseError& end) {
     return resultOf(tool, end);
   }
+  if (auto given = information.information()) {
+    if (*given) return ParsedCommandLine(**std::move(given));
+    return given->error();
+  }
   const auto command = [&]() -> Command {
     if (extract.isGiven()) return extract.arguments();
     if (create.isGiven()) return create.arguments();
@@ -451,6 +445,7 @@ Result<ParsedCommandLine> parseCommandLine(int count, const char* const* argumen
     if (clean.isGiven()) return clean.arguments();
     if (auto given = batch.command()) return *std::move(given);
     if (auto given = research.command()) return *std::move(given);
+    if (doctor.isGiven()) return doctor.arguments();
     return inspect.arguments();
   };
   Command given = command();

@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 #include <variant>
+#include <vector>
 
 #include "zelvo/CommandLine/Arguments.hpp"
 #include "zelvo/Output/Result.hpp"
@@ -14,7 +15,8 @@ class App;
 
 namespace zelvo {
 
-/// A text that the command line asks to print in place of a command: the help or the version.
+/// A text that the command line asks to print in place of a command: the help, the version, a schema
+/// or a completion script.
 struct Information {
   std::string text;  ///< with its line feeds
 };
@@ -31,6 +33,27 @@ Result<std::variant<Invocation, Information>> parseCommandLine(int count, const 
 /// The error for a command line that `tool` could not parse. A wrong command replaces the message. Hints name
 /// the command or option that is nearest to a wrong one.
 CommandError usageError(const CLI::App& tool, std::string message);
+
+/// The error for a name that is none of `known`: "There is no KIND "NAME"".
+CommandError unknownName(const std::string& kind, const std::string& name,
+                         const std::vector<std::string>& known);
+
+/// Adds `help`, `schema` and `completion` to a command line, and examples to the help of all its commands.
+class InformationParser {
+ public:
+  explicit InformationParser(CLI::App& tool);
+  InformationParser(const InformationParser&) = delete;
+  InformationParser& operator=(const InformationParser&) = delete;
+  ~InformationParser();
+
+  /// After parsing: what they print; nullopt if none is given.
+  std::optional<Result<Information>> information() const;
+
+ private:
+  struct Options;
+
+  std::unique_ptr<const Options> options_;
+};
 
 /// Adds `batch` and its subcommands to a command line.
 class BatchParser {

@@ -38,6 +38,24 @@ std::string value(const CLI::Option& option) {
   return option.empty() ? std::string() : withoutGuards(option.results().back());
 }
 
+OutputOptions::OutputOptions(CLI::App& command, const std::string& typeName,
+                             const std::function<std::string(const std::string&)>& check)
+    : output_(command.add_option("-o,--output", "The output file")->type_name(typeName)->check(check)),
+      noClobber_(addNoClobber(command, output_)) {}
+
+OutputOptions OutputOptions::required() {
+  output_->required();
+  return *this;
+}
+
+OutputArguments OutputOptions::arguments() const {
+  return {.file = value(*output_), .noClobber = !noClobber_->empty()};
+}
+
+CLI::Option* addNoClobber(CLI::App& command, CLI::Option* output) {
+  return addFlag(command, "--no-clobber", "Do not write over a file that exists")->needs(output);
+}
+
 std::optional<std::int64_t> wholeNumber(std::string_view text, std::int64_t maximum) {
   std::int64_t number = 0;
   const char* end = text.data() + text.size();

@@ -1,10 +1,13 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "zelvo/CommandLine/Arguments.hpp"
 
 namespace CLI {
 class App;
@@ -23,6 +26,25 @@ std::string withoutGuards(std::string text);
 std::vector<std::string> values(const CLI::Option& option);
 /// The last value of an option; empty if there is none.
 std::string value(const CLI::Option& option);
+
+/// The option `-o, --output` and what goes with it.
+class OutputOptions {
+ public:
+  /// `check` returns what is wrong with a file's name, or an empty text.
+  OutputOptions(CLI::App& command, const std::string& typeName,
+                const std::function<std::string(const std::string&)>& check);
+
+  OutputOptions required();
+  /// After parsing.
+  OutputArguments arguments() const;
+
+ private:
+  CLI::Option* output_;
+  CLI::Option* noClobber_;
+};
+
+/// Adds `--no-clobber`, which needs `output`.
+CLI::Option* addNoClobber(CLI::App& command, CLI::Option* output);
 
 /// A number of decimal digits alone, 1 to `maximum`; nullopt for any other text.
 std::optional<std::int64_t> wholeNumber(std::string_view text, std::int64_t maximum);

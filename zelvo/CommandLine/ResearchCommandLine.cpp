@@ -20,12 +20,12 @@ CLI::Option* addSources(CLI::App& command, const std::string& description) {
   return addText(command, "--source", description)->type_name("URL")->take_all();
 }
 
-CLI::Option* addOutput(CLI::App& command, const std::string& ending) {
+OutputOptions outputOptions(CLI::App& command, const std::string& ending) {
   const auto check = [ending](const std::string& path) {
     const bool isGood = path == "-" || ASCII::lowercased(path).ends_with(ending);
     return isGood ? std::string() : "The file's name must end in " + ending;
   };
-  return command.add_option("-o", "The output file")->type_name("OUT" + ending)->check(check);
+  return {command, "OUT" + ending, check};
 }
 
 /// A file that the host trusts. An empty name, such as an unset variable of a script, is refused: it would
@@ -85,14 +85,14 @@ class WorkbookParser {
         dataset_(addFile(*command_, "DATASET.json", "Dataset")),
         title_(addTitle(*command_)),
         sources_(*command_),
-        output_(addOutput(*command_, ".xlsx")->required()) {}
+        output_(outputOptions(*command_, ".xlsx").required()) {}
 
   bool isGiven() const { return command_->parsed(); }
   ResearchWorkbookArguments arguments() const {
     return {.dataset = value(*dataset_),
             .title = value(*title_),
             .sources = sources_.arguments(),
-            .output = value(*output_)};
+            .output = output_.arguments()};
   }
 
  private:
@@ -100,7 +100,7 @@ class WorkbookParser {
   CLI::Option* dataset_;
   CLI::Option* title_;
   SourceOptions sources_;
-  CLI::Option* output_;
+  OutputOptions output_;
 };
 
 class ReportParser {
@@ -110,14 +110,14 @@ class ReportParser {
         report_(addFile(*command_, "REPORT.md", "Report in Markdown")),
         title_(addTitle(*command_)),
         sources_(addSources(*command_, "A URL to list as a source; repeat for more")),
-        output_(addOutput(*command_, ".xlsx")->required()) {}
+        output_(outputOptions(*command_, ".xlsx").required()) {}
 
   bool isGiven() const { return command_->parsed(); }
   ResearchReportArguments arguments() const {
     return {.report = value(*report_),
             .title = value(*title_),
             .sources = values(*sources_),
-            .output = value(*output_)};
+            .output = output_.arguments()};
   }
 
  private:
@@ -125,7 +125,7 @@ class ReportParser {
   CLI::Option* report_;
   CLI::Option* title_;
   CLI::Option* sources_;
-  CLI::Option* output_;
+  OutputOptions output_;
 };
 
 /// The data behind a deck's charts.
@@ -157,7 +157,7 @@ class PresentationParser {
         deck_(addFile(*command_, "DECK.json", "Deck")),
         data_(*command_),
         sources_(*command_),
-        output_(addOutput(*command_, ".pptx")) {}
+        output_(outputOptions(*command_, ".pptx")) {}
 
   bool isGiven() const { return command_->parsed(); }
   ResearchPresentationArguments arguments() const {
@@ -166,7 +166,7 @@ class PresentationParser {
             .datasets = data_.datasets(),
             .allowedDatasets = data_.allowed(),
             .sources = sources_.arguments(),
-            .output = value(*output_)};
+            .output = output_.arguments()};
   }
 
  private:
@@ -174,7 +174,7 @@ class PresentationParser {
   CLI::Option* deck_;
   DatasetOptions data_;
   SourceOptions sources_;
-  CLI::Option* output_;
+  OutputOptions output_;
 };
 
 CLI::App& addResearch(CLI::App& tool) {

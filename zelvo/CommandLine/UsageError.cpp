@@ -42,15 +42,16 @@ std::string listOf(const std::vector<std::string>& names) {
   return list;
 }
 
-CommandError wrongCommand(const std::string& given, const std::vector<std::string>& commands) {
-  const std::string nearest = nearestName(given, commands);
-  return {.status = ExitStatus::usage,
-          .message = "There is no command \"" + given + '"',
-          .hints = {nearest.empty() ? "The commands are " + listOf(commands) + "."
-                                    : "The nearest command is " + nearest + "."}};
-}
-
 }  // namespace
+
+CommandError unknownName(const std::string& kind, const std::string& name,
+                         const std::vector<std::string>& known) {
+  const std::string nearest = nearestName(name, known);
+  return {.status = ExitStatus::usage,
+          .message = "There is no " + kind + " \"" + name + '"',
+          .hints = {nearest.empty() ? "The " + kind + "s are " + listOf(known) + "."
+                                    : "The nearest " + kind + " is " + nearest + "."}};
+}
 
 CommandError usageError(const CLI::App& tool, std::string message) {
   const CLI::App& command = givenCommand(tool);
@@ -59,7 +60,7 @@ CommandError usageError(const CLI::App& tool, std::string message) {
 
   const std::vector<std::string> commands = commandNames(command);
   const auto name = std::ranges::find_if_not(wrong, isOption);
-  if (!commands.empty() && name != wrong.end()) return wrongCommand(withoutGuards(*name), commands);
+  if (!commands.empty() && name != wrong.end()) return unknownName("command", withoutGuards(*name), commands);
 
   CommandError error = {.status = ExitStatus::usage, .message = std::move(message)};
   const auto option = std::ranges::find_if(wrong, isOption);

@@ -36,4 +36,8 @@ ExitStatus researchReport(const ResearchReportArguments& arguments);
 /// form or writes it as a presentation.
 ExitStatus researchPresentation(const ResearchPresentationArguments& arguments);
 
+/// `zelvo doctor`: checks that processes can be confined here and that worker and cleaner answer, or that a
+/// request is well formed. Prints nothing of the request's document.
+ExitStatus doctor(const Hosts& hosts, const DoctorArguments& arguments);
+
 }  // namespace zelvo

@@ -29,7 +29,7 @@ Result<ChartSelection> chartOf(const AskWorker& ask, DocumentWorkerRequest& requ
 Result<DocumentWorkerResponse> created(const AskWorker& ask, DocumentWorkerRequest& request,
                                        const CreateArguments& arguments) {
   if (Failure failure = completeTableSelection(ask, request)) return *std::move(failure);
-  if (arguments.chart && arguments.format == DocumentFormat::pptx) {
+  if (arguments.chart) {
     auto chart = chartOf(ask, request, *arguments.chart);
     if (!chart) return chart.error();
     request.chart = *std::move(chart);

@@ -1,6 +1,7 @@
 #include "zelvo/Commands/DocumentOutput.hpp"
 
 #include <algorithm>
+#include <cerrno>
 #include <filesystem>
 #include <system_error>
 
@@ -24,42 +25,52 @@ bool isSameFile(const std::string& a, const std::string& b) {
   return std::filesystem::equivalent(a, b, ignored);
 }
 
+CommandError unwritable(const std::string& path, int error) {
+  return {ExitStatus::refused,
+          "The file cannot be written: " + path + ": " + std::generic_category().message(error)};
+}
+
 }  // namespace
 
-Failure DocumentOutput::check(const std::string& path, const std::vector<std::string>& inputs) {
+Failure DocumentOutput::check(const OutputArguments& output, const std::vector<std::string>& inputs) {
+  const auto& [path, noClobber] = output;
   if (isStandardOutput(path)) {
     if (!Console::isTerminal()) return std::nullopt;
     return CommandError{ExitStatus::usage, "A document is not written to a terminal."};
   }
-  if (std::ranges::none_of(inputs, [&](const std::string& input) { return isSameFile(input, path); }))
-    return std::nullopt;
-  return CommandError{ExitStatus::usage, "The output is one of the inputs: " + path};
+  if (std::ranges::any_of(inputs,
+                          [&path = path](const std::string& input) { return isSameFile(input, path); }))
+    return CommandError{ExitStatus::usage, "The output is one of the inputs: " + path};
+  std::error_code ignored;
+  if (noClobber && std::filesystem::exists(path, ignored)) return unwritable(path, EEXIST);
+  return std::nullopt;
 }
 
-Failure DocumentOutput::write(const std::string& path, ByteView document, std::string_view description) {
-  if (isStandardOutput(path)) {
+Failure DocumentOutput::write(const OutputArguments& output, ByteView document,
+                              std::string_view description) {
+  if (isStandardOutput(output.file)) {
     Console::print(textOf(document));
     return std::nullopt;
   }
-  if (Failure failure = writeFile(path, document)) return failure;
-  Console::print(printable(path) + "\n");
+  if (Failure failure = writeFile(output, document)) return failure;
+  Console::print(printable(output.file) + "\n");
   Console::print(description);
   return std::nullopt;
 }
 
-Failure DocumentOutput::writeFile(const std::string& path, ByteView document) {
-  const int error = writeOutputFile(path, textOf(document));
+Failure DocumentOutput::writeFile(const OutputArguments& output, ByteView document) {
+  const auto existing = output.noClobber ? ExistingFile::kept : ExistingFile::replaced;
+  const int error = writeOutputFile(output.file, textOf(document), existing);
   if (error == 0) return std::nullopt;
-  return CommandError{ExitStatus::refused,
-                      "The file cannot be written: " + path + ": " + std::generic_category().message(error)};
+  return unwritable(output.file, error);
 }
 
-ExitStatus DocumentOutput::writeAuthored(const std::string& path, const std::string& format,
+ExitStatus DocumentOutput::writeAuthored(const OutputArguments& output, const std::string& format,
                                          const std::function<ByteBuffer()>& author) {
   const auto authored = runConfinedChild([&] { return std::string(author().text()); });
   if (!authored) return Console::report(withHints(authored.error(), Stage::research));
   const ByteView document = bytesOf(*authored);
-  const Failure failure = write(path, document, describe(format, document));
+  const Failure failure = write(output, document, describe(format, document));
   return failure ? Console::report(*failure) : ExitStatus::success;
 }
 

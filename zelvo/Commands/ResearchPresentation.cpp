@@ -95,7 +95,8 @@ ExitStatus researchPresentation(const ResearchPresentationArguments& arguments) 
     return Console::report(*failure);
   auto input = readDeckInput(arguments);
   if (!input) return Console::report(input.error());
-  return arguments.output.empty() ? printEncoding(*input, arguments) : writePresentation(*input, arguments);
+  return arguments.output.file.empty() ? printEncoding(*input, arguments)
+                                       : writePresentation(*input, arguments);
 }
 
 }  // namespace zelvo

@@ -19,7 +19,7 @@ namespace {
 /// The most that `extract` can have written.
 constexpr std::size_t maximumTableMebibytes = DocumentWorkerWire::maximumMessageBytes >> 20U;
 
-/// The chart to expect, if any. A Word document has none.
+/// The chart to expect, if any.
 using ExpectedChart = std::optional<ChartArguments>;
 
 /// The request's members for the expected table and chart. The table is decoded in a confined child; its
@@ -44,8 +44,8 @@ Result<std::string> expectation(const ByteBuffer& encodedTable, const ExpectedCh
   });
 }
 
-Result<DocumentWorkerResponse> validated(const DocumentWorkerHost& host, const ValidateArguments& arguments,
-                                         const ExpectedChart& chart) {
+Result<DocumentWorkerResponse> validated(const DocumentWorkerHost& host, const ValidateArguments& arguments) {
+  const ExpectedChart& chart = arguments.chart;
   auto request = requestAbout(arguments.document);
   if (!request) return request.error();
   request->operation = DocumentWorkerRequest::Operation::validate;
@@ -71,9 +71,7 @@ Result<DocumentWorkerResponse> validated(const DocumentWorkerHost& host, const V
 }  // namespace
 
 ExitStatus validate(const Hosts& hosts, const ValidateArguments& arguments) {
-  const bool canHaveChart = arguments.format == DocumentFormat::pptx;
-  const ExpectedChart chart = canHaveChart ? arguments.chart : std::nullopt;
-  const auto response = validated(hosts.worker, arguments, chart);
+  const auto response = validated(hosts.worker, arguments);
   if (!response) return Console::report(response.error());
   const DocumentValidation& validation = *response->validation;
   if (arguments.json) {
@@ -81,7 +79,7 @@ ExitStatus validate(const Hosts& hosts, const ValidateArguments& arguments) {
   } else {
     const ValidationScope scope = {.format = arguments.format,
                                    .expectsTable = !arguments.expectedTable.empty(),
-                                   .expectsChart = chart.has_value()};
+                                   .expectsChart = arguments.chart.has_value()};
     Console::print(printable(arguments.document) + "\n" + describe(validation, scope));
   }
   return ExitStatus::success;

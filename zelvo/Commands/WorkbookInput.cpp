@@ -9,8 +9,8 @@
 namespace zelvo {
 
 Failure checkKeptFile(const std::string& workbook, const CleaningArguments& cleaning) {
-  if (cleaning.keptFile.empty()) return std::nullopt;
-  return DocumentOutput::check(cleaning.keptFile, {workbook});
+  if (cleaning.kept.file.empty()) return std::nullopt;
+  return DocumentOutput::check(cleaning.kept, {workbook});
 }
 
 Result<WorkbookInput> readWorkbook(const Hosts& hosts, const std::string& path,
@@ -43,8 +43,8 @@ CleaningRecord cleaningRecord(DocumentCleanerResponse response) {
 }
 
 Failure keepCleaned(const WorkbookInput& workbook, const CleaningArguments& cleaning) {
-  if (cleaning.keptFile.empty()) return std::nullopt;
-  return DocumentOutput::writeFile(cleaning.keptFile, workbook.request.data.view());
+  if (cleaning.kept.file.empty()) return std::nullopt;
+  return DocumentOutput::writeFile(cleaning.kept, workbook.request.data.view());
 }
 
 std::string withCleaning(const std::optional<CleaningRecord>& cleaning, std::string record) {

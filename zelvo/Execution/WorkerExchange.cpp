@@ -62,7 +62,7 @@ Hosts findHosts(const HostArguments& arguments) {
   const fs::path folder = folderOfPrograms(arguments.libexec);
   const std::chrono::milliseconds timeout = std::chrono::seconds(arguments.timeoutSeconds);
   return {DocumentWorkerHost((folder / workerName).string(), timeout),
-          DocumentCleanerHost((folder / cleanerName).string(), timeout)};
+          DocumentCleanerHost((folder / cleanerName).string(), timeout), folder.string()};
 }
 
 Result<DocumentWorkerRequest> requestAbout(const std::string& path) {

@@ -13,6 +13,7 @@ namespace zelvo {
 struct Hosts {
   DocumentWorkerHost worker;
   DocumentCleanerHost cleaner;
+  std::string folder;  ///< where they are
 };
 
 /// The executables in the folder that is given, else in $ZELVO_LIBEXEC, beside the tool, or in
