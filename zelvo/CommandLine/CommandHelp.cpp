@@ -155,10 +155,10 @@ std::string footer(const CommandHelp& help) {
     width = std::max(width, example.line.size());
   constexpr std::size_t widestAligned = 70;
   std::string text = "Examples:\n";
-  for (const auto& [line, purpose] : help.examples) {
+  for (const auto& [line, why] : help.examples) {
     const std::size_t aligned = std::max(std::min(width, widestAligned), line.size());
     text += "  " + std::string(line) + std::string(aligned - line.size() + 2, ' ') + "# " +
-            std::string(purpose) + "\n";
+            std::string(why) + "\n";
   }
   if (!help.remarks.empty()) text += "\n" + std::string(help.remarks) + "\n";
   return text + "\n" + std::string(exitStatusHelp);

@@ -35,7 +35,7 @@ class RowWriter {
 ///   any other as its shortest double; a blank cell as null; an error as {"error": "#N/A"}. Keys are the
 ///   titles; the column's letters where the title is blank; with the letters as " (C)" where it is repeated.
 ///
-/// `isForTerminal`: control characters in cells are escaped, in `jsonl` by whoever prints it.
+/// `isForTerminal`: control characters in cells are escaped; for `jsonl` the caller escapes them.
 std::unique_ptr<RowWriter> rowWriter(ExtractArguments::Form form, const SheetRows& rows,
                                      const CellTextOptions& options, bool isForTerminal);
 
