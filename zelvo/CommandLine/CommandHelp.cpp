@@ -157,8 +157,8 @@ std::string footer(const CommandHelp& help) {
   std::string text = "Examples:\n";
   for (const auto& [line, why] : help.examples) {
     const std::size_t aligned = std::max(std::min(width, widestAligned), line.size());
-    text += "  " + std::string(line) + std::string(aligned - line.size() + 2, ' ') + "# " +
-            std::string(why) + "\n";
+    text += "  " + std::string(line) + std::string(aligned - line.size() + 2, ' ') + "# " + std::string(why) +
+            "\n";
   }
   if (!help.remarks.empty()) text += "\n" + std::string(help.remarks) + "\n";
   return text + "\n" + std::string(exitStatusHelp);

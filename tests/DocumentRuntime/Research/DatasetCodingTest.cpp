@@ -68,7 +68,8 @@ TEST(ResearchDecoding, NamesThePlaceOfAWrongShape) {
       null] | true] => rows[0].cells[1] ; null] | []] => rows[0].cells[1] ; null] | {}] => rows[0].cells[1]
       null] | 1e999] => rows[0].cells[1] ; ["a"] | [null] => rows[0].sourceIDs[0]
       "sources":[] | "sources":null => rows[0].sources ; "report":"R", | => ; "unit":"" | "unit":0 => columns[1].unit)")) {
-    const std::string error = decodingErrorOf([&] { decoded(replaced(canonical, from, to)); });
+    const std::string text = replaced(canonical, from, to);
+    const std::string error = decodingErrorOf([&] { decoded(text); });
     EXPECT_EQ(error.substr(0, error.find(": ")), path) << to;
   }
   EXPECT_EQ(decodingErrorOf([] { decoded("\xFF"); }), ": The text is not UTF-8.");

@@ -75,7 +75,7 @@ TEST(WordValidation, AcceptsRunsAndTheLargestAndSmallestTable) {
 }
 
 TEST(PresentationValidation, RefusesInTheOrderOfItsChecks) {
-  const DocumentChanges changes = {{"a chart expected", [](E e) { e.chart.emplace(0, 1, ""); }}};
+  const DocumentChanges changes = {{"a chart expected", [](E e) { e.chart = ChartSelection{0, 1, ""}; }}};
   expectDocumentRefusals([] { return deck(); },
                          R"(
 ppt/slides/slide1.xml | <p:spTree> => <p:spTree><p:pic/> | unexpected executable or unsupported document element |

@@ -1,4 +1,5 @@
-// Owns nested texts, which count once for every level. The fuzz regressions bound the memory of their comparison.
+// Owns nested texts, which count once for every level. The fuzz regressions bound the memory of their
+// comparison.
 #include <string>
 
 #include <gtest/gtest.h>
