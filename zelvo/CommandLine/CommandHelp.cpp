@@ -149,18 +149,18 @@ const CommandHelp& helpOf(std::string_view command) {
   return *found;
 }
 
-std::string footer(const CommandHelp& help) {
+std::string footer(const CommandHelp& command) {
   std::size_t width = 0;
-  for (const CommandExample& example : help.examples)
+  for (const CommandExample& example : command.examples)
     width = std::max(width, example.line.size());
   constexpr std::size_t widestAligned = 70;
   std::string text = "Examples:\n";
-  for (const auto& [line, why] : help.examples) {
+  for (const auto& [line, why] : command.examples) {
     const std::size_t aligned = std::max(std::min(width, widestAligned), line.size());
     text += "  " + std::string(line) + std::string(aligned - line.size() + 2, ' ') + "# " + std::string(why) +
             "\n";
   }
-  if (!help.remarks.empty()) text += "\n" + std::string(help.remarks) + "\n";
+  if (!command.remarks.empty()) text += "\n" + std::string(command.remarks) + "\n";
   return text + "\n" + std::string(exitStatusHelp);
 }
 

@@ -130,9 +130,10 @@ TEST(FormulaUnits, AreThoseOfAllColumns) {
       multiply([-9,1,99,3],#1) => /EUR/USD/ ; DEEPEST => USD/ ; count(sum(DEEPEST)) =>
       sum(DEEPEST) => resourceLimit: formula unit dependencies)")) {
     const auto list = calculations("0,0=" + std::regex_replace(formula, std::regex("DEEPEST"), deepest));
+    const ResearchSpreadsheet table = unitTable("1,0=#1");
     std::string found;
     const auto refusal = outcomeOf([&] {
-      for (const std::string_view unit : formulaUnits(list[0].formula, unitTable("1,0=#1").columns))
+      for (const std::string_view unit : formulaUnits(list[0].formula, table.columns))
         found.append(unit).append("/");
     });
     EXPECT_EQ(refusal.text + found, units) << formula;
