@@ -7,6 +7,7 @@
 #include "DocumentRuntime/Coding/CleaningCoding.hpp"
 #include "DocumentRuntime/Coding/RecordCoding.hpp"
 #include "zelvo/Output/Result.hpp"
+#include "zelvo/Output/TerminalText.hpp"
 
 namespace zelvo {
 
@@ -25,10 +26,18 @@ struct FileOutcome {
   static constexpr const char* refused = "refused";  ///< the file cannot be read, or the document was refused
   static constexpr const char* failed = "failed";    ///< nothing is known of the document: worth another try
 
-  explicit FileOutcome(const std::string& path);
   FileOutcome() = default;
+  explicit FileOutcome(const std::string& path) : file(wellFormed(path)), outcome(answered) {
+    if (file != path) fileBytes = ByteBuffer::copyOf(path);
+  }
 
-  void setError(const CommandError& error);
+  void setError(const CommandError& error) {
+    outcome = error.status == ExitStatus::workerFailed ? failed : refused;
+    status = static_cast<std::int64_t>(error.status);
+    message = wellFormed(error.message);
+    for (const std::string& line : error.hints)
+      hint = (hint ? *hint + " " : "") + wellFormed(line);
+  }
 };
 
 template <ConstOrNot<FileOutcome> Record>

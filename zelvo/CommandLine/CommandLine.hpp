@@ -3,6 +3,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <variant>
 #include <vector>
 
@@ -33,6 +34,10 @@ Result<std::variant<Invocation, Information>> parseCommandLine(int count, const 
 /// The error for a command line that `tool` could not parse. A wrong command replaces the message. Hints name
 /// the command or option that is nearest to a wrong one.
 CommandError usageError(const CLI::App& tool, std::string message);
+
+/// The name that was most likely meant by a mistyped one: the first with the fewest insertions, deletions,
+/// replacements and swaps of neighbouring characters. Empty if more than a third of the characters differ.
+std::string nearestName(std::string_view given, const std::vector<std::string>& names);
 
 /// The error for a name that is none of `known`: "There is no KIND "NAME"".
 CommandError unknownName(const std::string& kind, const std::string& name,

@@ -1,9 +1,9 @@
-#include "zelvo/CommandLine/NearestName.hpp"
-
 #include <algorithm>
 #include <cstddef>
 #include <numeric>
 #include <utility>
+
+#include "zelvo/CommandLine/CommandLine.hpp"
 
 namespace zelvo {
 namespace {

@@ -6,7 +6,6 @@
 #include <CLI/CLI.hpp>
 
 #include "zelvo/CommandLine/CommandLine.hpp"
-#include "zelvo/CommandLine/NearestName.hpp"
 #include "zelvo/CommandLine/OptionValues.hpp"
 
 namespace zelvo {
