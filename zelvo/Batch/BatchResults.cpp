@@ -125,7 +125,7 @@ Failure BatchResults::resume() {
     mustRewrite |= !file.isFinal;
     return 0;
   };
-  if (const Failure failure = eachWholeLine(path_, collect)) return failure;
+  if (Failure failure = eachWholeLine(path_, collect)) return failure;
   std::ranges::sort(final_);
 
   std::error_code sizeError;

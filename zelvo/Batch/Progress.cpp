@@ -76,11 +76,11 @@ void ProgressDisplay::update(const BatchCounts& counts, std::optional<std::int64
   const auto now = Clock::now();
   if (!isShown_ || now < next_) return;
   next_ = now + interval;
-  std::fputs((lineStart + progressLine(counts, total, elapsed())).c_str(), stderr);
+  static_cast<void>(std::fputs((lineStart + progressLine(counts, total, elapsed())).c_str(), stderr));
 }
 
 void ProgressDisplay::clear() {
-  if (isShown_) std::fputs(lineStart, stderr);
+  if (isShown_) static_cast<void>(std::fputs(lineStart, stderr));
 }
 
 }  // namespace zelvo

@@ -201,7 +201,7 @@ class ExtractParser {
       {"--json", json, "Print the record of a table"},
       {"--jsonl", jsonl, "Print a JSON object for each data row, with stored values"},
       {"--csv", csv, "Print CSV"},
-      {"--tsv", tsv, "Print lines of tab-separated texts; \\t, \\n, \\r and \\\\ are escapes"},
+      {"--tsv", tsv, R"(Print lines of tab-separated texts; \t, \n, \r and \\ are escapes)"},
       {"--markdown", markdown, "Print a Markdown table"},
   }};
 

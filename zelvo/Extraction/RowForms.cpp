@@ -73,7 +73,7 @@ class CSVWriter final : public TextRowWriter {
   using TextRowWriter::TextRowWriter;
 
   std::string field(const std::string& text) const override {
-    const std::string written = shown(text);
+    std::string written = shown(text);
     if (text.find_first_of("\",\r\n") == std::string::npos) return written;
     return '"' + escaped(written, [](char c) { return c == '"' ? "\"\"" : ""; }) + '"';
   }
