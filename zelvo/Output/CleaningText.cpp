@@ -8,7 +8,7 @@ namespace {
 
 using enum TextTable::Align;
 
-std::string orNothing(std::string text) {
+std::string orNothing(const std::string& text) {
   return text.empty() ? "nothing" : text;
 }
 
