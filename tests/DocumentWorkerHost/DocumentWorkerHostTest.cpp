@@ -76,7 +76,7 @@ TEST(WorkerFailure, DistinguishesCausesOfASignal) {
       {{.outcome = killed, .code = SIGSYS}, Kind::brokenInvariant},
       {{.outcome = killed, .code = SIGSEGV, .cpuTime = 45s}, Kind::crashed},
       {{.outcome = failed, .code = EMFILE}, Kind::notRun},
-      {runChildProcess({HOSTILE_PARENT, {"ptrace-kills", REAL_WORKER}}, std::string(5'000'000, ' '),
+      {runChildProcess({HOSTILE_PARENT, {"ptrace-kills", WORKER}}, std::string(5'000'000, ' '),
                        {1, 60s}),
        Kind::killedBeforeReading},
   };
@@ -155,7 +155,7 @@ TEST(DocumentWorkerHost, AcceptsOnlyWhatTheOperationCanReturn) {
 }
 
 TEST(DocumentWorkerHost, CanBeUsedBySeveralThreads) {
-  const DocumentWorkerHost host(REAL_WORKER);
+  const DocumentWorkerHost host(WORKER);
   const std::string workbook = testing::contentOf(EXAMPLE_WORKBOOK);
   std::atomic<int> right = 0;
   const auto work = [&](int thread) {

@@ -87,7 +87,7 @@ TEST_F(Hints, NameTheOptionThatHelps) {
       create $book --sheet Quarter --range A1:F5 --cached-formulas --title t --chart 1:0 -o @a.pptx => In every row the category
       clean @rich.xlsx --sheet None -o @a.xlsx => zelvo inspect --clean lists
       research check - --no-sources => Cite only URLs of --source.)")) {
-    const ToolRun run = zelvo(arguments, contentOf(EXAMPLE_DATASET));
+    const ToolRun run = zelvo(arguments, contentOf(EXAMPLES "/research-dataset.json"));
     EXPECT_EQ(run.status, 1) << arguments << run;
     EXPECT_TRUE(run.hints.starts_with(hint)) << arguments << run;
   }

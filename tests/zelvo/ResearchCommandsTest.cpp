@@ -53,7 +53,7 @@ TEST_F(ResearchCommands, CheckPrintsTheDataset) {
   EXPECT_EQ(zelvo("research check - --json --scope @scope.json", "```json\n" + dataset + "\n```\n"),
             expected);
   EXPECT_EQ(zelvo("research check -", dataset), expected);
-  EXPECT_EQ(zelvo("research check --require-chart " EXAMPLE_DATASET).status, 0);
+  EXPECT_EQ(zelvo("research check --require-chart " EXAMPLES "/research-dataset.json").status, 0);
 }
 
 TEST_F(ResearchCommands, WorkbookAndReportWriteWorkbooks) {
@@ -62,14 +62,14 @@ TEST_F(ResearchCommands, WorkbookAndReportWriteWorkbooks) {
   EXPECT_EQ(cellsOf(book, "Data --range A2:B2"), "x,0.50\n");
   EXPECT_EQ(cellsOf(book, "Report --range A1:A2"), "\"[a,b]\"\nR\n");
   EXPECT_EQ(cellsOf(book, "Sources --range A2:A3"), "local\nweb\n");
-  expectDelivers("research workbook --title T " EXAMPLE_DATASET, "b.xlsx");
+  expectDelivers("research workbook --title T " EXAMPLES "/research-dataset.json", "b.xlsx");
 
   const std::string report =
       expectDelivers("research report --title T --source [a,b] --source http://h/ -", "c.xlsx",
                      "\xEF\xBB\xBF|City|Sold|\r\n|---|---|\r\n|Bonn|1,5|\r\n\r\nText");
   EXPECT_EQ(cellsOf(report, "Data --range A1:B2"), "City,Sold\nBonn,1.5\n");
   EXPECT_EQ(cellsOf(report, "Sources --range A2:A3"), "\"[a,b]\"\nhttp://h/\n");
-  expectDelivers("research report --title T " EXAMPLE_REPORT, "d.xlsx");
+  expectDelivers("research report --title T " EXAMPLES "/research-report.md", "d.xlsx");
 }
 
 TEST_F(ResearchCommands, PresentationPrintsOrWritesTheDeck) {

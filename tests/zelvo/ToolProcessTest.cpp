@@ -119,7 +119,7 @@ TEST_F(ToolProcess, EscapesJSONForTerminals) {
       {TOOL, "inspect --json @" + raw, ""},
       {TOOL, "extract --json --sheet Orders --range A1:A2 @" + raw, ""},
       {TOOL, "research check -",
-       replaced(contentOf(EXAMPLE_DATASET), R"("report": ")", R"("report": ")" + raw)}};
+       replaced(contentOf(EXAMPLES "/research-dataset.json"), R"("report": ")", R"("report": ")" + raw)}};
   for (const auto& [tool, arguments, input] : rows) {
     const ToolRun piped = run(tool, words(expanded(arguments)), input);
     EXPECT_EQ(onTerminal(expanded(arguments), input, tool),
