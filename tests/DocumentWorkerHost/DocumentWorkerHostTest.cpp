@@ -76,8 +76,7 @@ TEST(WorkerFailure, DistinguishesCausesOfASignal) {
       {{.outcome = killed, .code = SIGSYS}, Kind::brokenInvariant},
       {{.outcome = killed, .code = SIGSEGV, .cpuTime = 45s}, Kind::crashed},
       {{.outcome = failed, .code = EMFILE}, Kind::notRun},
-      {runChildProcess({HOSTILE_PARENT, {"ptrace-kills", WORKER}}, std::string(5'000'000, ' '),
-                       {1, 60s}),
+      {runChildProcess({HOSTILE_PARENT, {"ptrace-kills", WORKER}}, std::string(5'000'000, ' '), {1, 60s}),
        Kind::killedBeforeReading},
   };
   for (const auto& [result, expected] : rows)

@@ -98,7 +98,8 @@ TEST(DeclarationScan, ComparesInUpperCase) {
 
 TEST(BoundedXML, AgreesWithLibxml2OnEveryOneByteChange) {
   const std::string everything =
-      "<?xml version='1.0'?><!-- c --><a:b c='&#65;&lt;\t\r\n' a:d=\"e'f\">g<h/>&amp;i\r\nj<![CDATA[<&]]]]>"
+      "<?xml version='1.0'?><!-- c --><a:b c='&#65;&lt;\t\r\n' "
+      "a:d=\"e'f\">g<\u00E9\u00B7/>&amp;i\r\nj<![CDATA[<&]]]]>"
       "<![CDATA[>]]><?k l?><Zz xmlns='u' xmlns:a='v'>n</Zz >\xC3\xA9&#x1F600;</a:b>\n";
   for (std::size_t at = 0; at < everything.size(); ++at) {
     for (const char byte : std::string("<>&;'\"/=:!?-]x1 \n\x01\x7F")) {
