@@ -99,6 +99,9 @@ TEST_F(ExtractSheet, ChoosesTheSheetAndTheRange) {
       several.xlsx --sheet e => )"))
     EXPECT_EQ(zelvo("extract --csv @" + arguments), (ToolRun{0, output, ""})) << arguments;
 
+  EXPECT_NE(zelvo("extract --json @one.xlsx --no-header").output.find(R"("selectedRange":"B2:B2")"),
+            std::string::npos);
+  EXPECT_EQ(zelvo("extract --json @several.xlsx --sheet e").hints, "The sheet is empty: e\n");
   EXPECT_EQ(zelvo("extract @several.xlsx"),
             failure(1, "The workbook has several visible sheets: choose one with --sheet."));
   for (const std::string options : {"4", "#6", "0 --range A1", "h --range A1"}) {
@@ -154,8 +157,10 @@ TEST_F(ExtractSheet, PrintsRowForms) {
   for (const auto& [options, expected] : forms)
     EXPECT_EQ(displaced("extract - --sheet S --range B3:D6 " + options), (ToolRun{0, expected, ""}))
         << options;
-  const ToolRun shown = onTerminal("extract - --sheet S --range B3:D6 --csv", {}, folder.path("zelvo"));
-  EXPECT_NE(shown.output.find("\\u{9B}"), std::string::npos);
+  for (const auto& [form, escaped] : {std::pair("--csv", "\\u{9B}"), std::pair("--jsonl", "\\u009b")}) {
+    const std::string arguments = std::string("extract - --sheet S --range B3:D6 ") + form;
+    EXPECT_NE(onTerminal(arguments, {}, folder.path("zelvo")).output.find(escaped), std::string::npos);
+  }
 }
 
 TEST_F(ExtractSheet, FitsTheTerminal) {

@@ -80,6 +80,8 @@ assert all("report" in line for line in lines(pathlib.Path("c.jsonl").read_bytes
 pathlib.Path("out/in/a.xlsx").write_bytes(b"kept")
 assert b"out/in/a.xlsx: File exists" in zelvo("clean in/a.xlsx --output-dir out --no-clobber", 1).stdout
 assert pathlib.Path("out/in/a.xlsx").read_bytes() == b"kept"
+zelvo("clean --files-from - --output-dir out", stdin=b"in/a.xlsx")
+assert pathlib.Path("out/in/a.xlsx").read_bytes() == pathlib.Path("out/er/c.xlsx").read_bytes()
 for arguments in ["../x.xlsx", os.path.abspath("in/a.xlsx"), "in/a.xlsx in/a.xlsm", "in/a.xlsx --output-dir ."]:
     output = "" if "--output-dir" in arguments else " --output-dir new"
     zelvo("clean " + arguments + output, 2)
