@@ -8,6 +8,7 @@
 #include "DocumentRuntime/Cleaning/CleanedBook.hpp"
 #include "DocumentRuntime/Cleaning/PlainFormats.hpp"
 #include "DocumentRuntime/Errors/Cancelled.hpp"
+#include "DocumentRuntime/PackageIO/PartWriting.hpp"
 #include "Support/Cancellation.hpp"
 #include "Support/Cases.hpp"
 #include "Text/Digest.hpp"
@@ -155,8 +156,15 @@ TEST(WorkbookCleaning, ReplacesFormatsThatTheReaderCannotShow) {
       [$-409]h:mm AM/PM;@ => h:mm:ss ; mmss.0 => h:mm:ss ; h"x"mm => h:mm:ss ; H.MM => h:mm:ss ; a/p h => h:mm:ss
       [h]:mm => ; [MM]:ss => ; [s] => ; [hm] => General ; [Red]0 => General ; 0.00E+00 => General ; # ?/? => General
       0;yyyy => General ; 0" days" => General ; 0\d => General ; 0_d => General ; *d0 => General ; "d => General
-      [d => General ; GENERAL => General ; #,##0.00;[Red]-#,##0.00 => General)"))
+      [d => General ; GENERAL => General ; #,##0.00;[Red]-#,##0.00 => General)")) {
     EXPECT_EQ(Cleaning::plainCode(code).value_or(""), expected) << code;
+    // The read-back, which finds the plain form by itself, agrees.
+    const std::string formats =
+        "<numFmts><numFmt numFmtId='164' formatCode=\"" + OOXML::escaped(code) + "\"/></numFmts>";
+    clean({.sheets = {{"S", cell("<c s='0'><v>1</v></c>")}},
+           .styles = formats + "<cellXfs><xf numFmtId='164'/></cellXfs>"},
+          {.plainFormats = true});
+  }
 
   std::string builtins;
   for (std::int64_t id = 26; id < 60; ++id)
