@@ -197,6 +197,14 @@ TEST(WorkbookCleaning, StopsAtTheReadersLimitsAndNamesTheSheet) {
   };
   testing::expectLimits<WorkbookText>(
       {{"cells", 50'000, "resourceLimit: more than 50,000 cells in sheet Data", fillWithCells},
+       // Written, ">" takes four bytes. The first formula is shared with the second.
+       {"bytes", 130, "resourceLimit: more than 16 MiB of XML in sheet Data",
+        [&](W w, Size n) {
+          w = testing::plainWorkbook(
+              "<row><c><f t='shared' si='0' ref='A1'>1</f></c><c><f t='shared' si='0'/></c></row>" +
+              repeated("<row><c t='inlineStr'><is><t>" + std::string(32'000, '>') + "</t></is></c></row>",
+                       n));
+        }},
        {"strings", 50'000, "resourceLimit: more than 50,000 shared strings",
         [&](W w, Size n) { fillWithStrings(w, n, "a"); }},
        {"string", 32'768, "resourceLimit: more than 32,768 characters in shared string 1",
