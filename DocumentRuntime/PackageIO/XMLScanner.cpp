@@ -1,6 +1,7 @@
 #include "DocumentRuntime/PackageIO/XMLScanner.hpp"
 
 #include <algorithm>
+#include <cstring>
 
 #include "DocumentRuntime/Errors/DocumentError.hpp"
 #include "DocumentRuntime/PackageIO/XMLCharacters.hpp"
@@ -34,17 +35,19 @@ bool isReservedTarget(std::string_view target) {
   return std::ranges::equal(target, std::string_view("xml"), {}, [](char c) { return ASCII::lowercased(c); });
 }
 
-/// The size of the blocks in which long texts are read. The loop over one becomes vector instructions.
+/// A block of a long text. The compilers translate operations on it for any processor.
 constexpr std::size_t blockBytes = ByteBuffer::spareBytes;
+using Block __attribute__((vector_size(blockBytes))) = unsigned char;
 
 bool isPlainBlock(const char* at) {
-  unsigned char special = 0;
-  for (std::size_t i = 0; i < blockBytes; ++i) {
-    const auto byte = static_cast<unsigned char>(at[i]);
-    special |= static_cast<unsigned char>((byte < 0x20) | (byte == '<') | (byte == '&') | (byte == ']') |
-                                          (byte == static_cast<unsigned char>(noncharacterStart)));
-  }
-  return special == 0;
+  Block bytes;
+  std::memcpy(&bytes, at, blockBytes);
+  const auto special = (bytes < 0x20) | (bytes == '<') | (bytes == '&') | (bytes == ']') |
+                       (bytes == static_cast<unsigned char>(noncharacterStart));
+  std::uint64_t halves[2];
+  static_assert(sizeof halves == sizeof special);
+  std::memcpy(halves, &special, sizeof halves);
+  return (halves[0] | halves[1]) == 0;
 }
 
 /// Moves over the bytes of character data that are copied unchanged. Most texts are shorter than a block.
