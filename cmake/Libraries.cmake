@@ -13,7 +13,7 @@ function(zelvo_import NAME HEADER)
 endfunction()
 
 find_package(Threads REQUIRED)
-zelvo_import(zlib zlib.h z)
+zelvo_import(deflate libdeflate.h deflate)
 zelvo_import(icu unicode/uchar.h icuuc)
 zelvo_import(nettle nettle/sha2.h nettle)
 zelvo_import(boost_json boost/json.hpp boost_json)

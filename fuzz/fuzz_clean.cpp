@@ -71,14 +71,14 @@ Cells cellsOf(XMLNode worksheet) {
 
 void requireSameCells(const PartMap& before, const PartMap& after, const zelvo::WorkbookReader& source,
                       const zelvo::WorkbookReader& result) {
-  if (!isPlain(zelvo::OOXML::xml(before.find("xl/workbook.xml")->view()).root())) return;
+  if (!isPlain(zelvo::OOXML::xml(*before.find("xl/workbook.xml")).root())) return;
   ZELVO_REQUIRE(source.sheets().size() == result.sheets().size());
   for (std::size_t i = 0; i < source.sheets().size(); ++i) {
     ZELVO_REQUIRE(source.sheets()[i].name == result.sheets()[i].name);
     ZELVO_REQUIRE(source.sheets()[i].hidden == result.sheets()[i].hidden);
-    const zelvo::XMLTree sourceTree = zelvo::OOXML::xml(before.find(source.sheets()[i].path)->view());
+    const zelvo::XMLTree sourceTree = zelvo::OOXML::xml(*before.find(source.sheets()[i].path));
     if (!isPlain(sourceTree.root())) continue;
-    const zelvo::XMLTree resultTree = zelvo::OOXML::xml(after.find(result.sheets()[i].path)->view());
+    const zelvo::XMLTree resultTree = zelvo::OOXML::xml(*after.find(result.sheets()[i].path));
     const Cells expected = cellsOf(sourceTree.root());
     const Cells written = cellsOf(resultTree.root());
     ZELVO_REQUIRE(expected.size() == written.size());

@@ -27,7 +27,7 @@ class StoredTexts {
 
   /// The text at an address of a sheet. Returns nullopt if there is no cell.
   std::optional<std::string> at(const std::string& path, const std::string& address) const {
-    const zelvo::XMLTree sheet = zelvo::OOXML::xml(parts_.find(path)->view());
+    const zelvo::XMLTree sheet = zelvo::OOXML::xml(*parts_.find(path));
     for (const XMLNode cell : sheet.root().descendants("c")) {
       if (zelvo::CellAddress::parse(cell.attribute("r").value_or("")).name() != address) continue;
       const auto type = cell.attribute("t").value_or("n");
@@ -58,7 +58,7 @@ class StoredTexts {
   }
 
   std::string sharedString(const std::string& index) const {
-    const zelvo::XMLTree strings = zelvo::OOXML::xml(parts_.find("xl/sharedStrings.xml")->view());
+    const zelvo::XMLTree strings = zelvo::OOXML::xml(*parts_.find("xl/sharedStrings.xml"));
     long left = std::stol(index);
     for (const XMLNode item : strings.root().all("si")) {
       if (left-- == 0) return textsOf(item, "", true);

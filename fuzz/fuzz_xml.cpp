@@ -12,7 +12,7 @@
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   try {
     const auto limit = zelvo::fuzzing::partMemory(size);
-    static_cast<void>(zelvo::OOXML::xml({data, size}));
+    static_cast<void>(zelvo::OOXML::xml(zelvo::ByteBuffer::copyOf({data, size})));
   } catch (const zelvo::DocumentError&) {
     // Compared below.
   }

@@ -19,6 +19,7 @@
   APPLY(fuzz_create)         \
   APPLY(fuzz_dataset)        \
   APPLY(fuzz_extract)        \
+  APPLY(fuzz_inflate)        \
   APPLY(fuzz_package)        \
   APPLY(fuzz_presentation)   \
   APPLY(fuzz_report)         \

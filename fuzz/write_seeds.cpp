@@ -264,6 +264,23 @@ void addReports(Seeds& seeds) {
             repeated("|a|b|\n|-|-|\n|" + repeated("\u0301", 100) + "|d|\n", 50));
 }
 
+/// Raw deflate streams: one without faults, and one for each fault that the reader accepts.
+void addStreams(Seeds& seeds) {
+  using namespace std::string_literals;
+  seeds.add("\x0D\xE0\x01\x09\0\0\0\x80\x20\x6C\xF5\xFF\x89\xD2\x02"s);
+  // Too many lengths of literals, then of distances; a repeat behind the last length.
+  seeds.add("\xF5\xE0\x01\x09\0\0\0\x80\x20\x6C\xF5\xFF\x09\x9F\x28"s);
+  seeds.add("\x05\xFE\x01\x09\0\0\0\x80\x20\x6C\xF5\xFF\x09\x7D\x22"s);
+  seeds.add("\x05\xF3\x01\x09\0\0\0\x80\x20\x6C\xF5\xFF\x09\xBD\x21"s);
+  // Length symbol 286 and distance symbol 30 of the fixed codes.
+  seeds.add("\x4B\x1C\x03\0"s);
+  seeds.add("\x4B\x4C\x4C\x4C\x04\x3E\0\0\0"s);
+  // A match with a distance code without symbols; the unused bit of a distance and of a literal code.
+  seeds.add("\x0D\xE0\x01\x09\0\0\0\x80\x20\x6C\xF5\xFF\x89\xC2\x02"s);
+  seeds.add("\x0D\xE0\x01\x09\0\0\0\x80\x20\x6C\xF5\xFF\x89\xD2\x03"s);
+  seeds.add("\x05\xE0\x01\x09\0\0\0\x80\x20\xFC\x7F\xAD\x01"s);
+}
+
 }  // namespace
 
 // NOLINTNEXTLINE(bugprone-exception-escape): a seed that cannot be made must end the tests
@@ -281,6 +298,7 @@ int main(int argc, char** argv) {
     addRepetitiveWorkbooks(seeds);
   }
   if (target == "fuzz_dataset") addDatasets(seeds);
+  if (target == "fuzz_inflate") addStreams(seeds);
   if (target == "fuzz_presentation") addPresentations(seeds);
   if (target == "fuzz_report") addReports(seeds);
   if (target == "fuzz_request") addRequests(seeds);

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "DocumentRuntime/Coding/Base64.hpp"
 #include "DocumentRuntime/Engine/DocumentEngine.hpp"
 #include "DocumentRuntime/Errors/DocumentError.hpp"
 #include "zelvo_document_worker/WorkerEntry.hpp"
@@ -14,6 +15,17 @@ using Operation = DocumentWorkerRequest::Operation;
 template <typename T>
 const T* pointerTo(const std::optional<T>& value) {
   return value ? &*value : nullptr;
+}
+
+/// About the size of a response, so that it is not copied as it grows. Memory that is never written is never
+/// resident.
+std::size_t expectedBytes(const DocumentWorkerResponse& response) {
+  constexpr std::size_t otherFields = 16'384;
+  constexpr std::size_t cell = 256;
+  std::size_t bytes = otherFields;
+  if (response.table) bytes += response.table->rows.size() * response.table->columns.size() * cell;
+  if (response.document) bytes += Base64::encodedSize(response.document->data.size());
+  return bytes;
 }
 
 DocumentWorkerResponse inspect(DocumentWorkerRequest request) {
@@ -70,7 +82,8 @@ DocumentWorkerResponse run(DocumentWorkerRequest&& request) {
 std::optional<std::string> answerDocumentRequest(std::string request) {
   auto decoded = fromJson<DocumentWorkerRequest>(std::move(request));
   try {
-    return toJson(run(std::move(decoded)));
+    const DocumentWorkerResponse response = run(std::move(decoded));
+    return toJson(response, expectedBytes(response));
   } catch (const ResponseTooLarge&) {
     throw;
   } catch (const DocumentError& error) {

@@ -1,8 +1,13 @@
 #include "zelvo_document_worker/WorkerEntry.hpp"
 
 #include <cstddef>
+#include <limits>
 #include <memory>
 #include <utility>
+
+#ifdef __GLIBC__
+#include <malloc.h>
+#endif
 
 #include "DocumentWorkerProtocol/DocumentWorkerMessage.hpp"
 #include "DocumentWorkerProtocol/WorkerExitStatus.hpp"
@@ -35,6 +40,16 @@ std::optional<std::string> readRequest(Input& input) {
   }
 }
 
+/// Makes the allocator use memory that was freed again, instead of returning it to the system. Otherwise
+/// every part of a document is read into new pages, which the system must clear first. A process that answers
+/// one request and ends has nobody to return memory to.
+void keepFreedMemory() {
+#ifdef __GLIBC__
+  mallopt(M_MMAP_MAX, 0);
+  mallopt(M_TRIM_THRESHOLD, std::numeric_limits<int>::max());
+#endif
+}
+
 /// If `handle` throws (the request cannot be decoded, the response would be too large, or memory ran out),
 /// nothing has been written: writing comes last and throws nothing.
 int serve(Input& input, Output& output, RequestHandler handle) {
@@ -53,6 +68,7 @@ int runWorker(EntitlementReader& entitlements, Limits& limits, Input& input, Out
 }
 
 int runWorkerProcess(RequestHandler handle) noexcept {
+  keepFreedMemory();
   return runConfined(statuses, [handle] {
     StandardInput input;
     StandardOutput output;

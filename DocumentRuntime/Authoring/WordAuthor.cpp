@@ -10,6 +10,9 @@ constexpr std::size_t textWidth = 9360;
 
 constexpr std::string_view documentPart = "word/document.xml";
 
+/// About the size of a cell's markup and text.
+constexpr std::size_t usualCellBytes = 256;
+
 /// The remainder of the division is dropped: all columns are equally wide.
 std::size_t columnWidth(const SourceTable& table) {
   return textWidth / table.columns.size();
@@ -59,8 +62,10 @@ void appendTable(std::string& xml, const SourceTable& table) {
 std::string documentXML(const SourceTable& table, std::string_view title) {
   const std::string provenance = "Source: " + table.sourceName + " · " + table.sheetName + "!" +
                                  table.selectedRange + " · saved snapshot";
-  std::string xml =
-      R"(<w:document xmlns:w="http://schemas.openxmlformats.org/wordprocessingml/2006/main"><w:body>)";
+  std::string xml;
+  // So that it is not copied as it grows. Pages that are never written are never resident.
+  xml.reserve((table.rows.size() + 2) * table.columns.size() * usualCellBytes);
+  xml += R"(<w:document xmlns:w="http://schemas.openxmlformats.org/wordprocessingml/2006/main"><w:body>)";
   OOXML::append(
       xml, "\n",
       R"(<w:p><w:pPr><w:spacing w:after="240"/></w:pPr><w:r><w:rPr><w:b/><w:sz w:val="36"/></w:rPr>)"

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "DocumentRuntime/Errors/DocumentError.hpp"
+#include "Text/ASCII.hpp"
 #include "Text/Unicode.hpp"
 
 namespace zelvo {
@@ -15,16 +16,16 @@ DocumentError outOfBounds() {
   return DocumentError::invalidSelection(RefusalDetail::addressBounds);
 }
 
-/// Parses an upper-case text byte by byte: no byte of a scalar outside ASCII is an ASCII letter or digit.
-CellAddress parseUppercased(std::string_view text) {
+/// Parses a text byte by byte: no byte of a scalar outside ASCII is an ASCII letter or digit.
+CellAddress parseASCII(std::string_view text) {
   std::int64_t column = 0;
   std::int64_t row = 0;
   int rowDigits = 0;
   bool lettersEnded = false;
   for (const char character : text) {
     if (character == '$') continue;
-    if (!lettersEnded && character >= 'A' && character <= 'Z') {
-      column = column * 26 + (character - 'A' + 1);
+    if (!lettersEnded && ASCII::isLetter(character)) {
+      column = column * 26 + (ASCII::lowercased(character) - 'a' + 1);
       if (column > CellAddress::maximumColumn) throw outOfBounds();
       continue;
     }
@@ -40,8 +41,9 @@ CellAddress parseUppercased(std::string_view text) {
 }  // namespace
 
 CellAddress CellAddress::parse(std::string_view text) {
+  if (Unicode::isASCII(text)) return parseASCII(text);
   // Full Unicode upper case: a few letters outside ASCII, such as the dotless i, map to A to Z.
-  return parseUppercased(Unicode::uppercased(text));
+  return parseASCII(Unicode::uppercased(text));
 }
 
 std::string CellAddress::name() const {

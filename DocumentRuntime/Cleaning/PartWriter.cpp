@@ -63,8 +63,7 @@ std::string_view PartWriter::finish() {
 
 void PartWriter::start(Tag tag) {
   closeStartTag();
-  if (++elements_ > OOXML::maximumXMLElements)
-    throw DocumentError::resourceLimit("more than 200,000 XML elements in " + place_ + detail_);
+  if (++elements_ > OOXML::maximumXMLElements) refuse("more than 200,000 XML elements in ");
   append("<");
   append(rule(tag).name);
   isTagOpen_ = true;
@@ -96,8 +95,11 @@ void PartWriter::end(Tag tag) {
 }
 
 void PartWriter::requireCapacity(std::size_t bytes) const {
-  if (bytes > OOXML::maximumXMLBytes - xml_.size())
-    throw DocumentError::resourceLimit("more than 16 MiB of XML in " + place_ + detail_);
+  if (bytes > OOXML::maximumXMLBytes - xml_.size()) refuse("more than 16 MiB of XML in ");
+}
+
+void PartWriter::refuse(const char* limit) const {
+  throw DocumentError::resourceLimit(limit + place_ + detail_);
 }
 
 void PartWriter::number(Attribute attribute, std::int64_t value) {

@@ -40,6 +40,8 @@ class PartWriter {
   void requireCapacity(std::size_t bytes) const;
 
  private:
+  /// Not inline, so that the checks are.
+  [[noreturn]] void refuse(const char* limit) const;
   void number(Attribute attribute, std::int64_t value);
   void closeStartTag();
   void append(std::string_view fixed);

@@ -306,9 +306,10 @@ void verify(OOXML::ArchiveTrees& source, ByteView result, const CleaningOptions&
   if (difference) throw DocumentError::validationFailed("cleaned workbook: " + *difference);
 }
 
-void inspect(ByteView result, std::string_view sourceName, const std::stop_token& stop) {
+/// Returns the digest of the result.
+std::string inspect(ByteView result, std::string_view sourceName, const std::stop_token& stop) {
   try {
-    static_cast<void>(WorkbookReader(ByteBuffer::copyOf(result), sourceName, stop).inspection());
+    return WorkbookReader(result, sourceName, stop).inspection().sourceSHA256;
   } catch (const DocumentError& error) {
     throw DocumentError::validationFailed("cleaned workbook: " + error.errorDescription());
   }
@@ -338,8 +339,7 @@ CleanedWorkbook cleanWorkbook(ByteBuffer source, std::string_view sourceName, co
   }
   source = {};
   throwIfCancelled(stop);
-  Cleaning::inspect(cleaned.data.view(), sourceName, stop);
-  cleaned.outputSHA256 = OOXML::hash(cleaned.data.view());
+  cleaned.outputSHA256 = Cleaning::inspect(cleaned.data.view(), sourceName, stop);
   return cleaned;
 }
 

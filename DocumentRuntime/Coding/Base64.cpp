@@ -3,6 +3,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 
 namespace zelvo::Base64 {
 namespace {
@@ -28,6 +29,19 @@ constexpr PlaceTable place0 = placeTable(18);
 constexpr PlaceTable place1 = placeTable(12);
 constexpr PlaceTable place2 = placeTable(6);
 constexpr PlaceTable place3 = placeTable(0);
+
+/// The two characters of each half of a group.
+constexpr auto halves = [] {
+  std::array<std::array<char, 2>, 4096> table{};
+  for (std::size_t bits = 0; bits < table.size(); ++bits)
+    table[bits] = {alphabet[bits >> 6], alphabet[bits & 0x3F]};
+  return table;
+}();
+
+void writeGroup(char* text, std::uint32_t bits) {
+  std::memcpy(text, halves[bits >> 12].data(), 2);
+  std::memcpy(text + 2, halves[bits & 0xFFF].data(), 2);
+}
 
 std::uint32_t group(const unsigned char* text) {
   return place0[text[0]] | place1[text[1]] | place2[text[2]] | place3[text[3]];
@@ -72,19 +86,15 @@ void append(std::string& out, ByteView bytes) {
   const std::size_t start = out.size();
   out.resize(start + encodedSize(bytes.size()));
   char* text = out.data() + start;
-  const auto write = [&text](std::uint32_t bits) {
-    for (const unsigned shift : {18U, 12U, 6U, 0U})
-      *text++ = alphabet[bits >> shift & 0x3FU];
-  };
   const std::uint8_t* in = bytes.data();
   std::size_t left = bytes.size();
-  for (; left >= 3; left -= 3, in += 3) {
-    write(std::uint32_t{in[0]} << 16 | std::uint32_t{in[1]} << 8 | in[2]);
+  for (; left >= 3; left -= 3, in += 3, text += 4) {
+    writeGroup(text, std::uint32_t{in[0]} << 16 | std::uint32_t{in[1]} << 8 | in[2]);
   }
   if (left == 0) return;
-  write(std::uint32_t{in[0]} << 16 | (left == 2 ? std::uint32_t{in[1]} << 8 : 0));
-  text[-1] = '=';
-  if (left == 1) text[-2] = '=';
+  writeGroup(text, std::uint32_t{in[0]} << 16 | (left == 2 ? std::uint32_t{in[1]} << 8 : 0));
+  text[3] = '=';
+  if (left == 1) text[2] = '=';
 }
 
 }  // namespace zelvo::Base64

@@ -16,6 +16,13 @@ bool needsEscape(char c) {
   return static_cast<unsigned char>(c) < 0x20 || c == '"' || c == '\\';
 }
 
+/// The first position from `start` on that needs an escape, or the text's size.
+std::size_t findEscape(std::string_view text, std::size_t start) {
+  while (start < text.size() && !needsEscape(text[start]))
+    ++start;
+  return start;
+}
+
 void appendEscape(std::string& out, char c) {
   switch (c) {
     case '"':
@@ -91,14 +98,13 @@ void JsonWriter::number(double value) {
 void JsonWriter::string(std::string_view text) {
   separate();
   text_ += '"';
-  std::size_t written = 0;
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    if (!needsEscape(text[i])) continue;
-    text_.append(text, written, i - written);
-    appendEscape(text_, text[i]);
-    written = i + 1;
+  std::size_t start = 0;
+  for (std::size_t end = findEscape(text, 0); end < text.size(); end = findEscape(text, start)) {
+    text_.append(text, start, end - start);
+    appendEscape(text_, text[end]);
+    start = end + 1;
   }
-  text_.append(text, written);
+  text_.append(text, start);
   text_ += '"';
 }
 

@@ -26,16 +26,10 @@ class ArchiveTrees {
   XMLNode root(const Entry& part);
 
  private:
-  /// A part's bytes, kept with the tree, which may have views into them.
-  struct ParsedPart {
-    ByteBuffer bytes;
-    XMLTree tree;
-  };
-
   BoundedZIP::Archive archive_;
-  std::map<const Entry*, ParsedPart> kept_;
+  std::map<const Entry*, XMLTree> kept_;
   std::size_t keptBytes_ = 0;
-  std::optional<ParsedPart> last_;
+  std::optional<XMLTree> last_;
 };
 
 }  // namespace zelvo::OOXML

@@ -47,16 +47,18 @@ bool OOXML::holdsDeclaration(std::string_view text) {
   return false;
 }
 
-XMLTree OOXML::xml(ByteView part) {
-  const std::string_view text = textOf(part);
+XMLTree OOXML::xml(const ByteBuffer& part) {
+  const std::string_view text = part.text();
   if (part.size() > maximumXMLBytes || !Unicode::isValid(text)) {
     throw DocumentError::unsupported(RefusalDetail::xmlEncoding);
   }
   if (holdsDeclaration(text)) throw DocumentError::unsafeContent(RefusalDetail::xmlDeclaration);
   // NUL is not allowed in XML, and programs that guess encodings would read the part as UTF-16.
-  if (text.find('\0') != std::string_view::npos) throw DocumentError::invalidArchive("malformed XML");
-  XMLTreeBuilder builder(text.size());
-  XMLScanner(text, builder).run();
+  if (text.empty() || text.find('\0') != std::string_view::npos) {
+    throw DocumentError::invalidArchive("malformed XML");
+  }
+  XMLTreeBuilder builder(part);
+  XMLScanner(part, builder).run();
   return builder.finish();
 }
 

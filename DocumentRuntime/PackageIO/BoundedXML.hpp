@@ -23,8 +23,8 @@ inline constexpr std::size_t maximumXMLBytes = 16'777'216;
 /// Parses one part. Throws `DocumentError`, in this order of checks: unsupported "XML encoding or size";
 /// unsafeContent "XML DTD or entity declaration"; and while parsing resourceLimit "XML structure" or
 /// invalidArchive "malformed XML", also for a second root and an undeclared entity. Without declarations no
-/// external entity can exist.
-XMLTree xml(ByteView part);
+/// external entity can exist. The tree shares the part's bytes, which must not be changed afterwards.
+XMLTree xml(const ByteBuffer& part);
 
 /// Whether the text, in upper case, holds "<!DOCTYPE" or "<!ENTITY" anywhere, also in a comment or a CDATA
 /// section. `text` must be valid UTF-8.

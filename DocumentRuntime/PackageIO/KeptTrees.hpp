@@ -35,7 +35,7 @@ class KeptTrees {
   XMLNode root(std::string_view name, const ByteBuffer& part, std::optional<XMLTree>& fallback) const {
     const auto kept = std::ranges::lower_bound(trees_, name, {}, &KeptTree::name);
     if (kept != trees_.end() && kept->name == name) return kept->tree.root();
-    return fallback.emplace(xml(part.view())).root();
+    return fallback.emplace(xml(part)).root();
   }
 
  private:

@@ -110,7 +110,7 @@ PartMap vetted(PartMap parts, PackageAllowance allowance, const PartVisitor& vis
     throwIfCancelled(stop);
     const std::string lowerCaseName = Unicode::lowercased(name);
     if (!isVettedPart(name, lowerCaseName, allowance)) continue;
-    XMLTree tree = xml(bytes.view());
+    XMLTree tree = xml(bytes);
     if (name == contentTypesPart) checkContentTypes(tree.root());
     if (lowerCaseName.ends_with(".rels")) checkRelationships(tree.root(), name, parts);
     if (visitor) visitor(name, tree);

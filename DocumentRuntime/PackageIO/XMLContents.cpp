@@ -6,7 +6,7 @@ namespace zelvo {
 XMLContents::XMLContents(XMLNode root) : first_(root.index_) {
   const XMLTreeStorage& storage = *root.storage_;
   const std::uint32_t end = storage.elements[first_].end;
-  text_.reserve(storage.characters.size());  // pages that are never written are never resident
+  text_.reserve(storage.part.size());  // pages that are never written are never resident
   starts_.reserve(std::size_t{end} - first_ + 1);
   for (std::uint32_t i = first_; i < end; ++i) {
     starts_.push(static_cast<std::uint32_t>(text_.size()));

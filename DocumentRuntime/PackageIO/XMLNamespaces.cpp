@@ -29,11 +29,22 @@ Namespace namespaceOf(std::string_view uri) {
 /// The prefix that an attribute declares, empty for the default namespace. Returns nullopt for other
 /// attributes.
 std::optional<std::string_view> declaredPrefix(std::string_view attributeName) {
-  if (!attributeName.starts_with(declarationName)) return std::nullopt;
+  // Most attributes declare nothing: their first letter tells.
+  if (attributeName.front() != declarationName.front() || !attributeName.starts_with(declarationName)) {
+    return std::nullopt;
+  }
   const std::string_view rest = attributeName.substr(declarationName.size());
   if (rest.empty()) return rest;
   if (rest.size() < 2 || rest.front() != ':') return std::nullopt;
   return rest.substr(1);
+}
+
+/// The position of the first colon, or npos. Names are too short for a call of the library to pay.
+std::size_t findColon(std::string_view name) {
+  for (std::size_t i = 0; i < name.size(); ++i) {
+    if (name[i] == ':') return i;
+  }
+  return std::string_view::npos;
 }
 
 }  // namespace
@@ -53,14 +64,14 @@ NamespaceScope::NamespaceScope(const NamespaceScope* parent, XMLNode element) : 
 
 ExpandedName NamespaceScope::name() const {
   const std::string_view qualified = element_.qualifiedName();
-  const std::size_t colon = qualified.find(':');
+  const std::size_t colon = findColon(qualified);
   if (colon == std::string_view::npos) return {default_, qualified};
   return {space(qualified.substr(0, colon)), qualified.substr(colon + 1)};
 }
 
 ExpandedName NamespaceScope::attributeName(std::size_t index) const {
   const std::string_view qualified = element_.attributeName(index);
-  const std::size_t colon = qualified.find(':');
+  const std::size_t colon = findColon(qualified);
   if (colon != std::string_view::npos) {
     return {space(qualified.substr(0, colon)), qualified.substr(colon + 1)};
   }

@@ -1,6 +1,7 @@
 #include "DocumentRuntime/PackageIO/XMLScanner.hpp"
 
 #include <algorithm>
+#include <cstring>
 
 #include "DocumentRuntime/Errors/DocumentError.hpp"
 #include "DocumentRuntime/PackageIO/XMLCharacters.hpp"
@@ -34,12 +35,30 @@ bool isReservedTarget(std::string_view target) {
   return std::ranges::equal(target, std::string_view("xml"), {}, [](char c) { return ASCII::lowercased(c); });
 }
 
-/// Only speeds up the comparison of the names of one tag.
-std::uint32_t hashOf(std::string_view name) {
-  std::uint32_t hash = 0;
-  for (const char c : name)
-    hash = hash * 31 + static_cast<unsigned char>(c);
-  return hash;
+/// A block of a long text. The compilers translate operations on it for any processor.
+constexpr std::size_t blockBytes = ByteBuffer::spareBytes;
+using Block __attribute__((vector_size(blockBytes))) = unsigned char;
+
+bool isPlainBlock(const char* at) {
+  Block bytes;
+  std::memcpy(&bytes, at, blockBytes);
+  const auto special = (bytes < 0x20) | (bytes == '<') | (bytes == '&') | (bytes == ']') |
+                       (bytes == static_cast<unsigned char>(noncharacterStart));
+  std::uint64_t halves[2];
+  static_assert(sizeof halves == sizeof special);
+  std::memcpy(halves, &special, sizeof halves);
+  return (halves[0] | halves[1]) == 0;
+}
+
+/// Moves over the bytes of character data that are copied unchanged. Most texts are shorter than a block.
+const char* endOfPlainText(const char* at) {
+  while (true) {
+    for (const char* const end = at + blockBytes; at != end; ++at) {
+      if (!isOf(plainInText, *at)) return at;
+    }
+    while (isPlainBlock(at))
+      at += blockBytes;
+  }
 }
 
 }  // namespace
@@ -50,7 +69,7 @@ void XMLScanner::run() {
   miscellaneous();
   root();
   miscellaneous();
-  require(isAtEnd());
+  require(at_ == end_);
 }
 
 void XMLScanner::declaration() {
@@ -76,10 +95,10 @@ void XMLScanner::declaredValue(std::string_view name, bool (*isValid)(std::strin
   skipSpace();
   require(take('='));
   skipSpace();
-  const std::string_view quote = rest().substr(0, 1);
-  require(quote == "\"" || quote == "'");
-  ++position_;
-  require(isValid(upTo(quote)));
+  const char quote = *at_;
+  require(quote == '"' || quote == '\'');
+  ++at_;
+  require(isValid(upTo({&quote, 1})));
 }
 
 /// Comments, instructions and white space around the root.
@@ -97,7 +116,7 @@ void XMLScanner::miscellaneous() {
 }
 
 void XMLScanner::root() {
-  require(peek() == '<');
+  require(*at_ == '<');
   startTag();
   while (depth_ > 0) {
     characterData();
@@ -106,15 +125,14 @@ void XMLScanner::root() {
 }
 
 void XMLScanner::markup() {
-  require(peek() == '<');
-  const std::string_view following = rest().substr(1, 8);
-  if (following.starts_with('/')) {
+  require(*at_ == '<');
+  if (at_[1] == '/') {
     endTag();
-  } else if (following.starts_with('?')) {
+  } else if (at_[1] == '?') {
     instruction();
-  } else if (!following.starts_with('!')) {
+  } else if (at_[1] != '!') {
     startTag();
-  } else if (following.starts_with("!--")) {
+  } else if (rest().starts_with("<!--")) {
     comment();
   } else {
     section();
@@ -122,12 +140,11 @@ void XMLScanner::markup() {
 }
 
 void XMLScanner::startTag() {
-  ++position_;
-  const std::string_view elementName = name();
+  ++at_;
+  const XMLName elementName = name();
   attributeCount_ = 0;
-  decodedValues_.clear();
   bool spaced = skipSpace();
-  while (peek() != '>' && peek() != '/') {
+  while (*at_ != '>' && *at_ != '/') {
     require(spaced);
     attribute();
     spaced = skipSpace();
@@ -136,12 +153,6 @@ void XMLScanner::startTag() {
   require(take('>'));
 
   builder_.start(elementName, attributeCount_);  // refuses too many attributes and levels
-  for (std::size_t i = 0; i < attributeCount_; ++i) {
-    const Attribute& kept = attributes_[i];
-    const std::string_view decoded =
-        std::string_view(decodedValues_).substr(kept.decodedStart, kept.decodedLength);
-    builder_.attribute(kept.name, kept.decodedLength > 0 ? decoded : kept.value);
-  }
   if (isEmpty) {
     builder_.end();
   } else {
@@ -150,60 +161,61 @@ void XMLScanner::startTag() {
 }
 
 void XMLScanner::attribute() {
-  const std::string_view attributeName = name();
+  const XMLName attributeName = name();
   skipSpace();
   require(take('='));
   skipSpace();
-  const char quote = peek();
+  const char quote = *at_;
   require(quote == '"' || quote == '\'');
-  ++position_;
-  Attribute found = attributeValue(quote);
-  found.name = attributeName;
-  found.nameHash = hashOf(attributeName);
-
-  const std::size_t kept = std::min(attributeCount_, attributes_.size());
-  for (std::size_t i = 0; i < kept; ++i) {
-    require(attributes_[i].nameHash != found.nameHash || attributes_[i].name != attributeName);
+  ++at_;
+  const std::string_view plain = run(plainInValue);
+  if (!take(quote)) {
+    decodedValue(attributeName.text(), plain, quote);
+  } else if (attributeCount_ < maximumXMLAttributes) {
+    builder_.attribute(attributeName.text(), plain);
   }
-  if (attributeCount_ < attributes_.size()) attributes_[attributeCount_] = found;
+  checkIsNew(attributeName);
   ++attributeCount_;
 }
 
-XMLScanner::Attribute XMLScanner::attributeValue(char quote) {
-  const std::string_view plain = run(plainInValue);
-  if (take(quote)) return {.name = {}, .value = plain, .decodedStart = 0, .decodedLength = 0, .nameHash = 0};
+/// Compares the name with those of the tag that are kept, and keeps it.
+void XMLScanner::checkIsNew(const XMLName& attributeName) {
+  const std::size_t kept = std::min(attributeCount_, attributeNames_.size());
+  for (std::size_t i = 0; i < kept; ++i)
+    require(!(attributeNames_[i] == attributeName));
+  if (kept < attributeNames_.size()) attributeNames_[kept] = attributeName;
+}
 
-  const std::size_t decodedStart = decodedValues_.size();
-  decodedValues_ += plain;
+/// Reads the rest of a value that is not plain.
+void XMLScanner::decodedValue(std::string_view attributeName, std::string_view plain, char quote) {
+  decodedValue_ = plain;
   while (!take(quote)) {
     decodeInValue();
-    decodedValues_ += run(plainInValue);
+    decodedValue_ += run(plainInValue);
   }
-  return {.name = {},
-          .value = {},
-          .decodedStart = decodedStart,
-          .decodedLength = decodedValues_.size() - decodedStart,
-          .nameHash = 0};
+  if (attributeCount_ < maximumXMLAttributes) builder_.decodedAttribute(attributeName, decodedValue_);
 }
 
 /// Decodes one character that is not copied unchanged: a reference, white space that becomes one space, the
 /// other quote, or the first byte of a scalar that begins with 0xEF. Never "<" or a control character.
 void XMLScanner::decodeInValue() {
-  const char c = peek();
+  const char c = *at_;
   if (c == '&') {
-    decodedValues_ += reference();
+    decodedValue_ += reference();
     return;
   }
   require(isOf(whiteSpace, c) || c == '"' || c == '\'' ||
           (c == noncharacterStart && !startsWithNoncharacter(rest())));
-  ++position_;
-  if (c == '\r') take("\n");
-  decodedValues_ += isOf(whiteSpace, c) ? ' ' : c;
+  ++at_;
+  if (c == '\r') take('\n');
+  decodedValue_ += isOf(whiteSpace, c) ? ' ' : c;
 }
 
 void XMLScanner::endTag() {
-  position_ += 2;
-  require(take(openNames_[depth_ - 1]));
+  at_ += 2;
+  const XMLName& open = openNames_[depth_ - 1];
+  require(rest().size() >= open.size() && XMLName::at(at_, open.size()) == open);
+  at_ += open.size();
   skipSpace();
   require(take('>'));
   --depth_;
@@ -211,33 +223,28 @@ void XMLScanner::endTag() {
 }
 
 void XMLScanner::characterData() {
+  const char* start = at_;
   while (true) {
-    const std::size_t start = position_;
-    while (!isAtEnd() && isOf(plainInText, text_[position_]))
-      ++position_;
-    builder_.characters(text_.substr(start, position_ - start));
-    switch (peek()) {
-      case '<':
-      case '\0':
-        return;
-      case '&':
-        builder_.characters(reference());
-        break;
-      case '\r':
-        ++position_;
-        if (peek() != '\n') builder_.characters("\n");
-        break;
-      case ']':
-        require(!rest().starts_with("]]>"));
-        builder_.characters("]");
-        ++position_;
-        break;
-      default:
-        // A scalar that begins with 0xEF, three bytes long; anything else is a control character.
-        require(peek() == noncharacterStart && !startsWithNoncharacter(rest()));
-        builder_.characters(rest().substr(0, 3));
-        position_ += 3;
+    at_ = endOfPlainText(at_);
+    if (*at_ == noncharacterStart) {
+      require(!startsWithNoncharacter(rest()));
+      at_ += noncharacterBytes;
+      continue;
     }
+    if (*at_ == ']') {
+      require(!rest().starts_with("]]>"));
+      ++at_;
+      continue;
+    }
+    builder_.characters({start, static_cast<std::size_t>(at_ - start)});
+    if (*at_ == '<' || *at_ == '\0') return;
+    if (*at_ == '&') {
+      builder_.decodedCharacters(reference());
+    } else {
+      require(take('\r'));  // any other byte is a control character
+      if (*at_ != '\n') builder_.decodedCharacters("\n");
+    }
+    start = at_;
   }
 }
 
@@ -248,7 +255,7 @@ void XMLScanner::section() {
   for (std::size_t end = content.find('\r'); end != std::string_view::npos; end = content.find('\r')) {
     builder_.characters(content.substr(0, end));
     content.remove_prefix(end + 1);
-    if (!content.starts_with('\n')) builder_.characters("\n");
+    if (!content.starts_with('\n')) builder_.decodedCharacters("\n");
   }
   builder_.characters(content);
 }
@@ -261,40 +268,29 @@ void XMLScanner::comment() {
 
 void XMLScanner::instruction() {
   take("<?");
-  require(!isReservedTarget(name()));
+  require(!isReservedTarget(name().text()));
   const bool spaced = skipSpace();
   const std::string_view content = upTo("?>");
   require(spaced || content.empty());
   checkCharacters(content);
 }
 
-std::string_view XMLScanner::name() {
-  const std::size_t start = position_;
-  require(isOf(nameStart, peek()) || static_cast<unsigned char>(peek()) >= 0x80);
-  while (true) {
-    if (position_ > start || isOf(nameStart, peek())) run(nameRest);
-    if (static_cast<unsigned char>(peek()) < 0x80) break;
-    std::size_t next = position_;
-    if (!isNameScalar(Unicode::nextScalar(text_, next), position_ == start)) break;
-    position_ = next;
+XMLName XMLScanner::name() {
+  const char* const start = at_;
+  if (isOf(nameStart, *at_)) run(nameRest);
+  if (static_cast<unsigned char>(*at_) >= 0x80) restOfName(start);
+  require(at_ != start);
+  return XMLName::at(start, static_cast<std::size_t>(at_ - start));
+}
+
+/// Continues a name, or starts it, with a scalar outside ASCII.
+void XMLScanner::restOfName(const char* start) {
+  while (static_cast<unsigned char>(*at_) >= 0x80) {
+    std::size_t length = 0;
+    if (!isNameScalar(Unicode::nextScalar(rest(), length), at_ == start)) return;
+    at_ += length;
+    run(nameRest);
   }
-  require(position_ > start);
-  return text_.substr(start, position_ - start);
-}
-
-bool XMLScanner::skipSpace() {
-  return !run(whiteSpace).empty();
-}
-
-std::string_view XMLScanner::run(std::uint8_t classes) {
-  const char* const start = text_.data() + position_;
-  const char* const end = text_.data() + text_.size();
-  const char* at = start;
-  while (at != end && isOf(classes, *at))
-    ++at;
-  const auto length = static_cast<std::size_t>(at - start);
-  position_ += length;
-  return {start, length};
 }
 
 std::string_view XMLScanner::reference() {
@@ -320,24 +316,23 @@ char32_t XMLScanner::characterReference() {
   take("&#");
   const char32_t base = take("x") ? 16 : 10;
   char32_t scalar = 0;
-  const std::size_t start = position_;
-  for (; peek() != ';'; ++position_) {
-    const char c = peek();
-    const std::size_t digit = ASCII::hexDigits.find(ASCII::lowercased(c));
+  const char* const start = at_;
+  for (; *at_ != ';'; ++at_) {
+    const std::size_t digit = ASCII::hexDigits.find(ASCII::lowercased(*at_));
     require(digit < base);
     scalar = scalar * base + static_cast<char32_t>(digit);
     require(scalar <= 0x10FFFF);  // after every digit, so that nothing overflows
   }
-  require(position_ > start && isAllowed(scalar));
-  ++position_;
+  require(at_ != start && isAllowed(scalar));
+  ++at_;
   return scalar;
 }
 
 std::string_view XMLScanner::upTo(std::string_view end) {
-  const std::size_t found = text_.find(end, position_);
-  require(found != std::string_view::npos);
-  const std::string_view before = text_.substr(position_, found - position_);
-  position_ = found + end.size();
+  const std::size_t length = rest().find(end);
+  require(length != std::string_view::npos);
+  const std::string_view before = rest().substr(0, length);
+  at_ += length + end.size();
   return before;
 }
 
@@ -351,7 +346,7 @@ void XMLScanner::checkCharacters(std::string_view text) {
 
 bool XMLScanner::take(std::string_view expected) {
   if (!rest().starts_with(expected)) return false;
-  position_ += expected.size();
+  at_ += expected.size();
   return true;
 }
 

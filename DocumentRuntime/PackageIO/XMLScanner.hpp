@@ -6,32 +6,29 @@
 #include <string>
 #include <string_view>
 
+#include "DocumentRuntime/PackageIO/XMLCharacters.hpp"
+#include "DocumentRuntime/PackageIO/XMLName.hpp"
 #include "DocumentRuntime/PackageIO/XMLTreeBuilder.hpp"
+#include "DocumentRuntime/Records/ByteBuffer.hpp"
 
 namespace zelvo::OOXML {
 
 /// Reads one XML 1.0 document without a document type in a single pass, and passes its contents to a builder.
 /// Time is linear in the text: only the names of one tag, at most 64, are compared with each other. Memory,
-/// except the builder's, is fixed plus one tag's values: attributes above the limit of an element are
+/// except the builder's, is fixed plus one decoded value: attributes above the limit of an element are
 /// counted, not kept.
 ///
-/// `text` must be valid UTF-8 without NUL bytes, and outlive the scanner.
+/// `part` must be valid UTF-8 without NUL bytes and not empty, and outlive the scanner. The NUL bytes behind
+/// it end every loop, so the scanner reads without comparing its position with the end.
 class XMLScanner {
  public:
-  XMLScanner(std::string_view text, XMLTreeBuilder& builder) : text_(text), builder_(builder) {}
+  XMLScanner(const ByteBuffer& part, XMLTreeBuilder& builder)
+      : at_(part.text().data()), end_(at_ + part.size()), builder_(builder) {}
 
   /// Throws `DocumentError` invalidArchive "malformed XML", and what the builder throws.
   void run();
 
  private:
-  struct Attribute {
-    std::string_view name;
-    std::string_view value;    ///< if it needs no decoding
-    std::size_t decodedStart;  ///< in `decodedValues_`, if it does
-    std::size_t decodedLength;
-    std::uint32_t nameHash;
-  };
-
   // The document, top down.
   void declaration();
   void declaredValue(std::string_view name, bool (*isValid)(std::string_view));
@@ -40,7 +37,8 @@ class XMLScanner {
   void markup();
   void startTag();
   void attribute();
-  Attribute attributeValue(char quote);
+  void checkIsNew(const XMLName& attributeName);
+  void decodedValue(std::string_view attributeName, std::string_view plain, char quote);
   void decodeInValue();
   void endTag();
   void characterData();
@@ -49,8 +47,9 @@ class XMLScanner {
   void instruction();
 
   // Pieces of it.
-  std::string_view name();
-  bool skipSpace();
+  XMLName name();
+  void restOfName(const char* start);
+  bool skipSpace() { return !run(whiteSpace).empty(); }
   /// Decodes the reference at the position and moves past it. The view is valid until the next call.
   std::string_view reference();
   char32_t characterReference();
@@ -59,31 +58,33 @@ class XMLScanner {
   static void checkCharacters(std::string_view text);
 
   // The text.
-  bool isAtEnd() const { return position_ == text_.size(); }
-  /// The next byte; NUL at the end, since the text has no NUL.
-  char peek() const { return isAtEnd() ? '\0' : text_[position_]; }
-  std::string_view rest() const { return text_.substr(position_); }
+  std::string_view rest() const { return {at_, static_cast<std::size_t>(end_ - at_)}; }
   bool take(std::string_view expected);
   bool take(char expected) {
-    if (peek() != expected) return false;
-    ++position_;
+    if (*at_ != expected) return false;
+    ++at_;
     return true;
   }
-  /// Moves over the bytes of these classes and returns them.
-  std::string_view run(std::uint8_t classes);
+  /// Moves over the bytes of these classes, which never include NUL, and returns them.
+  std::string_view run(std::uint8_t classes) {
+    const char* const start = at_;
+    while (isOf(classes, *at_))
+      ++at_;
+    return {start, static_cast<std::size_t>(at_ - start)};
+  }
   static void require(bool condition) {
     if (!condition) malformed();
   }
   [[noreturn]] static void malformed();
 
-  std::string_view text_;
+  const char* at_;  ///< the next byte; NUL at the end
+  const char* end_;
   XMLTreeBuilder& builder_;
-  std::size_t position_ = 0;
-  std::array<std::string_view, maximumXMLDepth> openNames_{};
+  std::array<XMLName, maximumXMLDepth> openNames_{};
   std::size_t depth_ = 0;
-  std::array<Attribute, maximumXMLAttributes> attributes_{};  ///< of the tag being read
+  std::array<XMLName, maximumXMLAttributes> attributeNames_{};  ///< of the tag being read
   std::size_t attributeCount_ = 0;
-  std::string decodedValues_;  ///< of the tag being read
+  std::string decodedValue_;
   std::string decodedReference_;
 };
 

@@ -2,42 +2,6 @@
 
 namespace zelvo {
 
-std::string_view XMLNode::attributeName(std::size_t index) const {
-  const auto& attribute = storage_->attributes[element().firstAttribute + index];
-  return storage_->view({attribute.offset, attribute.nameLength});
-}
-
-std::string_view XMLNode::attributeValue(std::size_t index) const {
-  const auto& attribute = storage_->attributes[element().firstAttribute + index];
-  return storage_->view({attribute.offset + attribute.nameLength, attribute.valueLength});
-}
-
-std::optional<std::string_view> XMLNode::attribute(std::string_view qualifiedName) const {
-  for (std::size_t i = 0; i < attributeCount(); ++i) {
-    if (attributeName(i) == qualifiedName) return attributeValue(i);
-  }
-  return std::nullopt;
-}
-
-XMLElements XMLNode::children() const {
-  return {*storage_, index_, XMLElements::Depth::children, std::nullopt};
-}
-
-std::optional<XMLNode> XMLNode::child(std::string_view name) const {
-  const XMLElements named = all(name);
-  const auto first = named.begin();
-  if (first == named.end()) return std::nullopt;
-  return *first;
-}
-
-XMLElements XMLNode::all(std::string_view name) const {
-  return {*storage_, index_, XMLElements::Depth::children, name};
-}
-
-XMLElements XMLNode::descendants(std::string_view name) const {
-  return {*storage_, index_, XMLElements::Depth::descendants, name};
-}
-
 std::string XMLNode::text() const {
   std::string out;
   appendText(out);
@@ -80,7 +44,7 @@ void XMLNode::appendContent(std::string& out) const {
 }
 
 std::size_t XMLTree::byteCount() const {
-  return storage_->characters.byteCount() + storage_->names.byteCount() + storage_->attributes.byteCount() +
+  return storage_->decoded.byteCount() + storage_->names.byteCount() + storage_->attributes.byteCount() +
          storage_->moreText.byteCount() + storage_->elements.byteCount();
 }
 

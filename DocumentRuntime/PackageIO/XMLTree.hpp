@@ -29,9 +29,9 @@ class XMLNode {
   XMLNode(const XMLTreeStorage& storage, std::uint32_t index) : storage_(&storage), index_(index) {}
 
   /// The name after its last colon; empty pieces around colons do not count.
-  std::string_view name() const { return storage_->localName(index_); }
+  std::string_view name() const { return storage_->localName(index_).text(); }
   /// The name as written, prefix included.
-  std::string_view qualifiedName() const { return storage_->qualifiedName(index_); }
+  std::string_view qualifiedName() const { return storage_->qualifiedName(index_).text(); }
 
   /// A small number for the qualified name. Elements with equal indexes have equal names. In a part with very
   /// many names, elements of one name may have several indexes.
@@ -39,20 +39,29 @@ class XMLNode {
 
   std::size_t attributeCount() const { return element().attributeCount; }
   /// The i-th attribute in document order, named as written.
-  std::string_view attributeName(std::size_t index) const;
-  std::string_view attributeValue(std::size_t index) const;
+  std::string_view attributeName(std::size_t index) const {
+    return storage_->attributeName(attributeAt(index)).text();
+  }
+  std::string_view attributeValue(std::size_t index) const {
+    return storage_->view(attributeAt(index).value);
+  }
   /// The value of the attribute of that qualified name.
-  std::optional<std::string_view> attribute(std::string_view qualifiedName) const;
+  std::optional<std::string_view> attribute(XMLName qualifiedName) const {
+    for (std::size_t i = 0; i < attributeCount(); ++i) {
+      if (storage_->attributeName(attributeAt(i)) == qualifiedName) return attributeValue(i);
+    }
+    return std::nullopt;
+  }
 
   /// The child elements in document order.
   XMLElements children() const;
   /// The first child of that local name.
-  std::optional<XMLNode> child(std::string_view name) const;
+  std::optional<XMLNode> child(XMLName name) const;
   /// The children of that local name, direct ones only. `name` must outlive the result.
-  XMLElements all(std::string_view name) const;
+  XMLElements all(XMLName name) const;
   /// The elements of that local name at any depth below this one, in document order. `name` must outlive the
   /// result.
-  XMLElements descendants(std::string_view name) const;
+  XMLElements descendants(XMLName name) const;
 
   /// The character data directly inside this element, in document order, without that of children.
   std::string text() const;
@@ -67,6 +76,9 @@ class XMLNode {
   friend class XMLContents;
 
   const XMLTreeStorage::Element& element() const { return storage_->elements[index_]; }
+  const XMLTreeStorage::Attribute& attributeAt(std::size_t index) const {
+    return storage_->attributes[element().firstAttribute + index];
+  }
   void appendText(std::string& out) const;
   void appendContent(std::string& out) const;
 
@@ -109,8 +121,7 @@ class XMLElements {
     std::uint32_t index_;
   };
 
-  XMLElements(const XMLTreeStorage& storage, std::uint32_t parent, Depth depth,
-              std::optional<std::string_view> name)
+  XMLElements(const XMLTreeStorage& storage, std::uint32_t parent, Depth depth, std::optional<XMLName> name)
       : storage_(&storage),
         first_(parent + 1),
         end_(storage.elements[parent].end),
@@ -136,10 +147,33 @@ class XMLElements {
   std::uint32_t first_;
   std::uint32_t end_;
   Depth depth_;
-  std::optional<std::string_view> name_;
+  std::optional<XMLName> name_;
 };
 
-/// One parsed part. Move-only; owns everything that its nodes refer to.
+// Inline, so that the word of a constant name is computed when the program is compiled.
+
+inline XMLElements XMLNode::children() const {
+  return {*storage_, index_, XMLElements::Depth::children, std::nullopt};
+}
+
+inline XMLElements XMLNode::all(XMLName name) const {
+  return {*storage_, index_, XMLElements::Depth::children, name};
+}
+
+inline XMLElements XMLNode::descendants(XMLName name) const {
+  return {*storage_, index_, XMLElements::Depth::descendants, name};
+}
+
+inline std::optional<XMLNode> XMLNode::child(XMLName name) const {
+  const std::uint32_t end = element().end;
+  for (std::uint32_t i = index_ + 1; i < end; i = storage_->elements[i].end) {
+    if (storage_->localName(i) == name) return XMLNode(*storage_, i);
+  }
+  return std::nullopt;
+}
+
+/// One parsed part. Move-only; owns everything that its nodes refer to, the part's bytes together with other
+/// owners.
 class XMLTree {
  public:
   /// `storage` must hold at least the root element.
@@ -147,7 +181,7 @@ class XMLTree {
 
   XMLNode root() const { return {*storage_, 0}; }
 
-  /// The memory that the tree uses.
+  /// The memory that the tree uses in addition to the part.
   std::size_t byteCount() const;
 
  private:

@@ -1,5 +1,6 @@
 #include "DocumentRuntime/PackageIO/XMLTreeBuilder.hpp"
 
+#include <algorithm>
 #include <utility>
 
 #include "DocumentRuntime/Errors/DocumentError.hpp"
@@ -9,12 +10,14 @@ namespace {
 
 using Span = XMLTreeStorage::Span;
 
-/// FNV-1a; collisions cost nothing but memory here.
-std::size_t hashOf(std::string_view name) {
-  std::uint32_t hash = 2'166'136'261U;
-  for (const char c : name)
-    hash = (hash ^ static_cast<unsigned char>(c)) * 16'777'619U;
-  return hash;
+// The shortest texts of an element and of an attribute with the space before it: <b/> and a="".
+constexpr std::size_t minimumElementBytes = 4;
+constexpr std::size_t minimumAttributeBytes = 5;
+
+/// Collisions cost nothing but memory here.
+std::size_t hashOf(const XMLName& name) {
+  constexpr std::uint64_t mix = 0x9E37'79B9'7F4A'7C15;  // 2^64 divided by the golden ratio
+  return static_cast<std::size_t>((name.word() + name.size()) * mix >> 32);
 }
 
 XMLTreeStorage::Name named(Span qualified, std::string_view text) {
@@ -29,63 +32,46 @@ XMLTreeStorage::Name named(Span qualified, std::string_view text) {
 
 }  // namespace
 
-XMLTreeBuilder::XMLTreeBuilder(std::size_t partBytes) : storage_(std::make_unique<Storage>()) {
-  storage_->characters.reserve(partBytes);
+XMLTreeBuilder::XMLTreeBuilder(const ByteBuffer& part) : storage_(std::make_unique<Storage>(part.shared())) {
+  // Growing would copy what was read so far. Pages that are never written are never resident.
+  storage_->elements.reserve(std::min(part.size() / minimumElementBytes, maximumXMLElements));
+  storage_->attributes.reserve(part.size() / minimumAttributeBytes);
   nameTable_.fill(Storage::none);
 }
 
-void XMLTreeBuilder::start(std::string_view qualifiedName, std::size_t attributeCount) {
-  if (storage_->elements.size() >= maximumXMLElements || depth_ >= maximumXMLDepth ||
-      attributeCount > maximumXMLAttributes) {
-    throw DocumentError::resourceLimit(RefusalDetail::xmlStructure);
+void XMLTreeBuilder::decodedCharacters(std::string_view text) {
+  if (text.empty()) return;
+  if (lastText().length == 0) {
+    lastText() = copied(text);
+  } else {
+    join(text);
   }
-  const auto index = static_cast<std::uint32_t>(storage_->elements.size());
-  const auto firstAttribute = static_cast<std::uint32_t>(storage_->attributes.size());
-  storage_->elements.push({.name = nameIndex(qualifiedName),
-                           .end = index + 1,
-                           .firstAttribute = firstAttribute,
-                           .attributeCount = static_cast<std::uint32_t>(attributeCount),
-                           .text = {0, 0},
-                           .moreText = Storage::none});
-  open_[depth_++] = {index, Storage::none};
 }
 
-void XMLTreeBuilder::attribute(std::string_view qualifiedName, std::string_view value) {
-  const Span name = store(qualifiedName);
-  storage_->attributes.push({name.offset, name.length, store(value).length});
-}
-
-void XMLTreeBuilder::characters(std::string_view text) {
-  if (depth_ == 0 || text.empty()) return;
-  const Span added = store(text);
+void XMLTreeBuilder::join(std::string_view text) {
+  Span& last = lastText();
+  // Every byte is copied at most once: decoded text is not copied again.
+  if ((last.offset & Storage::isDecoded) == 0) last = copied(storage_->view(last));
+  const Span added = copied(text);
+  if (last.offset + last.length == added.offset) {
+    last.length += added.length;
+    return;
+  }
   OpenElement& open = open_[depth_ - 1];
-  Storage::Element& element = storage_->elements[open.element];
-  if (element.text.length == 0) {
-    element.text = added;
-    return;
-  }
-  Span& current = open.lastText == Storage::none ? element.text : storage_->moreText[open.lastText].span;
-  if (current.offset + current.length == added.offset) {
-    current.length += added.length;
-    return;
-  }
   const auto index = static_cast<std::uint32_t>(storage_->moreText.size());
+  (open.lastText == Storage::none ? storage_->elements[open.element].moreText
+                                  : storage_->moreText[open.lastText].next) = index;
   storage_->moreText.push({added, Storage::none});
-  (open.lastText == Storage::none ? element.moreText : storage_->moreText[open.lastText].next) = index;
   open.lastText = index;
 }
 
-void XMLTreeBuilder::end() {
-  --depth_;
-  storage_->elements[open_[depth_].element].end = static_cast<std::uint32_t>(storage_->elements.size());
-}
-
 XMLTree XMLTreeBuilder::finish() {
-  storage_->characters.shrinkToFit();
+  storage_->elements.shrinkToFit();
+  storage_->attributes.shrinkToFit();
   return XMLTree(std::move(storage_));
 }
 
-std::uint32_t XMLTreeBuilder::nameIndex(std::string_view qualifiedName) {
+std::uint32_t XMLTreeBuilder::nameIndex(const XMLName& qualifiedName) {
   const std::size_t hash = hashOf(qualifiedName);
   std::uint32_t* free = nullptr;
   for (std::size_t probe = 0; probe < nameProbes; ++probe) {
@@ -94,18 +80,22 @@ std::uint32_t XMLTreeBuilder::nameIndex(std::string_view qualifiedName) {
       free = &slot;
       break;
     }
-    if (storage_->view(storage_->names[slot].qualified) == qualifiedName) return slot;
+    if (storage_->qualifiedName(storage_->names[slot]) == qualifiedName) return slot;
   }
   const auto index = static_cast<std::uint32_t>(storage_->names.size());
-  storage_->names.push(named(store(qualifiedName), qualifiedName));
+  storage_->names.push(named(inPart(qualifiedName.text()), qualifiedName.text()));
   if (free != nullptr) *free = index;
   return index;
 }
 
-Span XMLTreeBuilder::store(std::string_view text) {
-  const auto offset = static_cast<std::uint32_t>(storage_->characters.size());
-  storage_->characters.append(text.data(), text.size());
-  return {offset, static_cast<std::uint32_t>(text.size())};
+Span XMLTreeBuilder::copied(std::string_view text) {
+  const auto offset = static_cast<std::uint32_t>(storage_->decoded.size());
+  storage_->decoded.append(text.data(), text.size());
+  return {offset | Storage::isDecoded, static_cast<std::uint32_t>(text.size())};
+}
+
+void XMLTreeBuilder::refuseStructure() {
+  throw DocumentError::resourceLimit(RefusalDetail::xmlStructure);
 }
 
 }  // namespace zelvo::OOXML

@@ -24,7 +24,7 @@ inline constexpr std::uint16_t storedMethod = 0;
 inline constexpr std::uint16_t deflatedMethod = 8;
 
 /// Expands a raw deflate stream that must yield exactly `size` bytes and consume all of `input`. Throws
-/// `DocumentError` invalidArchive "decompressor initialization" or "deflate length mismatch".
+/// `DocumentError` invalidArchive "deflate length mismatch", or `std::bad_alloc`.
 ByteBuffer inflateRaw(ByteView input, std::size_t size);
 
 /// A raw deflate stream of `input` at one fixed level. Returns nullopt unless it is shorter than `input`.

@@ -4,6 +4,7 @@
 #include <set>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "DocumentRuntime/Cells/CellAddress.hpp"
 #include "DocumentRuntime/Cells/DocumentNumberFormat.hpp"
@@ -89,17 +90,36 @@ bool isChartableRow(const std::vector<SourceCell>& row, std::size_t category, st
          NumberText::isValid(row[value].value.payload());
 }
 
+/// The addresses of a table's cells so far, sorted. Tables list them in ascending order, so the search and
+/// the move of an insertion are rare.
+class SeenAddresses {
+ public:
+  bool insert(const CellAddress& address) {
+    if (addresses_.empty() || addresses_.back() < address) {
+      addresses_.push_back(address);
+      return true;
+    }
+    const auto place = std::ranges::lower_bound(addresses_, address);
+    if (*place == address) return false;
+    addresses_.insert(place, address);
+    return true;
+  }
+
+ private:
+  std::vector<CellAddress> addresses_;
+};
+
 }  // namespace
 
 void DocumentInputRules::checkTable(const SourceTable& table, std::string_view title) {
   if (!isWithinBounds(table, title)) throw DocumentError::invalidSelection(RefusalDetail::tableBounds);
 
   const CellRange range = CellRange::parse(table.selectedRange);
-  std::set<CellAddress> seen;
+  SeenAddresses seen;
   for (const auto& row : table.rows) {
     for (const SourceCell& cell : row) {
       const CellAddress address = CellAddress::parse(cell.address);
-      if (!range.contains(address) || !seen.insert(address).second || !isTextWithinBounds(cell)) {
+      if (!range.contains(address) || !seen.insert(address) || !isTextWithinBounds(cell)) {
         throw DocumentError::invalidSelection("cell lineage or bounds");
       }
       if (isNumber(cell) && !isPublishableNumber(cell)) {

@@ -53,7 +53,7 @@ inline std::string notAllowed(const PartMap& parts) {
   for (const auto& [name, bytes] : parts) {
     const auto root = rootOf(name);
     if (!root) return "part " + name;
-    const std::string found = notAllowed(OOXML::xml(bytes.view()).root(), *root);
+    const std::string found = notAllowed(OOXML::xml(bytes).root(), *root);
     if (!found.empty()) return std::string(name).append(": ").append(found);
   }
   return {};

@@ -79,7 +79,7 @@ std::optional<std::string> reference(std::string_view xml) {
 std::optional<std::string> disagreement(std::string_view xml) {
   std::optional<std::string> ours;
   try {
-    ours = dump(OOXML::xml(bytesOf(xml)).root());
+    ours = dump(OOXML::xml(ByteBuffer::copyOf(xml)).root());
   } catch (const DocumentError& error) {
     const bool isParsed = error == DocumentError::invalidArchive("malformed XML");
     if (!isParsed || xml.find('\0') != std::string_view::npos) return std::nullopt;

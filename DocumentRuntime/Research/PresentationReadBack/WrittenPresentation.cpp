@@ -32,7 +32,7 @@ WrittenPresentation::WrittenPresentation(ByteView deck, const std::stop_token& s
 
 WrittenPresentation::Slide WrittenPresentation::slide(std::size_t index) const {
   const std::string& name = slideNames_[index];
-  return {.name = name, .tree = OOXML::xml(parts_.find(name)->view())};
+  return {.name = name, .tree = OOXML::xml(*parts_.find(name))};
 }
 
 bool WrittenPresentation::Slide::showsChart() const {
@@ -58,7 +58,7 @@ std::optional<WrittenPresentation::Chart> WrittenPresentation::chart(const std::
 std::optional<XMLTree> WrittenPresentation::parsed(std::string_view name) const {
   const ByteBuffer* part = parts_.find(name);
   if (part == nullptr) return std::nullopt;
-  return OOXML::xml(part->view());
+  return OOXML::xml(*part);
 }
 
 std::vector<std::optional<std::string>> WrittenPresentation::related(

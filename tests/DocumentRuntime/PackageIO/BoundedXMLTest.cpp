@@ -35,7 +35,7 @@ std::string ofBytes(Size size) {
 }
 
 testing::Outcome outcome(const std::string& xml) {
-  return outcomeOf([&] { OOXML::xml(bytesOf(xml)); });
+  return outcomeOf([&] { OOXML::xml(ByteBuffer::copyOf(xml)); });
 }
 
 TEST(BoundedXML, KeepsWhatAPartSays) {
@@ -47,7 +47,8 @@ TEST(BoundedXML, KeepsWhatAPartSays) {
       <a>1&lt;2&#x1F600;<![CDATA[<&]]>3</a> => a"1<2😀<&3" ; <a>one␍␊two␍three</a> => a"one␊two␊three"
       <a>x<b>y</b>z<c/>&gt;w</a> => a"xz>w"{b"y" c} ; <a>␠<b><c/></b>␠<d/></a> => a"␠␠"{b{c} d})"
                          "\n \xEF\xBB\xBF<?xml version='1.0' encoding='UTF-8'?><a/> => a"))
-    EXPECT_EQ(outcome(xml) == "" ? dump(OOXML::xml(bytesOf(xml)).root()) : "refused", expected) << xml;
+    EXPECT_EQ(outcome(xml) == "" ? dump(OOXML::xml(ByteBuffer::copyOf(xml)).root()) : "refused", expected)
+        << xml;
 }
 
 TEST(BoundedXML, RefusesInTheOrderOfItsChecks) {
@@ -83,8 +84,9 @@ TEST(BoundedXML, RefusesInTheOrderOfItsChecks) {
 
 TEST(BoundedXML, TextLongerThanASliceStaysWhole) {
   const std::string text = repeated("0123456789\xC3\xA9", 150'000);
-  EXPECT_EQ(OOXML::xml(bytesOf("<a b='" + text + "'/>")).root().attribute("b"), text);
-  EXPECT_EQ(OOXML::xml(bytesOf("<a>" + text + "<b/>" + text + "</a>")).root().content(), text + text);
+  EXPECT_EQ(OOXML::xml(ByteBuffer::copyOf("<a b='" + text + "'/>")).root().attribute("b"), text);
+  EXPECT_EQ(OOXML::xml(ByteBuffer::copyOf("<a>" + text + "<b/>" + text + "</a>")).root().content(),
+            text + text);
 }
 
 TEST(DeclarationScan, ComparesInUpperCase) {

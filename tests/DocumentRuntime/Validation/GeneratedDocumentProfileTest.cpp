@@ -14,7 +14,7 @@ namespace {
 using namespace testing;
 
 Outcome verdict(const std::string& xml) {
-  return outcomeOf([&] { GeneratedDocumentProfile::check(OOXML::xml(bytesOf(xml)).root()); });
+  return outcomeOf([&] { GeneratedDocumentProfile::check(OOXML::xml(ByteBuffer::copyOf(xml)).root()); });
 }
 
 const auto badElement =
