@@ -4,60 +4,82 @@
 #include <cmath>
 #include <cstddef>
 
-#include "DocumentRuntime/Authoring/SlideGeometry.hpp"
 #include "DocumentRuntime/Errors/DocumentError.hpp"
 #include "Text/Unicode.hpp"
 
 namespace zelvo {
 namespace {
 
-constexpr int smallestSize = 6;
-
-/// Capitals, "m" and "w" in bold; the estimate for tables is narrower.
-constexpr double broadCharacter = 0.9;
-/// Ligatures, fractions and the like.
-constexpr double broadestCharacter = 1.0;
+/// The width at the end of a line that may be unused, in ems, where the line ends inside a word or a text
+/// without spaces: two full-width characters, of which the second must not begin a line.
+constexpr double unusedAtBreak = 2.0;
+/// The part of a line that is filled. Office programs round the widths of glyphs.
+constexpr double filledPart = 0.985;
+/// The widest character of the estimate for the smallest size, in ems. No text is refused because of
+/// characters that may be wider.
+constexpr double cappedWidth = 1.0;
 constexpr std::string_view ellipsis = "…";
 
-double characterWidth(char32_t scalar) {
-  const double estimate = DocumentAuthor::characterWidth(scalar);
-  if (scalar > U'~') return std::max(estimate, broadestCharacter);
-  const bool broad = (scalar >= U'A' && scalar <= U'Z') || scalar == U'm' || scalar == U'w';
-  return broad ? std::max(estimate, broadCharacter) : estimate;
-}
-
-/// The widths of a paragraph's words, in ems.
-std::vector<double> wordWidths(std::string_view paragraph) {
+/// A paragraph's words, in ems.
+struct Words {
   std::vector<double> widths;
-  for (std::size_t start = 0; start <= paragraph.size();) {
-    const std::size_t end = std::min(paragraph.find(' ', start), paragraph.size());
-    widths.push_back(SlideText::width(paragraph.substr(start, end - start)));
-    start = end + 1;
+  double space;
+};
+
+enum class Estimate { safe, capped };
+
+Words wordsOf(std::string_view paragraph, FontWeight weight, Estimate estimate) {
+  Words words = {.widths = {0}, .space = TextWidth::of(U' ', weight)};
+  for (std::size_t at = 0; at < paragraph.size();) {
+    const char32_t scalar = Unicode::nextScalar(paragraph, at);
+    const double width = TextWidth::of(scalar, weight);
+    if (scalar == U' ') {
+      words.widths.push_back(0);
+    } else {
+      words.widths.back() += estimate == Estimate::capped ? std::min(width, cappedWidth) : width;
+    }
   }
-  return widths;
+  return words;
 }
 
 /// The number of lines of words that are wrapped greedily. A word that is longer than a line is broken at any
-/// character. `lineWidth` is in ems.
-double wrappedLines(const std::vector<double>& words, double lineWidth) {
+/// character. `wholeWidth` is in ems.
+double wrappedLines(const Words& words, double wholeWidth) {
+  const double lineWidth = wholeWidth * filledPart;
   double lines = 1;
   double used = 0;
-  for (const double word : words) {
-    const double gap = used > 0 ? characterWidth(U' ') : 0;
+  for (const double word : words.widths) {
+    const double gap = used > 0 ? words.space : 0;
     if (used + gap + word <= lineWidth) {
       used += gap + word;
     } else if (word <= lineWidth) {
       lines += 1;
       used = word;
     } else {
-      // If a line ends inside a word, up to the width of one character is unused.
-      const double usable = std::max(lineWidth - broadestCharacter, broadestCharacter);
+      const double usable = std::max(lineWidth - unusedAtBreak, cappedWidth);
       const double full = std::floor(word / usable);
       lines += full + (used > 0 ? 1 : 0);
       used = word - full * usable;
     }
   }
   return lines;
+}
+
+std::vector<Words> wordsOf(const std::vector<std::string>& paragraphs, FontWeight weight, Estimate estimate) {
+  std::vector<Words> words;
+  words.reserve(paragraphs.size());
+  for (const std::string& paragraph : paragraphs)
+    words.push_back(wordsOf(paragraph, weight, estimate));
+  return words;
+}
+
+bool fits(const std::vector<Words>& paragraphs, const SlideText::Bounds& bounds, int size) {
+  double lines = 0;
+  for (const Words& words : paragraphs)
+    lines += wrappedLines(words, bounds.width / size);
+  const double gaps =
+      paragraphs.empty() ? 0 : static_cast<double>(paragraphs.size() - 1) * SlideText::paragraphSpacing;
+  return (lines * SlideText::lineSpacing + gaps) * size <= bounds.height;
 }
 
 }  // namespace
@@ -72,40 +94,39 @@ std::string SlideText::flattened(std::string_view text) {
   return flat;
 }
 
-double SlideText::width(std::string_view text) {
-  double sum = 0;
-  for (std::size_t at = 0; at < text.size();)
-    sum += characterWidth(Unicode::nextScalar(text, at));
-  return sum;
+double SlideText::lines(std::string_view paragraph, double lineWidth, FontWeight weight) {
+  return wrappedLines(wordsOf(paragraph, weight, Estimate::safe), lineWidth);
 }
 
-double SlideText::lines(std::string_view paragraph, double lineWidth) {
-  return wrappedLines(wordWidths(paragraph), lineWidth);
+double SlideText::widestWord(std::string_view text, FontWeight weight) {
+  return std::ranges::max(wordsOf(text, weight, Estimate::safe).widths);
+}
+
+std::optional<int> SlideText::largestFitting(const std::vector<std::string>& paragraphs,
+                                             const Bounds& bounds) {
+  const auto words = wordsOf(paragraphs, bounds.weight, Estimate::safe);
+  for (int size = bounds.largestSize; size >= smallestSize; --size) {
+    if (fits(words, bounds, size)) return size;
+  }
+  if (fits(wordsOf(paragraphs, bounds.weight, Estimate::capped), bounds, smallestSize)) return smallestSize;
+  return std::nullopt;
 }
 
 int SlideText::fittedSize(const std::vector<std::string>& paragraphs, const Bounds& bounds) {
-  std::vector<std::vector<double>> widths;
-  widths.reserve(paragraphs.size());
-  for (const std::string& paragraph : paragraphs)
-    widths.push_back(wordWidths(paragraph));
-  const double gaps = paragraphs.empty() ? 0 : static_cast<double>(paragraphs.size() - 1) * paragraphSpacing;
-  for (int size = bounds.largestSize; size >= smallestSize; --size) {
-    double lines = 0;
-    for (const auto& words : widths)
-      lines += wrappedLines(words, bounds.width / size);
-    if ((lines * lineSpacing + gaps) * size <= bounds.height) return size;
-  }
-  throw DocumentError::unsupported("slide text needs too much space");
+  const auto size = largestFitting(paragraphs, bounds);
+  if (!size) throw DocumentError::unsupported("slide text needs too much space");
+  return *size;
 }
 
 std::string SlideText::abbreviated(std::string_view text, std::string_view ending, double lineWidth,
                                    double fontSize) {
-  const double available = lineWidth / fontSize - SlideText::width(ending);
+  constexpr auto weight = FontWeight::regular;
+  const double available = lineWidth * filledPart / fontSize - TextWidth::of(ending, weight);
   double used = 0;
   std::size_t fitting = 0;  // the bytes that fit with the ellipsis
   for (std::size_t at = 0; at < text.size();) {
-    if (used + broadestCharacter <= available) fitting = at;
-    used += characterWidth(Unicode::nextScalar(text, at));
+    if (used + cappedWidth <= available) fitting = at;
+    used += TextWidth::of(Unicode::nextScalar(text, at), weight);
     if (used > available) {
       // The last character may be incomplete, so it is removed.
       const std::size_t whole = Unicode::characterCount(text.substr(0, fitting));
