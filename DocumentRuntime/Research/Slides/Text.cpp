@@ -10,15 +10,21 @@
 namespace zelvo {
 namespace {
 
-/// The width at the end of a line that may be unused, in ems, where the line ends inside a word or a text
-/// without spaces: two full-width characters, of which the second must not begin a line.
-constexpr double unusedAtBreak = 2.0;
-/// The part of a line that is filled. Office programs round the widths of glyphs.
-constexpr double filledPart = 0.985;
-/// The widest character of the estimate for the smallest size, in ems. No text is refused because of
-/// characters that may be wider.
-constexpr double cappedWidth = 1.0;
 constexpr std::string_view ellipsis = "…";
+
+/// The widest character of the narrow estimate, in ems.
+constexpr double fullWidth = 1.0;
+
+/// How much of a line texts fill.
+struct Estimate {
+  double filledPart;     ///< of each line: office programs round the widths of glyphs
+  double unusedAtBreak;  ///< in ems, where a line ends inside a word or a text without spaces
+  double widest;         ///< the width to which characters are cut, in ems
+};
+/// Two full-width characters may be unused, because the second of them must not begin a line.
+constexpr Estimate safe = {.filledPart = 0.985, .unusedAtBreak = 2, .widest = 100};
+/// For the smallest size alone: no text is refused for widths that it may not have.
+constexpr Estimate narrow = {.filledPart = 1, .unusedAtBreak = 1, .widest = fullWidth};
 
 /// A paragraph's words, in ems.
 struct Words {
@@ -26,17 +32,14 @@ struct Words {
   double space;
 };
 
-enum class Estimate { safe, capped };
-
-Words wordsOf(std::string_view paragraph, FontWeight weight, Estimate estimate) {
+Words wordsOf(std::string_view paragraph, FontWeight weight, const Estimate& estimate) {
   Words words = {.widths = {0}, .space = TextWidth::of(U' ', weight)};
   for (std::size_t at = 0; at < paragraph.size();) {
     const char32_t scalar = Unicode::nextScalar(paragraph, at);
-    const double width = TextWidth::of(scalar, weight);
     if (scalar == U' ') {
       words.widths.push_back(0);
     } else {
-      words.widths.back() += estimate == Estimate::capped ? std::min(width, cappedWidth) : width;
+      words.widths.back() += std::min(TextWidth::of(scalar, weight), estimate.widest);
     }
   }
   return words;
@@ -44,8 +47,8 @@ Words wordsOf(std::string_view paragraph, FontWeight weight, Estimate estimate) 
 
 /// The number of lines of words that are wrapped greedily. A word that is longer than a line is broken at any
 /// character. `wholeWidth` is in ems.
-double wrappedLines(const Words& words, double wholeWidth) {
-  const double lineWidth = wholeWidth * filledPart;
+double wrappedLines(const Words& words, double wholeWidth, const Estimate& estimate) {
+  const double lineWidth = wholeWidth * estimate.filledPart;
   double lines = 1;
   double used = 0;
   for (const double word : words.widths) {
@@ -56,7 +59,7 @@ double wrappedLines(const Words& words, double wholeWidth) {
       lines += 1;
       used = word;
     } else {
-      const double usable = std::max(lineWidth - unusedAtBreak, cappedWidth);
+      const double usable = std::max(lineWidth - estimate.unusedAtBreak, fullWidth);
       const double full = std::floor(word / usable);
       lines += full + (used > 0 ? 1 : 0);
       used = word - full * usable;
@@ -65,22 +68,28 @@ double wrappedLines(const Words& words, double wholeWidth) {
   return lines;
 }
 
-std::vector<Words> wordsOf(const std::vector<std::string>& paragraphs, FontWeight weight, Estimate estimate) {
-  std::vector<Words> words;
-  words.reserve(paragraphs.size());
-  for (const std::string& paragraph : paragraphs)
-    words.push_back(wordsOf(paragraph, weight, estimate));
-  return words;
-}
+/// Paragraphs of which the words were measured once.
+class MeasuredText {
+ public:
+  MeasuredText(const std::vector<std::string>& paragraphs, FontWeight weight, const Estimate& estimate)
+      : estimate_(estimate) {
+    for (const std::string& paragraph : paragraphs)
+      paragraphs_.push_back(wordsOf(paragraph, weight, estimate));
+  }
 
-bool fits(const std::vector<Words>& paragraphs, const SlideText::Bounds& bounds, int size) {
-  double lines = 0;
-  for (const Words& words : paragraphs)
-    lines += wrappedLines(words, bounds.width / size);
-  const double gaps =
-      paragraphs.empty() ? 0 : static_cast<double>(paragraphs.size() - 1) * SlideText::paragraphSpacing;
-  return (lines * SlideText::lineSpacing + gaps) * size <= bounds.height;
-}
+  bool fits(const SlideText::Bounds& bounds, int size) const {
+    double height = 0;
+    for (const Words& words : paragraphs_) {
+      const double gap = height > 0 ? SlideText::paragraphSpacing : 0;
+      height += gap + wrappedLines(words, bounds.width / size, estimate_) * SlideText::lineSpacing;
+    }
+    return height * size <= bounds.height;
+  }
+
+ private:
+  const Estimate& estimate_;
+  std::vector<Words> paragraphs_;
+};
 
 }  // namespace
 
@@ -95,20 +104,20 @@ std::string SlideText::flattened(std::string_view text) {
 }
 
 double SlideText::lines(std::string_view paragraph, double lineWidth, FontWeight weight) {
-  return wrappedLines(wordsOf(paragraph, weight, Estimate::safe), lineWidth);
+  return wrappedLines(wordsOf(paragraph, weight, safe), lineWidth, safe);
 }
 
 double SlideText::widestWord(std::string_view text, FontWeight weight) {
-  return std::ranges::max(wordsOf(text, weight, Estimate::safe).widths);
+  return std::ranges::max(wordsOf(text, weight, safe).widths);
 }
 
 std::optional<int> SlideText::largestFitting(const std::vector<std::string>& paragraphs,
                                              const Bounds& bounds) {
-  const auto words = wordsOf(paragraphs, bounds.weight, Estimate::safe);
+  const MeasuredText text(paragraphs, bounds.weight, safe);
   for (int size = bounds.largestSize; size >= smallestSize; --size) {
-    if (fits(words, bounds, size)) return size;
+    if (text.fits(bounds, size)) return size;
   }
-  if (fits(wordsOf(paragraphs, bounds.weight, Estimate::capped), bounds, smallestSize)) return smallestSize;
+  if (MeasuredText(paragraphs, bounds.weight, narrow).fits(bounds, smallestSize)) return smallestSize;
   return std::nullopt;
 }
 
@@ -121,11 +130,11 @@ int SlideText::fittedSize(const std::vector<std::string>& paragraphs, const Boun
 std::string SlideText::abbreviated(std::string_view text, std::string_view ending, double lineWidth,
                                    double fontSize) {
   constexpr auto weight = FontWeight::regular;
-  const double available = lineWidth * filledPart / fontSize - TextWidth::of(ending, weight);
+  const double available = lineWidth * safe.filledPart / fontSize - TextWidth::of(ending, weight);
   double used = 0;
   std::size_t fitting = 0;  // the bytes that fit with the ellipsis
   for (std::size_t at = 0; at < text.size();) {
-    if (used + cappedWidth <= available) fitting = at;
+    if (used + fullWidth <= available) fitting = at;
     used += TextWidth::of(Unicode::nextScalar(text, at), weight);
     if (used > available) {
       // The last character may be incomplete, so it is removed.
