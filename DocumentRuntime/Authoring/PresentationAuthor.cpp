@@ -29,6 +29,12 @@ constexpr int footerFontSize = 1000;
 
 constexpr std::int64_t chartHeight = 4'572'000;
 
+constexpr DocumentAuthor::ThemeColours tableColours = {
+    .dark = {"202124", "334E68"},
+    .light = {"FFFFFF", "F1F3F5"},
+    .accents = {"334E68", "627D98", "829AB1", "9FB3C8", "BCCCDC", "D9E2EC"},
+};
+
 /// Upper bound of a slide's XML without its texts and its content.
 constexpr std::size_t frameBytes = 4096;
 
@@ -175,7 +181,11 @@ ByteBuffer DocumentAuthor::pptx(const SourceTable& table, std::string_view title
                       .workbookName = "chart-data.xlsx",
                       .workbook = chartWorkbook(table, *chart, stop)});
   }
-  return BoundedZIP::write(presentationPackage(std::move(slides).take(), std::move(charts)), stop);
+  return BoundedZIP::write(presentationPackage({.slides = std::move(slides).take(),
+                                                .charts = std::move(charts),
+                                                .themeXML = themeXML(tableColours),
+                                                .title = {}}),
+                           stop);
 }
 
 }  // namespace zelvo

@@ -16,16 +16,6 @@ constexpr std::string_view groupProperties =
     R"(<p:nvGrpSpPr><p:cNvPr id="1" name=""/><p:cNvGrpSpPr/><p:nvPr/></p:nvGrpSpPr><p:grpSpPr><a:xfrm>)"
     R"(<a:off x="0" y="0"/><a:ext cx="0" cy="0"/><a:chOff x="0" y="0"/><a:chExt cx="0" cy="0"/></a:xfrm></p:grpSpPr>)";
 
-struct ThemeColour {
-  std::string_view name;
-  std::string_view value;
-};
-constexpr ThemeColour themeColours[] = {
-    {"dk1", "202124"},     {"lt1", "FFFFFF"},     {"dk2", "334E68"},     {"lt2", "F1F3F5"},
-    {"accent1", "334E68"}, {"accent2", "627D98"}, {"accent3", "829AB1"}, {"accent4", "9FB3C8"},
-    {"accent5", "BCCCDC"}, {"accent6", "D9E2EC"}, {"hlink", "1A73E8"},   {"folHlink", "681DA8"},
-};
-
 constexpr int firstSlideID = 256;  ///< the smallest that the format allows
 
 /// Format schemes must list three of each: subtle, moderate, intense. Here all three are equal.
@@ -34,6 +24,10 @@ std::string threeTimes(std::string_view xml) {
   for (int i = 0; i < 3; ++i)
     out += xml;
   return out;
+}
+
+void appendColour(std::string& xml, std::string_view name, std::string_view value) {
+  OOXML::append(xml, "<a:", name, R"(><a:srgbClr val=")", value, R"("/></a:)", name, ">");
 }
 
 }  // namespace
@@ -71,7 +65,7 @@ std::string DocumentAuthor::layoutXML() {
   return xml;
 }
 
-std::string DocumentAuthor::themeXML() {
+std::string DocumentAuthor::themeXML(const ThemeColours& colours) {
   const std::string fills = threeTimes(R"(<a:solidFill><a:schemeClr val="phClr"/></a:solidFill>)");
   const std::string lines = threeTimes(
       R"(<a:ln w="9525"><a:solidFill><a:schemeClr val="phClr"/></a:solidFill><a:prstDash val="solid"/></a:ln>)");
@@ -79,9 +73,14 @@ std::string DocumentAuthor::themeXML() {
   std::string xml =
       R"(<a:theme xmlns:a="http://schemas.openxmlformats.org/drawingml/2006/main" name="Zelvo"><a:themeElements>)"
       R"(<a:clrScheme name="Zelvo">)";
-  for (const auto& [name, value] : themeColours) {
-    OOXML::append(xml, "<a:", name, R"(><a:srgbClr val=")", value, R"("/></a:)", name, ">");
-  }
+  appendColour(xml, "dk1", colours.dark[0]);
+  appendColour(xml, "lt1", colours.light[0]);
+  appendColour(xml, "dk2", colours.dark[1]);
+  appendColour(xml, "lt2", colours.light[1]);
+  for (std::size_t i = 0; i < colours.accents.size(); ++i)
+    appendColour(xml, "accent" + std::to_string(i + 1), colours.accents[i]);
+  appendColour(xml, "hlink", "1A73E8");
+  appendColour(xml, "folHlink", "681DA8");
   OOXML::append(
       xml,
       R"(</a:clrScheme><a:fontScheme name="Zelvo"><a:majorFont><a:latin typeface="Arial"/><a:ea typeface=""/>)"

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -13,7 +14,15 @@ namespace zelvo::DocumentAuthor {
 std::string presentationXML(std::size_t slideCount);
 std::string masterXML();
 std::string layoutXML();
-std::string themeXML();
+
+/// The colours of a theme, as six hexadecimal digits.
+struct ThemeColours {
+  std::array<std::string_view, 2> dark;   ///< of text
+  std::array<std::string_view, 2> light;  ///< of backgrounds
+  std::array<std::string_view, 6> accents;
+};
+
+std::string themeXML(const ThemeColours& colours);
 
 /// Opens and closes a slide around its shapes.
 void appendSlideStart(std::string& xml);

@@ -18,7 +18,9 @@ std::string chartName(std::size_t index) {
   return "chart" + std::to_string(index + 1) + ".xml";
 }
 
-ByteBuffer packageContentTypes(std::size_t slideCount, std::size_t chartCount) {
+constexpr const char* propertiesName = "docProps/core.xml";
+
+ByteBuffer packageContentTypes(std::size_t slideCount, std::size_t chartCount, bool hasProperties) {
   std::vector<OOXML::ContentTypeOverride> overrides = {
       {"ppt/presentation.xml",
        "application/vnd.openxmlformats-officedocument.presentationml.presentation.main+xml"},
@@ -40,7 +42,28 @@ ByteBuffer packageContentTypes(std::size_t slideCount, std::size_t chartCount) {
   for (const std::string& part : slideParts) {
     overrides.push_back({part, "application/vnd.openxmlformats-officedocument.presentationml.slide+xml"});
   }
+  if (hasProperties)
+    overrides.push_back({propertiesName, "application/vnd.openxmlformats-package.core-properties+xml"});
   return OOXML::contentTypes(overrides, chartCount > 0);
+}
+
+std::string propertiesXML(std::string_view title) {
+  std::string xml;
+  OOXML::append(
+      xml,
+      R"(<cp:coreProperties xmlns:cp="http://schemas.openxmlformats.org/package/2006/metadata/core-properties" )",
+      R"(xmlns:dc="http://purl.org/dc/elements/1.1/"><dc:title>)", OOXML::escaped(title),
+      "</dc:title></cp:coreProperties>");
+  return xml;
+}
+
+void addPackage(PartMap& parts, const std::optional<std::string>& title) {
+  std::vector<OOXML::Relationship> relationships = {{"rId1", "officeDocument", "ppt/presentation.xml"}};
+  if (title) {
+    relationships.push_back({"rId2", std::string(OOXML::corePropertiesType), propertiesName});
+    parts.set(propertiesName, OOXML::data(propertiesXML(*title)));
+  }
+  parts.set("_rels/.rels", OOXML::relationships(relationships));
 }
 
 void addPresentation(PartMap& parts, std::size_t slideCount) {
@@ -48,12 +71,11 @@ void addPresentation(PartMap& parts, std::size_t slideCount) {
   for (std::size_t i = 0; i < slideCount; ++i) {
     relationships.push_back({"rId" + std::to_string(i + 2), "slide", "slides/" + slideName(i)});
   }
-  parts.set("_rels/.rels", OOXML::relationships({{"rId1", "officeDocument", "ppt/presentation.xml"}}));
   parts.set("ppt/presentation.xml", OOXML::data(DocumentAuthor::presentationXML(slideCount)));
   parts.set("ppt/_rels/presentation.xml.rels", OOXML::relationships(relationships));
 }
 
-void addMaster(PartMap& parts) {
+void addMaster(PartMap& parts, std::string_view themeXML) {
   parts.set("ppt/slideMasters/slideMaster1.xml", OOXML::data(DocumentAuthor::masterXML()));
   parts.set("ppt/slideMasters/_rels/slideMaster1.xml.rels",
             OOXML::relationships({{"rId1", "slideLayout", "../slideLayouts/slideLayout1.xml"},
@@ -61,7 +83,7 @@ void addMaster(PartMap& parts) {
   parts.set("ppt/slideLayouts/slideLayout1.xml", OOXML::data(DocumentAuthor::layoutXML()));
   parts.set("ppt/slideLayouts/_rels/slideLayout1.xml.rels",
             OOXML::relationships({{"rId1", "slideMaster", "../slideMasters/slideMaster1.xml"}}));
-  parts.set("ppt/theme/theme1.xml", OOXML::data(DocumentAuthor::themeXML()));
+  parts.set("ppt/theme/theme1.xml", OOXML::data(themeXML));
 }
 
 /// Takes the slide, so that no two copies of all slides exist.
@@ -77,20 +99,22 @@ void addChart(PartMap& parts, std::size_t index, SlideChart chart) {
   parts.set("ppt/charts/" + chartName(index), OOXML::data(chart.xml));
   parts.set("ppt/charts/_rels/" + chartName(index) + ".rels",
             OOXML::relationships({{"rId1", "package", "../embeddings/" + chart.workbookName}}));
-  parts.set("ppt/embeddings/" + chart.workbookName, std::move(chart.workbook));
+  if (chart.workbook.size() > 0) parts.set("ppt/embeddings/" + chart.workbookName, std::move(chart.workbook));
 }
 
 }  // namespace
 
-PartMap DocumentAuthor::presentationPackage(std::vector<Slide> slides, std::vector<SlideChart> charts) {
+PartMap DocumentAuthor::presentationPackage(PresentationPlan plan) {
   PartMap parts;
-  parts.set("[Content_Types].xml", packageContentTypes(slides.size(), charts.size()));
-  addPresentation(parts, slides.size());
-  addMaster(parts);
-  for (std::size_t i = 0; i < slides.size(); ++i)
-    addSlide(parts, i, std::exchange(slides[i], {}));
-  for (std::size_t i = 0; i < charts.size(); ++i)
-    addChart(parts, i, std::move(charts[i]));
+  parts.set("[Content_Types].xml",
+            packageContentTypes(plan.slides.size(), plan.charts.size(), plan.title.has_value()));
+  addPackage(parts, plan.title);
+  addPresentation(parts, plan.slides.size());
+  addMaster(parts, plan.themeXML);
+  for (std::size_t i = 0; i < plan.slides.size(); ++i)
+    addSlide(parts, i, std::exchange(plan.slides[i], {}));
+  for (std::size_t i = 0; i < plan.charts.size(); ++i)
+    addChart(parts, i, std::move(plan.charts[i]));
   return parts;
 }
 

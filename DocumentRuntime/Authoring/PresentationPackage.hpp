@@ -17,11 +17,17 @@ struct Slide {
 struct SlideChart {
   std::string xml;           ///< the chart part, without the XML declaration
   std::string workbookName;  ///< of the embedded workbook, within ppt/embeddings/
-  ByteBuffer workbook;
+  ByteBuffer workbook;       ///< empty if a chart before it has the workbook of that name
 };
 
-/// All parts of a presentation: slides and charts numbered from 1 in order, with one master, layout and
-/// theme.
-PartMap presentationPackage(std::vector<Slide> slides, std::vector<SlideChart> charts);
+struct PresentationPlan {
+  std::vector<Slide> slides;
+  std::vector<SlideChart> charts;
+  std::string themeXML;              ///< without the XML declaration
+  std::optional<std::string> title;  ///< of the document's properties, which are left out without it
+};
+
+/// All parts of a presentation: slides and charts numbered from 1 in order, with one master and layout.
+PartMap presentationPackage(PresentationPlan plan);
 
 }  // namespace zelvo::DocumentAuthor

@@ -25,6 +25,8 @@ ByteBuffer packageContentTypes(const WorkbookPlan& plan) {
     overrides.push_back(
         {"xl/styles.xml", "application/vnd.openxmlformats-officedocument.spreadsheetml.styles+xml"});
   }
+  if (!plan.themeXML.empty())
+    overrides.push_back({"xl/theme/theme1.xml", "application/vnd.openxmlformats-officedocument.theme+xml"});
   auto name = names.begin();
   for (std::size_t i = 0; i < plan.sheets.size(); ++i) {
     overrides.push_back(
@@ -54,6 +56,7 @@ ByteBuffer workbookRelationships(const WorkbookPlan& plan) {
     relationships.push_back({"rId" + std::to_string(i + 1), "worksheet", "worksheets/" + sheetName(i)});
   }
   if (!plan.stylesXML.empty()) relationships.push_back({"rIdStyles", "styles", "styles.xml"});
+  if (!plan.themeXML.empty()) relationships.push_back({"rIdTheme", "theme", "theme/theme1.xml"});
   return OOXML::relationships(relationships);
 }
 
@@ -74,6 +77,7 @@ PartMap DocumentAuthor::workbookPackage(const WorkbookPlan& plan) {
   parts.set("xl/workbook.xml", OOXML::data(workbookXML(plan)));
   parts.set("xl/_rels/workbook.xml.rels", workbookRelationships(plan));
   if (!plan.stylesXML.empty()) parts.set("xl/styles.xml", OOXML::data(plan.stylesXML));
+  if (!plan.themeXML.empty()) add(parts, "theme", "theme1.xml", plan.themeXML, {});
   for (std::size_t i = 0; i < plan.sheets.size(); ++i)
     add(parts, "worksheets", sheetName(i), plan.sheets[i].xml, plan.sheets[i].relationships);
   for (const WorkbookPart& part : plan.parts)

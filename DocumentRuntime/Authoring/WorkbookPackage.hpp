@@ -31,6 +31,7 @@ struct WorkbookPlan {
   std::vector<WorkbookSheet> sheets;
   std::string afterSheets;  ///< of the workbook element: calculation properties
   std::string stylesXML;    ///< without the XML declaration; empty for a workbook without styles
+  std::string themeXML;     ///< the same; empty for a workbook without a theme
   std::vector<WorkbookPart> parts;
 };
 

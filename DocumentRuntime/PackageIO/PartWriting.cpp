@@ -64,8 +64,10 @@ ByteBuffer data(std::string_view xml) {
 ByteBuffer relationships(const std::vector<Relationship>& list) {
   std::string xml = R"(<Relationships xmlns="http://schemas.openxmlformats.org/package/2006/relationships">)";
   for (const Relationship& relationship : list) {
-    append(xml, R"(<Relationship Id=")", escaped(relationship.identifier), R"(" Type=")", relationshipTypes,
-           relationship.type, R"(" Target=")", escaped(relationship.target), R"("/>)");
+    const bool isWhole = relationship.type.find(':') != std::string::npos;
+    append(xml, R"(<Relationship Id=")", escaped(relationship.identifier), R"(" Type=")",
+           isWhole ? std::string_view() : relationshipTypes, relationship.type, R"(" Target=")",
+           escaped(relationship.target), R"("/>)");
   }
   xml += "</Relationships>";
   return OOXML::data(xml);

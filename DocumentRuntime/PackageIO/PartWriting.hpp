@@ -47,8 +47,12 @@ std::string escaped(std::string_view text);
 /// The bytes of a part: the XML declaration, then the body.
 ByteBuffer data(std::string_view xml);
 
-/// One relationship to write. `type` is the last segment of the relationship type's URI, a string literal
-/// that needs no escaping; identifier and target are escaped when written.
+/// The type of the relationship to the document's properties, which has a prefix of its own.
+inline constexpr std::string_view corePropertiesType =
+    "http://schemas.openxmlformats.org/package/2006/relationships/metadata/core-properties";
+
+/// One relationship to write. `type` is the last segment of the relationship type's URI, or another URI, and
+/// needs no escaping; identifier and target are escaped when written.
 struct Relationship {
   std::string identifier;
   std::string type;

@@ -115,6 +115,7 @@ struct ResearchCheckArguments {
 struct ResearchWorkbookArguments {
   std::string dataset;  ///< a file
   std::string title;
+  bool theme = false;
   SourceArguments sources;
   OutputArguments output;
 };

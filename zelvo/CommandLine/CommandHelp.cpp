@@ -66,7 +66,8 @@ constexpr std::array researchCheck = {
                    "with a chart at least"}};
 
 constexpr std::array researchWorkbook = {
-    CommandExample{"zelvo research workbook dataset.json --title Results -o results.xlsx", "to a file"},
+    CommandExample{"zelvo research workbook dataset.json --title Results --theme -o results.xlsx",
+                   "to a file"},
     CommandExample{"zelvo research workbook dataset.json --title Results -o - > results.xlsx", "to a pipe"}};
 
 constexpr std::array researchReport = {

@@ -84,6 +84,7 @@ class WorkbookParser {
       : command_(research.add_subcommand("workbook", "Write a dataset as an XLSX workbook")),
         dataset_(addFile(*command_, "DATASET.json", "Dataset")),
         title_(addTitle(*command_)),
+        theme_(addFlag(*command_, "--theme", "Add a theme: LibreOffice draws the charts in its colours")),
         sources_(*command_),
         output_(outputOptions(*command_, ".xlsx").required()) {}
 
@@ -91,6 +92,7 @@ class WorkbookParser {
   ResearchWorkbookArguments arguments() const {
     return {.dataset = value(*dataset_),
             .title = value(*title_),
+            .theme = !theme_->empty(),
             .sources = sources_.arguments(),
             .output = output_.arguments()};
   }
@@ -99,6 +101,7 @@ class WorkbookParser {
   CLI::App* command_;
   CLI::Option* dataset_;
   CLI::Option* title_;
+  CLI::Option* theme_;
   SourceOptions sources_;
   OutputOptions output_;
 };

@@ -15,10 +15,10 @@ namespace {
 
 const std::string format = "Excel workbook";
 
-ByteBuffer workbookOf(ResearchInput& input, const std::string& title) {
+ByteBuffer workbookOf(ResearchInput& input, const std::string& title, WorkbookTheme theme) {
   const auto sourceScope = input.takeSourceScope();
   const auto dataset = ResearchSpreadsheet::decode(input.text, false, input.allowedSources, sourceScope);
-  return ResearchWorkbook::make(title, dataset, input.allowedSources, sourceScope);
+  return ResearchWorkbook::make(title, dataset, input.allowedSources, sourceScope, theme);
 }
 
 constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
@@ -39,8 +39,9 @@ ExitStatus researchWorkbook(const ResearchWorkbookArguments& arguments) {
     return Console::report(*failure);
   auto input = readResearchInput(arguments.dataset, arguments.sources);
   if (!input) return Console::report(input.error());
+  const WorkbookTheme theme = arguments.theme ? WorkbookTheme::included : WorkbookTheme::none;
   return DocumentOutput::writeAuthored(arguments.output, format,
-                                       [&] { return workbookOf(*input, arguments.title); });
+                                       [&] { return workbookOf(*input, arguments.title, theme); });
 }
 
 ExitStatus researchReport(const ResearchReportArguments& arguments) {

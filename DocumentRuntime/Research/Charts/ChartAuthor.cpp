@@ -12,8 +12,10 @@ using Cells = std::vector<std::vector<Cell>>;
 using Kind = ResearchSpreadsheet::Chart::Kind;
 
 constexpr unsigned char firstPrintable = 0x20;
-constexpr int hundredthsPerPoint = 100;
 
+constexpr std::string_view categoryAxis =
+    R"(<c:catAx><c:axId val="100"/><c:scaling><c:orientation val="minMax"/></c:scaling><c:axPos val="b"/>)"
+    R"(<c:tickLblPos val="nextTo"/><c:crossAx val="200"/><c:crosses val="autoZero"/></c:catAx>)";
 constexpr std::string_view gridAndLegend =
     R"(<c:axPos val="l"/><c:majorGridlines/><c:numFmt formatCode="#,##0.##" sourceLinked="0"/>)"
     R"(<c:tickLblPos val="nextTo"/><c:crossAx val="100"/><c:crosses val="autoZero"/><c:crossBetween val="between"/>)"
@@ -72,17 +74,6 @@ void appendValues(std::string& xml, const Cells& cells, std::size_t column,
   xml += "</c:numCache></c:numRef></c:val>";
 }
 
-void appendCategoryAxis(std::string& xml, const ResearchChartAuthor::Looks& looks) {
-  OOXML::append(xml, R"(<c:catAx><c:axId val="100"/><c:scaling><c:orientation val="minMax"/></c:scaling>)",
-                R"(<c:axPos val="b"/><c:tickLblPos val=")", looks.labelsBelow ? "low" : "nextTo", R"("/>)");
-  if (looks.labelSize > 0) {
-    OOXML::append(xml, R"(<c:txPr><a:bodyPr rot="0" vert="horz"/><a:lstStyle/><a:p><a:pPr><a:defRPr sz=")",
-                  looks.labelSize * hundredthsPerPoint,
-                  R"("/></a:pPr><a:endParaRPr lang="en-US"/></a:p></c:txPr>)");
-  }
-  xml += R"(<c:crossAx val="200"/><c:crosses val="autoZero"/></c:catAx>)";
-}
-
 /// The element that fixes one end of the axis at zero; empty if there are values on both sides of zero, or no
 /// values.
 std::string_view baseline(const Cells& cells, const std::vector<std::int64_t>& columns) {
@@ -123,8 +114,8 @@ std::string ResearchChartAuthor::cleaned(std::string_view text) {
 
 std::string ResearchChartAuthor::xml(const ResearchSpreadsheet& content, const Cells& cells,
                                      const ResearchSpreadsheet::Chart& chart, bool embedded,
-                                     const std::map<std::int64_t, std::int64_t>& columnMap, bool zeroBaseline,
-                                     const Looks& looks) {
+                                     const std::map<std::int64_t, std::int64_t>& columnMap,
+                                     bool zeroBaseline) {
   const bool bar = chart.kind == Kind::bar;
   const std::string_view element = bar ? "barChart" : "lineChart";
   const ColumnReference categoryReference(columnMap, chart.categoryColumn, cells.size());
@@ -145,11 +136,10 @@ std::string ResearchChartAuthor::xml(const ResearchSpreadsheet& content, const C
     OOXML::append(xml, R"(<c:ser><c:idx val=")", k, R"("/><c:order val=")", k, R"("/><c:tx><c:v>)",
                   shown(seriesName(content.columns[column])), "</c:v></c:tx>", category);
     appendValues(xml, cells, column, ColumnReference(columnMap, chart.valueColumns[k], cells.size()));
-    xml += looks.straightLines ? R"(<c:smooth val="0"/></c:ser>)" : "</c:ser>";
+    xml += "</c:ser>";
   }
-  OOXML::append(xml, R"(<c:axId val="100"/><c:axId val="200"/></c:)", element, ">");
-  appendCategoryAxis(xml, looks);
-  OOXML::append(xml, R"(<c:valAx><c:axId val="200"/><c:scaling><c:orientation val="minMax"/>)",
+  OOXML::append(xml, R"(<c:axId val="100"/><c:axId val="200"/></c:)", element, ">", categoryAxis,
+                R"(<c:valAx><c:axId val="200"/><c:scaling><c:orientation val="minMax"/>)",
                 bar && zeroBaseline ? baseline(cells, chart.valueColumns) : std::string_view(),
                 "</c:scaling>", gridAndLegend);
   if (embedded) xml += R"(<c:externalData r:id="rId1"><c:autoUpdate val="0"/></c:externalData>)";

@@ -11,14 +11,6 @@
 /// The native chart of a dataset, over a sheet named "Data" whose first row holds the headings.
 namespace zelvo::ResearchChartAuthor {
 
-/// The appearance of a chart. By default office programs rotate crowded labels, draw them across bars below
-/// zero, and smooth lines.
-struct Looks {
-  bool labelsBelow = false;    ///< category labels are below all bars, not along the axis
-  bool straightLines = false;  ///< lines run straight from point to point
-  int labelSize = 0;           ///< of wrapped category labels, in points; 0 = unset
-};
-
 /// The chart part, without the XML declaration. The dataset and the chart must have passed validation:
 /// `cells` are the resolved cells, one per column in each row.
 ///
@@ -28,8 +20,7 @@ struct Looks {
 std::string xml(const ResearchSpreadsheet& content,
                 const std::vector<std::vector<ResearchSpreadsheet::Cell>>& cells,
                 const ResearchSpreadsheet::Chart& chart, bool embedded,
-                const std::map<std::int64_t, std::int64_t>& columnMap, bool zeroBaseline,
-                const Looks& looks = {});
+                const std::map<std::int64_t, std::int64_t>& columnMap, bool zeroBaseline);
 
 /// The letter of a zero-based column. One letter is enough: a dataset has at most twelve columns.
 char letter(std::int64_t index);

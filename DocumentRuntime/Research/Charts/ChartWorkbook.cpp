@@ -62,13 +62,6 @@ std::string sheetXML(const ResearchSpreadsheet& content, const Cells& table, con
 
 }  // namespace
 
-std::map<std::int64_t, std::int64_t> ResearchChartWorkbook::columnMap(const Chart& chart) {
-  std::map<std::int64_t, std::int64_t> map;
-  for (const std::size_t column : columnsOf(chart))
-    map.emplace(static_cast<std::int64_t>(column), static_cast<std::int64_t>(map.size()));
-  return map;
-}
-
 ByteBuffer ResearchChartWorkbook::write(const ResearchSpreadsheet& content, const Cells& cells,
                                         const Chart& chart, const std::stop_token& stop) {
   DocumentAuthor::WorkbookPlan plan;

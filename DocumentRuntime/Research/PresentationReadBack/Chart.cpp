@@ -64,12 +64,16 @@ std::optional<std::string> valueText(const Cell& cell) {
   return cell.displayText();
 }
 
+/// Checks a reference to cells of the sheet.
+void checkReference(XMLNode parent, const std::string& cells) {
+  require(only(parent.descendants("f")).content() == "'Data'!" + cells);
+}
+
 /// Checks a reference to one column below its heading, and a cache of exactly its cells.
 void checkCache(XMLNode parent, const char* cacheName, char letter, const ChartColumn& column,
                 PointText textOf) {
-  const std::string reference =
-      std::string("'Data'!$") + letter + "$2:$" + letter + "$" + std::to_string(column.cells.size() + 1);
-  require(only(parent.descendants("f")).content() == reference);
+  const std::string start = std::string("$") + letter + "$";
+  checkReference(parent, start + "2:" + start + std::to_string(column.cells.size() + 1));
   const XMLNode cache = only(parent.descendants(cacheName));
   require(only(cache.all("ptCount")).attribute("val") == std::to_string(column.cells.size()));
   const XMLElements found = cache.all("pt");
@@ -84,18 +88,85 @@ void checkCache(XMLNode parent, const char* cacheName, char letter, const ChartC
   require(point == found.end());
 }
 
-void checkCaches(XMLNode chartSpace, const Binding& binding, const std::vector<ChartColumn>& columns) {
+/// The `val` of an element's only child of that name. Returns nullopt if there is not exactly one.
+std::optional<std::string_view> valueOf(XMLNode parent, std::string_view name) {
+  const auto child = parent.all(name).only();
+  return child ? child->attribute("val") : std::nullopt;
+}
+
+/// Checks the name, which refers to the column's heading, and the points.
+void checkSeries(XMLNode series, char letter, const ChartColumn& column, const ChartColumn& categories) {
+  const XMLNode name = only(series.all("tx"));
+  checkReference(name, std::string("$") + letter + "$1");
+  require(holds(only(name.descendants("v")).content(), column.name));
+  checkCache(only(series.all("cat")), "strCache", 'A', categories, categoryText);
+  checkCache(only(series.all("val")), "numCache", letter, column, valueText);
+}
+
+/// Checks that an element has this title, or none if that is empty.
+void checkTitle(XMLNode titled, std::string_view expected) {
+  const XMLElements titles = titled.all("title");
+  const bool isUntitled = ReadBackTexts::inChart(expected).empty();
+  require(isUntitled ? titles.empty() : holds(only(titles).content(), expected));
+}
+
+/// The only series, or the unit of several, which a chart's rules demand to be the same.
+std::string valueTitle(const Binding& binding, const std::vector<ChartColumn>& columns) {
+  if (columns.size() == 2) return columns[1].name;
+  const auto first = static_cast<std::size_t>(binding.chart().valueColumns.front());
+  return binding.dataset->columns[first].unit.value_or("");
+}
+
+/// A bar's length is its value only if the axis begins at zero, and an end that is fixed elsewhere could cut
+/// values off.
+void checkScaling(XMLNode axis, const std::vector<ChartColumn>& columns, bool bar) {
+  bool above = false;
+  bool below = false;
+  for (auto column = columns.begin() + 1; column != columns.end(); ++column) {
+    for (const Cell& cell : column->cells) {
+      above = above || (cell.number() != nullptr && *cell.number() > 0);
+      below = below || (cell.number() != nullptr && *cell.number() < 0);
+    }
+  }
+  const XMLNode scaling = only(axis.all("scaling"));
+  const auto isFixed = [&](const char* end, bool expected) {
+    return expected ? valueOf(scaling, end) == "0" : scaling.all(end).empty();
+  };
+  require(isFixed("min", bar && !below) && isFixed("max", bar && below && !above));
+}
+
+/// Checks that both axes are drawn and named, and that nothing is drawn for a missing value.
+void checkAxes(XMLNode chart, const Binding& binding, const std::vector<ChartColumn>& columns, bool bar) {
+  const XMLNode area = only(chart.all("plotArea"));
+  const XMLNode categories = only(area.all("catAx"));
+  const XMLNode values = only(area.all("valAx"));
+  require(valueOf(categories, "delete") == "0" && valueOf(values, "delete") == "0");
+  checkTitle(categories, "");
+  checkTitle(values, valueTitle(binding, columns));
+  checkScaling(values, columns, bar);
+  require(valueOf(chart, "dispBlanksAs") == "gap");
+}
+
+/// Lines run straight from point to point: a curve would show values that were not observed.
+bool isStraight(XMLNode series) {
+  return valueOf(series, "smooth") == "0";
+}
+
+void checkDrawing(XMLNode chartSpace, const Binding& binding, const std::vector<ChartColumn>& columns) {
   const bool bar = binding.chart().kind == ResearchSpreadsheet::Chart::Kind::bar;
-  const XMLNode plot = only(chartSpace.descendants(bar ? "barChart" : "lineChart"));
-  require(holds(only(chartSpace.descendants("title")).content(), binding.chart().title));
+  const XMLNode chart = only(chartSpace.all("chart"));
+  const XMLNode plot = only(only(chart.all("plotArea")).all(bar ? "barChart" : "lineChart"));
+  checkTitle(chart, binding.chart().title);
+  checkAxes(chart, binding, columns, bar);
   const XMLElements series = plot.all("ser");
   require(series.size() == columns.size() - 1 && chartSpace.descendants("ser").size() == series.size());
+  // A legend names the series where there are several.
+  require(chart.all("legend").empty() == (series.size() == 1));
   char letter = 'A';
   for (const XMLNode one : series) {
     const ChartColumn& column = columns[static_cast<std::size_t>(++letter - 'A')];
-    require(holds(only(one.all("tx")).content(), column.name));
-    checkCache(only(one.all("cat")), "strCache", 'A', columns.front(), categoryText);
-    checkCache(only(one.all("val")), "numCache", letter, column, valueText);
+    checkSeries(one, letter, column, columns.front());
+    require(bar || isStraight(one));
   }
 }
 
@@ -135,7 +206,7 @@ void checkWorkbook(const ByteBuffer& workbook, const std::vector<ChartColumn>& c
 void readBackSlideChart(XMLNode chartSpace, const ByteBuffer& workbook, const Binding& binding,
                         const std::stop_token& stop) {
   const std::vector<ChartColumn> columns = columnsOf(binding);
-  checkCaches(chartSpace, binding, columns);
+  checkDrawing(chartSpace, binding, columns);
   checkWorkbook(workbook, columns, stop);
 }
 

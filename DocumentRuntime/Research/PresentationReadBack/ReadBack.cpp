@@ -49,24 +49,38 @@ std::optional<XMLNode> shapeNamed(XMLNode slide, std::string_view name) {
   return found;
 }
 
-/// Whether a shape's paragraphs are these texts, each in a single run or field.
-bool holds(XMLNode shape, const std::vector<std::string>& expected) {
-  const XMLElements paragraphs = shape.descendants("p");
-  return std::equal(paragraphs.begin(), paragraphs.end(), expected.begin(), expected.end(),
-                    [](XMLNode paragraph, const std::string& text) {
-                      const XMLElements runs = paragraph.descendants("t");
-                      return runs.size() == 1 && isShown((*runs.begin()).content(), text);
-                    });
+/// The shapes whose names start like that, in document order.
+std::vector<XMLNode> shapesNamed(XMLNode slide, std::string_view start) {
+  std::vector<XMLNode> found;
+  for (const XMLNode shape : slide.descendants("sp")) {
+    if (attributeOf(shape, "name").starts_with(start)) found.push_back(shape);
+  }
+  return found;
 }
 
+/// Whether these shapes have these texts, each a paragraph of a single run or field. A shape has at least
+/// one.
+bool hold(const std::vector<XMLNode>& shapes, const std::vector<std::string>& expected) {
+  auto text = expected.begin();
+  for (const XMLNode shape : shapes) {
+    if (shape.descendants("p").empty()) return false;
+    for (const XMLNode paragraph : shape.descendants("p")) {
+      const XMLElements runs = paragraph.descendants("t");
+      if (text == expected.end() || runs.size() != 1 || !isShown((*runs.begin()).content(), *text++))
+        return false;
+    }
+  }
+  return text == expected.end();
+}
+
+/// The points are in one shape or in several. The cover has no number.
 void checkContent(XMLNode slide, const Slide& expected, std::size_t number) {
   const auto shows = [&](std::string_view name, const std::vector<std::string>& texts) {
-    const auto shape = shapeNamed(slide, name);
-    return shape && holds(*shape, texts);
+    return hold(shapesNamed(slide, name), texts);
   };
-  require(shows("Title", {expected.title}) && shows("Points", expected.body) &&
-              shows("Slide number", {std::to_string(number)}),
-          contentMessage);
+  require(shows("Title", {expected.title}) && shows("Point", expected.body), contentMessage);
+  const std::vector<std::string> numbers = {std::to_string(number)};
+  require(shows("Slide number", number == 1 ? std::vector<std::string>() : numbers), contentMessage);
 }
 
 /// A source in the footer.
@@ -84,11 +98,13 @@ std::optional<std::string> textOf(XMLNode shape) {
   return (*runs.begin()).content();
 }
 
-/// The sources of a slide in order. Throws if there are not `count`, or if one has no line of its own.
+/// The sources of a slide in order. Throws if there are not `count`, if one has no line of its own, or if the
+/// word that introduces them is wrong.
 std::vector<FooterSource> footerSources(XMLNode slide, std::size_t count) {
-  const auto isSource = [](XMLNode shape) { return attributeOf(shape, "name").starts_with("Source "); };
-  const XMLElements shapes = slide.descendants("sp");
-  require(std::cmp_equal(std::count_if(shapes.begin(), shapes.end(), isSource), count), identityMessage);
+  std::vector<std::string> introduction;
+  if (count > 0) introduction = {count == 1 ? "Source" : "Sources"};
+  require(shapesNamed(slide, "Source ").size() == count && hold(shapesNamed(slide, "Sources"), introduction),
+          identityMessage);
   std::vector<FooterSource> sources;
   for (std::size_t i = 0; i < count; ++i) {
     const auto shape = shapeNamed(slide, "Source " + std::to_string(i + 1));
@@ -104,7 +120,7 @@ void checkRecords(XMLNode slide, const std::vector<Record>& records) {
   for (std::size_t i = 0; i < records.size(); ++i) {
     require(sources[i].identity.starts_with(records[i].id + " | "), identityMessage);
     require(isShown(sources[i].identity, records[i].metadata()) &&
-                sources[i].shown.ends_with(" · " + records[i].observedUTC()),
+                sources[i].shown.ends_with(" · " + ReadBackTexts::observation(records[i].observedAt)),
             observationMessage);
   }
 }
@@ -126,22 +142,20 @@ struct ShownChart {
   std::optional<std::string> part;
 };
 
-/// Slides may share a chart part: it is compared once for each chart that refers to it.
+/// No two slides may share a chart part.
 void checkCharts(const WrittenPresentation& package, const std::vector<ShownChart>& charts,
                  const ResearchPresentation& presentation, const std::stop_token& stop) {
   const auto bindings = presentation.resolvedChartBindings();
   auto binding = bindings.begin();
-  std::set<std::pair<std::string, std::int64_t>> compared;
+  std::set<std::string> compared;
   for (std::size_t i = 0; i < charts.size(); ++i) {
     const bool isExpected = presentation.slides[i].namedChart().has_value();
     require(charts[i].isShown == isExpected, chartMessage);
     if (!isExpected) continue;
-    require(charts[i].part.has_value(), chartMessage);
-    if (compared.emplace(*charts[i].part, binding->partNumber).second) {
-      const auto chart = package.chart(*charts[i].part);
-      require(chart.has_value(), chartMessage);
-      readBackSlideChart(chart->tree.root(), *chart->workbook, *binding, stop);
-    }
+    require(charts[i].part.has_value() && compared.insert(*charts[i].part).second, chartMessage);
+    const auto chart = package.chart(*charts[i].part);
+    require(chart.has_value(), chartMessage);
+    readBackSlideChart(chart->tree.root(), *chart->workbook, *binding, stop);
     ++binding;
   }
 }
@@ -153,6 +167,7 @@ void readBackResearchPresentation(ByteView deck, const ResearchPresentation& pre
                                   const std::stop_token& stop) {
   const WrittenPresentation package(deck, stop);
   require(package.slideCount() == presentation.slides.size(), "A slide is missing.");
+  require(isShown(package.title(), presentation.title), contentMessage);
   std::vector<ShownChart> charts;
   for (std::size_t i = 0; i < presentation.slides.size(); ++i) {
     const auto slide = package.slide(i);

@@ -1,7 +1,9 @@
 #include "DocumentRuntime/Research/PresentationReadBack/Texts.hpp"
 
+#include <algorithm>
 #include <cstddef>
 
+#include "DocumentRuntime/Cells/SerialDate.hpp"
 #include "Text/Unicode.hpp"
 
 namespace zelvo {
@@ -37,6 +39,23 @@ std::string ReadBackTexts::inChart(std::string_view text) {
   for (std::size_t at = 0; at < text.size();)
     appendKept(wanted, Unicode::nextScalar(text, at));
   return wanted;
+}
+
+std::string ReadBackTexts::observation(const std::optional<std::chrono::sys_seconds>& time) {
+  if (!time) return "observation time not recorded";
+  // From the ISO 8601 text, 2024-04-02T07:30:00Z: its fields have fixed places after the year.
+  const std::string whole = SerialDate::isoDateTimeText(*time);
+  const std::string year = whole.substr(0, whole.find('-', 1));
+  const std::string text = whole.substr(year.size());
+  const std::string months =
+      "January  February March    April    May      June     July     August   SeptemberOctober  November "
+      "December ";
+  constexpr std::size_t monthWidth = 9;
+  const std::size_t month = std::stoul(text.substr(1, 2)) - 1;
+  std::string name = months.substr(month * monthWidth, monthWidth);
+  name.resize(std::min(name.find(' '), name.size()));
+  return "observed " + std::to_string(std::stoul(text.substr(4, 2))) + " " + name + " " + year + ", " +
+         text.substr(7, 5) + " UTC";
 }
 
 std::string ReadBackTexts::seriesName(const ResearchSpreadsheet::Column& column) {

@@ -30,6 +30,18 @@ WrittenPresentation::WrittenPresentation(ByteView deck, const std::stop_token& s
   }
 }
 
+std::string WrittenPresentation::title() const {
+  const auto relationships = parsed("_rels/.rels");
+  for (const XMLNode relationship : relationships->root().all("Relationship")) {
+    if (!relationship.attribute("Type").value_or("").ends_with("/metadata/core-properties")) continue;
+    const auto properties =
+        parsed(OOXML::resolve(relationship.attribute("Target").value_or(""), "_rels/.rels"));
+    const auto title = properties ? properties->root().child("title") : std::nullopt;
+    if (title) return title->content();
+  }
+  return {};
+}
+
 WrittenPresentation::Slide WrittenPresentation::slide(std::size_t index) const {
   const std::string& name = slideNames_[index];
   return {.name = name, .tree = OOXML::xml(*parts_.find(name))};

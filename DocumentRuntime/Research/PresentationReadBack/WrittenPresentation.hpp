@@ -34,6 +34,9 @@ class WrittenPresentation {
   /// Throws what the gate throws, and `Cancelled`.
   WrittenPresentation(ByteView deck, const std::stop_token& stop);
 
+  /// The title in the document's properties; empty if it is missing.
+  std::string title() const;
+
   /// The slides of the presentation's slide list that have a part.
   std::size_t slideCount() const { return slideNames_.size(); }
 

@@ -1,96 +1,114 @@
 #include "DocumentRuntime/Research/Slides/Author.hpp"
 
-#include <algorithm>
-#include <cstddef>
 #include <cstdint>
+#include <utility>
 
 #include "DocumentRuntime/Authoring/PresentationFrame.hpp"
 #include "DocumentRuntime/Authoring/SlideGeometry.hpp"
 #include "DocumentRuntime/Research/Slides/Shapes.hpp"
-#include "DocumentRuntime/Research/Slides/Sources.hpp"
 #include "DocumentRuntime/Research/Slides/Text.hpp"
 
 namespace zelvo {
 namespace {
 
-using ResearchSlide = ResearchPresentation::Slide;
 using DocumentAuthor::emuPerPoint;
+using Kind = SlideLayout::Kind;
 using SlideShapes::Area;
 using SlideShapes::TextStyle;
 
-// The slide is 12192000 × 6858000 EMU. Everything except the cover's band is inside the content box.
+// In EMU. The slide is 12192000 × 6858000.
 constexpr std::int64_t left = 609'600;
 constexpr std::int64_t width = DocumentAuthor::contentWidth;
+constexpr Area coverBand = {0, 0, 12'192'000, 3'352'800};
+constexpr Area coverStrip = {0, 3'352'800, 12'192'000, 76'200};
+constexpr std::int64_t headingMarkTop = 215'900;
+constexpr std::int64_t headingMarkWidth = 762'000;
+constexpr std::int64_t markThickness = 50'800;
+constexpr std::int64_t pointIndent = 254'000;
+constexpr std::int64_t rowRuleHeight = 9'525;
+constexpr std::int64_t numberWidth = 762'000;
+constexpr std::int64_t footerLineHeight = 152'400;
+constexpr std::int64_t aboveFooterText = 76'200;
 
-constexpr Area coverBand = {0, 0, 12'192'000, 3'200'400};
-constexpr Area coverTitle = {left, 533'400, width, 2'286'000};
-constexpr Area coverPoints = {left, 3'505'200, width, 2'413'000};
-constexpr Area heading = {left, 381'000, width, 990'600};
-constexpr Area headingRule = {left, 1'447'800, 914'400, 38'100};
-constexpr Area points = {left, 1'727'200, width, 4'114'800};
-constexpr Area chart = {left, 1'600'200, width, 3'352'800};
-constexpr Area insightPanel = {left, 5'029'200, width, 838'200};
-constexpr Area insight = {left + 152'400, 5'092'700, width - 304'800, 711'200};
-constexpr Area footerRule = {left, 6'019'800, width, 9'525};
-constexpr Area footerSources = {left, 6'096'000, 9'906'000, 635'000};
-constexpr Area footerNumber = {left + 10'058'400, 6'096'000, 914'400, 165'100};
-
-// Font sizes of short texts, in points.
-constexpr int coverTitleSize = 44;
-constexpr int coverPointSize = 22;
-constexpr int headingSize = 30;
-constexpr int pointSize = 28;
-constexpr int insightSize = 20;
 constexpr int footerSize = 10;
 
 // Colours of the theme.
 constexpr std::string_view textColour = "tx1";
-constexpr std::string_view accentColour = "tx2";
+constexpr std::string_view headingColour = "tx2";
 constexpr std::string_view paperColour = "bg1";
 constexpr std::string_view panelColour = "bg2";
-constexpr std::string_view ruleColour = "accent4";
-constexpr std::string_view footerColour = "accent2";
-
-double inPoints(std::int64_t emu) {
-  return static_cast<double>(emu) / static_cast<double>(emuPerPoint);
-}
-
-std::vector<std::string> flattened(const std::vector<std::string>& texts) {
-  std::vector<std::string> flat;
-  flat.reserve(texts.size());
-  for (const std::string& text : texts)
-    flat.push_back(SlideText::flattened(text));
-  return flat;
-}
+constexpr std::string_view markColour = "accent2";
+constexpr std::string_view footerColour = "accent5";
+constexpr std::string_view ruleColour = "accent6";
 
 /// Draws one slide, from top to bottom.
 class SlideDrawing {
  public:
-  SlideDrawing() { DocumentAuthor::appendSlideStart(xml_); }
-
-  void rectangle(const char* name, const Area& area, std::string_view colour) {
-    SlideShapes::appendRectangle(xml_, {.id = nextID_++, .name = name}, area, colour);
+  SlideDrawing(const SlideLayout& layout, const SlideScript::Languages& languages)
+      : layout_(layout), languages_(languages) {
+    DocumentAuthor::appendSlideStart(xml_);
   }
 
-  void title(const Area& area, const std::string& text, const TextStyle& style) {
-    fittedText({.id = nextID_++, .name = "Title", .isTitle = true}, area, {text}, style);
+  void cover() {
+    rectangle("Cover band", coverBand, headingColour);
+    rectangle("Cover strip", coverStrip, markColour);
+    title({.size = layout_.titleSize, .colour = paperColour, .bold = true, .anchor = "b"});
+    text({.id = nextID_++, .name = "Points"}, layout_.pointAreas.front(), layout_.points,
+         {.size = layout_.textSize, .colour = textColour});
   }
 
-  void points(const Area& area, const std::vector<std::string>& texts, const TextStyle& style) {
-    fittedText({.id = nextID_++, .name = "Points"}, area, texts, style);
+  void heading() {
+    const std::int64_t start =
+        SlideScript::isRightToLeft(layout_.title) ? left + width - headingMarkWidth : left;
+    rectangle("Heading mark", {start, headingMarkTop, headingMarkWidth, markThickness}, markColour);
+    title({.size = layout_.titleSize, .colour = headingColour, .bold = true});
   }
 
-  void chart(const Area& area, const std::string& title) {
+  /// Each point in a row of its own, with a mark at its start and a rule between the rows.
+  void points() {
+    for (std::size_t i = 0; i < layout_.points.size(); ++i) {
+      const std::string number = std::to_string(i + 1);
+      Area row = layout_.pointAreas[i];
+      if (i > 0) rectangle("Rule " + number, {left, row.y, width, rowRuleHeight}, ruleColour);
+      const std::int64_t height = layout_.pointHeights[i];
+      const bool isRightToLeft = SlideScript::isRightToLeft(layout_.points[i]);
+      if (isRightToLeft) row.x -= pointIndent;
+      rectangle("Mark " + number,
+                {isRightToLeft ? left + width - markThickness : left, row.y + (row.height - height) / 2,
+                 markThickness, height},
+                markColour);
+      text({.id = nextID_++, .name = "Point " + number}, row, {layout_.points[i]},
+           {.size = layout_.textSize, .colour = textColour, .anchor = "ctr"});
+    }
+  }
+
+  void chart(const std::string& chartTitle) {
     SlideShapes::appendChart(
-        xml_, {.id = nextID_++, .name = "Chart", .description = SlideText::flattened(title)}, area);
+        xml_, {.id = nextID_++, .name = "Chart", .description = SlideText::flattened(chartTitle)},
+        layout_.chartArea);
+    const Area& insight = layout_.pointAreas.front();
+    rectangle("Insight panel", {left, insight.y, width, insight.height}, panelColour);
+    text({.id = nextID_++, .name = "Points"}, insight, layout_.points,
+         {.size = layout_.textSize, .colour = textColour, .anchor = "ctr"});
   }
 
+  /// The cover has no number, and no rule without sources.
   void footer(const std::vector<SlideSource>& sources, std::size_t number) {
-    rectangle("Footer rule", footerRule, ruleColour);
+    const bool isCover = layout_.kind == Kind::cover;
+    if (!isCover || !sources.empty()) rectangle("Footer rule", layout_.footerRule, ruleColour);
+    const std::int64_t top = layout_.footerRule.y + aboveFooterText;
+    if (!sources.empty()) {
+      text({.id = nextID_++, .name = "Sources label"},
+           {left, top, numberWidth, layout_.sourceAreas.front().height},
+           {sources.size() > 1 ? "Sources" : "Source"},
+           {.size = layout_.sourceSize, .colour = footerColour, .bold = true});
+    }
     for (std::size_t i = 0; i < sources.size(); ++i)
-      source(sources[i], i, sources.size());
-    SlideShapes::appendSlideNumber(xml_, {.id = nextID_++, .name = "Slide number"}, footerNumber, number,
-                                   {.size = footerSize, .colour = footerColour, .alignment = "r"});
+      source(sources[i], i);
+    if (isCover) return;
+    SlideShapes::appendSlideNumber(xml_, {.id = nextID_++, .name = "Slide number"},
+                                   {left + width - numberWidth, top, numberWidth, footerLineHeight}, number,
+                                   {.size = footerSize, .colour = footerColour, .alignsRight = true});
   }
 
   std::string take() {
@@ -99,76 +117,50 @@ class SlideDrawing {
   }
 
  private:
-  /// Draws a text at the largest size that fits, up to that of `style`.
-  void fittedText(const SlideShapes::Identity& identity, const Area& area,
-                  const std::vector<std::string>& texts, TextStyle style) {
-    const std::vector<std::string> paragraphs = flattened(texts);
-    const std::int64_t indent = style.bulleted ? SlideShapes::bulletIndent : 0;
-    style.size = SlideText::fittedSize(
-        paragraphs,
-        {.width = inPoints(area.width - indent), .height = inPoints(area.height), .largestSize = style.size});
-    SlideShapes::appendText(xml_, identity, area, paragraphs, style);
+  void rectangle(const std::string& name, const Area& area, std::string_view colour) {
+    SlideShapes::appendRectangle(xml_, {.id = nextID_++, .name = name}, area, colour);
   }
 
-  /// Draws a source on a line of its own, with a smaller height if there are many.
-  void source(const SlideSource& source, std::size_t index, std::size_t count) {
-    const auto comfortable = static_cast<std::int64_t>(footerSize * SlideText::lineSpacing) * emuPerPoint;
-    const std::int64_t height =
-        std::min(comfortable, footerSources.height / static_cast<std::int64_t>(count));
-    const int size = std::min(footerSize, static_cast<int>(inPoints(height) / SlideText::lineSpacing));
-    const Area line = {footerSources.x, footerSources.y + static_cast<std::int64_t>(index) * height,
-                       footerSources.width, height};
-    SlideShapes::appendText(
-        xml_,
-        {.id = nextID_++, .name = "Source " + std::to_string(index + 1), .description = source.identity},
-        line, {SlideText::abbreviated(source.name, source.observation, inPoints(line.width), size)},
-        {.size = size, .colour = footerColour});
+  void title(const TextStyle& style) {
+    text({.id = nextID_++, .name = "Title", .isTitle = true}, layout_.titleArea, {layout_.title}, style);
   }
 
+  void text(const SlideShapes::Identity& identity, const Area& area, const std::vector<std::string>& texts,
+            const TextStyle& style) {
+    SlideShapes::appendText(xml_, identity, area, texts, style, languages_);
+  }
+
+  void source(const SlideSource& source, std::size_t index) {
+    const Area& line = layout_.sourceAreas[index];
+    const double lineWidth = static_cast<double>(line.width) / static_cast<double>(emuPerPoint);
+    text({.id = nextID_++, .name = "Source " + std::to_string(index + 1), .description = source.identity},
+         line, {SlideText::abbreviated(source.name, source.observation, lineWidth, layout_.sourceSize)},
+         {.size = layout_.sourceSize, .colour = footerColour});
+  }
+
+  const SlideLayout& layout_;
+  const SlideScript::Languages& languages_;
   std::string xml_;
   int nextID_ = 2;  // 1 is the group of all shapes
 };
 
-void drawCover(SlideDrawing& drawing, const ResearchSlide& slide) {
-  drawing.rectangle("Cover band", coverBand, accentColour);
-  drawing.title(coverTitle, slide.title,
-                {.size = coverTitleSize, .colour = paperColour, .bold = true, .anchor = "b"});
-  drawing.points(coverPoints, slide.body, {.size = coverPointSize, .colour = textColour});
-}
-
-void drawHeading(SlideDrawing& drawing, const ResearchSlide& slide) {
-  drawing.title(heading, slide.title,
-                {.size = headingSize, .colour = accentColour, .bold = true, .anchor = "b"});
-  drawing.rectangle("Heading rule", headingRule, footerColour);
-}
-
-void drawPoints(SlideDrawing& drawing, const ResearchSlide& slide) {
-  drawHeading(drawing, slide);
-  drawing.points(points, slide.body, {.size = pointSize, .colour = textColour, .bulleted = true});
-}
-
-void drawChart(SlideDrawing& drawing, const ResearchSlide& slide, const std::string& chartTitle) {
-  drawHeading(drawing, slide);
-  drawing.chart(chart, chartTitle);
-  drawing.rectangle("Insight panel", insightPanel, panelColour);
-  drawing.points(insight, slide.body, {.size = insightSize, .colour = textColour, .anchor = "ctr"});
-}
-
 }  // namespace
 
-std::string researchSlide(const ResearchPresentation& presentation, std::size_t index,
-                          const std::optional<ResearchSourceScope>& scope) {
-  const ResearchSlide& slide = presentation.slides[index];
-  SlideDrawing drawing;
-  if (index == 0) {
-    drawCover(drawing, slide);
-  } else if (const ResearchSpreadsheet* dataset = presentation.chartDataset(slide)) {
-    drawChart(drawing, slide,
-              dataset->charts[static_cast<std::size_t>(slide.namedChart()->chartIndex)].title);
+std::string researchSlide(const SlideLayout& layout, std::size_t number,
+                          const std::vector<SlideSource>& sources, const std::string& chartTitle,
+                          const SlideScript::Languages& languages) {
+  SlideDrawing drawing(layout, languages);
+  if (layout.kind == Kind::cover) {
+    drawing.cover();
   } else {
-    drawPoints(drawing, slide);
+    drawing.heading();
+    if (layout.kind == Kind::chart) {
+      drawing.chart(chartTitle);
+    } else {
+      drawing.points();
+    }
   }
-  drawing.footer(slideSources(slide, scope), index + 1);
+  drawing.footer(sources, number);
   return drawing.take();
 }
 

@@ -47,36 +47,32 @@ void appendTextStart(std::string& xml, const Identity& identity, const Area& are
 }
 
 /// Line heights are fixed, so that a text stays inside its area with a fallback font of taller lines.
-void appendParagraphProperties(std::string& xml, const TextStyle& style, bool first) {
-  OOXML::append(xml, R"(<a:pPr algn=")", style.alignment, "\"");
-  if (style.bulleted) {
-    OOXML::append(xml, R"( marL=")", SlideShapes::bulletIndent, R"(" indent="-)", SlideShapes::bulletIndent,
-                  "\"");
-  }
-  OOXML::append(xml, R"(><a:lnSpc><a:spcPts val=")", hundredths(style.size * SlideText::lineSpacing),
-                R"("/></a:lnSpc><a:spcBef><a:spcPts val=")",
-                first ? 0 : hundredths(style.size * SlideText::paragraphSpacing), R"("/></a:spcBef>)");
-  xml +=
-      style.bulleted ? R"(<a:buFont typeface="Arial"/><a:buChar char="•"/></a:pPr>)" : "<a:buNone/></a:pPr>";
+void appendParagraphProperties(std::string& xml, const TextStyle& style, bool first, bool isRightToLeft) {
+  OOXML::append(xml, R"(<a:pPr algn=")", isRightToLeft || style.alignsRight ? "r" : "l",
+                isRightToLeft ? R"(" rtl="1">)" : R"(">)", R"(<a:lnSpc><a:spcPts val=")",
+                hundredths(style.size * SlideText::lineSpacing), R"("/></a:lnSpc><a:spcBef><a:spcPts val=")",
+                first ? 0 : hundredths(style.size * SlideText::paragraphSpacing),
+                R"("/></a:spcBef><a:buNone/></a:pPr>)");
 }
 
-void appendRunProperties(std::string& xml, const TextStyle& style) {
-  OOXML::append(xml, R"(<a:rPr lang="en-US" sz=")", hundredths(style.size), R"(" b=")", style.bold ? 1 : 0,
-                R"(">)");
+void appendRunProperties(std::string& xml, const TextStyle& style, std::string_view language) {
+  OOXML::append(xml, R"(<a:rPr lang=")", language, R"(" sz=")", hundredths(style.size), R"(" b=")",
+                style.bold ? 1 : 0, R"(">)");
   appendFill(xml, style.colour);
-  xml += R"(<a:latin typeface="Arial"/></a:rPr>)";
+  xml += R"(<a:latin typeface="Arial"/><a:cs typeface="Arial"/></a:rPr>)";
 }
 
 }  // namespace
 
 void SlideShapes::appendText(std::string& xml, const Identity& identity, const Area& area,
-                             const std::vector<std::string>& paragraphs, const TextStyle& style) {
+                             const std::vector<std::string>& paragraphs, const TextStyle& style,
+                             const SlideScript::Languages& languages) {
   appendTextStart(xml, identity, area, style);
   for (std::size_t i = 0; i < paragraphs.size(); ++i) {
     xml += "<a:p>";
-    appendParagraphProperties(xml, style, i == 0);
+    appendParagraphProperties(xml, style, i == 0, SlideScript::isRightToLeft(paragraphs[i]));
     xml += "<a:r>";
-    appendRunProperties(xml, style);
+    appendRunProperties(xml, style, languages.tagOf(paragraphs[i]));
     OOXML::append(xml, "<a:t>", OOXML::escaped(paragraphs[i]), "</a:t></a:r></a:p>");
   }
   xml += "</p:txBody></p:sp>";
@@ -86,9 +82,9 @@ void SlideShapes::appendSlideNumber(std::string& xml, const Identity& identity, 
                                     std::size_t number, const TextStyle& style) {
   appendTextStart(xml, identity, area, style);
   xml += "<a:p>";
-  appendParagraphProperties(xml, style, true);
+  appendParagraphProperties(xml, style, true, false);
   xml += R"(<a:fld id="{6E9C5C1B-0B4D-4A0E-9B0C-3F0E5A5D7C11}" type="slidenum">)";
-  appendRunProperties(xml, style);
+  appendRunProperties(xml, style, "en-US");
   OOXML::append(xml, "<a:t>", number, "</a:t></a:fld></a:p></p:txBody></p:sp>");
 }
 

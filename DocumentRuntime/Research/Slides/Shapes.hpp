@@ -5,6 +5,8 @@
 #include <string_view>
 #include <vector>
 
+#include "DocumentRuntime/Research/Slides/Script.hpp"
+
 /// The shapes of the slides of a research deck. All texts are escaped here.
 namespace zelvo::SlideShapes {
 
@@ -29,17 +31,14 @@ struct TextStyle {
   int size;                 ///< of the font, in points
   std::string_view colour;  ///< of the theme
   bool bold = false;
-  bool bulleted = false;
-  std::string_view anchor = "t";     ///< "t", "ctr" or "b"
-  std::string_view alignment = "l";  ///< "l", "ctr" or "r"
+  std::string_view anchor = "t";  ///< "t", "ctr" or "b"
+  bool alignsRight = false;       ///< paragraphs from right to left do always
 };
 
-/// The indent of bulleted text, in EMU.
-inline constexpr std::int64_t bulletIndent = 342'900;
-
-/// A text box of these paragraphs, each one run.
+/// A text box of these paragraphs, each one run with its language and direction.
 void appendText(std::string& xml, const Identity& identity, const Area& area,
-                const std::vector<std::string>& paragraphs, const TextStyle& style);
+                const std::vector<std::string>& paragraphs, const TextStyle& style,
+                const SlideScript::Languages& languages);
 
 /// A text box with the slide's number, as a field that office programs update.
 void appendSlideNumber(std::string& xml, const Identity& identity, const Area& area, std::size_t number,

@@ -1,6 +1,10 @@
 #include "DocumentRuntime/Research/Slides/Sources.hpp"
 
 #include <algorithm>
+#include <array>
+#include <chrono>
+#include <cstdint>
+#include <string_view>
 
 #include "DocumentRuntime/Research/Slides/Text.hpp"
 
@@ -15,9 +19,29 @@ std::string nameOf(const ResearchSourceScope::Record& record) {
   return isLocal || !record.provenanceURL ? name : name + ", " + *record.provenanceURL;
 }
 
+std::string twoDigits(std::int64_t number) {
+  return (number < 10 ? "0" : "") + std::to_string(number);
+}
+
+/// "observed 2 April 2024, 07:30 UTC", or that the time is not known.
+std::string observation(const ResearchSourceScope::Record& record) {
+  constexpr std::array<std::string_view, 12> months = {"January",   "February", "March",    "April",
+                                                       "May",       "June",     "July",     "August",
+                                                       "September", "October",  "November", "December"};
+  if (!record.observedAt) return "observation time not recorded";
+  const auto day = std::chrono::floor<std::chrono::days>(*record.observedAt);
+  const std::chrono::year_month_day date(day);
+  const std::chrono::hh_mm_ss time(*record.observedAt - day);
+  std::string text = "observed " + std::to_string(static_cast<unsigned>(date.day())) + " ";
+  text.append(months[static_cast<unsigned>(date.month()) - 1]).append(" ");
+  const std::string isoText = record.observedUTC();
+  text.append(isoText, 0, isoText.find('-', 1)).append(", ");
+  return text + twoDigits(time.hours().count()) + ":" + twoDigits(time.minutes().count()) + " UTC";
+}
+
 SlideSource sourceOf(const ResearchSourceScope::Record& record) {
   return {.name = SlideText::flattened(nameOf(record)),
-          .observation = " · " + record.observedUTC(),
+          .observation = " · " + observation(record),
           .identity = SlideText::flattened(record.metadata())};
 }
 

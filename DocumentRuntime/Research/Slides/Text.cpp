@@ -4,54 +4,62 @@
 #include <cmath>
 #include <cstddef>
 
-#include "DocumentRuntime/Authoring/SlideGeometry.hpp"
 #include "DocumentRuntime/Errors/DocumentError.hpp"
 #include "Text/Unicode.hpp"
 
 namespace zelvo {
 namespace {
 
-constexpr int smallestSize = 6;
-
-/// Capitals, "m" and "w" in bold; the estimate for tables is narrower.
-constexpr double broadCharacter = 0.9;
-/// Ligatures, fractions and the like.
-constexpr double broadestCharacter = 1.0;
 constexpr std::string_view ellipsis = "…";
 
-double characterWidth(char32_t scalar) {
-  const double estimate = DocumentAuthor::characterWidth(scalar);
-  if (scalar > U'~') return std::max(estimate, broadestCharacter);
-  const bool broad = (scalar >= U'A' && scalar <= U'Z') || scalar == U'm' || scalar == U'w';
-  return broad ? std::max(estimate, broadCharacter) : estimate;
-}
+/// The widest character of the narrow estimate, in ems.
+constexpr double fullWidth = 1.0;
 
-/// The widths of a paragraph's words, in ems.
-std::vector<double> wordWidths(std::string_view paragraph) {
+/// How much of a line texts fill.
+struct Estimate {
+  double filledPart;     ///< of each line: office programs round the widths of glyphs
+  double unusedAtBreak;  ///< in ems, where a line ends inside a word or a text without spaces
+  double widest;         ///< the width to which characters are cut, in ems
+};
+/// Two full-width characters may be unused, because the second of them must not begin a line.
+constexpr Estimate safe = {.filledPart = 0.985, .unusedAtBreak = 2, .widest = 100};
+/// For the smallest size alone: no text is refused for widths that it may not have.
+constexpr Estimate narrow = {.filledPart = 1, .unusedAtBreak = 1, .widest = fullWidth};
+
+/// A paragraph's words, in ems.
+struct Words {
   std::vector<double> widths;
-  for (std::size_t start = 0; start <= paragraph.size();) {
-    const std::size_t end = std::min(paragraph.find(' ', start), paragraph.size());
-    widths.push_back(SlideText::width(paragraph.substr(start, end - start)));
-    start = end + 1;
+  double space;
+};
+
+Words wordsOf(std::string_view paragraph, FontWeight weight, const Estimate& estimate) {
+  Words words = {.widths = {0}, .space = TextWidth::of(U' ', weight)};
+  for (std::size_t at = 0; at < paragraph.size();) {
+    const char32_t scalar = Unicode::nextScalar(paragraph, at);
+    if (scalar == U' ') {
+      words.widths.push_back(0);
+    } else {
+      words.widths.back() += std::min(TextWidth::of(scalar, weight), estimate.widest);
+    }
   }
-  return widths;
+  return words;
 }
 
 /// The number of lines of words that are wrapped greedily. A word that is longer than a line is broken at any
-/// character. `lineWidth` is in ems.
-double wrappedLines(const std::vector<double>& words, double lineWidth) {
+/// character. `wholeWidth` is in ems.
+double wrappedLines(const Words& words, double wholeWidth, const Estimate& estimate) {
+  const double lineWidth = wholeWidth * estimate.filledPart;
   double lines = 1;
   double used = 0;
-  for (const double word : words) {
-    const double gap = used > 0 ? characterWidth(U' ') : 0;
+  for (const double word : words.widths) {
+    const double gap = used > 0 ? words.space : 0;
     if (used + gap + word <= lineWidth) {
       used += gap + word;
     } else if (word <= lineWidth) {
       lines += 1;
       used = word;
     } else {
-      // If a line ends inside a word, up to the width of one character is unused.
-      const double usable = std::max(lineWidth - broadestCharacter, broadestCharacter);
+      const double usable = std::max(lineWidth - estimate.unusedAtBreak, fullWidth);
       const double full = std::floor(word / usable);
       lines += full + (used > 0 ? 1 : 0);
       used = word - full * usable;
@@ -59,6 +67,29 @@ double wrappedLines(const std::vector<double>& words, double lineWidth) {
   }
   return lines;
 }
+
+/// Paragraphs of which the words were measured once.
+class MeasuredText {
+ public:
+  MeasuredText(const std::vector<std::string>& paragraphs, FontWeight weight, const Estimate& estimate)
+      : estimate_(estimate) {
+    for (const std::string& paragraph : paragraphs)
+      paragraphs_.push_back(wordsOf(paragraph, weight, estimate));
+  }
+
+  bool fits(const SlideText::Bounds& bounds, int size) const {
+    double height = 0;
+    for (const Words& words : paragraphs_) {
+      const double gap = height > 0 ? SlideText::paragraphSpacing : 0;
+      height += gap + wrappedLines(words, bounds.width / size, estimate_) * SlideText::lineSpacing;
+    }
+    return height * size <= bounds.height;
+  }
+
+ private:
+  const Estimate& estimate_;
+  std::vector<Words> paragraphs_;
+};
 
 }  // namespace
 
@@ -72,40 +103,39 @@ std::string SlideText::flattened(std::string_view text) {
   return flat;
 }
 
-double SlideText::width(std::string_view text) {
-  double sum = 0;
-  for (std::size_t at = 0; at < text.size();)
-    sum += characterWidth(Unicode::nextScalar(text, at));
-  return sum;
+double SlideText::lines(std::string_view paragraph, double lineWidth, FontWeight weight) {
+  return wrappedLines(wordsOf(paragraph, weight, safe), lineWidth, safe);
 }
 
-double SlideText::lines(std::string_view paragraph, double lineWidth) {
-  return wrappedLines(wordWidths(paragraph), lineWidth);
+double SlideText::widestWord(std::string_view text, FontWeight weight) {
+  return std::ranges::max(wordsOf(text, weight, safe).widths);
+}
+
+std::optional<int> SlideText::largestFitting(const std::vector<std::string>& paragraphs,
+                                             const Bounds& bounds) {
+  const MeasuredText text(paragraphs, bounds.weight, safe);
+  for (int size = bounds.largestSize; size >= smallestSize; --size) {
+    if (text.fits(bounds, size)) return size;
+  }
+  if (MeasuredText(paragraphs, bounds.weight, narrow).fits(bounds, smallestSize)) return smallestSize;
+  return std::nullopt;
 }
 
 int SlideText::fittedSize(const std::vector<std::string>& paragraphs, const Bounds& bounds) {
-  std::vector<std::vector<double>> widths;
-  widths.reserve(paragraphs.size());
-  for (const std::string& paragraph : paragraphs)
-    widths.push_back(wordWidths(paragraph));
-  const double gaps = paragraphs.empty() ? 0 : static_cast<double>(paragraphs.size() - 1) * paragraphSpacing;
-  for (int size = bounds.largestSize; size >= smallestSize; --size) {
-    double lines = 0;
-    for (const auto& words : widths)
-      lines += wrappedLines(words, bounds.width / size);
-    if ((lines * lineSpacing + gaps) * size <= bounds.height) return size;
-  }
-  throw DocumentError::unsupported("slide text needs too much space");
+  const auto size = largestFitting(paragraphs, bounds);
+  if (!size) throw DocumentError::unsupported("slide text needs too much space");
+  return *size;
 }
 
 std::string SlideText::abbreviated(std::string_view text, std::string_view ending, double lineWidth,
                                    double fontSize) {
-  const double available = lineWidth / fontSize - SlideText::width(ending);
+  constexpr auto weight = FontWeight::regular;
+  const double available = lineWidth * safe.filledPart / fontSize - TextWidth::of(ending, weight);
   double used = 0;
   std::size_t fitting = 0;  // the bytes that fit with the ellipsis
   for (std::size_t at = 0; at < text.size();) {
-    if (used + broadestCharacter <= available) fitting = at;
-    used += characterWidth(Unicode::nextScalar(text, at));
+    if (used + fullWidth <= available) fitting = at;
+    used += TextWidth::of(Unicode::nextScalar(text, at), weight);
     if (used > available) {
       // The last character may be incomplete, so it is removed.
       const std::size_t whole = Unicode::characterCount(text.substr(0, fitting));

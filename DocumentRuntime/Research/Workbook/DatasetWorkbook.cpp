@@ -8,6 +8,7 @@
 #include "DocumentRuntime/PackageIO/BoundedZIP.hpp"
 #include "DocumentRuntime/PackageIO/PartWriting.hpp"
 #include "DocumentRuntime/Research/Charts/ChartAuthor.hpp"
+#include "DocumentRuntime/Research/Charts/Theme.hpp"
 #include "DocumentRuntime/Research/Workbook/SheetAuthor.hpp"
 #include "DocumentRuntime/Research/Workbook/SheetLimits.hpp"
 #include "DocumentRuntime/Research/WorkbookReadBack/ReadBack.hpp"
@@ -103,12 +104,13 @@ WorkbookPart chartPart(const ResearchWorkbookContent& content, std::size_t index
 
 }  // namespace
 
-PartMap researchWorkbookPackage(const ResearchWorkbookContent& content) {
+PartMap researchWorkbookPackage(const ResearchWorkbookContent& content, WorkbookTheme theme) {
   WorkbookPlan plan;
   plan.beforeSheets = R"(<bookViews><workbookView activeTab="0"/></bookViews>)";
   if (!content.calculations.empty())
     plan.afterSheets = R"(<calcPr calcMode="auto" fullCalcOnLoad="1" forceFullCalc="1"/>)";
   plan.stylesXML = researchStylesXML(content.hasScope);
+  if (theme == WorkbookTheme::included) plan.themeXML = researchThemeXML();
   BoundedZIP::OutputSize drawn;
   for (const ResearchSheet& sheet : content.sheets) {
     plan.sheets.push_back({.name = std::string(sheet.name),
@@ -128,12 +130,12 @@ PartMap researchWorkbookPackage(const ResearchWorkbookContent& content) {
 
 ByteBuffer ResearchWorkbook::make(std::string_view title, const ResearchSpreadsheet& content,
                                   const AllowedSources& sources,
-                                  const std::optional<ResearchSourceScope>& sourceScope,
+                                  const std::optional<ResearchSourceScope>& sourceScope, WorkbookTheme theme,
                                   const std::stop_token& stop) {
   content.validate(/*requiresChart=*/false, sources, sourceScope);
   const auto written = ResearchWorkbookContent::of(title, content, sources, sourceScope);
   ResearchSheetLimits::check(written);
-  ByteBuffer bytes = BoundedZIP::write(researchWorkbookPackage(written), stop);
+  ByteBuffer bytes = BoundedZIP::write(researchWorkbookPackage(written, theme), stop);
   readBackResearchWorkbook(bytes.view(), written, stop);
   return bytes;
 }

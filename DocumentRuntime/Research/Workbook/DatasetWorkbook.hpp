@@ -11,8 +11,12 @@
 
 namespace zelvo {
 
+/// Whether a workbook has a theme part. Without one LibreOffice draws its charts without colours.
+enum class WorkbookTheme { none, included };
+
 /// All parts of a dataset's workbook.
-PartMap researchWorkbookPackage(const ResearchWorkbookContent& content);
+PartMap researchWorkbookPackage(const ResearchWorkbookContent& content,
+                                WorkbookTheme theme = WorkbookTheme::none);
 
 /// Workbooks of research results. The input is untrusted text of a language model; the same input always
 /// gives the same bytes.
@@ -27,7 +31,8 @@ namespace ResearchWorkbook {
 /// "source provenance readback", "formula readback" or "numeric readback" if they differ from the content.
 /// Throws `Cancelled`.
 ByteBuffer make(std::string_view title, const ResearchSpreadsheet& content, const AllowedSources& sources,
-                const std::optional<ResearchSourceScope>& sourceScope, const std::stop_token& stop = {});
+                const std::optional<ResearchSourceScope>& sourceScope,
+                WorkbookTheme theme = WorkbookTheme::none, const std::stop_token& stop = {});
 
 }  // namespace ResearchWorkbook
 

@@ -127,6 +127,19 @@ TEST(ResearchWorkbook, NamesWhatASheetCannotHold) {
       make);
 }
 
+TEST(ResearchCharts, ReferToAWorkbookOfTheirOwn) {
+  const auto table = yearlyProfit();
+  const auto xml = [&](bool embedded, const std::map<std::int64_t, std::int64_t>& columnMap) {
+    return ResearchChartAuthor::xml(table, table.resolvedCells(), table.charts[0], embedded, columnMap, true);
+  };
+  std::string expected = xml(false, {});
+  edit(expected,
+       R"(/main">→/main"␠xmlns:r="http://schemas.openxmlformats.org/officeDocument/2006/relationships"> )"
+       R"($C$2:$C$4→$B$2:$B$4 $E$2:$E$4→$C$2:$C$4 </c:chartSpace>→<c:externalData␠r:id="rId1">)"
+       R"(<c:autoUpdate␠val="0"/></c:externalData></c:chartSpace>)");
+  EXPECT_EQ(xml(true, {{0, 0}, {2, 1}, {4, 2}}), expected);
+}
+
 // The expected packages pin all other bytes of charts.
 TEST(ResearchCharts, PinBarsAtZeroIfAllValuesAreOnOneSide) {
   for (const auto& [kind, values, zeroBaseline, limit] : cases<4>(R"(
