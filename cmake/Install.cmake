@@ -8,7 +8,30 @@ install(TARGETS zelvo RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT zelv
 install(TARGETS zelvo_document_worker zelvo_document_cleaner
   RUNTIME DESTINATION ${CMAKE_INSTALL_LIBEXECDIR}/zelvo COMPONENT zelvo)
 
+install(FILES README.md CHANGELOG.md SECURITY.md DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT zelvo)
+install(DIRECTORY docs examples DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT zelvo)
+install(FILES hosts/python/README.md DESTINATION ${CMAKE_INSTALL_DOCDIR}/hosts/python COMPONENT zelvo)
 install(DIRECTORY schemas/ DESTINATION ${CMAKE_INSTALL_DATADIR}/zelvo/schemas COMPONENT zelvo FILES_MATCHING PATTERN "*.json")
+
+# systemd units with the prefix of the installation, which cpack and `cmake --install --prefix` choose after the configuration.
+if(NOT APPLE)
+  install(CODE "
+    cmake_path(ABSOLUTE_PATH CMAKE_INSTALL_PREFIX NORMALIZE OUTPUT_VARIABLE LIBEXEC)
+    cmake_path(APPEND LIBEXEC \"${CMAKE_INSTALL_LIBEXECDIR}\")
+    foreach(PROGRAM worker cleaner)
+      foreach(kind .socket @.service)
+        set(unit \"${CMAKE_CURRENT_BINARY_DIR}/systemd/zelvo-\${PROGRAM}\${kind}\")
+        configure_file(\"${PROJECT_SOURCE_DIR}/deploy/systemd/zelvo-program\${kind}.in\" \"\${unit}\" @ONLY)
+        file(INSTALL \"\${unit}\" DESTINATION \"\${CMAKE_INSTALL_PREFIX}/lib/systemd/system\")
+      endforeach()
+    endforeach()" COMPONENT zelvo)
+  install(FILES deploy/systemd/sysusers.conf DESTINATION lib/sysusers.d RENAME zelvo.conf COMPONENT zelvo)
+endif()
+
+# Batches on several machines.
+install(PROGRAMS deploy/run-shard deploy/merge-shards DESTINATION ${CMAKE_INSTALL_DATADIR}/zelvo/deploy COMPONENT zelvo)
+install(DIRECTORY deploy/parallel deploy/slurm deploy/dask DESTINATION ${CMAKE_INSTALL_DATADIR}/zelvo/deploy
+  COMPONENT zelvo USE_SOURCE_PERMISSIONS)
 
 # zelvo_print(FILE DESTINATION ARGUMENT...): installs what the tool prints, or a program behind it.
 function(zelvo_print FILE DESTINATION)
@@ -109,9 +132,11 @@ zelvo_pkg_config(zelvo-host "Starts confined document workers" ${host_libraries}
 zelvo_pkg_config(zelvo-runtime "Reads and writes office documents; research workbooks and presentations"
   ${runtime_libraries})
 
-# For hosts in other languages.
+# The hosts in other languages. `npm install` takes the folder of Node's.
 install(DIRECTORY hosts/python/zelvo DESTINATION lib/python3/dist-packages COMPONENT zelvo
   FILES_MATCHING PATTERN "*.py" PATTERN py.typed)
+install(FILES hosts/node/package.json hosts/node/zelvo.js hosts/node/zelvo.d.ts hosts/node/README.md
+  DESTINATION ${CMAKE_INSTALL_DATADIR}/nodejs/zelvo COMPONENT zelvo)
 
 # Debian packages: cpack -G DEB.
 set(CPACK_PACKAGE_NAME zelvo)
@@ -123,9 +148,13 @@ set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_ZELVO_PACKAGE_NAME zelvo)
 set(CPACK_DEBIAN_ZELVO_PACKAGE_SECTION utils)
+set(CPACK_DEBIAN_ZELVO_PACKAGE_CONTROL_EXTRA ${PROJECT_SOURCE_DIR}/deploy/systemd/postinst)
+set(CPACK_DEBIAN_ZELVO_PACKAGE_SUGGESTS "nodejs (>= 18), parallel, python3 (>= 3.9), systemd (>= 252)")
 set(CPACK_DEBIAN_DEV_PACKAGE_NAME libzelvo-dev)
 set(CPACK_DEBIAN_DEV_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_DEV_PACKAGE_DEPENDS
   "libboost-json1.81-dev, libboost-url1.81-dev, libdeflate-dev, libicu-dev, nettle-dev")
+# A host starts the programs of its own release.
+set(CPACK_DEBIAN_DEV_PACKAGE_RECOMMENDS "zelvo (= ${PROJECT_VERSION})")
 set(CPACK_STRIP_FILES ON)
 include(CPack)

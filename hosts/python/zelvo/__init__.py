@@ -79,6 +79,7 @@ class Inspection:
     date_system: str  # "1900" or "1904"
     calculation_mode: str
     warnings: List[str]
+    raw: Dict[str, Any] = dataclasses.field(repr=False, compare=False)  # the record of the protocol
 
 
 @dataclasses.dataclass(frozen=True)
@@ -341,8 +342,8 @@ def _fields(record: Any, values: Mapping[str, Any], **others: Any) -> Any:
     return record(**others)
 
 
-def _inspection(value: Mapping[str, Any]) -> Inspection:
-    return _fields(Inspection, value, sheets=[_fields(Sheet, sheet) for sheet in value["sheets"]])
+def _inspection(value: Dict[str, Any]) -> Inspection:
+    return _fields(Inspection, value, sheets=[_fields(Sheet, sheet) for sheet in value["sheets"]], raw=value)
 
 
 def _cell(value: Mapping[str, Any]) -> Cell:
