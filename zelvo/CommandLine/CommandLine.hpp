@@ -1,9 +1,11 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <variant>
 #include <vector>
 
@@ -35,6 +37,9 @@ Result<std::variant<Invocation, Information>> parseCommandLine(int count, const 
 /// the command or option that is nearest to a wrong one.
 CommandError usageError(const CLI::App& tool, std::string message);
 
+/// The error for arguments that exclude each other.
+CommandError conflict(const std::string& message);
+
 /// The name that was most likely meant by a mistyped one: the first with the fewest insertions, deletions,
 /// replacements and swaps of neighbouring characters. Empty if more than a third of the characters differ.
 std::string nearestName(std::string_view given, const std::vector<std::string>& names);
@@ -60,39 +65,29 @@ class InformationParser {
   std::unique_ptr<const Options> options_;
 };
 
-/// Adds `batch` and its subcommands to a command line.
-class BatchParser {
- public:
-  explicit BatchParser(CLI::App& tool);
-  BatchParser(const BatchParser&) = delete;
-  BatchParser& operator=(const BatchParser&) = delete;
-  ~BatchParser();
+/// After parsing: the arguments of the given command, or the error for those that exclude each other; nullopt
+/// if another command is given.
+using CommandReader = std::function<std::optional<Result<Command>>()>;
 
-  /// After parsing: the given subcommand; nullopt if there is none.
-  std::optional<Command> command() const;
+/// The reader of several commands.
+CommandReader firstOf(std::vector<CommandReader> commands);
 
- private:
-  struct Options;
+/// Each adds a command to a command line; the last two with subcommands.
+CommandReader addInspect(CLI::App& tool);
+CommandReader addExtract(CLI::App& tool);
+CommandReader addClean(CLI::App& tool);
+CommandReader addCreate(CLI::App& tool);
+CommandReader addValidate(CLI::App& tool);
+CommandReader addBatch(CLI::App& tool);
+CommandReader addResearch(CLI::App& tool);
 
-  std::unique_ptr<const Options> inspect_;
-  std::unique_ptr<const Options> clean_;
-};
-
-/// Adds `research` and its subcommands to a command line.
-class ResearchParser {
- public:
-  explicit ResearchParser(CLI::App& tool);
-  ResearchParser(const ResearchParser&) = delete;
-  ResearchParser& operator=(const ResearchParser&) = delete;
-  ~ResearchParser();
-
-  /// After parsing: the given subcommand; nullopt if there is none.
-  std::optional<Command> command() const;
-
- private:
-  struct Subcommands;
-
-  std::unique_ptr<const Subcommands> subcommands_;
-};
+/// The reader of a command by the object that added it.
+template <typename Parser>
+CommandReader readerOf(Parser parser) {
+  return [parser = std::move(parser)]() -> std::optional<Result<Command>> {
+    if (!parser.isGiven()) return std::nullopt;
+    return parser.arguments();
+  };
+}
 
 }  // namespace zelvo

@@ -45,9 +45,8 @@ void addFooters(CLI::App& command, const std::string& path) {
 struct InformationParser::Options {
   CLI::App& tool;
   CLI::App* help;
-  std::vector<std::string> bound;  ///< tells CLI11 that there may be several names
-  CLI::Option* commands;
   CLI::Option* manSource;
+  CLI::Option* commands;
   CLI::App* schema;
   CLI::Option* schemaName;
   CLI::App* completion;
@@ -56,12 +55,14 @@ struct InformationParser::Options {
   explicit Options(CLI::App& app)
       : tool(app),
         help(app.add_subcommand("help", "Describe a command")),
-        commands(help->add_option("COMMAND", bound, "Its name; without it, the tool")->type_name("")),
         manSource(addFlag(*help, "--man-source", "Print the source of the man page")->group("")),
+        commands(addList(*help, "COMMAND", "Its name; without it, the tool")),
         schema(app.add_subcommand("schema", "Print the JSON Schema of a message or a file")),
         schemaName(schema->add_option("NAME", "Its name; without it, all names")->type_name("")),
         completion(app.add_subcommand("completion", "Print a completion script for a shell")),
         shell(completion->add_option("SHELL", "bash, zsh or fish")->type_name("")->required()) {
+    // CLI11 prints an empty line for a hidden option unless it is the first one.
+    help->set_help_flag("-h,--help", "Print this help");
     addFooters(app, app.get_name());
   }
 

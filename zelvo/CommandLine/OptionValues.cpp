@@ -64,6 +64,15 @@ std::optional<std::int64_t> wholeNumber(std::string_view text, std::int64_t maxi
   return number;
 }
 
+CLI::Option* addList(CLI::App& command, const std::string& name, const std::string& description) {
+  constexpr int anyNumber = CLI::detail::expected_max_vector_size;
+  return command.add_option(name, description)->expected(1, anyNumber)->allow_extra_args()->type_name("");
+}
+
+std::string checkNotEmpty(const std::string& text) {
+  return text.empty() ? "The text is empty" : "";
+}
+
 CLI::Option* requireText(CLI::Option* option) {
   return option->check([](const std::string& text) {
     return Unicode::isValid(text) ? std::string() : std::string("The text is not UTF-8");

@@ -49,6 +49,12 @@ CLI::Option* addNoClobber(CLI::App& command, CLI::Option* output);
 /// A number of decimal digits alone, 1 to `maximum`; nullopt for any other text.
 std::optional<std::int64_t> wholeNumber(std::string_view text, std::int64_t maximum);
 
+/// A positional argument of one or more values.
+CLI::Option* addList(CLI::App& command, const std::string& name, const std::string& description);
+
+/// What is wrong with a text that must not be empty.
+std::string checkNotEmpty(const std::string& text);
+
 /// Makes the option accept only UTF-8, as records and documents need it. File names may be any bytes.
 CLI::Option* requireText(CLI::Option* option);
 CLI::Option* addText(CLI::App& command, const std::string& name, const std::string& description);

@@ -65,10 +65,10 @@ class CheckParser {
   }
 
   bool isGiven() const { return command_->parsed(); }
-  ResearchCheckArguments arguments() const {
-    return {.dataset = value(*dataset_),
-            .requireChart = !requireChart_->empty(),
-            .sources = sources_.arguments()};
+  Result<Command> arguments() const {
+    return Command(ResearchCheckArguments{.dataset = value(*dataset_),
+                                          .requireChart = !requireChart_->empty(),
+                                          .sources = sources_.arguments()});
   }
 
  private:
@@ -89,12 +89,12 @@ class WorkbookParser {
         output_(outputOptions(*command_, ".xlsx").required()) {}
 
   bool isGiven() const { return command_->parsed(); }
-  ResearchWorkbookArguments arguments() const {
-    return {.dataset = value(*dataset_),
-            .title = value(*title_),
-            .theme = !theme_->empty(),
-            .sources = sources_.arguments(),
-            .output = output_.arguments()};
+  Result<Command> arguments() const {
+    return Command(ResearchWorkbookArguments{.dataset = value(*dataset_),
+                                             .title = value(*title_),
+                                             .theme = !theme_->empty(),
+                                             .sources = sources_.arguments(),
+                                             .output = output_.arguments()});
   }
 
  private:
@@ -116,11 +116,11 @@ class ReportParser {
         output_(outputOptions(*command_, ".xlsx").required()) {}
 
   bool isGiven() const { return command_->parsed(); }
-  ResearchReportArguments arguments() const {
-    return {.report = value(*report_),
-            .title = value(*title_),
-            .sources = values(*sources_),
-            .output = output_.arguments()};
+  Result<Command> arguments() const {
+    return Command(ResearchReportArguments{.report = value(*report_),
+                                           .title = value(*title_),
+                                           .sources = values(*sources_),
+                                           .output = output_.arguments()});
   }
 
  private:
@@ -163,13 +163,13 @@ class PresentationParser {
         output_(outputOptions(*command_, ".pptx")) {}
 
   bool isGiven() const { return command_->parsed(); }
-  ResearchPresentationArguments arguments() const {
-    return {.deck = value(*deck_),
-            .dataset = data_.dataset(),
-            .datasets = data_.datasets(),
-            .allowedDatasets = data_.allowed(),
-            .sources = sources_.arguments(),
-            .output = output_.arguments()};
+  Result<Command> arguments() const {
+    return Command(ResearchPresentationArguments{.deck = value(*deck_),
+                                                 .dataset = data_.dataset(),
+                                                 .datasets = data_.datasets(),
+                                                 .allowedDatasets = data_.allowed(),
+                                                 .sources = sources_.arguments(),
+                                                 .output = output_.arguments()});
   }
 
  private:
@@ -180,35 +180,13 @@ class PresentationParser {
   OutputOptions output_;
 };
 
-CLI::App& addResearch(CLI::App& tool) {
-  CLI::App* research = tool.add_subcommand("research", "Check research results and write them as documents");
-  research->require_subcommand(1);
-  return *research;
-}
-
 }  // namespace
 
-struct ResearchParser::Subcommands {
-  explicit Subcommands(CLI::App& research)
-      : check(research), workbook(research), report(research), presentation(research) {}
-
-  CheckParser check;
-  WorkbookParser workbook;
-  ReportParser report;
-  PresentationParser presentation;
-};
-
-ResearchParser::ResearchParser(CLI::App& tool)
-    : subcommands_(std::make_unique<const Subcommands>(addResearch(tool))) {}
-
-ResearchParser::~ResearchParser() = default;
-
-std::optional<Command> ResearchParser::command() const {
-  if (subcommands_->check.isGiven()) return subcommands_->check.arguments();
-  if (subcommands_->workbook.isGiven()) return subcommands_->workbook.arguments();
-  if (subcommands_->report.isGiven()) return subcommands_->report.arguments();
-  if (subcommands_->presentation.isGiven()) return subcommands_->presentation.arguments();
-  return std::nullopt;
+CommandReader addResearch(CLI::App& tool) {
+  CLI::App* research = tool.add_subcommand("research", "Check research results and write them as documents");
+  research->require_subcommand(1);
+  return firstOf({readerOf(CheckParser(*research)), readerOf(WorkbookParser(*research)),
+                  readerOf(ReportParser(*research)), readerOf(PresentationParser(*research))});
 }
 
 }  // namespace zelvo

@@ -11,6 +11,8 @@
 namespace zelvo {
 namespace {
 
+constexpr const char* seeHelp = " (see zelvo --help)";
+
 /// The command that was given, or the tool.
 const CLI::App& givenCommand(const CLI::App& tool) {
   const std::vector<CLI::App*> given = tool.get_subcommands();
@@ -41,18 +43,7 @@ std::string listOf(const std::vector<std::string>& names) {
   return list;
 }
 
-}  // namespace
-
-CommandError unknownName(const std::string& kind, const std::string& name,
-                         const std::vector<std::string>& known) {
-  const std::string nearest = nearestName(name, known);
-  return {.status = ExitStatus::usage,
-          .message = "There is no " + kind + " \"" + name + '"',
-          .hints = {nearest.empty() ? "The " + kind + "s are " + listOf(known) + "."
-                                    : "The nearest " + kind + " is " + nearest + "."}};
-}
-
-CommandError usageError(const CLI::App& tool, std::string message) {
+CommandError errorOf(const CLI::App& tool, std::string message) {
   const CLI::App& command = givenCommand(tool);
   const std::vector<std::string> wrong = tool.remaining(/*recurse=*/true);
   const auto isOption = [](const std::string& argument) { return argument.starts_with('-'); };
@@ -71,6 +62,27 @@ CommandError usageError(const CLI::App& tool, std::string message) {
     error.hints.push_back("The nearest option is " + nearest + ".");
   }
   return error;
+}
+
+}  // namespace
+
+CommandError unknownName(const std::string& kind, const std::string& name,
+                         const std::vector<std::string>& known) {
+  const std::string nearest = nearestName(name, known);
+  return {.status = ExitStatus::usage,
+          .message = "There is no " + kind + " \"" + name + '"',
+          .hints = {nearest.empty() ? "The " + kind + "s are " + listOf(known) + "."
+                                    : "The nearest " + kind + " is " + nearest + "."}};
+}
+
+CommandError usageError(const CLI::App& tool, std::string message) {
+  CommandError error = errorOf(tool, std::move(message));
+  error.message += seeHelp;
+  return error;
+}
+
+CommandError conflict(const std::string& message) {
+  return {ExitStatus::usage, message + seeHelp};
 }
 
 }  // namespace zelvo
