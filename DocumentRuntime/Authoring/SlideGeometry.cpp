@@ -31,19 +31,20 @@ bool isWide(char32_t scalar) {
   return scalar >= firstWideScalar || scalar == U'W' || scalar == U'M' || scalar == U'@' || scalar == U'%';
 }
 
+/// In ems.
+double characterWidth(char32_t scalar) {
+  return isWide(scalar) ? wideCharacter : otherCharacter;
+}
+
 double estimatedWidth(std::string_view line, double fontSize) {
   double width = 0;
   for (std::size_t at = 0; at < line.size();) {
-    width += fontSize * DocumentAuthor::characterWidth(Unicode::nextScalar(line, at));
+    width += fontSize * characterWidth(Unicode::nextScalar(line, at));
   }
   return width;
 }
 
 }  // namespace
-
-double DocumentAuthor::characterWidth(char32_t scalar) {
-  return isWide(scalar) ? wideCharacter : otherCharacter;
-}
 
 std::int64_t DocumentAuthor::estimatedLines(std::string_view text, double widthPoints, double fontSize) {
   std::int64_t lines = 0;

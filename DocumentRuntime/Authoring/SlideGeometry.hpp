@@ -21,9 +21,6 @@ inline constexpr std::int64_t contentWidth = 10'972'800;
 inline constexpr std::int64_t emuPerPoint = 12'700;
 inline constexpr double contentWidthPoints = 864;
 
-/// The estimated width of a character, in ems.
-double characterWidth(char32_t scalar);
-
 /// The estimated number of lines of `text` in a box of that width at that font size, both in points. Every
 /// line break starts a line; an empty text has one.
 std::int64_t estimatedLines(std::string_view text, double widthPoints, double fontSize);

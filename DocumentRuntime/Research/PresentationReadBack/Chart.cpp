@@ -103,18 +103,38 @@ void checkSeries(XMLNode series, char letter, const ChartColumn& column, const C
   checkCache(only(series.all("val")), "numCache", letter, column, valueText);
 }
 
-/// Checks that an element has this title, or none if that is empty.
-void checkTitle(XMLNode titled, std::string_view expected) {
-  const XMLElements titles = titled.all("title");
-  const bool isUntitled = ReadBackTexts::inChart(expected).empty();
-  require(isUntitled ? titles.empty() : holds(only(titles).content(), expected));
+/// The paragraphs of an element's title; empty without one.
+std::vector<std::string> titleOf(XMLNode titled) {
+  std::vector<std::string> paragraphs;
+  if (titled.all("title").empty()) return paragraphs;
+  for (const XMLNode paragraph : only(titled.all("title")).descendants("p"))
+    paragraphs.push_back(paragraph.content());
+  return paragraphs;
 }
 
-/// The only series, or the unit of several, which a chart's rules demand to be the same.
-std::string valueTitle(const Binding& binding, const std::vector<ChartColumn>& columns) {
-  if (columns.size() == 2) return columns[1].name;
+bool isTitled(XMLNode titled, const std::vector<std::string>& expected) {
+  std::vector<std::string> wanted;
+  for (const std::string& text : expected) {
+    if (std::string kept = ReadBackTexts::inChart(text); !kept.empty()) wanted.push_back(std::move(kept));
+  }
+  return titleOf(titled) == wanted;
+}
+
+/// The unit of the series, which a chart's rules demand to be the same.
+std::string unitOf(const Binding& binding) {
   const auto first = static_cast<std::size_t>(binding.chart().valueColumns.front());
   return binding.dataset->columns[first].unit.value_or("");
+}
+
+/// The value axis names the unit. The only series is named there with its unit, or below the chart's title.
+void checkTitles(XMLNode chart, XMLNode values, const Binding& binding,
+                 const std::vector<ChartColumn>& columns) {
+  const std::string& title = binding.chart().title;
+  const std::string& series = columns[1].name;
+  const bool isSingle = columns.size() == 2;
+  if (isSingle && isTitled(chart, {title}) && isTitled(values, {series})) return;
+  require(isTitled(chart, isSingle ? std::vector{title, series} : std::vector{title}) &&
+          isTitled(values, {unitOf(binding)}));
 }
 
 /// A bar's length is its value only if the axis begins at zero, and an end that is fixed elsewhere could cut
@@ -141,8 +161,8 @@ void checkAxes(XMLNode chart, const Binding& binding, const std::vector<ChartCol
   const XMLNode categories = only(area.all("catAx"));
   const XMLNode values = only(area.all("valAx"));
   require(valueOf(categories, "delete") == "0" && valueOf(values, "delete") == "0");
-  checkTitle(categories, "");
-  checkTitle(values, valueTitle(binding, columns));
+  require(isTitled(categories, {}));
+  checkTitles(chart, values, binding, columns);
   checkScaling(values, columns, bar);
   require(valueOf(chart, "dispBlanksAs") == "gap");
 }
@@ -156,7 +176,6 @@ void checkDrawing(XMLNode chartSpace, const Binding& binding, const std::vector<
   const bool bar = binding.chart().kind == ResearchSpreadsheet::Chart::Kind::bar;
   const XMLNode chart = only(chartSpace.all("chart"));
   const XMLNode plot = only(only(chart.all("plotArea")).all(bar ? "barChart" : "lineChart"));
-  checkTitle(chart, binding.chart().title);
   checkAxes(chart, binding, columns, bar);
   const XMLElements series = plot.all("ser");
   require(series.size() == columns.size() - 1 && chartSpace.descendants("ser").size() == series.size());

@@ -2,10 +2,8 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <cstdint>
 #include <set>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "DocumentRuntime/Research/Dataset/Rules.hpp"

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstddef>
 #include <string_view>
+#include <vector>
 
 #include "DocumentRuntime/PackageIO/PartWriting.hpp"
 #include "DocumentRuntime/Research/Charts/ChartAuthor.hpp"
@@ -98,7 +99,9 @@ class ChartDrawing {
             R"(xmlns:a="http://schemas.openxmlformats.org/drawingml/2006/main" )"
             R"(xmlns:r="http://schemas.openxmlformats.org/officeDocument/2006/relationships">)"
             R"(<c:roundedCorners val="0"/><c:chart>)";
-    appendTitle(binding_.chart().title, {plan_.titleSize, titleColour, true}, plan_.titleLeft, 0);
+    std::vector<Line> title = {{binding_.chart().title, {plan_.titleSize, titleColour, true}}};
+    if (!plan_.subtitle.empty()) title.push_back({plan_.subtitle, {plan_.subtitleSize, textColour}});
+    appendTitle(title, plan_.titleLeft, 0);
     xml_ +=
         R"(<c:autoTitleDeleted val="0"/><c:plotArea><c:layout><c:manualLayout><c:layoutTarget val="outer"/>)"
         R"(<c:xMode val="edge"/><c:yMode val="edge"/>)";
@@ -124,17 +127,24 @@ class ChartDrawing {
 
   std::string_view plotElement() const { return isBar_ ? "barChart" : "lineChart"; }
 
+  struct Line {
+    std::string_view text;
+    TextStyle style;
+  };
+
   /// A title whose upper left corner is at these parts of the frame.
-  void appendTitle(std::string_view title, const TextStyle& style, double left, double top) {
-    OOXML::append(
-        xml_, R"(<c:title><c:tx><c:rich><a:bodyPr rot="0" vert="horz"/><a:lstStyle/><a:p><a:pPr algn="l">)",
-        "<a:defRPr");
-    appendFont(xml_, style, "defRPr");
-    OOXML::append(xml_, R"(</a:pPr><a:r><a:rPr lang=")", languages_.tagOf(title), "\"");
-    appendFont(xml_, style, "rPr");
-    OOXML::append(xml_, "<a:t>", shown(title),
-                  R"(</a:t></a:r></a:p></c:rich></c:tx><c:layout><c:manualLayout><c:xMode val="edge"/>)",
-                  R"(<c:yMode val="edge"/><c:x val=")", text(Part{left}), R"("/><c:y val=")", text(Part{top}),
+  void appendTitle(const std::vector<Line>& lines, double left, double top) {
+    xml_ += R"(<c:title><c:tx><c:rich><a:bodyPr rot="0" vert="horz"/><a:lstStyle/>)";
+    for (const Line& line : lines) {
+      xml_ += R"(<a:p><a:pPr algn="l"><a:defRPr)";
+      appendFont(xml_, line.style, "defRPr");
+      OOXML::append(xml_, R"(</a:pPr><a:r><a:rPr lang=")", languages_.tagOf(line.text), "\"");
+      appendFont(xml_, line.style, "rPr");
+      OOXML::append(xml_, "<a:t>", shown(line.text), "</a:t></a:r></a:p>");
+    }
+    OOXML::append(xml_,
+                  R"(</c:rich></c:tx><c:layout><c:manualLayout><c:xMode val="edge"/><c:yMode val="edge"/>)",
+                  R"(<c:x val=")", text(Part{left}), R"("/><c:y val=")", text(Part{top}),
                   R"("/></c:manualLayout></c:layout><c:overlay val="0"/></c:title>)");
   }
 
@@ -243,7 +253,7 @@ class ChartDrawing {
     appendLineProperties(xml_, gridLine, gridColour);
     xml_ += "</c:majorGridlines>";
     if (!plan_.axisTitle.empty())
-      appendTitle(plan_.axisTitle, {plan_.axisTitleSize, textColour}, 0, plan_.axisTitleTop);
+      appendTitle({{plan_.axisTitle, {plan_.axisTitleSize, textColour}}}, 0, plan_.axisTitleTop);
     OOXML::append(xml_, R"(<c:numFmt formatCode=")", plan_.axisFormat,
                   R"(" sourceLinked="0"/><c:majorTickMark val="none"/><c:minorTickMark val="none"/>)",
                   R"(<c:tickLblPos val="nextTo"/><c:spPr><a:ln><a:noFill/></a:ln></c:spPr>)");

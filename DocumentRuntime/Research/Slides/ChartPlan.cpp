@@ -27,6 +27,8 @@ constexpr int smallestDiagonalSize = 9;
 
 /// The part of the frame's width at which office programs wrap a title.
 constexpr double titleWidth = 0.78;
+/// The same of the title of the value axis.
+constexpr double axisTitleWidth = 0.18;
 /// The space below a text, in points.
 constexpr double gap = 6;
 /// The key beside a legend's entry, with the space around both, in points.
@@ -210,19 +212,26 @@ ChartPlan chartPlan(const Binding& binding, const ChartSize& frame) {
   double top = std::min(titleLines * plan.titleSize * SlideText::lineSpacing, mostTitleHeight) + gap;
 
   const std::vector<std::string> names = seriesNames(binding);
+  const double nameWidth = TextWidth::of(names.front(), FontWeight::regular);
+  const bool isNamedByAxis = names.size() == 1 && nameWidth * textSize <= frame.width * axisTitleWidth;
   const auto& column =
       binding.dataset->columns[static_cast<std::size_t>(binding.chart().valueColumns.front())];
+  plan.axisTitle = isNamedByAxis ? names.front() : ResearchChartAuthor::cleaned(column.unitText());
+  if (names.size() == 1 && !isNamedByAxis) {
+    plan.subtitle = names.front();
+    plan.subtitleSize = sizeOnOneLine(nameWidth, titleRoom, textSize);
+    top += plan.subtitleSize * SlideText::lineSpacing;
+  }
   if (names.size() > 1) {
     plan.legendTop = top / frame.height;
     const double height = legendHeight(names, frame.width, plan.legendSize);
     plan.legendHeight = height / frame.height;
     top += height + gap;
   }
-  plan.axisTitle = names.size() > 1 ? ResearchChartAuthor::cleaned(column.unitText()) : names.front();
   if (!plan.axisTitle.empty()) {
     plan.axisTitleTop = top / frame.height;
-    const double ems = TextWidth::of(plan.axisTitle, FontWeight::regular);
-    plan.axisTitleSize = sizeOnOneLine(ems, titleRoom, textSize);
+    plan.axisTitleSize = sizeOnOneLine(TextWidth::of(plan.axisTitle, FontWeight::regular),
+                                       frame.width * axisTitleWidth, textSize);
     top += plan.axisTitleSize * SlideText::lineSpacing + gap;
   }
   plan.plotTop = top / frame.height;

@@ -27,12 +27,14 @@ struct ChartPlan {
   bool isPinnedAtMost = false;   ///< the value axis ends at zero
 
   int gapWidth = 0;       ///< between categories, in percent of a bar's width
-  std::string axisTitle;  ///< the only series, or the unit of several; may be empty
+  std::string subtitle;   ///< the only series, if it is too long for the axis' title; otherwise empty
+  std::string axisTitle;  ///< the only series, or else the unit; may be empty
   std::string axisFormat;
   std::string valueFormat;
 
   double titleLeft = 0;
   int titleSize = 0;
+  int subtitleSize = 0;
   int axisTitleSize = 0;
   int legendSize = 0;
   int labelSize = 0;   ///< of categories

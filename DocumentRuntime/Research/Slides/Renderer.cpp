@@ -65,8 +65,8 @@ class DeckAuthor {
   }
 
  private:
-  /// Each slide has a chart part of its own: office programs take a part that two slides share for damage.
-  /// The same charts share the workbook behind them, of which a package may have four.
+  /// Each slide has a chart part of its own, since office programs may report a part that two slides share as
+  /// damaged. Equal charts share the workbook behind them: the package gate allows four.
   void addChart(const Binding& binding, const ChartSize& size, const std::stop_token& stop) {
     const bool isFirst = workbooks_.insert(binding.partNumber).second;
     SlideChart& chart = plan_.charts.emplace_back(

@@ -51,6 +51,11 @@ ResearchPresentation deck() {
 TEST(ResearchPresentationRenderer, IsExactlyTheExpectedBytes) {
   const std::filesystem::path expected = EXPECTED_FOLDER;
   EXPECT_EQ(differences(renderPresentation(deck(), 4, scope()), expected / "deck"), "");
+  ResearchPresentation named = deck();
+  named.dataset->columns[2].name = std::string(60, 'n');  // too long for the axis
+  const PartMap parts = BoundedZIP::read(renderPresentation(named, 4, scope()).view());
+  const std::string title = "<a:t>" + std::string(60, 'n') + " (USD)</a:t></a:r></a:p></c:rich>";
+  EXPECT_NE(parts.find("ppt/charts/chart1.xml")->text().find(title), std::string::npos);
 }
 
 TEST(ResearchPresentationRenderer, FitsTextsOfAnyLength) {
