@@ -62,7 +62,8 @@ TEST_F(ResearchCommands, WorkbookAndReportWriteWorkbooks) {
   EXPECT_EQ(cellsOf(book, "Data --range A2:B2"), "x,0.50\n");
   EXPECT_EQ(cellsOf(book, "Report --range A1:A2"), "\"[a,b]\"\nR\n");
   EXPECT_EQ(cellsOf(book, "Sources --range A2:A3"), "local\nweb\n");
-  const std::string themed = expectDelivers("research workbook --theme --title T " EXAMPLES "/research-dataset.json", "b.xlsx");
+  const std::string themed =
+      expectDelivers("research workbook --theme --title T " EXAMPLES "/research-dataset.json", "b.xlsx");
   EXPECT_NE(themed.find("xl/theme/theme1.xml"), std::string::npos);
 
   const std::string report =
