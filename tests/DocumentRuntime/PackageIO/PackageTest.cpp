@@ -86,7 +86,7 @@ TEST(PackageGate, LetsOnlyTheAllowedWorkbooksPass) {
   for (const auto& [name, allowed] : testing::cases<2>(R"(
       ppt/embeddings/chart-data.xlsx => chart ; ppt/embeddings/chart-data1.xlsx => research
       ppt/embeddings/chart-data5.xlsx => ; ppt/embeddings/chart-data11.xlsx =>
-      ppt/embeddings/chart-data.xlsx.xml => ; PPT/Embeddings/Chart-Data.XLSX => chart)")) {
+      ppt/embeddings/chart-data1.docx => ; ppt/embeddings/chart-data.xlsx.xml => ; PPT/Embeddings/Chart-Data.XLSX => chart)")) {
     PackageBuilder package = minimalPackage();
     package.part(name).text = "not read";
     const auto outcome = [&](const OOXML::PackageAllowance& allowance) {

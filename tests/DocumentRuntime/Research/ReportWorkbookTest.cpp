@@ -40,6 +40,7 @@ TEST(ResearchReport, FindsTheFirstTable) {
     ```␊"a;b"␉c␊d␉e␊``` => none ; ```␊;;␊;;␊``` => ,,/,, ; |a|b|␊|c|d| => a,b/c,d
     |a|b|␊|c|␊|d|e|␊␊|f|g|␊|h|i| => f,g/h,i ; |a|b|␊␊|c|d| => none ; |a|b|␊|c|d|␊|e|f|␊g|h| => a,b/c,d/e,f
     ```␊|a|b|␊|c|d|␊``` => a,b/c,d ; |a|b|␊```␊|c|d|␊``` => none ; |a|b|␊|␠|␊|c|d| => none
+    |a|b|␊|:---:|---:|␊|c|d| => a,b/c,d ; |a|b|␊|:|:|␊|c|d| => a,b/:,:/c,d
   )table")) {
     EXPECT_EQ(firstTable(report), table) << report;
   }
