@@ -9,7 +9,6 @@
 
 #include "DocumentRuntime/Errors/DocumentError.hpp"
 #include "DocumentRuntime/PackageIO/BoundedXML.hpp"
-#include "Support/XMLDump.hpp"
 
 namespace zelvo::testing {
 namespace {

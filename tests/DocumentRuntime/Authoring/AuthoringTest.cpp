@@ -8,7 +8,7 @@
 #include "DocumentRuntime/Authoring/SlideGeometry.hpp"
 #include "Support/ExpectedPackage.hpp"
 #include "Support/RefusalTable.hpp"
-#include "Support/SampleTable.hpp"
+#include "Support/Tables.hpp"
 
 namespace zelvo {
 namespace {

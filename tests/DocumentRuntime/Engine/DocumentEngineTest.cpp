@@ -4,7 +4,7 @@
 #include "DocumentRuntime/Coding/RecordCoding.hpp"
 #include "DocumentRuntime/Engine/DocumentEngine.hpp"
 #include "Support/RefusalTable.hpp"
-#include "Support/SampleTable.hpp"
+#include "Support/Tables.hpp"
 
 namespace zelvo {
 namespace {

@@ -8,7 +8,6 @@
 #include "DocumentRuntime/PackageIO/BoundedXML.hpp"
 #include "Support/ReferenceXML.hpp"
 #include "Support/RefusalTable.hpp"
-#include "Support/XMLDump.hpp"
 
 namespace zelvo {
 namespace {

@@ -11,7 +11,7 @@
 #include "DocumentRuntime/Workbook/WorkbookReader.hpp"
 #include "Support/ExpectedPackage.hpp"
 #include "Support/RefusalTable.hpp"
-#include "Support/TableDump.hpp"
+#include "Support/Tables.hpp"
 
 namespace zelvo::testing {
 namespace {

@@ -6,7 +6,7 @@
 #include "DocumentRuntime/Coding/RecordCoding.hpp"
 #include "DocumentRuntime/Validation/DocumentInputRules.hpp"
 #include "Support/RefusalTable.hpp"
-#include "Support/SampleTable.hpp"
+#include "Support/Tables.hpp"
 
 namespace zelvo {
 namespace {

@@ -9,7 +9,7 @@
 #include "Support/Cancellation.hpp"
 #include "Support/PackageBuilder.hpp"
 #include "Support/RefusalTable.hpp"
-#include "Support/TableDump.hpp"
+#include "Support/Tables.hpp"
 
 namespace zelvo {
 namespace {
