@@ -21,9 +21,18 @@ namespace {
   _exit(work());
 }
 
+/// /dev/null, or where the root has no devices a pipe without a writer.
+Descriptor emptyInput() {
+  Descriptor null(open("/dev/null", O_RDONLY | O_CLOEXEC));
+  std::array<int, 2> ends = {};
+  if (null || pipe(ends.data()) != 0) return null;
+  const Descriptor writeEnd(ends[1]);
+  return Descriptor(ends[0]);
+}
+
 /// See `ChildStart`.
 int startCopy(const std::function<int()>& work, ChildStreams& streams, pid_t& id) {
-  const Descriptor input(open("/dev/null", O_RDONLY | O_CLOEXEC));
+  const Descriptor input = emptyInput();
   if (!input) return errno;
   std::array<int, 2> ends = {};
   if (pipe(ends.data()) != 0) return errno;

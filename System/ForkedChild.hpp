@@ -9,7 +9,7 @@
 namespace zelvo {
 
 /// Runs `work` in a forked copy of this process and ends the copy at once with the status that `work`
-/// returns. The copy's standard input is /dev/null; its standard output is the result's output; its standard
+/// returns. The copy's standard input is empty; its standard output is the result's output; its standard
 /// error is this process's. `work` must not throw. The copy is killed if it writes more than `outputBytes`,
 /// or has not ended after `wallClock`. It has its own copy of the memory.
 ///

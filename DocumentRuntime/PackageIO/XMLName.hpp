@@ -20,9 +20,10 @@ inline constexpr std::size_t nameWordBytes = sizeof(std::uint64_t);
 class XMLName {
  public:
   constexpr XMLName() = default;
-  // Implicit: callers write names as texts.
+  // NOLINTBEGIN(google-explicit-constructor): callers write names as texts.
   constexpr XMLName(std::string_view text) : text_(text), word_(wordOf(text)) {}
   constexpr XMLName(const char* text) : XMLName(std::string_view(text)) {}
+  // NOLINTEND(google-explicit-constructor)
 
   /// The name of `length` bytes at `text`, from where at least eight bytes must be readable.
   static XMLName at(const char* text, std::size_t length) {
