@@ -5,17 +5,36 @@
 namespace zelvo {
 namespace {
 
+using Kind = SourceCellValue::Kind;
+
 /// Whether the cell's number format changes how its value is displayed.
 bool needsFormat(const SourceCell& cell) {
-  return cell.value.kind() == SourceCellValue::Kind::number && cell.numberFormat &&
-         *cell.numberFormat != "General";
+  return cell.value.kind() == Kind::number && cell.numberFormat && *cell.numberFormat != "General";
+}
+
+void encodeValue(JsonWriter& writer, const SourceCellValue& value) {
+  switch (value.kind()) {
+    case Kind::missing:
+      return writer.null();
+    case Kind::text:
+      return writer.string(value.payload());
+    case Kind::boolean:
+      return writer.boolean(value.isTrue());
+    case Kind::number:
+      writer.beginArray();
+      writer.string(value.payload());
+      return writer.endArray();
+    case Kind::date:
+    case Kind::error:
+      return encode(writer, value);
+  }
 }
 
 void encodeCell(JsonWriter& writer, const SourceCell& cell) {
-  if (cell.value.kind() == SourceCellValue::Kind::missing) return writer.null();
-  if (!needsFormat(cell) && !cell.usesCachedFormulaValue) return encode(writer, cell.value);
+  const bool isPlain = !needsFormat(cell) && !cell.usesCachedFormulaValue;
+  if (isPlain || cell.value.kind() == Kind::missing) return encodeValue(writer, cell.value);
   writer.beginArray();
-  encode(writer, cell.value);
+  encodeValue(writer, cell.value);
   if (needsFormat(cell)) {
     writer.string(*cell.numberFormat);
   } else {
@@ -23,6 +42,25 @@ void encodeCell(JsonWriter& writer, const SourceCell& cell) {
   }
   writer.boolean(cell.usesCachedFormulaValue);
   writer.endArray();
+}
+
+void decodeValue(JsonValue value, SourceCellValue& decoded) {
+  switch (value.kind()) {
+    case JsonKind::null:
+      return;
+    case JsonKind::string:
+      decoded = SourceCellValue::text(std::string(value.string()));
+      return;
+    case JsonKind::boolean:
+      decoded = SourceCellValue::boolean(value.boolean());
+      return;
+    case JsonKind::array:
+      if (value.array().size() != 1) value.fail("Expected a number's text.");
+      decoded = SourceCellValue::number(std::string((*value.array().begin()).string()));
+      return;
+    default:
+      zelvo::decode(value, decoded);
+  }
 }
 
 }  // namespace
@@ -44,12 +82,11 @@ void RowCoding::encode(JsonWriter& writer, std::int64_t row, const std::vector<S
 }
 
 void RowCoding::decode(JsonValue value, SourceCell& cell) {
-  if (value.isNull()) return;
-  if (value.kind() != JsonKind::array) return zelvo::decode(value, cell.value);
+  if (value.kind() != JsonKind::array || value.array().size() == 1) return decodeValue(value, cell.value);
   const JsonArray parts = value.array();
   if (parts.size() != 3) value.fail("Expected three parts.");
   auto part = parts.begin();
-  zelvo::decode(*part, cell.value);
+  decodeValue(*part, cell.value);
   if (const JsonValue format = *++part; !format.isNull()) cell.numberFormat = format.string();
   cell.usesCachedFormulaValue = (*++part).boolean();
 }

@@ -7,14 +7,15 @@
 #include "DocumentRuntime/Records/SourceCell.hpp"
 
 /// The JSON of a row of adjacent cells between a confined child and its parent, without what the parent knows
-/// or no row form shows. A sheet has tens of thousands of cells: with the keys and addresses of `SourceCell`
-/// the JSON would be four times as long, and coding it half of the work.
+/// or no row form shows. A sheet has tens of thousands of cells: in the form of records the JSON would be
+/// several times as long, and coding it half of the work.
 ///
-///     {"row": 7, "cells": [null, {"text":{"_0":"x"}}, [{"number":{"_0":"1.5"}}, "0.00", true]], "hidden":
-///     true}
+///     {"row": 7, "cells": [null, "x", true, ["2"], {"date":{"_0":"2024-07-01"}}, [["1.5"], "0.00", true]],
+///     "hidden": true}
 ///
-/// A cell is null if it is missing, its value, or a list of its value, its number format (or null) and
-/// whether the value is the saved result of a formula.
+/// A value is null if it is missing, a string if it is text, a boolean, a list of a number's text, or as in
+/// records. A cell is its value, or a list of three: its value, its number format (or null) and whether the
+/// value is the saved result of a formula.
 namespace zelvo::RowCoding {
 
 /// The cells' hidden marks are equal.

@@ -31,9 +31,14 @@ bool isDangerous(char32_t scalar) {
                      [&](ScalarSpan span) { return span.first <= scalar && scalar <= span.last; });
 }
 
+bool isPrintableASCII(std::string_view text) {
+  return std::ranges::all_of(text, [](char c) { return ' ' <= c && c <= '~'; });
+}
+
 /// `escape` is a printf format for the scalar value. Every dangerous one has at most four hexadecimal digits.
 template <std::predicate<char32_t> IsEscaped>
 std::string withEscapes(std::string_view bytes, const char* escape, IsEscaped isEscaped) {
+  if (isPrintableASCII(bytes)) return std::string(bytes);
   const std::string text = wellFormed(bytes);
   std::string shown;
   shown.reserve(text.size());
