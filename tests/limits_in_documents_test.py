@@ -9,7 +9,7 @@ PHRASES = {
     "README.md": """
         archive {BoundedZIP.maximumArchiveBytes} MiB, all parts expanded {BoundedZIP.maximumExpandedBytes} MiB
         {WorkbookStructure.maximumSheets} sheets, {WorksheetWalk.maximumWorksheetCells} cells a sheet
-        `create` | {TableExtraction.maximumColumns} columns, {TableExtraction.maximumRows} data rows""",
+        `create` | {TableExtraction.maximumColumns} columns, {TableExtraction.maximumRows} rows""",
     "docs/protocol.md": """
         request and response at most {DocumentWorkerMessage.maximumMessageBytes:d} bytes
         | {WorkerExitStatus.noResponse} | nothing was written
