@@ -30,6 +30,10 @@ constexpr std::array<Base, distanceCodes> distanceBases = {
      {257, 7},   {385, 7},   {513, 8},   {769, 8},    {1025, 9},   {1537, 9},  {2049, 10}, {3073, 10},
      {4097, 11}, {6145, 11}, {8193, 12}, {12289, 12}, {16385, 13}, {24577, 13}}};
 
+struct StreamError {
+  StreamFault fault;
+};
+
 class Bits {
  public:
   explicit Bits(ByteView bytes) : bytes_(bytes) {}
@@ -37,7 +41,7 @@ class Bits {
   unsigned take(unsigned count) {
     unsigned value = 0;
     for (unsigned i = 0; i < count; ++i) {
-      if (at_ / 8 >= bytes_.size()) throw StreamFault::malformed;
+      if (at_ / 8 >= bytes_.size()) throw StreamError{StreamFault::malformed};
       value |= (unsigned{bytes_[at_ / 8]} >> at_ % 8 & 1U) << i;
       ++at_;
     }
@@ -45,7 +49,7 @@ class Bits {
   }
   void toByte() { at_ = (at_ + 7) / 8 * 8; }
   void skipBytes(std::size_t count) {
-    if (count > bytes_.size() - at_ / 8) throw StreamFault::malformed;
+    if (count > bytes_.size() - at_ / 8) throw StreamError{StreamFault::malformed};
     at_ += 8 * count;
   }
 
@@ -66,21 +70,21 @@ class Code {
     std::size_t free = 1;
     for (std::size_t bits = 1; bits <= maximumCodeBits; ++bits) {
       free *= 2;
-      if (counts_[bits] > free) throw StreamFault::malformed;
+      if (counts_[bits] > free) throw StreamError{StreamFault::malformed};
       free -= counts_[bits];
       for (std::size_t symbol = 0; symbol < lengths.size(); ++symbol) {
         if (lengths[symbol] == bits) symbols_.push_back(static_cast<unsigned>(symbol));
       }
     }
     const bool isSingle = symbols_.size() == 1 && counts_[1] == 1;
-    if (free != 0 && !symbols_.empty() && !isSingle) throw StreamFault::malformed;
+    if (free != 0 && !symbols_.empty() && !isSingle) throw StreamError{StreamFault::malformed};
   }
 
   bool isEmpty() const { return symbols_.empty(); }
 
   unsigned symbol(Bits& bits) const {
     if (symbols_.size() == 1) {
-      if (bits.take(1) == 1) throw unusedBit_;
+      if (bits.take(1) == 1) throw StreamError{unusedBit_};
       return symbols_.front();
     }
     std::size_t code = 0;
@@ -93,7 +97,7 @@ class Code {
       first = (first + counts_[length]) * 2;
       code *= 2;
     }
-    throw StreamFault::malformed;
+    throw StreamError{StreamFault::malformed};
   }
 
  private:
@@ -127,14 +131,14 @@ Codes dynamicCodes(Bits& bits) {
   const std::size_t literals = bits.take(5) + 257;
   const std::size_t distances = bits.take(5) + 1;
   const std::size_t codeLengths = bits.take(4) + 4;
-  if (literals > literalCodes) throw StreamFault::tooManyLiteralLengths;
-  if (distances > distanceCodes) throw StreamFault::tooManyDistanceLengths;
+  if (literals > literalCodes) throw StreamError{StreamFault::tooManyLiteralLengths};
+  if (distances > distanceCodes) throw StreamError{StreamFault::tooManyDistanceLengths};
 
   std::array<unsigned, order.size()> lengthsOfLengths{};
   for (std::size_t i = 0; i < codeLengths; ++i)
     lengthsOfLengths[order[i]] = bits.take(3);
   const Code lengthCode(lengthsOfLengths, StreamFault::malformed);
-  if (lengthCode.isEmpty()) throw StreamFault::malformed;
+  if (lengthCode.isEmpty()) throw StreamError{StreamFault::malformed};
 
   std::vector<unsigned> lengths;
   while (lengths.size() < literals + distances) {
@@ -143,29 +147,29 @@ Codes dynamicCodes(Bits& bits) {
       lengths.push_back(symbol);
       continue;
     }
-    if (symbol == 16 && lengths.empty()) throw StreamFault::malformed;
+    if (symbol == 16 && lengths.empty()) throw StreamError{StreamFault::malformed};
     const unsigned repeated = symbol == 16 ? lengths.back() : 0;
     const std::size_t count = symbol == 16   ? 3 + bits.take(2)
                               : symbol == 17 ? 3 + bits.take(3)
                                              : 11 + bits.take(7);
-    if (count > literals + distances - lengths.size()) throw StreamFault::repeatBeyondLengths;
+    if (count > literals + distances - lengths.size()) throw StreamError{StreamFault::repeatBeyondLengths};
     lengths.insert(lengths.end(), count, repeated);
   }
-  if (lengths[endOfBlock] == 0) throw StreamFault::malformed;
+  if (lengths[endOfBlock] == 0) throw StreamError{StreamFault::malformed};
   const std::span<const unsigned> all = lengths;
   return codesOf(all.first(literals), all.subspan(literals));
 }
 
 /// Reads a match and returns its length.
 std::size_t match(Bits& bits, const Codes& codes, unsigned lengthSymbol, std::size_t written) {
-  if (lengthSymbol >= literalCodes) throw StreamFault::unknownLength;
+  if (lengthSymbol >= literalCodes) throw StreamError{StreamFault::unknownLength};
   const Base& length = lengthBases[lengthSymbol - endOfBlock - 1];
   const std::size_t count = length.value + bits.take(length.bits);
-  if (codes.distances.isEmpty()) throw StreamFault::matchWithoutDistances;
+  if (codes.distances.isEmpty()) throw StreamError{StreamFault::matchWithoutDistances};
   const unsigned distanceSymbol = codes.distances.symbol(bits);
-  if (distanceSymbol >= distanceCodes) throw StreamFault::unknownDistance;
+  if (distanceSymbol >= distanceCodes) throw StreamError{StreamFault::unknownDistance};
   const Base& distance = distanceBases[distanceSymbol];
-  if (distance.value + bits.take(distance.bits) > written) throw StreamFault::malformed;
+  if (distance.value + bits.take(distance.bits) > written) throw StreamError{StreamFault::malformed};
   return count;
 }
 
@@ -182,7 +186,7 @@ std::size_t compressedBlock(Bits& bits, const Codes& codes, std::size_t written)
 std::size_t storedBlock(Bits& bits) {
   bits.toByte();
   const unsigned size = bits.take(16);
-  if (bits.take(16) != (size ^ 0xFFFFU)) throw StreamFault::malformed;
+  if (bits.take(16) != (size ^ 0xFFFFU)) throw StreamError{StreamFault::malformed};
   bits.skipBytes(size);
   return size;
 }
@@ -200,8 +204,8 @@ StreamFault firstFault(ByteView stream) {
       written += type == 0 ? storedBlock(bits)
                            : compressedBlock(bits, type == 1 ? fixedCodes() : dynamicCodes(bits), written);
     }
-  } catch (const StreamFault& fault) {
-    return fault;
+  } catch (const StreamError& error) {
+    return error.fault;
   }
   return StreamFault::none;
 }

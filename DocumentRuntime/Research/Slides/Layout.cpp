@@ -127,8 +127,9 @@ Draft drafted(const ResearchPresentation& presentation, std::size_t index, std::
   const double footerTop = slideHeight - bottomMargin - lines * footerLine;
   layout.sourceSize = columns == 1 ? footerSize : smallFooterSize;
   for (std::size_t i = 0; i < sources; ++i) {
+    const std::size_t lineNumber = i / columns;
+    const auto line = static_cast<double>(lineNumber);
     const auto column = static_cast<double>(i % columns);
-    const auto line = static_cast<double>(i / columns);
     layout.sourceAreas.push_back(area(left + sourceIndent + column * columnWidth,
                                       footerTop + line * footerLine, columnWidth - betweenColumns,
                                       footerLine));
