@@ -93,6 +93,14 @@ TEST_F(Hints, NameTheOptionThatHelps) {
   }
 }
 
+TEST_F(Hints, NameTheCellThatDocumentsCannotKeep) {
+  const WorkbookText lines =
+      plainWorkbook("<row r='1'><c r='A1' t='inlineStr'><is><t>a&#13;b</t></is></c></row>");
+  const ToolRun refused =
+      zelvo("create - --no-header --title t -o @a.docx", workbookPackage(lines).archive().bytes());
+  EXPECT_TRUE(refused.hints.starts_with("Cell A1 has a carriage return, ")) << refused;
+}
+
 TEST_F(Hints, NameTheNearestCommandOrOption) {
   for (const auto& [arguments, message, hint] : cases<3>(R"(
       insepct x => There is no command "insepct" => The nearest command is inspect.

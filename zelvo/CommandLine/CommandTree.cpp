@@ -25,6 +25,15 @@ std::string describePositional(const CLI::Option& option) {
   return option.get_required() ? text : "[" + text + "]";
 }
 
+/// The endings that an argument's name lists, like "DOC.docx|DOC.pptx". Workbooks are of three kinds.
+std::vector<std::string> endingsIn(const std::string& name) {
+  if (name.starts_with("BOOK")) return {"xlsx", "xlsm", "xltx"};
+  std::vector<std::string> endings;
+  for (std::size_t dot = name.find('.'); dot != std::string::npos; dot = name.find('.', dot + 1))
+    endings.push_back(name.substr(dot + 1, name.find('|', dot) - dot - 1));
+  return endings;
+}
+
 }  // namespace
 
 CommandDescription describeCommand(const CLI::App& command, const Choices& choices,
@@ -38,6 +47,7 @@ CommandDescription describeCommand(const CLI::App& command, const Choices& choic
       described.options.push_back(describeOption(*option));
       continue;
     }
+    described.endings = endingsIn(option->get_name(/*positional=*/true));
     described.positionals += (described.positionals.empty() ? "" : " ") + describePositional(*option);
     if (const auto known = choices.find(option); known != choices.end()) described.choices = known->second;
   }

@@ -25,6 +25,7 @@ struct CommandDescription {
   std::string description;
   std::string positionals;           ///< "DECK.json"
   std::vector<std::string> choices;  ///< the values of its positional argument, if they are known
+  std::vector<std::string> endings;  ///< of the files that its positional argument takes; empty for any
   std::vector<OptionDescription> options;
   std::vector<CommandDescription> subcommands;
 

@@ -1,3 +1,5 @@
+#include <algorithm>
+#include <iterator>
 #include <string_view>
 
 #include "zelvo/CommandLine/CommandTree.hpp"
@@ -45,13 +47,29 @@ std::string joined(const std::vector<OptionDescription>& words) {
   return quoted(text);
 }
 
+std::string joined(const std::vector<std::string>& words, const std::string& separator) {
+  std::string text;
+  for (const std::string& word : words)
+    text += (text.empty() ? "" : separator) + word;
+  return text;
+}
+
+/// The names of the options that a value follows: it may be a file of any kind.
+std::vector<OptionDescription> valuedOptions(const CommandDescription& command) {
+  std::vector<OptionDescription> options;
+  std::ranges::copy_if(command.options, std::back_inserter(options),
+                       [](const OptionDescription& option) { return !option.value.empty(); });
+  return options;
+}
+
 std::string bash(const Commands& commands) {
   std::string cases;
   for (const CommandDescription* command : commands)
     cases += "    " + quoted(command->path) + ") words=" + joined(wordsOf(*command)) +
-             " options=" + joined(command->options) + " ;;\n";
+             " options=" + joined(command->options) + " valued=" + joined(valuedOptions(*command)) +
+             " endings=" + quoted(joined(command->endings, " ")) + " ;;\n";
   return R"(_zelvo() {
-  local command=zelvo words= options= current=${COMP_WORDS[COMP_CWORD]} i
+  local command=zelvo words= options= valued= endings= current=${COMP_WORDS[COMP_CWORD]} file i
   for ((i = 1; i < COMP_CWORD; i++)); do
     case "$command ${COMP_WORDS[i]}" in
     )" + pathPattern(commands, " | ") +
@@ -63,6 +81,15 @@ std::string bash(const Commands& commands) {
          R"(  esac
   case $current in -*) words=$options ;; esac
   COMPREPLY=($(compgen -W "$words" -- "$current"))
+  case " $valued " in *" ${COMP_WORDS[COMP_CWORD - 1]} "*) return ;; esac
+  case $endings:$current in :* | *:-*) return ;; esac
+  compopt -o filenames 2>/dev/null
+  while read -r file; do
+    case " $endings " in
+      *" ${file##*.} "*) COMPREPLY+=("$file") ;;
+      *) [ -d "${file/#\~/$HOME}" ] && COMPREPLY+=("$file") ;;
+    esac
+  done < <(compgen -f -- "$current")
 }
 complete -o default -F _zelvo zelvo
 )";
@@ -79,14 +106,20 @@ std::string zshWords(const std::vector<OptionDescription>& words) {
   return "(" + text + ")";
 }
 
+/// The files with the command's endings, as a glob of zsh; empty for files of any kind.
+std::string fileGlob(const CommandDescription& command) {
+  return command.endings.empty() ? "" : "*.(" + joined(command.endings, "|") + ")(-.)";
+}
+
 std::string zsh(const Commands& commands) {
   std::string cases;
   for (const CommandDescription* command : commands)
     cases += "    (" + quoted(command->path) + ") candidates=" + zshWords(wordsOf(*command)) +
-             " options=" + zshWords(command->options) + " ;;\n";
+             " options=" + zshWords(command->options) + " valued=" + joined(valuedOptions(*command)) +
+             " files=" + quoted(fileGlob(*command)) + " ;;\n";
   return R"(#compdef zelvo
 _zelvo() {
-  local command=zelvo i
+  local command=zelvo valued= files= i
   local -a candidates options
   for ((i = 2; i < CURRENT; i++)); do
     case "$command ${words[i]}" in
@@ -102,6 +135,8 @@ _zelvo() {
     _describe -o option options
   elif (( $#candidates )); then
     _describe command candidates
+  elif [[ -n $files && " $valued " != *" ${words[CURRENT-1]} "* ]]; then
+    _files -g "$files"
   else
     _files
   fi
@@ -128,11 +163,16 @@ end
         "complete -c zelvo -n " + quoted("test (__zelvo_command) = \"" + command->path + "\"");
     for (const OptionDescription& word : wordsOf(*command))
       text += start + " -f -a " + quoted(word.names.front()) + " -d " + quoted(word.description) + "\n";
+    if (!command->endings.empty())
+      text += start + " -f -a " +
+              quoted("(__fish_complete_path (commandline -ct) | string match -er \"(?:/|\\.(?:" +
+                     joined(command->endings, "|") + "))(?:\\t.*)?\\$\")") +
+              "\n";
     for (const OptionDescription& option : command->options) {
       text += start;
       for (const std::string& name : option.names)
         text += name.starts_with("--") ? " -l " + name.substr(2) : " -s " + name.substr(1);
-      text += (option.value.empty() ? "" : " -r") + (" -d " + quoted(option.description)) + "\n";
+      text += (option.value.empty() ? "" : " -r -F") + (" -d " + quoted(option.description)) + "\n";
     }
   }
   return text;

@@ -29,12 +29,38 @@ void addAll(CommandError& error, const std::vector<std::string_view>& hints) {
   error.hints.insert(error.hints.end(), hints.begin(), hints.end());
 }
 
+/// Sends another operation on the same document.
+Result<DocumentWorkerResponse> askAlso(const Hosts& hosts, DocumentWorkerRequest& request,
+                                       DocumentWorkerRequest::Operation other) {
+  const auto operation = std::exchange(request.operation, other);
+  auto response = ask(hosts.worker, request);
+  request.operation = operation;
+  return response;
+}
+
 /// See `visibleSheets`; empty if the workbook cannot be inspected.
 std::string sheetsOf(const Hosts& hosts, DocumentWorkerRequest& request) {
-  const auto operation = std::exchange(request.operation, DocumentWorkerRequest::Operation::inspect);
-  const auto response = ask(hosts.worker, request);
-  request.operation = operation;
+  const auto response = askAlso(hosts, request, DocumentWorkerRequest::Operation::inspect);
   return response ? visibleSheets(*response->inspection) : "";
+}
+
+/// Adds which cell has a carriage return. XML readers turn it into a line feed, so that the document that was
+/// read back shows another text.
+void addCarriageReturn(CommandError& error, const Hosts& hosts, DocumentWorkerRequest& request) {
+  const auto response = askAlso(hosts, request, DocumentWorkerRequest::Operation::extract);
+  if (!response) return;
+  const auto hasOne = [](const std::string& text) { return text.find('\r') != std::string::npos; };
+  std::string place;
+  if (std::ranges::any_of(response->table->columns, hasOne)) place = "The header row";
+  for (const auto& row : response->table->rows) {
+    for (const SourceCell& cell : row) {
+      if (place.empty() && hasOne(cell.displayText())) place = "Cell " + cell.address;
+    }
+  }
+  if (!place.empty())
+    error.hints.push_back(place +
+                          " has a carriage return, which documents cannot keep: they read it as a line feed. "
+                          "Choose a --range without it, or replace it in the workbook.");
 }
 
 /// "It holds 2 pictures (xl/media/image1.png and 1 more), 11,672 hyperlinks."; empty if nothing worth saying
@@ -95,6 +121,7 @@ CommandError withHints(CommandError error, const Hosts& hosts, DocumentWorkerReq
     if (std::string sheets = sheetsOf(hosts, request); !sheets.empty())
       error.hints.push_back(std::move(sheets));
   }
+  if (advice.findCarriageReturn) addCarriageReturn(error, hosts, request);
   if (advice.tryCleaning) addTrialOfCleaning(error, hosts, std::move(request));
   return error;
 }

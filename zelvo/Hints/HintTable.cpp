@@ -46,6 +46,7 @@ constexpr unsigned table = reading | readingCleaned;
 constexpr unsigned kind = 1;    ///< find the file's kind
 constexpr unsigned clean = 2;   ///< try whether cleaning helps
 constexpr unsigned sheets = 4;  ///< list the sheets
+constexpr unsigned lines = 8;   ///< find a carriage return
 
 enum class When : std::uint8_t {
   always,
@@ -177,6 +178,7 @@ constexpr Row rows[] = {
     {limit, RefusalDetail::slideCount, Match::whole, table, 0, When::always, useWord},
     {unsupported, RefusalDetail::longSlideTitle, Match::whole, table, 0, When::always, "Choose a shorter --title."},
     {unsupported, RefusalDetail::longChartTitle, Match::whole, table, 0, When::always, "Choose a shorter --chart-title."},
+    {validation, RefusalDetail::tableDiffers, Match::whole, table, lines, When::selected, ""},
     {choice, RefusalDetail::chartShape, Match::whole, table, 0, When::always, "--chart CATEGORY:VALUE takes two columns. Choose a --range of at most 30 data rows."},
     {choice, RefusalDetail::chartValues, Match::whole, table, 0, When::always, "In every row the category needs 1 to 60 characters and the value a number. Choose other columns or rows."},
     {choice, RefusalDetail::chartUnits, Match::whole, table, 0, When::always, "All values need the same number format. Choose other rows, or use --plain-formats."},
@@ -289,7 +291,8 @@ Advice adviceFor(std::string_view message, Stage stage, const TableSelection* se
   if (row == std::end(rows)) return {};
   Advice advice = {.findFileKind = (row->actions & kind) != 0,
                    .tryCleaning = (row->actions & clean) != 0,
-                   .listSheets = (row->actions & sheets) != 0};
+                   .listSheets = (row->actions & sheets) != 0,
+                   .findCarriageReturn = (row->actions & lines) != 0};
   if (*row->hint != '\0') advice.hints.emplace_back(row->hint);
   return advice;
 }

@@ -22,6 +22,7 @@ struct Advice {
   bool findFileKind = false;            ///< the file may be of another kind than the stage takes
   bool tryCleaning = false;             ///< a cleaned workbook may be accepted
   bool listSheets = false;              ///< another sheet or range may be meant
+  bool findCarriageReturn = false;      ///< a cell of the table may hold one, which no document keeps
 };
 
 /// The advice for the message of a refusal: one table for all commands. `selection` is the table that was
