@@ -45,9 +45,10 @@ extern "C" {
 ZELVO_FAILING(dup2)
 ZELVO_FAILING(fchmod)
 ZELVO_FAILING(fcntl)
-ZELVO_FAILING(fork) ZELVO_FAILING(fsync) ZELVO_FAILING(mkostemp) ZELVO_FAILING(pipe) ZELVO_FAILING(pipe2)
-    ZELVO_FAILING(poll) ZELVO_FAILING(posix_spawn) ZELVO_FAILING(read) ZELVO_FAILING(rename)
-        ZELVO_FAILING(renameat2) ZELVO_FAILING(wait4) ZELVO_FAILING(waitpid) ZELVO_FAILING(write)
+ZELVO_FAILING(fork)
+ZELVO_FAILING(fsync) ZELVO_FAILING(mkostemp) ZELVO_FAILING(pipe) ZELVO_FAILING(pipe2) ZELVO_FAILING(poll)
+    ZELVO_FAILING(posix_spawn) ZELVO_FAILING(read) ZELVO_FAILING(rename) ZELVO_FAILING(renameat2)
+        ZELVO_FAILING(wait4) ZELVO_FAILING(waitpid) ZELVO_FAILING(write)
 
 }  // extern "C"
 // NOLINTEND(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp,readability-identifier-naming)
