@@ -166,7 +166,7 @@ end
     if (!command->endings.empty())
       text += start + " -f -a " +
               quoted("(__fish_complete_path (commandline -ct) | string match -er \"(?:/|\\.(?:" +
-                     joined(command->endings, "|") + "))(?:\\t.*)?\\$\")") +
+                     joined(command->endings, "|") + R"_())(?:\t.*)?\$"))_") +
               "\n";
     for (const OptionDescription& option : command->options) {
       text += start;
