@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -95,10 +96,27 @@ void requireBlock(const zelvo::WorkbookReader& reader, const ReportTable& table,
 }
 
 void requireReadable(zelvo::ByteBuffer workbook, const ReportTable& table) {
+  const auto limit = zelvo::fuzzing::documentMemory(workbook.view());
   const zelvo::WorkbookReader reader(std::move(workbook), "report.xlsx");
   for (std::size_t row = 0; row < table.size(); row += blockRows) {
     for (std::size_t column = 0; column < table.front().size(); column += blockColumns)
       requireBlock(reader, table, row, column);
+  }
+}
+
+/// The workbook of a report, or nothing where the report is rightly refused.
+std::optional<zelvo::ByteBuffer> make(std::string_view report, const std::optional<ReportTable>& table) {
+  const bool isTooLong = zelvo::Unicode::characterCount(report) > maximumReportCharacters;
+  const bool hasTooManyLines = zelvo::Unicode::lines(report).size() > maximumReportLines;
+  try {
+    auto workbook = zelvo::ResearchWorkbook::make(report, report, {std::string(report), ""});
+    ZELVO_REQUIRE(table && !isTooLong && !hasTooManyLines);
+    return workbook;
+  } catch (const zelvo::DocumentError& error) {
+    using enum zelvo::DocumentError::Case;
+    ZELVO_REQUIRE(isTooLong || !table || hasTooManyLines);
+    ZELVO_REQUIRE(error.errorCase() == (isTooLong || table ? resourceLimit : validationFailed));
+    return std::nullopt;
   }
 }
 
@@ -107,22 +125,15 @@ void requireReadable(zelvo::ByteBuffer workbook, const ReportTable& table) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string_view report(reinterpret_cast<const char*>(data), size);
   if (!zelvo::Unicode::isValid(report)) return 0;
-  const auto limit = zelvo::fuzzing::researchMemory(size);
-  const auto table = zelvo::ResearchWorkbook::firstTable(report);
-  if (table) requireBounded(*table);
-  const bool isTooLong = zelvo::Unicode::characterCount(report) > maximumReportCharacters;
-  const bool hasTooManyLines = zelvo::Unicode::lines(report).size() > maximumReportLines;
-  zelvo::ByteBuffer workbook;
-  try {
-    workbook = zelvo::ResearchWorkbook::make(report, report, {std::string(report), ""});
-    ZELVO_REQUIRE(table && !isTooLong && !hasTooManyLines);
-  } catch (const zelvo::DocumentError& error) {
-    using enum zelvo::DocumentError::Case;
-    ZELVO_REQUIRE(isTooLong || !table || hasTooManyLines);
-    ZELVO_REQUIRE(error.errorCase() == (isTooLong || table ? resourceLimit : validationFailed));
-    return 0;
+  std::optional<ReportTable> table;
+  std::optional<zelvo::ByteBuffer> workbook;
+  {
+    const auto limit = zelvo::fuzzing::researchMemory(size);
+    table = zelvo::ResearchWorkbook::firstTable(report);
+    if (table) requireBounded(*table);
+    workbook = make(report, table);
   }
-  // Every exception of the reader from here on is a finding.
-  requireReadable(std::move(workbook), *table);
+  // Every exception of the reader is a finding.
+  if (workbook) requireReadable(std::move(*workbook), *table);
   return 0;
 }
