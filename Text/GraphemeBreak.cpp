@@ -126,7 +126,7 @@ class Character {
   bool endsInOpenConjunct_ = false;   ///< in a consonant and marks, one of them a virama
 };
 
-bool isASCII(char byte) {
+bool isASCIIByte(char byte) {
   return static_cast<unsigned char>(byte) < 0x80;
 }
 
@@ -139,7 +139,8 @@ bool isExtendedPictographic(char32_t scalar) {
 std::size_t characterEnd(std::string_view text, std::size_t start) {
   std::size_t end = start;
   Character character(nextScalar(text, end));
-  if (isASCII(text[start]) && text[start] != '\r' && end < text.size() && isASCII(text[end])) return end;
+  if (isASCIIByte(text[start]) && text[start] != '\r' && end < text.size() && isASCIIByte(text[end]))
+    return end;
   for (std::size_t next = end; end < text.size(); end = next) {
     if (!character.extend(nextScalar(text, next))) break;
   }

@@ -7,6 +7,12 @@ function(zelvo_prefixed OUT)
   set(${OUT} ${ARGN} PARENT_SCOPE)
 endfunction()
 
+# Lets clang-tidy accept the includes of joined sources.
+function(zelvo_lint_unity TARGET)
+  set_target_properties(${TARGET} PROPERTIES
+    UNITY_BUILD_CODE_BEFORE_INCLUDE "// NOLINTNEXTLINE(bugprone-suspicious-include)")
+endfunction()
+
 # zelvo_library(NAME SOURCES file... [USES target...] [WRAPS target...])
 #   The library target of one layer (one folder). USES: the lower layers whose headers its files include;
 #   script/check-includes allows no others. WRAPS: third-party libraries that only its sources include.
@@ -21,6 +27,7 @@ function(zelvo_library NAME)
   target_compile_features(${target} PUBLIC cxx_std_20)
   target_include_directories(${target} PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}> $<INSTALL_INTERFACE:include/zelvo>)
   target_link_libraries(${target} PUBLIC ${uses} PRIVATE $<BUILD_INTERFACE:zelvo_flags> ${wraps})
+  zelvo_lint_unity(${target})
 endfunction()
 
 # zelvo_executable(NAME SOURCES file... [USES target...]): the one kind of target whose name has no prefix.
@@ -30,4 +37,5 @@ function(zelvo_executable NAME)
   add_executable(${NAME} ${ARG_SOURCES})
   target_include_directories(${NAME} PRIVATE ${PROJECT_SOURCE_DIR})
   target_link_libraries(${NAME} PRIVATE ${uses} zelvo_flags)
+  zelvo_lint_unity(${NAME})
 endfunction()

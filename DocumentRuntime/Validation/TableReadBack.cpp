@@ -10,8 +10,8 @@ namespace zelvo {
 namespace {
 
 // The input rules have the same limits. Kept separate on purpose: the document may come from elsewhere.
-constexpr std::size_t maximumRows = 201;  ///< the header included
-constexpr std::size_t maximumColumns = 8;
+constexpr std::size_t maximumTableRows = 201;  ///< the header included
+constexpr std::size_t maximumTableColumns = 8;
 
 /// Iterates over the text of a cell, one `t` element after the other.
 class CellText {
@@ -129,8 +129,8 @@ void TableReadBack::add(const TableRow& row) {
 }
 
 void TableReadBack::check() const {
-  if (rowCount_ < 1 || rowCount_ > maximumRows || columnCount_ < 1 || columnCount_ > maximumColumns ||
-      isRagged_) {
+  if (rowCount_ < 1 || rowCount_ > maximumTableRows || columnCount_ < 1 ||
+      columnCount_ > maximumTableColumns || isRagged_) {
     throw DocumentError::validationFailed(RefusalDetail::tableDimensions);
   }
   if (expected_ == nullptr) return;

@@ -10,7 +10,7 @@ namespace {
 using Commands = std::vector<const CommandDescription*>;
 
 /// As one word of each of the shells.
-std::string quoted(std::string_view text) {
+std::string shellQuoted(std::string_view text) {
   std::string word = "'";
   for (const char c : text) {
     if (c == '\'') word += "'\\'";
@@ -33,7 +33,8 @@ std::vector<OptionDescription> wordsOf(const CommandDescription& command) {
 std::string pathPattern(const Commands& commands, const std::string& separator) {
   std::string pattern;
   for (const CommandDescription* command : commands) {
-    if (command != commands.front()) pattern += (pattern.empty() ? "" : separator) + quoted(command->path);
+    if (command != commands.front())
+      pattern += (pattern.empty() ? "" : separator) + shellQuoted(command->path);
   }
   return pattern;
 }
@@ -44,7 +45,7 @@ std::string joined(const std::vector<OptionDescription>& words) {
     for (const std::string& name : word.names)
       text += (text.empty() ? "" : " ") + name;
   }
-  return quoted(text);
+  return shellQuoted(text);
 }
 
 std::string joined(const std::vector<std::string>& words, const std::string& separator) {
@@ -65,9 +66,9 @@ std::vector<OptionDescription> valuedOptions(const CommandDescription& command) 
 std::string bash(const Commands& commands) {
   std::string cases;
   for (const CommandDescription* command : commands)
-    cases += "    " + quoted(command->path) + ") words=" + joined(wordsOf(*command)) +
+    cases += "    " + shellQuoted(command->path) + ") words=" + joined(wordsOf(*command)) +
              " options=" + joined(command->options) + " valued=" + joined(valuedOptions(*command)) +
-             " endings=" + quoted(joined(command->endings, " ")) + " ;;\n";
+             " endings=" + shellQuoted(joined(command->endings, " ")) + " ;;\n";
   return R"(_zelvo() {
   local command=zelvo words= options= valued= endings= current=${COMP_WORDS[COMP_CWORD]} file i
   for ((i = 1; i < COMP_CWORD; i++)); do
@@ -100,8 +101,8 @@ std::string zshWords(const std::vector<OptionDescription>& words) {
   std::string text;
   for (const OptionDescription& word : words) {
     for (const std::string& name : word.names)
-      text +=
-          (text.empty() ? "" : " ") + quoted(word.description.empty() ? name : name + ":" + word.description);
+      text += (text.empty() ? "" : " ") +
+              shellQuoted(word.description.empty() ? name : name + ":" + word.description);
   }
   return "(" + text + ")";
 }
@@ -114,9 +115,9 @@ std::string fileGlob(const CommandDescription& command) {
 std::string zsh(const Commands& commands) {
   std::string cases;
   for (const CommandDescription* command : commands)
-    cases += "    (" + quoted(command->path) + ") candidates=" + zshWords(wordsOf(*command)) +
+    cases += "    (" + shellQuoted(command->path) + ") candidates=" + zshWords(wordsOf(*command)) +
              " options=" + zshWords(command->options) + " valued=" + joined(valuedOptions(*command)) +
-             " files=" + quoted(fileGlob(*command)) + " ;;\n";
+             " files=" + shellQuoted(fileGlob(*command)) + " ;;\n";
   return R"(#compdef zelvo
 _zelvo() {
   local command=zelvo valued= files= i
@@ -160,19 +161,20 @@ end
 )";
   for (const CommandDescription* command : commands) {
     const std::string start =
-        "complete -c zelvo -n " + quoted("test (__zelvo_command) = \"" + command->path + "\"");
+        "complete -c zelvo -n " + shellQuoted("test (__zelvo_command) = \"" + command->path + "\"");
     for (const OptionDescription& word : wordsOf(*command))
-      text += start + " -f -a " + quoted(word.names.front()) + " -d " + quoted(word.description) + "\n";
+      text +=
+          start + " -f -a " + shellQuoted(word.names.front()) + " -d " + shellQuoted(word.description) + "\n";
     if (!command->endings.empty())
       text += start + " -f -a " +
-              quoted("(__fish_complete_path (commandline -ct) | string match -er \"(?:/|\\.(?:" +
-                     joined(command->endings, "|") + R"_())(?:\t.*)?\$"))_") +
+              shellQuoted("(__fish_complete_path (commandline -ct) | string match -er \"(?:/|\\.(?:" +
+                          joined(command->endings, "|") + R"_())(?:\t.*)?\$"))_") +
               "\n";
     for (const OptionDescription& option : command->options) {
       text += start;
       for (const std::string& name : option.names)
         text += name.starts_with("--") ? " -l " + name.substr(2) : " -s " + name.substr(1);
-      text += (option.value.empty() ? "" : " -r -F") + (" -d " + quoted(option.description)) + "\n";
+      text += (option.value.empty() ? "" : " -r -F") + (" -d " + shellQuoted(option.description)) + "\n";
     }
   }
   return text;

@@ -30,7 +30,7 @@ DocumentError tooLarge(const std::string& what, const CellRange& range) {
                                       "; select fewer with --range");
 }
 
-bool hasContent(XMLNode cell) {
+bool hasCellContent(XMLNode cell) {
   return cell.child("v") || cell.child("f") || cell.child("is");
 }
 
@@ -56,7 +56,7 @@ CellRange trimmed(const CellRange& range, const WorksheetContents& contents) {
   CellRange result = range;
   result.last.row = range.first.row;
   for (const WorksheetContents::Cell& cell : contents.cells()) {
-    if (cell.address.row > result.last.row && range.contains(cell.address) && hasContent(cell.element))
+    if (cell.address.row > result.last.row && range.contains(cell.address) && hasCellContent(cell.element))
       result.last.row = cell.address.row;
   }
   return result;
@@ -156,7 +156,7 @@ class BlockReader {
   void mark(const WorksheetContents::Cell& cell, const std::vector<NumberSpan>& runs,
             std::vector<bool>& isFilled) const {
     const auto run = std::ranges::lower_bound(runs, cell.address.column, {}, &NumberSpan::last);
-    if (run == runs.end() || cell.address.column < run->first || !hasContent(cell.element)) return;
+    if (run == runs.end() || cell.address.column < run->first || !hasCellContent(cell.element)) return;
     if (!selection_.includeHiddenRows && contents().isHiddenRow(cell.address.row)) return;
     isFilled[static_cast<std::size_t>(run - runs.begin())] = true;
   }

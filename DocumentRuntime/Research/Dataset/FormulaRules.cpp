@@ -41,14 +41,14 @@ bool isOperation(const Formula& node) {
 }
 
 /// The depth below the formula's root. Bounds the recursion for every caller.
-constexpr int maximumDepth = 32;
+constexpr int maximumUnitDepth = 32;
 
 class UnitCollector {
  public:
   explicit UnitCollector(const std::vector<ResearchSpreadsheet::Column>& columns) : columns_(columns) {}
 
   void collect(const Formula& node, int depth) {
-    if (depth > maximumDepth) throw DocumentError::resourceLimit("formula unit dependencies");
+    if (depth > maximumUnitDepth) throw DocumentError::resourceLimit("formula unit dependencies");
     switch (node.op) {
       case Formula::Operation::number:
       case Formula::Operation::count:

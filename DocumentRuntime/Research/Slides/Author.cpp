@@ -13,24 +13,24 @@ namespace {
 
 using DocumentAuthor::emuPerPoint;
 using Kind = SlideLayout::Kind;
+using DocumentAuthor::contentWidth;
 using SlideShapes::Area;
 using SlideShapes::TextStyle;
 
 // In EMU. The slide is 12192000 × 6858000.
-constexpr std::int64_t left = 609'600;
-constexpr std::int64_t width = DocumentAuthor::contentWidth;
+constexpr std::int64_t contentLeft = 609'600;
 constexpr Area coverBand = {0, 0, 12'192'000, 3'352'800};
 constexpr Area coverStrip = {0, 3'352'800, 12'192'000, 76'200};
 constexpr std::int64_t headingMarkTop = 215'900;
 constexpr std::int64_t headingMarkWidth = 762'000;
 constexpr std::int64_t markThickness = 50'800;
-constexpr std::int64_t pointIndent = 254'000;
+constexpr std::int64_t markedPointIndent = 254'000;
 constexpr std::int64_t rowRuleHeight = 9'525;
-constexpr std::int64_t numberWidth = 762'000;
+constexpr std::int64_t slideNumberWidth = 762'000;
 constexpr std::int64_t footerLineHeight = 152'400;
 constexpr std::int64_t aboveFooterText = 76'200;
 
-constexpr int footerSize = 10;
+constexpr int slideNumberSize = 10;
 
 // Colours of the theme.
 constexpr std::string_view textColour = "tx1";
@@ -58,8 +58,9 @@ class SlideDrawing {
   }
 
   void heading() {
-    const std::int64_t start =
-        SlideScript::isRightToLeft(layout_.title) ? left + width - headingMarkWidth : left;
+    const std::int64_t start = SlideScript::isRightToLeft(layout_.title)
+                                   ? contentLeft + contentWidth - headingMarkWidth
+                                   : contentLeft;
     rectangle("Heading mark", {start, headingMarkTop, headingMarkWidth, markThickness}, markColour);
     title({.size = layout_.titleSize, .colour = headingColour, .bold = true});
   }
@@ -69,13 +70,13 @@ class SlideDrawing {
     for (std::size_t i = 0; i < layout_.points.size(); ++i) {
       const std::string number = std::to_string(i + 1);
       Area row = layout_.pointAreas[i];
-      if (i > 0) rectangle("Rule " + number, {left, row.y, width, rowRuleHeight}, ruleColour);
+      if (i > 0) rectangle("Rule " + number, {contentLeft, row.y, contentWidth, rowRuleHeight}, ruleColour);
       const std::int64_t height = layout_.pointHeights[i];
       const bool isRightToLeft = SlideScript::isRightToLeft(layout_.points[i]);
-      if (isRightToLeft) row.x -= pointIndent;
+      if (isRightToLeft) row.x -= markedPointIndent;
       rectangle("Mark " + number,
-                {isRightToLeft ? left + width - markThickness : left, row.y + (row.height - height) / 2,
-                 markThickness, height},
+                {isRightToLeft ? contentLeft + contentWidth - markThickness : contentLeft,
+                 row.y + (row.height - height) / 2, markThickness, height},
                 markColour);
       text({.id = nextID_++, .name = "Point " + number}, row, {layout_.points[i]},
            {.size = layout_.textSize, .colour = textColour, .anchor = "ctr"});
@@ -87,7 +88,7 @@ class SlideDrawing {
         xml_, {.id = nextID_++, .name = "Chart", .description = SlideText::flattened(chartTitle)},
         layout_.chartArea);
     const Area& insight = layout_.pointAreas.front();
-    rectangle("Insight panel", {left, insight.y, width, insight.height}, panelColour);
+    rectangle("Insight panel", {contentLeft, insight.y, contentWidth, insight.height}, panelColour);
     text({.id = nextID_++, .name = "Points"}, insight, layout_.points,
          {.size = layout_.textSize, .colour = textColour, .anchor = "ctr"});
   }
@@ -99,16 +100,17 @@ class SlideDrawing {
     const std::int64_t top = layout_.footerRule.y + aboveFooterText;
     if (!sources.empty()) {
       text({.id = nextID_++, .name = "Sources label"},
-           {left, top, numberWidth, layout_.sourceAreas.front().height},
+           {contentLeft, top, slideNumberWidth, layout_.sourceAreas.front().height},
            {sources.size() > 1 ? "Sources" : "Source"},
            {.size = layout_.sourceSize, .colour = footerColour, .bold = true});
     }
     for (std::size_t i = 0; i < sources.size(); ++i)
       source(sources[i], i);
     if (isCover) return;
-    SlideShapes::appendSlideNumber(xml_, {.id = nextID_++, .name = "Slide number"},
-                                   {left + width - numberWidth, top, numberWidth, footerLineHeight}, number,
-                                   {.size = footerSize, .colour = footerColour, .alignsRight = true});
+    SlideShapes::appendSlideNumber(
+        xml_, {.id = nextID_++, .name = "Slide number"},
+        {contentLeft + contentWidth - slideNumberWidth, top, slideNumberWidth, footerLineHeight}, number,
+        {.size = slideNumberSize, .colour = footerColour, .alignsRight = true});
   }
 
   std::string take() {

@@ -8,6 +8,7 @@
 
 #include "DocumentRuntime/PackageIO/PartWriting.hpp"
 #include "DocumentRuntime/Research/Charts/ChartAuthor.hpp"
+#include "DocumentRuntime/Research/Slides/Shapes.hpp"
 
 namespace zelvo {
 namespace {
@@ -15,14 +16,14 @@ namespace {
 using Binding = ResearchPresentation::ResolvedChartBinding;
 using Cell = ResearchSpreadsheet::Cell;
 using Labels = ChartPlan::Labels;
-
-constexpr int hundredthsPerPoint = 100;
+using SlideShapes::appendFill;
+using SlideShapes::hundredthsPerPoint;
 
 // Colours of the theme.
 constexpr std::array<std::string_view, ResearchSpreadsheet::Chart::maximumSeries> seriesColours = {
     "accent1", "accent2", "accent3", "accent4"};
 constexpr std::string_view titleColour = "tx1";
-constexpr std::string_view textColour = "accent5";
+constexpr std::string_view labelColour = "accent5";
 constexpr std::string_view gridColour = "accent6";
 
 /// Lines differ in their markers, too.
@@ -38,18 +39,18 @@ constexpr int axisLine = 9'525;
 constexpr int gridLine = 6'350;
 
 /// A part of the frame, with four decimals.
-struct Part {
+struct FramePart {
   double value;
 };
 
-std::string text(Part part) {
+std::string text(FramePart part) {
   constexpr int decimals = 10'000;
   const auto tenThousandths = static_cast<int>(std::lround(part.value * decimals));
   std::string digits = std::to_string(decimals + tenThousandths).substr(1);
   return (tenThousandths >= decimals ? "1." : "0.") + digits;
 }
 
-struct TextStyle {
+struct FontStyle {
   int size;
   std::string_view colour;
   bool bold = false;
@@ -57,10 +58,6 @@ struct TextStyle {
 
 std::string shown(std::string_view text) {
   return OOXML::escaped(ResearchChartAuthor::cleaned(text));
-}
-
-void appendFill(std::string& xml, std::string_view colour) {
-  OOXML::append(xml, R"(<a:solidFill><a:schemeClr val=")", colour, R"("/></a:solidFill>)");
 }
 
 void appendLine(std::string& xml, int width, std::string_view colour) {
@@ -76,13 +73,13 @@ void appendLineProperties(std::string& xml, int width, std::string_view colour) 
 }
 
 /// The properties of a run, or the default ones of a paragraph, up to the end of the element.
-void appendFont(std::string& xml, const TextStyle& style, std::string_view element) {
+void appendFont(std::string& xml, const FontStyle& style, std::string_view element) {
   OOXML::append(xml, " sz=\"", style.size * hundredthsPerPoint, R"(" b=")", style.bold ? 1 : 0, "\">");
   appendFill(xml, style.colour);
   OOXML::append(xml, R"(<a:latin typeface="Arial"/></a:)", element, ">");
 }
 
-void appendTextProperties(std::string& xml, const TextStyle& style, std::string_view body = "<a:bodyPr/>") {
+void appendTextProperties(std::string& xml, const FontStyle& style, std::string_view body = "<a:bodyPr/>") {
   OOXML::append(xml, "<c:txPr>", body, "<a:lstStyle/><a:p><a:pPr><a:defRPr");
   appendFont(xml, style, "defRPr");
   xml += R"(</a:pPr><a:endParaRPr lang="en-US"/></a:p></c:txPr>)";
@@ -100,13 +97,13 @@ class ChartDrawing {
             R"(xmlns:r="http://schemas.openxmlformats.org/officeDocument/2006/relationships">)"
             R"(<c:roundedCorners val="0"/><c:chart>)";
     std::vector<Line> title = {{binding_.chart().title, {plan_.titleSize, titleColour, true}}};
-    if (!plan_.subtitle.empty()) title.push_back({plan_.subtitle, {plan_.subtitleSize, textColour}});
+    if (!plan_.subtitle.empty()) title.push_back({plan_.subtitle, {plan_.subtitleSize, labelColour}});
     appendTitle(title, plan_.titleLeft, 0);
     xml_ +=
         R"(<c:autoTitleDeleted val="0"/><c:plotArea><c:layout><c:manualLayout><c:layoutTarget val="outer"/>)"
         R"(<c:xMode val="edge"/><c:yMode val="edge"/>)";
-    OOXML::append(xml_, R"(<c:x val="0"/><c:y val=")", text(Part{plan_.plotTop}),
-                  R"("/><c:w val="1"/><c:h val=")", text(Part{1 - plan_.plotTop}),
+    OOXML::append(xml_, R"(<c:x val="0"/><c:y val=")", text(FramePart{plan_.plotTop}),
+                  R"("/><c:w val="1"/><c:h val=")", text(FramePart{1 - plan_.plotTop}),
                   R"("/></c:manualLayout></c:layout>)");
     appendPlot();
     appendCategoryAxis();
@@ -115,7 +112,7 @@ class ChartDrawing {
     if (plan_.legendHeight > 0) appendLegend();
     xml_ += R"(<c:plotVisOnly val="1"/><c:dispBlanksAs val="gap"/></c:chart>)"
             R"(<c:spPr><a:noFill/><a:ln><a:noFill/></a:ln></c:spPr>)";
-    appendTextProperties(xml_, {plan_.numberSize, textColour});
+    appendTextProperties(xml_, {plan_.numberSize, labelColour});
     xml_ += R"(<c:externalData r:id="rId1"><c:autoUpdate val="0"/></c:externalData></c:chartSpace>)";
     return std::move(xml_);
   }
@@ -129,7 +126,7 @@ class ChartDrawing {
 
   struct Line {
     std::string_view text;
-    TextStyle style;
+    FontStyle style;
   };
 
   /// A title whose upper left corner is at these parts of the frame.
@@ -144,7 +141,7 @@ class ChartDrawing {
     }
     OOXML::append(xml_,
                   R"(</c:rich></c:tx><c:layout><c:manualLayout><c:xMode val="edge"/><c:yMode val="edge"/>)",
-                  R"(<c:x val=")", text(Part{left}), R"("/><c:y val=")", text(Part{top}),
+                  R"(<c:x val=")", text(FramePart{left}), R"("/><c:y val=")", text(FramePart{top}),
                   R"("/></c:manualLayout></c:layout><c:overlay val="0"/></c:title>)");
   }
 
@@ -233,7 +230,7 @@ class ChartDrawing {
                   : plan_.hasNegatives         ? "low"
                                                : "nextTo",
                   R"("/>)");
-    appendLineProperties(xml_, axisLine, textColour);
+    appendLineProperties(xml_, axisLine, labelColour);
     const bool isWrapped = plan_.labels == Labels::flat && !plan_.isHorizontal;
     appendTextProperties(xml_, {plan_.labelSize, titleColour},
                          plan_.labels == Labels::diagonal ? R"(<a:bodyPr rot="-2700000" vert="horz"/>)"
@@ -253,18 +250,18 @@ class ChartDrawing {
     appendLineProperties(xml_, gridLine, gridColour);
     xml_ += "</c:majorGridlines>";
     if (!plan_.axisTitle.empty())
-      appendTitle({{plan_.axisTitle, {plan_.axisTitleSize, textColour}}}, 0, plan_.axisTitleTop);
+      appendTitle({{plan_.axisTitle, {plan_.axisTitleSize, labelColour}}}, 0, plan_.axisTitleTop);
     OOXML::append(xml_, R"(<c:numFmt formatCode=")", plan_.axisFormat,
                   R"(" sourceLinked="0"/><c:majorTickMark val="none"/><c:minorTickMark val="none"/>)",
                   R"(<c:tickLblPos val="nextTo"/><c:spPr><a:ln><a:noFill/></a:ln></c:spPr>)");
-    appendTextProperties(xml_, {plan_.numberSize, textColour});
+    appendTextProperties(xml_, {plan_.numberSize, labelColour});
     OOXML::append(xml_, R"(<c:crossAx val="100"/><c:crosses val=")", plan_.isHorizontal ? "max" : "autoZero",
                   R"("/><c:crossBetween val="between"/></c:valAx>)");
   }
 
   void appendLegend() {
     OOXML::append(xml_, R"(<c:legend><c:legendPos val="t"/><c:layout><c:manualLayout><c:xMode val="edge"/>)",
-                  R"(<c:yMode val="edge"/><c:x val="0"/><c:y val=")", text(Part{plan_.legendTop}),
+                  R"(<c:yMode val="edge"/><c:x val="0"/><c:y val=")", text(FramePart{plan_.legendTop}),
                   R"("/></c:manualLayout></c:layout><c:overlay val="0"/>)");
     appendTextProperties(xml_, {plan_.legendSize, titleColour});
     xml_ += "</c:legend>";

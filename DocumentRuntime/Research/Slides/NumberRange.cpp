@@ -17,7 +17,7 @@ constexpr double thousand = 1000;
 constexpr int generalDecimals = 4;
 constexpr int mostAxisDecimals = 9;
 constexpr int mostValueDecimals = 3;
-constexpr double twoDigits = 10;
+constexpr double smallestTwoDigits = 10;
 constexpr double threeDigits = 100;
 /// Above it a number is too long for a label.
 constexpr double longestValue = 1e9;
@@ -108,7 +108,7 @@ std::string NumberRange::valueFormat() const {
   double smallest = smallest_;
   for (int i = 0; i < decimals; ++i)
     smallest *= 10;
-  const bool showsAll = decimals == decimals_ || smallest >= twoDigits;
+  const bool showsAll = decimals == decimals_ || smallest >= smallestTwoDigits;
   return showsAll && std::max(-least_, most_) < longestValue ? formatOf(decimals) : std::string();
 }
 

@@ -8,11 +8,11 @@
 namespace zelvo {
 namespace {
 
+using SlideShapes::appendFill;
 using SlideShapes::Area;
+using SlideShapes::hundredthsPerPoint;
 using SlideShapes::Identity;
 using SlideShapes::TextStyle;
-
-constexpr int hundredthsPerPoint = 100;
 
 int hundredths(double points) {
   return static_cast<int>(std::lround(points * hundredthsPerPoint));
@@ -28,10 +28,6 @@ void appendIdentity(std::string& xml, const Identity& identity) {
 void appendArea(std::string& xml, const Area& area) {
   OOXML::append(xml, R"(<a:off x=")", area.x, R"(" y=")", area.y, R"("/><a:ext cx=")", area.width,
                 R"(" cy=")", area.height, R"("/>)");
-}
-
-void appendFill(std::string& xml, std::string_view colour) {
-  OOXML::append(xml, R"(<a:solidFill><a:schemeClr val=")", colour, R"("/></a:solidFill>)");
 }
 
 void appendTextStart(std::string& xml, const Identity& identity, const Area& area, const TextStyle& style) {
@@ -63,6 +59,10 @@ void appendRunProperties(std::string& xml, const TextStyle& style, std::string_v
 }
 
 }  // namespace
+
+void SlideShapes::appendFill(std::string& xml, std::string_view colour) {
+  OOXML::append(xml, R"(<a:solidFill><a:schemeClr val=")", colour, R"("/></a:solidFill>)");
+}
 
 void SlideShapes::appendText(std::string& xml, const Identity& identity, const Area& area,
                              const std::vector<std::string>& paragraphs, const TextStyle& style,

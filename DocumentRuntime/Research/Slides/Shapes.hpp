@@ -10,6 +10,9 @@
 /// The shapes of the slides of a research deck. All texts are escaped here.
 namespace zelvo::SlideShapes {
 
+/// Font sizes in documents are in hundredths of a point.
+inline constexpr int hundredthsPerPoint = 100;
+
 /// A rectangle on the slide, in EMU.
 struct Area {
   std::int64_t x;
@@ -34,6 +37,9 @@ struct TextStyle {
   std::string_view anchor = "t";  ///< "t", "ctr" or "b"
   bool alignsRight = false;       ///< paragraphs from right to left do always
 };
+
+/// A fill in a colour of the theme.
+void appendFill(std::string& xml, std::string_view colour);
 
 /// A text box of these paragraphs, each one run with its language and direction.
 void appendText(std::string& xml, const Identity& identity, const Area& area,

@@ -12,8 +12,7 @@ namespace {
 
 constexpr std::string_view ellipsis = "…";
 
-/// The widest character of the narrow estimate, in ems.
-constexpr double fullWidth = 1.0;
+using TextWidth::fullWidth;
 
 /// How much of a line texts fill.
 struct Estimate {

@@ -15,7 +15,7 @@ struct EstimatedRange {
   double ems;
 };
 
-constexpr double fullWidth = 1.0;
+using TextWidth::fullWidth;
 /// Scripts that are not listed: Ethiopic and Canadian syllables are the widest that common fonts have.
 constexpr double unknownScript = 2.1;
 

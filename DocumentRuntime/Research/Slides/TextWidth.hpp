@@ -11,6 +11,9 @@ enum class FontWeight { regular, bold };
 /// an estimate that is at least the width in common fonts. Widths are in ems.
 namespace TextWidth {
 
+/// A square character, as in Chinese.
+inline constexpr double fullWidth = 1.0;
+
 /// Of one scalar. Zero for scalars that are never drawn.
 double of(char32_t scalar, FontWeight weight);
 

@@ -20,7 +20,7 @@ using ResearchWorkbook::ReportTable;
 
 constexpr std::size_t maximumReportCharacters = 60'000;
 constexpr std::size_t maximumSources = 100;
-constexpr std::size_t maximumCellCharacters = 32'000;  ///< below the 32,767 of spreadsheet programs
+constexpr std::size_t maximumTextCharacters = 32'000;  ///< below the 32,767 of spreadsheet programs
 
 /// Limits of a text that is written as a number; longer ones are more often identifiers than amounts.
 constexpr std::size_t maximumWholeDigits = 14;
@@ -53,7 +53,7 @@ std::string withPoint(std::string number) {
 
 std::string cellText(std::string_view text) {
   // Characters that XML does not allow do not count toward the length.
-  return OOXML::escaped(Unicode::prefix(OOXML::withoutForbidden(text), maximumCellCharacters));
+  return OOXML::escaped(Unicode::prefix(OOXML::withoutForbidden(text), maximumTextCharacters));
 }
 
 enum class Numbers { written, keptAsTexts };
