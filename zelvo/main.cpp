@@ -2,21 +2,53 @@
 // and escapes what they return before it is written to a terminal.
 
 #include <algorithm>
+#include <array>
 #include <chrono>
+#include <csignal>
 #include <exception>
+#include <fcntl.h>
 #include <new>
+#include <unistd.h>
 #include <variant>
 
+#include "System/SignalCleanup.hpp"
 #include "zelvo/Batch/Batch.hpp"
 #include "zelvo/CommandLine/CommandLine.hpp"
 #include "zelvo/Commands/Commands.hpp"
 #include "zelvo/Execution/ConfinedChild.hpp"
-#include "zelvo/Execution/ProcessSetup.hpp"
 #include "zelvo/Execution/WorkerExchange.hpp"
 #include "zelvo/Output/Console.hpp"
 
 namespace zelvo {
 namespace {
+
+void openStandardStreams() {
+  struct Stream {
+    int number;
+    int flags;  // opened in the wrong direction, so that using the stream is still an error
+  };
+  constexpr std::array<Stream, 3> streams = {
+      {{STDIN_FILENO, O_WRONLY}, {STDOUT_FILENO, O_RDONLY}, {STDERR_FILENO, O_RDONLY}}};
+  for (const auto [number, flags] : streams) {
+    // `open` takes the lowest free number, and all below this one are open.
+    if (fcntl(number, F_GETFD) < 0) static_cast<void>(open("/dev/null", flags));
+  }
+}
+
+/// Establishes what the tool relies on, whatever its parent passed on:
+///
+/// - The three standard streams are open, so that no file or pipe of the tool gets the number of one. Using a
+///   stream that was closed fails.
+/// - A write beyond the limit on file sizes fails and does not end the process.
+/// - Children can be waited for.
+/// - A signal that ends the tool ends its children and removes its temporary files.
+void setUpProcess() {
+  openStandardStreams();
+  // Neither fails for a signal that exists.
+  static_cast<void>(std::signal(SIGXFSZ, SIG_IGN));
+  static_cast<void>(std::signal(SIGCHLD, SIG_DFL));
+  SignalCleanup::install();
+}
 
 struct RunCommand {
   const Hosts& hosts;

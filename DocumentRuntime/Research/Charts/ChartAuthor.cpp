@@ -2,6 +2,7 @@
 
 #include <cstddef>
 
+#include "DocumentRuntime/Authoring/PresentationFrame.hpp"
 #include "DocumentRuntime/PackageIO/PartWriting.hpp"
 
 namespace zelvo {
@@ -145,6 +146,12 @@ std::string ResearchChartAuthor::xml(const ResearchSpreadsheet& content, const C
   if (embedded) xml += R"(<c:externalData r:id="rId1"><c:autoUpdate val="0"/></c:externalData>)";
   xml += "</c:chartSpace>";
   return xml;
+}
+
+std::string ResearchChartAuthor::themeXML() {
+  return DocumentAuthor::themeXML({.dark = {"202124", "0A2F63"},
+                                   .light = {"FFFFFF", "F2F4F7"},
+                                   .accents = {"0A2F63", "C4A13E", "23868B", "90373E", "5B6770", "D9DEE4"}});
 }
 
 }  // namespace zelvo

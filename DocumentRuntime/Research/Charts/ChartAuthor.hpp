@@ -31,4 +31,9 @@ std::string seriesName(const ResearchSpreadsheet::Column& column);
 /// A text without control characters, as charts show it. Not escaped.
 std::string cleaned(std::string_view text);
 
+/// The theme part of documents with such charts, without the XML declaration. Its first four accents are the
+/// colours of a chart's series: they differ in hue and in lightness, so that they are told apart in greyscale
+/// and by colour-blind readers.
+std::string themeXML();
+
 }  // namespace zelvo::ResearchChartAuthor

@@ -8,8 +8,8 @@
 
 #include "DocumentRuntime/Authoring/PresentationPackage.hpp"
 #include "DocumentRuntime/PackageIO/BoundedZIP.hpp"
+#include "DocumentRuntime/Research/Charts/ChartAuthor.hpp"
 #include "DocumentRuntime/Research/Charts/ChartWorkbook.hpp"
-#include "DocumentRuntime/Research/Charts/Theme.hpp"
 #include "DocumentRuntime/Research/PresentationModel/RendererVersion.hpp"
 #include "DocumentRuntime/Research/PresentationReadBack/ReadBack.hpp"
 #include "DocumentRuntime/Research/Slides/Author.hpp"
@@ -44,7 +44,7 @@ class DeckAuthor {
     for (const auto& slide : presentation.slides)
       sourceCounts.push_back(sources_.emplace_back(slideSources(slide, scope)).size());
     layouts_ = slideLayouts(presentation, sourceCounts);
-    plan_.themeXML = researchThemeXML();
+    plan_.themeXML = ResearchChartAuthor::themeXML();
     plan_.title = SlideText::flattened(presentation.title);
   }
 

@@ -8,7 +8,6 @@
 #include "DocumentRuntime/PackageIO/BoundedZIP.hpp"
 #include "DocumentRuntime/PackageIO/PartWriting.hpp"
 #include "DocumentRuntime/Research/Charts/ChartAuthor.hpp"
-#include "DocumentRuntime/Research/Charts/Theme.hpp"
 #include "DocumentRuntime/Research/Workbook/SheetAuthor.hpp"
 #include "DocumentRuntime/Research/Workbook/SheetLimits.hpp"
 #include "DocumentRuntime/Research/WorkbookReadBack/ReadBack.hpp"
@@ -110,7 +109,7 @@ PartMap researchWorkbookPackage(const ResearchWorkbookContent& content, Workbook
   if (!content.calculations.empty())
     plan.afterSheets = R"(<calcPr calcMode="auto" fullCalcOnLoad="1" forceFullCalc="1"/>)";
   plan.stylesXML = researchStylesXML(content.hasScope);
-  if (theme == WorkbookTheme::included) plan.themeXML = researchThemeXML();
+  if (theme == WorkbookTheme::included) plan.themeXML = ResearchChartAuthor::themeXML();
   BoundedZIP::OutputSize drawn;
   for (const ResearchSheet& sheet : content.sheets) {
     plan.sheets.push_back({.name = std::string(sheet.name),
