@@ -16,7 +16,7 @@ using WorkerReply = std::variant<DocumentWorkerResponse, WorkerFailure>;
 
 /// Sends requests to confined workers, one process per request.
 ///
-///     const DocumentWorkerHost host("/usr/lib/zelvo/zelvo_document_worker");
+///     const DocumentWorkerHost host("/usr/libexec/zelvo/zelvo_document_worker");
 ///     const WorkerReply reply = host.send({.operation = DocumentWorkerRequest::Operation::inspect,
 ///                                          .data = std::move(bytes),
 ///                                          .sourceName = "sales.xlsx"});

@@ -35,11 +35,11 @@ struct DocumentWorkerRequest {
   Operation operation = Operation::inspect;
   ByteBuffer data;         ///< the workbook; for `validate`, the document
   std::string sourceName;  ///< the name of the workbook in the results
-  std::optional<TableSelection> selection;
-  std::optional<DocumentFormat> format;
-  std::optional<std::string> title;
-  std::optional<ChartSelection> chart;
-  std::optional<SourceTable> expectedTable;
+  std::optional<TableSelection> selection = {};
+  std::optional<DocumentFormat> format = {};
+  std::optional<std::string> title = {};
+  std::optional<ChartSelection> chart = {};
+  std::optional<SourceTable> expectedTable = {};
 
   bool operator==(const DocumentWorkerRequest&) const = default;
 };

@@ -8,9 +8,11 @@ install(TARGETS zelvo RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT zelv
 install(TARGETS zelvo_document_worker zelvo_document_cleaner
   RUNTIME DESTINATION ${CMAKE_INSTALL_LIBEXECDIR}/zelvo COMPONENT zelvo)
 
-install(FILES README.md CHANGELOG.md SECURITY.md DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT zelvo)
+install(FILES README.md CHANGELOG.md CONTRIBUTING.md SECURITY.md DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT zelvo)
 install(DIRECTORY docs examples DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT zelvo)
-install(FILES hosts/python/README.md DESTINATION ${CMAKE_INSTALL_DOCDIR}/hosts/python COMPONENT zelvo)
+foreach(host python node)
+  install(FILES hosts/${host}/README.md DESTINATION ${CMAKE_INSTALL_DOCDIR}/hosts/${host} COMPONENT zelvo)
+endforeach()
 install(DIRECTORY schemas/ DESTINATION ${CMAKE_INSTALL_DATADIR}/zelvo/schemas COMPONENT zelvo FILES_MATCHING PATTERN "*.json")
 
 # systemd units with the prefix of the installation, which cpack and `cmake --install --prefix` choose after the configuration.
