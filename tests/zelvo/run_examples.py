@@ -60,7 +60,7 @@ class Examples(unittest.TestCase):
                 if language == "sh" and not mark:
                     for line in block.replace("\\\n", "").splitlines():
                         self.run_line(line, int((re.findall(r"# status (\d+)", line) or ["0"])[0]))
-                transcript = block if language == "console" else ""
+                transcript = block if language == "console" and not mark else ""
                 for line, output in re.findall(r"^\$ (.*)\n((?:(?!\$ ).*\n)*)", transcript, re.M):
                     self.assertRegex(self.run_line(line, None), re.escape(output).replace("…", r"(?s:.*)"))
                 self.assertNotIn(language, ("", "bash", "shell"), page)
