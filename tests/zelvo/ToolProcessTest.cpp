@@ -21,6 +21,7 @@ TEST_F(ToolProcess, RefusesAnInvalidCommandLine) {
                                                    R"( => --sheet: The text is not UTF-8
       extract - --sheet S --sheet T --range A1 => --sheet: At Most 1 required but received 2
       extract - --json --csv => --json excludes --csv ; extract - --tsv --jsonl => --jsonl excludes --tsv
+      doctor --timeout 86401 => --timeout: The time must be 1 to 86400 seconds
       extract - --json --raw => --json excludes --raw ; extract - --sheet  => --sheet: 1 required NAME|#N|N missing
       create - --title t --json -o - => --json excludes -o -: standard output holds the document
       create - --sheet S --range A1 --title t => --output is required

@@ -215,6 +215,11 @@ constexpr Row rows[] = {
 };
 // clang-format on
 
+constexpr bool isSentence(std::string_view hint) {
+  return hint.empty() || hint.ends_with('.');
+}
+static_assert(std::ranges::all_of(rows, [](const Row& row) { return isSentence(row.hint); }));
+
 /// What precedes and follows the detail in the message of such an error.
 struct Frame {
   explicit Frame(DocumentError (*error)(std::string)) {
