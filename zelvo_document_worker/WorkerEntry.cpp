@@ -41,8 +41,8 @@ std::optional<std::string> readRequest(Input& input) {
 }
 
 /// Makes the allocator use memory that was freed again, instead of returning it to the system. Otherwise
-/// every part of a document is read into new pages, which the system must clear first. A process that answers
-/// one request and ends has nobody to return memory to.
+/// every part of a document is read into new pages, which the system must clear first. No other request of
+/// this process needs the memory.
 void keepFreedMemory() {
 #ifdef __GLIBC__
   mallopt(M_MMAP_MAX, 0);

@@ -11,14 +11,14 @@
 namespace zelvo {
 namespace {
 
+using DocumentAuthor::contentLeft;
+using DocumentAuthor::contentWidth;
 using DocumentAuthor::emuPerPoint;
 using Kind = SlideLayout::Kind;
-using DocumentAuthor::contentWidth;
 using SlideShapes::Area;
 using SlideShapes::TextStyle;
 
 // In EMU. The slide is 12192000 × 6858000.
-constexpr std::int64_t contentLeft = 609'600;
 constexpr Area coverBand = {0, 0, 12'192'000, 3'352'800};
 constexpr Area coverStrip = {0, 3'352'800, 12'192'000, 76'200};
 constexpr std::int64_t headingMarkTop = 215'900;

@@ -30,7 +30,7 @@ constexpr double titleWidth = 0.78;
 /// The same of the title of the value axis.
 constexpr double axisTitleWidth = 0.18;
 /// The space below a text, in points.
-constexpr double partGap = 6;
+constexpr double belowText = 6;
 /// The key beside a legend's entry, with the space around both, in points.
 constexpr double legendKey = 40;
 constexpr double legendLine = 1.5;  ///< relative to the font size
@@ -45,11 +45,11 @@ constexpr double usualDiagonalPart = 0.34;
 constexpr double mostDiagonalPart = 0.55;
 constexpr double mostBesidePart = 0.45;
 constexpr double sineOfDiagonal = 0.7072;
-/// The partGap between categories, in percent of a bar's width. A few bars are not as wide as the plot.
+/// The gap between categories, in percent of a bar's width. A few bars are not as wide as the plot.
 constexpr int usualGap = 60;
 constexpr int wideGap = 150;
 constexpr std::size_t fewBars = 4;
-/// The same partGap, relative to a bar's width.
+/// The same gap, relative to a bar's width.
 constexpr double usualGapPart = 0.6;
 /// More numbers than these are read from the axis.
 constexpr std::size_t mostValues = 24;
@@ -206,10 +206,10 @@ ChartPlan chartPlan(const Binding& binding, const ChartSize& frame) {
                        .value_or(smallestSize);
   if (SlideScript::isRightToLeft(title)) {
     const double ems = TextWidth::of(title, FontWeight::bold);
-    plan.titleLeft = std::max(0.0, 1 - (ems * plan.titleSize + partGap) / frame.width);
+    plan.titleLeft = std::max(0.0, 1 - (ems * plan.titleSize + belowText) / frame.width);
   }
   const double titleLines = SlideText::lines(title, titleRoom / plan.titleSize, FontWeight::bold);
-  double top = std::min(titleLines * plan.titleSize * SlideText::lineSpacing, mostTitleHeight) + partGap;
+  double top = std::min(titleLines * plan.titleSize * SlideText::lineSpacing, mostTitleHeight) + belowText;
 
   const std::vector<std::string> names = seriesNames(binding);
   const double nameWidth = TextWidth::of(names.front(), FontWeight::regular);
@@ -226,13 +226,13 @@ ChartPlan chartPlan(const Binding& binding, const ChartSize& frame) {
     plan.legendTop = top / frame.height;
     const double height = legendHeight(names, frame.width, plan.legendSize);
     plan.legendHeight = height / frame.height;
-    top += height + partGap;
+    top += height + belowText;
   }
   if (!plan.axisTitle.empty()) {
     plan.axisTitleTop = top / frame.height;
     plan.axisTitleSize = sizeOnOneLine(TextWidth::of(plan.axisTitle, FontWeight::regular),
                                        frame.width * axisTitleWidth, textSize);
-    top += plan.axisTitleSize * SlideText::lineSpacing + partGap;
+    top += plan.axisTitleSize * SlideText::lineSpacing + belowText;
   }
   plan.plotTop = top / frame.height;
 

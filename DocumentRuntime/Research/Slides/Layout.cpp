@@ -10,14 +10,14 @@
 namespace zelvo {
 namespace {
 
+using DocumentAuthor::contentWidthPoints;
 using DocumentAuthor::emuPerPoint;
 using Kind = SlideLayout::Kind;
 using SlideShapes::Area;
 using SlideText::lineSpacing;
 
 // All lengths are in points. The slide has 960 × 540.
-constexpr double left = 48;
-constexpr double usableWidth = 864;
+constexpr double left = static_cast<double>(DocumentAuthor::contentLeft) / static_cast<double>(emuPerPoint);
 constexpr double slideHeight = 540;
 constexpr double bottomMargin = 10;
 
@@ -116,14 +116,14 @@ Draft drafted(const ResearchPresentation& presentation, std::size_t index, std::
     draft.textRole = &listedPoint;
   }
   draft.fittingTitle =
-      SlideText::fittedSize({layout.title}, {.width = usableWidth,
+      SlideText::fittedSize({layout.title}, {.width = contentWidthPoints,
                                              .height = index == 0 ? coverTitleHeight : mostTitleHeight,
                                              .largestSize = draft.titleRole->size,
                                              .weight = FontWeight::bold});
 
   const std::size_t columns = sources > mostSourceLines ? 2 : 1;
   const auto lines = static_cast<double>(std::max<std::size_t>((sources + columns - 1) / columns, 1));
-  const double columnWidth = (usableWidth - sourceIndent - numberWidth) / static_cast<double>(columns);
+  const double columnWidth = (contentWidthPoints - sourceIndent - numberWidth) / static_cast<double>(columns);
   const double footerTop = slideHeight - bottomMargin - lines * footerLine;
   layout.sourceSize = columns == 1 ? footerSize : smallFooterSize;
   for (std::size_t i = 0; i < sources; ++i) {
@@ -134,7 +134,7 @@ Draft drafted(const ResearchPresentation& presentation, std::size_t index, std::
                                       footerTop + line * footerLine, columnWidth - betweenColumns,
                                       footerLine));
   }
-  layout.footerRule = area(left, footerTop - aboveFooter, usableWidth, 0.75);
+  layout.footerRule = area(left, footerTop - aboveFooter, contentWidthPoints, 0.75);
   draft.bottom = footerTop - 2 * aboveFooter;
   return draft;
 }
@@ -142,12 +142,12 @@ Draft drafted(const ResearchPresentation& presentation, std::size_t index, std::
 void placeTitle(Draft& draft) {
   SlideLayout& layout = draft.layout;
   if (layout.kind == Kind::cover) {
-    layout.titleArea = area(left, coverTitleTop, usableWidth, coverTitleHeight);
+    layout.titleArea = area(left, coverTitleTop, contentWidthPoints, coverTitleHeight);
     return;
   }
-  const double height =
-      std::min(mostTitleHeight, textHeight(layout.title, usableWidth, layout.titleSize, FontWeight::bold));
-  layout.titleArea = area(left, titleTop, usableWidth, height);
+  const double height = std::min(
+      mostTitleHeight, textHeight(layout.title, contentWidthPoints, layout.titleSize, FontWeight::bold));
+  layout.titleArea = area(left, titleTop, contentWidthPoints, height);
   draft.top = titleTop + height + belowTitle;
 }
 
@@ -156,13 +156,14 @@ SlideText::Bounds pointBounds(const Draft& draft) {
   const int size = draft.textRole->size;
   switch (draft.layout.kind) {
     case Kind::cover:
-      return {.width = usableWidth, .height = coverPointsHeight, .largestSize = size};
+      return {.width = contentWidthPoints, .height = coverPointsHeight, .largestSize = size};
     case Kind::points:
-      return {.width = usableWidth - pointIndent, .height = draft.bottom - draft.top, .largestSize = size};
+      return {
+          .width = contentWidthPoints - pointIndent, .height = draft.bottom - draft.top, .largestSize = size};
     case Kind::chart:
       break;
   }
-  return {.width = usableWidth - 2 * insightIndent, .height = mostInsightHeight, .largestSize = size};
+  return {.width = contentWidthPoints - 2 * insightIndent, .height = mostInsightHeight, .largestSize = size};
 }
 
 /// Gives each point a row. What the texts leave free is shared equally, so that no half of the slide is
@@ -172,7 +173,8 @@ void placeRows(Draft& draft) {
   std::vector<double> heights;
   double used = 0;
   for (const std::string& point : layout.points) {
-    heights.push_back(textHeight(point, usableWidth - pointIndent, layout.textSize, FontWeight::regular));
+    heights.push_back(
+        textHeight(point, contentWidthPoints - pointIndent, layout.textSize, FontWeight::regular));
     used += heights.back();
   }
   const double available = draft.bottom - draft.top;
@@ -182,7 +184,7 @@ void placeRows(Draft& draft) {
   double top = draft.top;
   for (const double height : heights) {
     const double row = height * scale + free;
-    layout.pointAreas.push_back(area(left + pointIndent, top, usableWidth - pointIndent, row));
+    layout.pointAreas.push_back(area(left + pointIndent, top, contentWidthPoints - pointIndent, row));
     layout.pointHeights.push_back(inEMU(height * scale));
     top += row;
   }
@@ -190,12 +192,12 @@ void placeRows(Draft& draft) {
 
 void placeInsight(Draft& draft) {
   SlideLayout& layout = draft.layout;
-  const double textWidth = usableWidth - 2 * insightIndent;
+  const double textWidth = contentWidthPoints - 2 * insightIndent;
   const double height = std::min(
       mostInsightHeight, textHeight(layout.points.front(), textWidth, layout.textSize, FontWeight::regular));
   const double panelTop = draft.bottom - height - 2 * insightPadding;
   layout.pointAreas = {area(left + insightIndent, panelTop, textWidth, height + 2 * insightPadding)};
-  layout.chartArea = area(left, draft.top, usableWidth, panelTop - aboveFooter - draft.top);
+  layout.chartArea = area(left, draft.top, contentWidthPoints, panelTop - aboveFooter - draft.top);
 }
 
 }  // namespace
@@ -226,7 +228,7 @@ std::vector<SlideLayout> slideLayouts(const ResearchPresentation& presentation,
     SlideLayout& layout = draft.layout;
     layout.textSize = shared.of(*draft.textRole, draft.fittingText);
     if (layout.kind == Kind::cover)
-      layout.pointAreas = {area(left, coverPointsTop, usableWidth, coverPointsHeight)};
+      layout.pointAreas = {area(left, coverPointsTop, contentWidthPoints, coverPointsHeight)};
     if (layout.kind == Kind::points) placeRows(draft);
     if (layout.kind == Kind::chart) placeInsight(draft);
     layouts.push_back(std::move(layout));
