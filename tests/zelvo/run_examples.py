@@ -68,10 +68,11 @@ class Examples(unittest.TestCase):
         self.assertEqual(not_run, NOT_RUN)
 
     def test_help(self):
-        commands, count = [""], 0
+        commands, count, pages = [""], 0, "# Commands\n\nWhat `zelvo help` prints, written by `script/update-goldens`.\n"
         for command in commands:
             text = self.run_line("zelvo help " + command)
             self.assertEqual(text, self.run_line(f"zelvo {command} --help"))
+            pages += f"\n## zelvo{command}\n\n```text\n{text}```\n"
             below = re.search(r"\nSubcommands:\n(.*?)\n\n", text, re.S)
             commands += [f"{command} {line.split()[0]}" for line in below[1].splitlines()] if below else []
             examples = re.findall(r"^  (.+?)  # ", text.split("Examples:")[1], re.M)
@@ -80,6 +81,10 @@ class Examples(unittest.TestCase):
                 self.run_line(line)
                 count += 1
         self.assertGreater(count, 36)
+        page = ROOT / "docs/commands.md"
+        if "ZELVO_UPDATE_GOLDENS" in os.environ:
+            page.write_text(pages)
+        self.assertMultiLineEqual(pages, page.read_text())
 
 
 if __name__ == "__main__":
