@@ -1,5 +1,5 @@
 // Runs commands alternately, A B A B …, each with a file as standard input, discards their output, and prints
-// one line per run: which command, status, user and system CPU seconds, wall seconds, peak memory in KiB.
+// one line per run: which command, status, user and system CPU seconds, wall seconds, peak memory in KiB, page faults.
 //
 //   measure RUNS INPUT -- COMMAND [ARG...] [-- COMMAND [ARG...]]...
 //
@@ -35,8 +35,8 @@ void run(std::size_t index, char* const* command, const char* input) {
   rusage usage{};
   wait4(child, &status, 0, &usage);
   const std::chrono::duration<double> wall = std::chrono::steady_clock::now() - start;
-  std::printf("%zu %d %.6f %.6f %.6f %ld\n", index, status, seconds(usage.ru_utime), seconds(usage.ru_stime),
-              wall.count(), usage.ru_maxrss);
+  std::printf("%zu %d %.6f %.6f %.6f %ld %ld\n", index, status, seconds(usage.ru_utime),
+              seconds(usage.ru_stime), wall.count(), usage.ru_maxrss, usage.ru_minflt + usage.ru_majflt);
 }
 
 }  // namespace

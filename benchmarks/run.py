@@ -17,7 +17,9 @@ import workloads
 
 INSPECTED = ["cells-50000", "near-limit", "sheets-64", "part-16-mib", "strings-50000", "empty-elements",
              "empty-elements-refused", "attributes-64", "distinct-attributes", "one-tag", "deep-nesting"]
-GROWING = ["cells-50000", "near-limit", "empty-elements"]
+INSPECTED_GROWING = ["cells-50000", "sheets-64", "strings-50000", "part-16-mib", "near-limit", "entries-512", "empty-elements",
+                     "attributes-64", "distinct-attributes", "one-tag", "deep-nesting"]
+CLEANED_GROWING = ["cells-50000", "near-limit", "shared-formula"]
 MIB = 1024 * 1024
 
 
@@ -32,19 +34,21 @@ class Bench:
         return path
 
     def measure(self, stdin, *commands, runs=None):
-        """For each command the medians of CPU and wall seconds, its largest peak in bytes, and each pair's ratios to the first."""
+        """For each command the medians of CPU and wall seconds, its largest peak in bytes, the median of its page faults, and each pair's ratios to
+        the first."""
         line = [str(self.binaries / "measure"), str(runs or self.runs), str(stdin)]
         for command in commands:
             line += ["--", *command]
         rows = [[] for _ in commands]
         for text in subprocess.run(line, capture_output=True, text=True, check=True).stdout.splitlines():
-            which, status, user, system, wall, peak = text.split()
+            which, status, user, system, wall, peak, faults = text.split()
             assert status == "0", f"{commands[int(which)]} ended with wait status {status} on {stdin}"
-            rows[int(which)].append((float(user) + float(system), float(wall), int(peak) * 1024))
+            rows[int(which)].append((float(user) + float(system), float(wall), int(peak) * 1024, int(faults)))
         return [{
             "cpu": statistics.median(r[0] for r in row),
             "wall": statistics.median(r[1] for r in row),
             "peak": max(r[2] for r in row),
+            "faults": statistics.median(r[3] for r in row),
             "cpu ratio": statistics.median(a[0] / max(b[0], 1e-9) for a, b in zip(row, rows[0])),
             "wall ratio": statistics.median(a[1] / b[1] for a, b in zip(row, rows[0])),
         } for row in rows]
@@ -80,7 +84,7 @@ def inspect_rows(bench):
         # If the archive is refused, only entries that were expanded before count.
         allowed = stdin.stat().st_size * 3 + min(expanded, 64 * MIB) * 3 + 32 * MIB
         yield [name, f"{expanded / MIB:.1f}", milliseconds(base["cpu"]), milliseconds(ours["cpu"]),
-               f"{ours['cpu ratio']:.2f}", f"{ours['peak'] / MIB:.0f}", f"{allowed / MIB:.0f}", f"{ours['wall']:.2f}"]
+               f"{ours['cpu ratio']:.2f}", f"{ours['peak'] / MIB:.0f}", f"{allowed / MIB:.0f}", f"{base['faults']:.0f}", f"{ours['faults']:.0f}"]
 
 
 SELECTION = {"sheetName": "Sheet 1", "range": "A1:H201", "firstRowIsHeader": True, "includeHiddenRows": False,
@@ -108,7 +112,8 @@ def create_rows(bench):
         selection = {**SELECTION, "range": f"A1:H{rows}"}
         create = bench.request("table-200x8", operation="create", **{**plan, "selection": selection}, **fields)
         base, ours = bench.measure(create, floor, worker, runs=100)
-        yield [label, f"{base['cpu'] * 1000:.2f}", f"{ours['cpu'] * 1000:.2f}", f"{ours['cpu ratio']:.2f}"]
+        yield [label, f"{base['cpu'] * 1000:.2f}", f"{ours['cpu'] * 1000:.2f}", f"{ours['cpu ratio']:.2f}",
+               f"{base['faults']:.0f}", f"{ours['faults']:.0f}"]
 
 
 def clean_rows(bench):
@@ -143,12 +148,19 @@ def research_workbook_rows(bench):
 
 
 def growth_rows(bench):
-    worker = bench.program("zelvo_document_worker")
-    for name in GROWING:
+    """At an eighth, a quarter, a half and the whole. Linear growth at most doubles at each step: a process has a constant part."""
+    create = {"operation": "create", "title": "Benchmark", "format": "docx"}
+    runs = [*(("zelvo_document_worker", name, {"operation": "inspect"}) for name in INSPECTED_GROWING),
+            ("zelvo_document_worker", "table-200x8", create),
+            *(("zelvo_document_cleaner", name, {"version": 1}) for name in CLEANED_GROWING)]
+    for program, name, fields in runs:
         times = []
-        for share in (".eighth", ".quarter", ".half", ""):
-            times.append(bench.measure(bench.request(name + share, operation="inspect"), worker)[0]["cpu"])
-        yield [name, *map(milliseconds, times), *(f"{b / a:.2f}" for a, b in zip(times, times[1:]))]
+        for suffix, share in ((".eighth", 1 / 8), (".quarter", 1 / 4), (".half", 1 / 2), ("", 1)):
+            if fields is create:
+                fields["selection"] = {**SELECTION, "range": f"A1:H{int(200 * share) + 1}"}
+            times.append(bench.measure(bench.request(name + suffix, **fields), bench.program(program))[0]["cpu"])
+        yield [f"{fields.get('operation', 'clean')} {name}", *map(milliseconds, times),
+               *(f"{b / a:.2f}" for a, b in zip(times, times[1:]))]
 
 
 def reader_rows(bench):
@@ -161,23 +173,33 @@ def reader_rows(bench):
                f"{ours['peak'] / MIB:.0f}", f"{other['peak'] / MIB:.0f}"]
 
 
+def python_docx_rows(bench):
+    """The same table of texts, written by python-docx. It neither extracts nor validates."""
+    create = bench.request("table-200x8", operation="create", title="Benchmark", format="docx", selection=SELECTION)
+    script = str(Path(__file__).with_name("write_with_python_docx.py"))
+    ours, other = bench.measure(create, bench.program("zelvo_document_worker"), ["/usr/bin/python3", script], runs=3)
+    yield [milliseconds(ours["cpu"]), milliseconds(other["cpu"]), f"{other['cpu ratio']:.0f}",
+           f"{ours['peak'] / MIB:.0f}", f"{other['peak'] / MIB:.0f}"]
+
+
 def main():
     bench = Bench(Path(sys.argv[1]), Path(sys.argv[2]), int(sys.argv[3]) if len(sys.argv) > 3 else 7)
     sys.argv[1:] = [str(bench.folder)]
     workloads.main()
 
     table("Inspect against the floor", ["workload", "expanded MiB", "floor CPU ms", "worker CPU ms", "ratio", "peak MiB",
-                                        "allowed MiB", "wall s"], inspect_rows(bench))
+                                        "allowed MiB", "floor faults", "worker faults"], inspect_rows(bench))
 
     tiny = bench.request("tiny", operation="inspect")
     empty, ours = bench.measure(tiny, bench.program("empty"), bench.program("zelvo_document_worker"), runs=200)
-    table("A tiny workbook, whole process", ["empty program wall ms", "worker wall ms", "ratio", "worker peak MiB"],
-          [[f"{empty['wall'] * 1000:.2f}", f"{ours['wall'] * 1000:.2f}", f"{ours['wall ratio']:.2f}", f"{ours['peak'] / MIB:.1f}"]])
+    table("A tiny workbook, whole process", ["empty program wall ms", "worker wall ms", "ratio", "worker peak MiB", "empty faults", "worker faults"],
+          [[f"{empty['wall'] * 1000:.2f}", f"{ours['wall'] * 1000:.2f}", f"{ours['wall ratio']:.2f}", f"{ours['peak'] / MIB:.1f}",
+            f"{empty['faults']:.0f}", f"{ours['faults']:.0f}"]])
 
     table("Extract 201 x 8 cells", ["workload", "floor CPU ms", "worker CPU ms", "ratio", "openpyxl CPU ms", "xlsx2csv CPU ms",
                                     "worker peak MiB"], extract_rows(bench))
     table("Create, validation included, against the floor of reading its source",
-          ["document", "floor CPU ms", "worker CPU ms", "ratio"], create_rows(bench))
+          ["document", "floor CPU ms", "worker CPU ms", "ratio", "floor faults", "worker faults"], create_rows(bench))
     table("Clean against the floor", ["workload", "floor CPU ms", "cleaner CPU ms", "ratio", "peak MiB", "allowed MiB"], clean_rows(bench))
     table("Clean a workbook with 25 MB of pictures, against its sheets alone and the floor's base64 and SHA-256",
           ["without pictures CPU ms", "base64 and SHA-256 CPU ms", "cleaner CPU ms", "ratio to the sum"], picture_rows(bench))
@@ -187,6 +209,8 @@ def main():
           ["workload", "1/8", "1/4", "1/2", "1", "1/4 : 1/8", "1/2 : 1/4", "1 : 1/2"], growth_rows(bench))
     table("Inspect beside openpyxl (read-only mode)", ["workload", "worker CPU ms", "openpyxl CPU ms", "times",
                                                        "worker peak MiB", "openpyxl peak MiB"], reader_rows(bench))
+    table("Create a Word document of 200 x 8 beside python-docx",
+          ["worker CPU ms", "python-docx CPU ms", "times", "worker peak MiB", "python-docx peak MiB"], python_docx_rows(bench))
 
 
 if __name__ == "__main__":

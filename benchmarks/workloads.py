@@ -146,18 +146,28 @@ def many_attributes(count, seed):
         yield "<b" + "".join(f' {name}="{digits[i]}"' for i, name in enumerate(names)) + "/>"
 
 
+def shared_formula(cells):
+    """A formula of 8,000 characters, shared by that many cells."""
+    return workbook([worksheet([
+        f'<row r="1"><c r="A1"><f t="shared" si="0" ref="A1:A{cells}">{"A$1+" * 2000}1</f></c></row>',
+        *(f'<row r="{row}"><c r="A{row}"><f t="shared" si="0"/></c></row>' for row in range(2, cells + 1))])])
+
+
 def scaled(make):
+    """The workload, and a half, a quarter and an eighth of it."""
     return {"": make(1), ".half": make(0.5), ".quarter": make(0.25), ".eighth": make(0.125)}
 
 
 WORKLOADS = {
     "tiny": lambda: {"": workbook([worksheet(mixed_rows(3, 4, 4))], words(4, 8))},
-    "table-200x8": lambda: {"": workbook([worksheet(mixed_rows(201, 8, 200))], words(200, 12))},
+    "table-200x8": lambda: scaled(lambda share: workbook([worksheet(mixed_rows(int(200 * share) + 1, 8, 200))], words(200, 12))),
     "cells-50000": lambda: scaled(lambda share: mixed(int(50000 * share))),
-    "sheets-64": lambda: {"": workbook([worksheet(mixed_rows(20, 8, 100, seed)) for seed in range(64)], words(100, 12))},
-    "part-16-mib": lambda: {"": workbook([inline_sheet(PART_LIMIT - 100_000, 3)])},
+    "sheets-64": lambda: scaled(lambda share: workbook(
+        [worksheet(mixed_rows(20, 8, 100, seed)) for seed in range(int(64 * share))], words(100, 12))),
+    "part-16-mib": lambda: scaled(lambda share: workbook([inline_sheet(int((PART_LIMIT - 100_000) * share), 3)])),
     "near-limit": lambda: scaled(near_limit),
-    "strings-50000": lambda: {"": workbook([worksheet(mixed_rows(10, 8, 50000))], words(50000, 300))},
+    "strings-50000": lambda: scaled(lambda share: workbook(
+        [worksheet(mixed_rows(10, 8, int(50000 * share)))], words(int(50000 * share), 300))),
     "empty-elements": lambda: scaled(lambda share: workbook(
         [worksheet(mixed_rows(2, 2, 2))], ["a", "b"],
         {f"xl/e{i:03}.xml": "<a>" + "<b/>" * 54_000 + "</a>" for i in range(int(300 * share))})),
@@ -169,20 +179,21 @@ WORKLOADS = {
     "pictures-25-mb": lambda: {"": workbook([worksheet(mixed_rows(2000, 8, 500))], words(500, 24),
                                             {f"xl/media/image{i}.png": noise_bytes(5_000_000, i) for i in range(5)}),
                                ".none": workbook([worksheet(mixed_rows(2000, 8, 500))], words(500, 24))},
-    # A formula of 8,000 characters shared by 50,000 cells: written out it would be 400 MB.
-    "shared-formula": lambda: {"": workbook([worksheet([
-        f'<row r="1"><c r="A1"><f t="shared" si="0" ref="A1:A50000">{"A$1+" * 2000}1</f></c></row>',
-        *(f'<row r="{row}"><c r="A{row}"><f t="shared" si="0"/></c></row>' for row in range(2, 50_001))])])},
-    "attributes-64": lambda: {"": workbook([worksheet(mixed_rows(2, 2, 2))], ["a", "b"], {
-        f"xl/a{i}.xml": "<a>" + "".join(many_attributes(30_000, i)) + "</a>" for i in range(3)})},
-    "distinct-attributes": lambda: {"": workbook([worksheet(mixed_rows(2, 2, 2))], ["a", "b"], {
+    # Written out it would be 400 MB; the cleaner stops at 16 MiB, at cell 2,086. The shares are of what is written.
+    "shared-formula": lambda: {"": shared_formula(50_000), ".half": shared_formula(1042), ".quarter": shared_formula(521),
+                               ".eighth": shared_formula(260)},
+    "attributes-64": lambda: scaled(lambda share: workbook([worksheet(mixed_rows(2, 2, 2))], ["a", "b"], {
+        f"xl/a{i}.xml": "<a>" + "".join(many_attributes(int(30_000 * share), i)) + "</a>" for i in range(3)})),
+    "distinct-attributes": lambda: scaled(lambda share: workbook([worksheet(mixed_rows(2, 2, 2))], ["a", "b"], {
         "xl/a.xml": "<a>" + "".join(
             "<b" + "".join(f' {name}=""' for name in names[i:i + 64]) + "/>" for i in range(0, len(names), 64)) + "</a>"
-        for names in [attribute_names(1_700_000)]})},
-    "one-tag": lambda: {"": workbook([worksheet(mixed_rows(2, 2, 2))], ["a", "b"], {
-        "xl/a.xml": "<a" + "".join(f' {name}=""' for name in attribute_names(1_850_000)) + "/>"})},
-    "deep-nesting": lambda: {"": workbook([worksheet(mixed_rows(2, 2, 2))], ["a", "b"], {
-        f"xl/d{i}.xml": "<a>" + ("<b>" * 63 + "</b>" * 63) * 3_000 + "</a>" for i in range(40)})},
+        for names in [attribute_names(int(1_700_000 * share))]})),
+    "one-tag": lambda: scaled(lambda share: workbook([worksheet(mixed_rows(2, 2, 2))], ["a", "b"], {
+        "xl/a.xml": "<a" + "".join(f' {name}=""' for name in attribute_names(int(1_850_000 * share))) + "/>"})),
+    "deep-nesting": lambda: scaled(lambda share: workbook([worksheet(mixed_rows(2, 2, 2))], ["a", "b"], {
+        f"xl/d{i}.xml": "<a>" + ("<b>" * 63 + "</b>" * 63) * 3_000 + "</a>" for i in range(int(40 * share))})),
+    "entries-512": lambda: scaled(lambda share: workbook(
+        [worksheet(mixed_rows(2, 2, 2))], ["a", "b"], {f"xl/e{i:03}.xml": "<a/>" for i in range(int(505 * share))})),
 }
 
 

@@ -19,7 +19,7 @@ import distributed
 import zelvo
 
 FILES_PER_TASK = 20  # some 50 ms of work; a task costs the scheduler about 1 ms
-ATTEMPTS = 3  # of a document whose process fails, which may be for want of memory
+ATTEMPTS = 3  # of a document whose process fails, which may be for lack of memory
 
 
 def inspect(name: str) -> Dict[str, Any]:
