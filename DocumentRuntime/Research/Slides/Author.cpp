@@ -24,13 +24,7 @@ constexpr Area coverStrip = {0, 3'352'800, 12'192'000, 76'200};
 constexpr std::int64_t headingMarkTop = 215'900;
 constexpr std::int64_t headingMarkWidth = 762'000;
 constexpr std::int64_t markThickness = 50'800;
-constexpr std::int64_t markedPointIndent = 254'000;
 constexpr std::int64_t rowRuleHeight = 9'525;
-constexpr std::int64_t slideNumberWidth = 762'000;
-constexpr std::int64_t footerLineHeight = 152'400;
-constexpr std::int64_t aboveFooterText = 76'200;
-
-constexpr int slideNumberSize = 10;
 
 // Colours of the theme.
 constexpr std::string_view textColour = "tx1";
@@ -73,7 +67,7 @@ class SlideDrawing {
       if (i > 0) rectangle("Rule " + number, {contentLeft, row.y, contentWidth, rowRuleHeight}, ruleColour);
       const std::int64_t height = layout_.pointHeights[i];
       const bool isRightToLeft = SlideScript::isRightToLeft(layout_.points[i]);
-      if (isRightToLeft) row.x -= markedPointIndent;
+      if (isRightToLeft) row.x = contentLeft;
       rectangle("Mark " + number,
                 {isRightToLeft ? contentLeft + contentWidth - markThickness : contentLeft,
                  row.y + (row.height - height) / 2, markThickness, height},
@@ -97,20 +91,17 @@ class SlideDrawing {
   void footer(const std::vector<SlideSource>& sources, std::size_t number) {
     const bool isCover = layout_.kind == Kind::cover;
     if (!isCover || !sources.empty()) rectangle("Footer rule", layout_.footerRule, ruleColour);
-    const std::int64_t top = layout_.footerRule.y + aboveFooterText;
     if (!sources.empty()) {
-      text({.id = nextID_++, .name = "Sources label"},
-           {contentLeft, top, slideNumberWidth, layout_.sourceAreas.front().height},
+      text({.id = nextID_++, .name = "Sources label"}, layout_.sourcesLabelArea,
            {sources.size() > 1 ? "Sources" : "Source"},
            {.size = layout_.sourceSize, .colour = footerColour, .bold = true});
     }
     for (std::size_t i = 0; i < sources.size(); ++i)
       source(sources[i], i);
     if (isCover) return;
-    SlideShapes::appendSlideNumber(
-        xml_, {.id = nextID_++, .name = "Slide number"},
-        {contentLeft + contentWidth - slideNumberWidth, top, slideNumberWidth, footerLineHeight}, number,
-        {.size = slideNumberSize, .colour = footerColour, .alignsRight = true});
+    SlideShapes::appendSlideNumber(xml_, {.id = nextID_++, .name = "Slide number"}, layout_.numberArea,
+                                   number,
+                                   {.size = layout_.numberSize, .colour = footerColour, .alignsRight = true});
   }
 
   std::string take() {

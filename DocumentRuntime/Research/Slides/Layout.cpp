@@ -41,9 +41,9 @@ constexpr int footerSize = 10;
 constexpr std::size_t mostSourceLines = 4;
 constexpr int smallFooterSize = 9;
 constexpr double betweenColumns = 10;
-/// Beside the word that introduces the sources, and the slide's number.
+/// The sources are between the word that introduces them and the slide's number.
 constexpr double sourceIndent = 52;
-constexpr double numberWidth = 60;
+constexpr double footerEndWidth = 60;  ///< of the word's area, and of the number's
 
 /// The size that texts of a role have where they fit, and the smallest to which one long text changes all.
 struct Role {
@@ -123,7 +123,8 @@ Draft drafted(const ResearchPresentation& presentation, std::size_t index, std::
 
   const std::size_t columns = sources > mostSourceLines ? 2 : 1;
   const auto lines = static_cast<double>(std::max<std::size_t>((sources + columns - 1) / columns, 1));
-  const double columnWidth = (contentWidthPoints - sourceIndent - numberWidth) / static_cast<double>(columns);
+  const double columnWidth =
+      (contentWidthPoints - sourceIndent - footerEndWidth) / static_cast<double>(columns);
   const double footerTop = slideHeight - bottomMargin - lines * footerLine;
   layout.sourceSize = columns == 1 ? footerSize : smallFooterSize;
   for (std::size_t i = 0; i < sources; ++i) {
@@ -135,6 +136,9 @@ Draft drafted(const ResearchPresentation& presentation, std::size_t index, std::
                                       footerLine));
   }
   layout.footerRule = area(left, footerTop - aboveFooter, contentWidthPoints, 0.75);
+  layout.sourcesLabelArea = area(left, footerTop, footerEndWidth, footerLine);
+  layout.numberArea = area(left + contentWidthPoints - footerEndWidth, footerTop, footerEndWidth, footerLine);
+  layout.numberSize = footerSize;
   draft.bottom = footerTop - 2 * aboveFooter;
   return draft;
 }

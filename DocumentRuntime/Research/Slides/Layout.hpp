@@ -27,8 +27,11 @@ struct SlideLayout {
   std::vector<std::int64_t> pointHeights;
   SlideShapes::Area chartArea = {};
   SlideShapes::Area footerRule = {};
+  SlideShapes::Area sourcesLabelArea = {};
   std::vector<SlideShapes::Area> sourceAreas;
   int sourceSize = 0;
+  SlideShapes::Area numberArea = {};
+  int numberSize = 0;
 
   ChartSize chartSize() const;
 };
