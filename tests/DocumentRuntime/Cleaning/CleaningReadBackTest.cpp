@@ -73,14 +73,14 @@ A1+$A1+A$1+$A$1 => B3+$A3+B$1+$A$1 ; sum(a1:B$2,A:C,$A:C,1:3,$1:3) => sum(B3:C$2
 S!A1+S!A1:B2+S!A:A+S!1:1+S!x => S!B3+S!B3:C4+S!B:B+S!3:3+S!x ; S1:S3!A1+S1:S3!A1:B2 => S1:S3!B3+S1:S3!B3:C4
 S!A1:S!B2 => S!B3:S!C4 ; 'It''s A1'!A1+'A1:B2'!A1 => 'It''s A1'!B3+'A1:B2'!B3 ; TAX2023+LOG10 => TAY2025+LOH12
 [1]S!A1+[1]!x+[1]S1:S2!A1+'[b A1.xlsx]S'!A1 => [1]S!B3+[1]!x+[1]S1:S2!B3+'[b A1.xlsx]S'!B3
-T1[A1]+T1[[#This Row],[A1]]+[@A1]+[@[A'] A1]]+A1 => T1[A1]+T1[[#This Row],[A1]]+[@A1]+[@[A'] A1]]+B3
+T1[A1]+T1[]+T1[[#This Row],[A1]]+[@A1]+[@[A'] A1]]+A1 => T1[A1]+T1[]+T1[[#This Row],[A1]]+[@A1]+[@[A'] A1]]+B3
 "A1 ""A1"""&A1 => "A1 ""A1"""&B3 ; 1E5+1.5E-3+.5E1+E5+1E+5 => 1E5+1.5E-3+.5E1+F7+1E+5
 LOG10(A1)+ATAN2(A1,B2)+_xlfn.STDEV.S(A1) => LOG10(B3)+ATAN2(B3,C4)+_xlfn.STDEV.S(B3)
 TAX2023_x+A1.B+_A1+A1_+\A1+A1x+ÄA1+A1Ä+XFE1+A1048577+A0+TRUE => TAX2023_x+A1.B+_A1+A1_+\A1+A1x+ÄA1+A1Ä+XFE1+A1048577+A0+TRUE
 #REF!+#N/A+#DIV/0!+#REF!A1+#NAME?+A1 => #REF!+#N/A+#DIV/0!+#REF!B3+#NAME?+B3
 XFD1+A1048575+A1048574:XFD1+XFD:XFD+1048575:1+S!XFD1 => #REF!+#REF!+#REF!+#REF!+#REF!+S!#REF!
 2A1+1:A1+A:1+$A+$1+A$+$$A1+A01 => 2A1+1:B3+A:1+$A+$1+A$+$$A1+B3
-'A1 => 'A1 ; "A1 => "A1 ; [A1 => [A1 ; S!S!A1 => S!S!B3
+'A1 => 'A1 ; "A1 => "A1 ; [A1 => [A1 ; S!S!A1 => S!S!B3 ; a|'A1'!'A1'+a|A1!A1+A1 => a|'A1'!'A1'+a|A1!A1+B3
 )";
 
 TEST(Formula, MovesReferencesAndNothingElse) {

@@ -178,6 +178,8 @@ TEST(WorkbookCleaning, ReplacesFormatsThatTheReaderCannotShow) {
                              <numFmt numFmtId="165" formatCode="[h]:mm"/></numFmts><cellXfs><xf numFmtId="0"/>
                              <xf numFmtId="164"/><xf numFmtId="44"/><xf numFmtId="165"/><xf numFmtId="31"/><xf/></cellXfs>)"};
   const CleanedBook book = clean(workbook, {.plainFormats = true});
+  EXPECT_EQ(book.part("xl/styles.xml", "<cellXfs>", R"(<xf numFmtId="167")"),
+            R"(<xf numFmtId="0"/><xf numFmtId="166" applyNumberFormat="1"/>)");
   EXPECT_EQ(
       book.report(),
       "A 2/0; B 3/0; empty cells 1 1@0; implied positions 6 3@0 3@1; number formats 2 1@0 1@1 "
