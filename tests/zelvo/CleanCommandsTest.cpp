@@ -93,8 +93,6 @@ TEST_F(CleanCommands, RefusalsWriteNoFile) {
   replaceAll(table, "$merged",
              "This document feature is not supported yet: merged cells in the selected table");
   expectFailures(table);
-  EXPECT_EQ(onTerminal("clean " + folder.path("book.xlsx") + " -o -"),
-            failure(2, "A document is not written to a terminal."));
   displace();
   EXPECT_EQ(displaced("clean @book.xlsx -o @new.xlsx"),
             failure(3, "The cleaner was not found. (" + folder.path("zelvo_document_cleaner") + ")"));

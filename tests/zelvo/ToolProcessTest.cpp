@@ -14,8 +14,6 @@ using ToolProcess = ToolTest;
 TEST_F(ToolProcess, RefusesAnInvalidCommandLine) {
   for (const auto& [arguments, message] : cases<2>(R"(
       => A subcommand is required ; inspect => BOOK.xlsx is required ; inspect -x => BOOK.xlsx is required
-      inspect --jsno a.xlsx => The following argument was not expected: --jsno
-      --json inspect a.xlsx => The following argument was not expected: --json
       extract a.xlsx --range A1 --sheet)"
                                                    " \xff"
                                                    R"( => --sheet: The text is not UTF-8
@@ -35,14 +33,8 @@ TEST_F(ToolProcess, RefusesAnInvalidCommandLine) {
     EXPECT_EQ(zelvo(arguments), failure(2, message + " (see zelvo --help)"));
 }
 
-TEST_F(ToolProcess, PrintsHelpToStandardOutput) {
+TEST_F(ToolProcess, PrintsItsVersionToStandardOutput) {
   EXPECT_EQ(zelvo("--version"), (ToolRun{0, "zelvo " ZELVO_VERSION "\n", ""}));
-  for (const char* arguments : {"--help", "inspect --help"}) {
-    const ToolRun help = zelvo(arguments);
-    EXPECT_EQ(help.status, 0);
-    EXPECT_EQ(help.errors, "");
-    EXPECT_NE(help.output.find("\nExit status: 0 success, "), std::string::npos) << help;
-  }
   EXPECT_EQ(runAfter("exec >/dev/full", "--version"), failure(1, "Standard output cannot be written."));
 }
 
@@ -129,8 +121,9 @@ TEST_F(ToolProcess, EscapesJSONForTerminals) {
 }
 
 TEST_F(ToolProcess, WritesNoDocumentToATerminal) {
-  for (const std::string command : {"create - --sheet S --range A1 --title t", "research presentation -",
-                                    "research workbook - --title t", "research report - --title t"})
+  for (const std::string command :
+       {"clean -", "create - --sheet S --range A1 --title t", "research presentation -",
+        "research workbook - --title t", "research report - --title t"})
     EXPECT_EQ(onTerminal(command + " -o -"), failure(2, "A document is not written to a terminal."));
 }
 
