@@ -82,8 +82,7 @@ assert b"out/in/a.xlsx: File exists" in zelvo("clean in/a.xlsx --output-dir out 
 assert pathlib.Path("out/in/a.xlsx").read_bytes() == b"kept"
 zelvo("clean --files-from - --output-dir out", stdin=b"in/a.xlsx")
 assert pathlib.Path("out/in/a.xlsx").read_bytes() == pathlib.Path("out/er/c.xlsx").read_bytes()
-same = zelvo("clean in/B.XLSM in/a.xlsx in/a.xlsm --output-dir new", 2).stderr
-assert b"have the same output: in/a.xlsx, in/a.xlsm\n" in same, same
+assert b"output: in/a.xlsx, in/a.xlsm\n" in zelvo("clean in/B.XLSM in/a.xlsx in/a.xlsm --output-dir new", 2).stderr
 for arguments in ["../x.xlsx", os.path.abspath("in/a.xlsx"), "in/a.xlsx --output-dir ."]:
     output = "" if "--output-dir" in arguments else " --output-dir new"
     zelvo("clean " + arguments + output, 2)
