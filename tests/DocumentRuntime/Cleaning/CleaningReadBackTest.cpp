@@ -80,7 +80,7 @@ TAX2023_x+A1.B+_A1+A1_+\A1+A1x+ÄA1+A1Ä+XFE1+A1048577+A0+TRUE => TAX2023_x+A1.B
 #REF!+#N/A+#DIV/0!+#REF!A1+#NAME?+A1 => #REF!+#N/A+#DIV/0!+#REF!B3+#NAME?+B3
 XFD1+A1048575+A1048574:XFD1+XFD:XFD+1048575:1+S!XFD1 => #REF!+#REF!+#REF!+#REF!+#REF!+S!#REF!
 2A1+1:A1+A:1+$A+$1+A$+$$A1+A01 => 2A1+1:B3+A:1+$A+$1+A$+$$A1+B3
-'A1 => 'A1 ; "A1 => "A1 ; [A1 => [A1 ; S!S!A1 => S!S!B3 ; a|'A1'!'A1'+a|A1!A1+A1 => a|'A1'!'A1'+a|A1!A1+B3
+'A1 => 'A1 ; "A1 => "A1 ; [A1 => [A1 ; S!S!A1 => S!S!B3 ; 2+1:3 => 2+3:5 ; a|'A1'!'A1'+a|A1!A1+A1 => a|'A1'!'A1'+a|A1!A1+B3
 )";
 
 TEST(Formula, MovesReferencesAndNothingElse) {

@@ -82,13 +82,14 @@ TEST(ResearchPresentationRenderer, FitsTextsOfAnyLength) {
 }
 
 /// The arrangement of a chart's labels in a frame of 864 × 320 points.
-std::string arrangementOf(Chart::Kind kind, const std::string& label, std::size_t count) {
+std::string arrangementOf(Chart::Kind kind, const std::string& label, std::size_t count,
+                          double value = 1.5) {
   ResearchSpreadsheet dataset = numericTable({"USD"});
   dataset.columns.push_back({.name = "K", .kind = Column::Kind::text, .unit = {}});
   dataset.charts.push_back({"T", kind, 1, {0}});
   std::vector<std::vector<Cell>> cells;
   for (std::size_t i = 0; i < count; ++i)
-    cells.push_back({Cell(1.5), Cell(label)});
+    cells.push_back({Cell(value), Cell(label)});
   const auto plan = chartPlan({.reference = {},
                                .partNumber = 1,
                                .dataset = &dataset,
@@ -109,6 +110,7 @@ TEST(ResearchPresentationRenderer, ArrangesLabelsOfAnyLength) {
               expected)
         << label << count;
   }
+  EXPECT_EQ(arrangementOf(Chart::Kind::bar, "2024", 13, 1'234'567), "flat 12");  // 12 would show values
   const std::string sentence = repeated("A longer label ", 4);
   EXPECT_EQ(arrangementOf(Chart::Kind::line, sentence, 40), "diagonal 8");
   EXPECT_EQ(arrangementOf(Chart::Kind::bar, sentence, 30), "flat beside 7");

@@ -220,6 +220,7 @@ TEST(NestedText, IsComparedInRepeatedHeaders) {
   };
   for (const auto& [a, b, isSame] : cases<3>(R"(
       >x<a:t>x<a:t>x</a:t></a:t>< | >xxxxxx< | yes ; >x<a:t>x<a:t>x</a:t></a:t>< | >xxxxxxx< | no
+      >x<a:t>y</a:t></a:t><a:t>y< | ><a:t>x</a:t><a:t>y</a:t>< | no
       >ab<a:t>ac</a:t>< | >ab<a:t>ab</a:t>< | no ; >a<a:t>b</a:t></a:t><a:t>c< | >a<a:t>b</a:t></a:t><a:t>d< | no)")) {
     const Outcome expected = isSame == "yes" ? "" : "validationFailed: repeated table header";
     EXPECT_EQ(outcome(a, b), expected) << a << ' ' << b;
