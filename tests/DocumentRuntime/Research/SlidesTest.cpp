@@ -82,8 +82,7 @@ TEST(ResearchPresentationRenderer, FitsTextsOfAnyLength) {
 }
 
 /// The arrangement of a chart's labels in a frame of 864 × 320 points.
-std::string arrangementOf(Chart::Kind kind, const std::string& label, std::size_t count,
-                          double value = 1.5) {
+std::string arrangementOf(Chart::Kind kind, const std::string& label, std::size_t count, double value = 1.5) {
   ResearchSpreadsheet dataset = numericTable({"USD"});
   dataset.columns.push_back({.name = "K", .kind = Column::Kind::text, .unit = {}});
   dataset.charts.push_back({"T", kind, 1, {0}});
