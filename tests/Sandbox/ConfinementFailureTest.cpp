@@ -19,12 +19,11 @@ namespace {
 using testing::ForeignAnswer;
 
 std::string explanationUnder(const std::vector<ForeignAnswer>& answers) {
-  constexpr std::size_t maximumBytes = 4096;
   const auto explain = [&] {
     const bool isLoaded = answers.empty() || testing::loadForeignFilter(answers);
     return isLoaded && StandardOutput().write(explainConfinementFailure()) ? 0 : 1;
   };
-  const ChildResult result = runForkedChild(explain, maximumBytes);
+  const ChildResult result = runForkedChild(explain, /*outputBytes=*/4096);
   EXPECT_EQ(result.outcome, ChildOutcome::exited);
   EXPECT_EQ(result.code, 0);
   return result.output;

@@ -24,17 +24,16 @@ inline SourceTable tableOf(std::size_t columns, std::size_t rows) {
   return table;
 }
 
-/// Two columns and two rows with what needs care: markup in texts, spaces at both ends, a missing cell, a
-/// currency, a stored result.
+/// What needs care: markup in texts, spaces at both ends, a missing cell, a currency, a stored result.
 inline SourceTable sampleTable() {
   SourceTable table = tableOf(2, 2);
   table.columns = {"Region <&>", "Revenue \"net\""};
   table.rows[0][0].value = SourceCellValue::text(" Süd's ");
   table.rows[0][1].value = SourceCellValue::number("1234.5");
-  table.rows[0][1].numberFormat = "\"$\"#,##0.00";
   table.rows[1][0].value = SourceCellValue::missing();
   table.rows[1][1].value = SourceCellValue::number("-0.5");
-  table.rows[1][1].numberFormat = "\"$\"#,##0.00";
+  for (auto& row : table.rows)
+    row[1].numberFormat = "\"$\"#,##0.00";
   table.rows[1][1].formula = "A1*2";
   table.rows[1][1].usesCachedFormulaValue = true;
   return table;
@@ -59,13 +58,11 @@ inline std::string dump(const SourceTable& table) {
   std::string out = table.sourceName + ' ' + table.sheetName + '!' + table.selectedRange + " [";
   for (const std::string& column : table.columns)
     out += column + '|';
-  out.back() = ']';
-  out += ' ';
+  out.replace(out.size() - 1, 1, "] ");
   for (const auto& row : table.rows) {
     for (const SourceCell& cell : row)
       out += dump(cell) + '|';
-    out.back() = ';';
-    out += ' ';
+    out.replace(out.size() - 1, 1, "; ");
   }
   for (const std::string& warning : table.warnings)
     out += "! " + warning;
