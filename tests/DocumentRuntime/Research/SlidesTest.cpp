@@ -81,7 +81,7 @@ TEST(ResearchPresentationRenderer, FitsTextsOfAnyLength) {
   EXPECT_EQ(SlideText::abbreviated(url, " · now", 132, 10), "https://example.org… · now");
 }
 
-/// The arrangement of a chart's labels in a frame of 864 × 320 points.
+/// A chart's arrangement of labels, and the format of values that it shows, in 864 × 320 points.
 std::string arrangementOf(Chart::Kind kind, const std::string& label, std::size_t count, double value = 1.5) {
   ResearchSpreadsheet dataset = numericTable({"USD"});
   dataset.columns.push_back({.name = "K", .kind = Column::Kind::text, .unit = {}});
@@ -96,24 +96,24 @@ std::string arrangementOf(Chart::Kind kind, const std::string& label, std::size_
                               {.width = 864, .height = 320});
   const char* const names[] = {"flat", "diagonal", "none"};
   return names[static_cast<int>(plan.labels)] + std::string(plan.isHorizontal ? " beside " : " ") +
-         std::to_string(plan.labelSize) + (plan.showsValues ? " values" : "");
+         std::to_string(plan.labelSize) + (plan.showsValues ? " " + plan.valueFormat : "");
 }
 
 TEST(ResearchPresentationRenderer, ArrangesLabelsOfAnyLength) {
   for (const auto& [kind, label, count, expected] : cases<4>(R"(
-      bar  | 2024                 | 20 | flat 12 values ; bar | 2024-02-29 | 20 | diagonal 12 values
-      bar  | Geothermal energy    | 8  | flat 12 values ; bar | Geothermal | 16 | flat beside 12 values
+      bar  | 2024                 | 20 | flat 12 #,##0.0 ; bar | 2024-02-29 | 20 | diagonal 12 #,##0.0
+      bar  | Geothermal energy    | 8  | flat 12 #,##0.0 ; bar | Geothermal | 16 | flat beside 12 #,##0.0
       bar  | Geothermal energy    | 40 | diagonal 12 ; line | Geothermal | 16 | diagonal 12
       line | Q1 2024              | 40 | diagonal 12 ; line | Q1 2024 | 20 | flat 12)")) {
     EXPECT_EQ(arrangementOf(kind == "bar" ? Chart::Kind::bar : Chart::Kind::line, label, std::stoul(count)),
               expected)
         << label << count;
   }
-  EXPECT_EQ(arrangementOf(Chart::Kind::bar, "2024", 13, 1'234'567), "flat 12");  // 12 would show values
+  EXPECT_EQ(arrangementOf(Chart::Kind::bar, "2024", 13, 1'234'567), "flat 12");  // 12 would show them
   const std::string sentence = repeated("A longer label ", 4);
   EXPECT_EQ(arrangementOf(Chart::Kind::line, sentence, 40), "diagonal 8");
   EXPECT_EQ(arrangementOf(Chart::Kind::bar, sentence, 30), "flat beside 7");
-  EXPECT_EQ(arrangementOf(Chart::Kind::bar, repeated(sentence, 9), 4), "none 12 values");
+  EXPECT_EQ(arrangementOf(Chart::Kind::bar, repeated(sentence, 9), 4, 5), "none 12 #,##0");
 }
 
 TEST(ResearchPresentationRenderer, NamesLanguageAndDirection) {
