@@ -10,7 +10,6 @@ namespace zelvo::testing {
 
 inline std::string repeated(std::string_view piece, std::size_t count) {
   std::string result;
-  result.reserve(piece.size() * count);
   while (count-- > 0)
     result += piece;
   return result;
