@@ -106,7 +106,7 @@ TEST_F(Hints, NameTheNearestCommandOrOption) {
   for (const auto& [arguments, message, hint] : cases<3>(R"(
       insepct x => There is no command "insepct" => The nearest command is inspect.
       research chekc x => There is no command "chekc" => The nearest command is check.
-      hex x => There is no command "hex" => The commands are inspect, extract, create, validate, clean, batch, research, doctor, help, schema, completion.
+      dean x => There is no command "dean" => The commands are inspect, extract, create, validate, clean, batch, research, doctor, help, schema, completion.
       inspect --jsno x => The following argument was not expected: --jsno => The nearest option is --json.
       extract x --sheett S => The following arguments were not expected: S --sheett => The nearest option is --sheet.
       --json inspect x => The following argument was not expected: --json => Write --json after inspect.)")) {

@@ -219,6 +219,9 @@ constexpr bool isSentence(std::string_view hint) {
   return hint.empty() || hint.ends_with('.');
 }
 static_assert(std::ranges::all_of(rows, [](const Row& row) { return isSentence(row.hint); }));
+// Research results are no workbooks: the actions, which look at workbooks, do not apply to them.
+static_assert(std::ranges::all_of(rows,
+                                  [](const Row& row) { return row.stages != research || row.actions == 0; }));
 
 /// What precedes and follows the detail in the message of such an error.
 struct Frame {

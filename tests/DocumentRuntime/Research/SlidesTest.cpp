@@ -36,7 +36,7 @@ ResearchSourceScope scope() {
 ResearchPresentation deck() {
   auto deck = fromJson<ResearchPresentation>(
       R"({"title":"Deck","report":"Report","slides":[)"
-      R"({"title":"Cover\r\nof <two> lines","body":["First"],"sources":[],"sourceIDs":["local-1"]},)"
+      R"({"title":"Cover\r\nof <two> lines, also where they are wrapped","body":["First"],"sources":[],"sourceIDs":["local-1"]},)"
       R"({"title":"Points","body":["One","Two\tparts","Three"],"sources":["https://example.org/2022"]},)"
       R"({"title":"Chart","body":["Insight"],"sources":[],"chartIndex":0},)"
       R"({"title":"Again","body":["Insight"],"sources":[],"chartIndex":0}]})");
@@ -67,7 +67,7 @@ TEST(ResearchPresentationRenderer, FitsTextsOfAnyLength) {
   EXPECT_EQ(size({}), 30);
   const std::string word(25, 'a'), wide(25, 'W');
   const std::pair<std::string, double> rows[] = {{"Short", 30},
-                                                 {std::string(80, 'W'), 21},  // 75.5 ems on two lines of 40.5
+                                                 {std::string(68, 'W'), 24},  // 64.2 ems on two lines of 35.5
                                                  {word + ' ' + word + " b", 30},  // words stay whole
                                                  {wide + ' ' + wide + ' ' + wide, 21}};
   for (const auto& [text, expected] : rows)
@@ -168,7 +168,7 @@ TEST(ResearchPresentationReadBack, NamesTheDifference) {
       charts/chart1 | <c:delete val="0"/><c:axPos val="l→<c:delete val="1"/><c:axPos val="l => chart
       charts/chart1 | minMax"/></c:scaling><c:delete val="0"/><c:axPos val="l→minMax"/><c:min val="0"/></c:scaling><c:delete val="0"/><c:axPos val="l => chart
       data | <v>-4.5</v>→<v>4.5</v> or A (USD)→B (USD) or <row r="3">→<row r="3"><c r="B3"><v>0</v></c> => chart
-      data | <c r="B2"><v>0.1</v></c>→<c r="B2"><v>0.1</v></c><c r="C2"><v>7</v></c> => chart)")) {
+      data | <c r="B2"><v>0.1</v></c>→<c r="B2"><v>0.1</v></c><c r="C2"><v>7</v></c> or </sheetData>→<row r="5"><c r="A5"><v>0</v></c></row></sheetData> => chart)")) {
     for (const std::string& edit : alternatives(edits)) {
       const std::size_t arrow = edit.find("→");
       expectRefusal(part, edit.substr(0, arrow), edit.substr(arrow + std::string("→").size()), key);
