@@ -1,5 +1,6 @@
 // Runs commands alternately, A B A B …, each with a file as standard input, discards their output, and prints
-// one line per run: which command, status, user and system CPU seconds, wall seconds, peak memory in KiB, page faults.
+// one line per run: which command, status, user and system CPU seconds, wall seconds, peak memory in KiB,
+// page faults.
 //
 //   measure RUNS INPUT -- COMMAND [ARG...] [-- COMMAND [ARG...]]...
 //

@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""Measures the release worker against the floor, workload by workload, in one run on one machine, and prints the tables of
-docs/performance.md.
+"""Measures the release worker against the floor, workload by workload, in one run on one machine, and prints the
+tables of docs/performance.md.
 
     run.py BIN_FOLDER WORK_FOLDER [RUNS] [--only NAME]
 """
@@ -17,8 +17,8 @@ import workloads
 
 INSPECTED = ["cells-50000", "near-limit", "sheets-64", "part-16-mib", "strings-50000", "empty-elements",
              "empty-elements-refused", "attributes-64", "distinct-attributes", "one-tag", "deep-nesting"]
-INSPECTED_GROWING = ["cells-50000", "sheets-64", "strings-50000", "part-16-mib", "near-limit", "entries-512", "empty-elements",
-                     "attributes-64", "distinct-attributes", "one-tag", "deep-nesting"]
+INSPECTED_GROWING = ["cells-50000", "sheets-64", "strings-50000", "part-16-mib", "near-limit", "entries-512",
+                     "empty-elements", "attributes-64", "distinct-attributes", "one-tag", "deep-nesting"]
 CLEANED_GROWING = ["cells-50000", "near-limit", "shared-formula"]
 MIB = 1024 * 1024
 
@@ -34,8 +34,8 @@ class Bench:
         return path
 
     def measure(self, stdin, *commands, runs=None):
-        """For each command the medians of CPU and wall seconds, its largest peak in bytes, the median of its page faults, and each pair's ratios to
-        the first."""
+        """For each command the medians of CPU and wall seconds, its largest peak in bytes, the median of its page
+        faults, and each pair's ratios to the first."""
         line = [str(self.binaries / "measure"), str(runs or self.runs), str(stdin)]
         for command in commands:
             line += ["--", *command]
@@ -84,7 +84,8 @@ def inspect_rows(bench):
         # If the archive is refused, only entries that were expanded before count.
         allowed = stdin.stat().st_size * 3 + min(expanded, 64 * MIB) * 3 + 32 * MIB
         yield [name, f"{expanded / MIB:.1f}", milliseconds(base["cpu"]), milliseconds(ours["cpu"]),
-               f"{ours['cpu ratio']:.2f}", f"{ours['peak'] / MIB:.0f}", f"{allowed / MIB:.0f}", f"{base['faults']:.0f}", f"{ours['faults']:.0f}"]
+               f"{ours['cpu ratio']:.2f}", f"{ours['peak'] / MIB:.0f}", f"{allowed / MIB:.0f}",
+               f"{base['faults']:.0f}", f"{ours['faults']:.0f}"]
 
 
 SELECTION = {"sheetName": "Sheet 1", "range": "A1:H201", "firstRowIsHeader": True, "includeHiddenRows": False,
@@ -98,7 +99,8 @@ def extract_rows(bench):
         stdin = bench.request(name, operation="extract", selection=SELECTION)
         base, ours = bench.measure(stdin, floor, worker)
         book = str(bench.folder / f"{name}.xlsx")
-        others = bench.measure(stdin, worker, [*openpyxl, book, "A1:H201"], ["/usr/bin/xlsx2csv", "-n", "Sheet 1", book], runs=2)
+        others = bench.measure(stdin, worker, [*openpyxl, book, "A1:H201"],
+                               ["/usr/bin/xlsx2csv", "-n", "Sheet 1", book], runs=2)
         yield [name, milliseconds(base["cpu"]), milliseconds(ours["cpu"]), f"{ours['cpu ratio']:.2f}",
                milliseconds(others[1]["cpu"]), milliseconds(others[2]["cpu"]), f"{ours['peak'] / MIB:.0f}"]
 
@@ -132,8 +134,10 @@ def clean_rows(bench):
 def picture_rows(bench):
     cleaner = bench.program("zelvo_document_cleaner")
     alone = bench.measure(bench.request("pictures-25-mb.none", version=1), cleaner)[0]
-    digest, ours = bench.measure(bench.request("pictures-25-mb", version=1), [*bench.program("floor"), "digest"], cleaner)
-    yield [*map(milliseconds, (alone["cpu"], digest["cpu"], ours["cpu"])), f"{ours['cpu'] / (alone['cpu'] + digest['cpu']):.2f}"]
+    request = bench.request("pictures-25-mb", version=1)
+    digest, ours = bench.measure(request, [*bench.program("floor"), "digest"], cleaner)
+    yield [*map(milliseconds, (alone["cpu"], digest["cpu"], ours["cpu"])),
+           f"{ours['cpu'] / (alone['cpu'] + digest['cpu']):.2f}"]
 
 
 def research_workbook_rows(bench):
@@ -148,7 +152,8 @@ def research_workbook_rows(bench):
 
 
 def growth_rows(bench):
-    """At an eighth, a quarter, a half and the whole. Linear growth at most doubles at each step: a process has a constant part."""
+    """At an eighth, a quarter, a half and the whole. Linear growth at most doubles at each step: a process has a
+    constant part."""
     create = {"operation": "create", "title": "Benchmark", "format": "docx"}
     runs = [*(("zelvo_document_worker", name, {"operation": "inspect"}) for name in INSPECTED_GROWING),
             ("zelvo_document_worker", "table-200x8", create),
@@ -187,22 +192,27 @@ def main():
     sys.argv[1:] = [str(bench.folder)]
     workloads.main()
 
-    table("Inspect against the floor", ["workload", "expanded MiB", "floor CPU ms", "worker CPU ms", "ratio", "peak MiB",
-                                        "allowed MiB", "floor faults", "worker faults"], inspect_rows(bench))
+    table("Inspect against the floor",
+          ["workload", "expanded MiB", "floor CPU ms", "worker CPU ms", "ratio", "peak MiB", "allowed MiB", "floor faults",
+           "worker faults"], inspect_rows(bench))
 
     tiny = bench.request("tiny", operation="inspect")
     empty, ours = bench.measure(tiny, bench.program("empty"), bench.program("zelvo_document_worker"), runs=200)
-    table("A tiny workbook, whole process", ["empty program wall ms", "worker wall ms", "ratio", "worker peak MiB", "empty faults", "worker faults"],
-          [[f"{empty['wall'] * 1000:.2f}", f"{ours['wall'] * 1000:.2f}", f"{ours['wall ratio']:.2f}", f"{ours['peak'] / MIB:.1f}",
-            f"{empty['faults']:.0f}", f"{ours['faults']:.0f}"]])
+    table("A tiny workbook, whole process",
+          ["empty program wall ms", "worker wall ms", "ratio", "worker peak MiB", "empty faults", "worker faults"],
+          [[f"{empty['wall'] * 1000:.2f}", f"{ours['wall'] * 1000:.2f}", f"{ours['wall ratio']:.2f}",
+            f"{ours['peak'] / MIB:.1f}", f"{empty['faults']:.0f}", f"{ours['faults']:.0f}"]])
 
-    table("Extract 201 x 8 cells", ["workload", "floor CPU ms", "worker CPU ms", "ratio", "openpyxl CPU ms", "xlsx2csv CPU ms",
-                                    "worker peak MiB"], extract_rows(bench))
+    table("Extract 201 x 8 cells",
+          ["workload", "floor CPU ms", "worker CPU ms", "ratio", "openpyxl CPU ms", "xlsx2csv CPU ms", "worker peak MiB"],
+          extract_rows(bench))
     table("Create, validation included, against the floor of reading its source",
           ["document", "floor CPU ms", "worker CPU ms", "ratio", "floor faults", "worker faults"], create_rows(bench))
-    table("Clean against the floor", ["workload", "floor CPU ms", "cleaner CPU ms", "ratio", "peak MiB", "allowed MiB"], clean_rows(bench))
+    table("Clean against the floor",
+          ["workload", "floor CPU ms", "cleaner CPU ms", "ratio", "peak MiB", "allowed MiB"], clean_rows(bench))
     table("Clean a workbook with 25 MB of pictures, against its sheets alone and the floor's base64 and SHA-256",
-          ["without pictures CPU ms", "base64 and SHA-256 CPU ms", "cleaner CPU ms", "ratio to the sum"], picture_rows(bench))
+          ["without pictures CPU ms", "base64 and SHA-256 CPU ms", "cleaner CPU ms", "ratio to the sum"],
+          picture_rows(bench))
     table("The workbook of the largest dataset, not read back, against libxlsxwriter",
           ["writer", "CPU ms", "ratio", "package KiB"], research_workbook_rows(bench))
     table("Growth: CPU ms at an eighth, a quarter, a half and the whole",
@@ -210,7 +220,8 @@ def main():
     table("Inspect beside openpyxl (read-only mode)", ["workload", "worker CPU ms", "openpyxl CPU ms", "times",
                                                        "worker peak MiB", "openpyxl peak MiB"], reader_rows(bench))
     table("Create a Word document of 200 x 8 beside python-docx",
-          ["worker CPU ms", "python-docx CPU ms", "times", "worker peak MiB", "python-docx peak MiB"], python_docx_rows(bench))
+          ["worker CPU ms", "python-docx CPU ms", "times", "worker peak MiB", "python-docx peak MiB"],
+          python_docx_rows(bench))
 
 
 if __name__ == "__main__":

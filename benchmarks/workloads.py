@@ -160,7 +160,8 @@ def scaled(make):
 
 WORKLOADS = {
     "tiny": lambda: {"": workbook([worksheet(mixed_rows(3, 4, 4))], words(4, 8))},
-    "table-200x8": lambda: scaled(lambda share: workbook([worksheet(mixed_rows(int(200 * share) + 1, 8, 200))], words(200, 12))),
+    "table-200x8": lambda: scaled(lambda share: workbook(
+        [worksheet(mixed_rows(int(200 * share) + 1, 8, 200))], words(200, 12))),
     "cells-50000": lambda: scaled(lambda share: mixed(int(50000 * share))),
     "sheets-64": lambda: scaled(lambda share: workbook(
         [worksheet(mixed_rows(20, 8, 100, seed)) for seed in range(int(64 * share))], words(100, 12))),
@@ -180,8 +181,8 @@ WORKLOADS = {
                                             {f"xl/media/image{i}.png": noise_bytes(5_000_000, i) for i in range(5)}),
                                ".none": workbook([worksheet(mixed_rows(2000, 8, 500))], words(500, 24))},
     # Written out it would be 400 MB; the cleaner stops at 16 MiB, at cell 2,086. The shares are of what is written.
-    "shared-formula": lambda: {"": shared_formula(50_000), ".half": shared_formula(1042), ".quarter": shared_formula(521),
-                               ".eighth": shared_formula(260)},
+    "shared-formula": lambda: {"": shared_formula(50_000), ".half": shared_formula(1042),
+                               ".quarter": shared_formula(521), ".eighth": shared_formula(260)},
     "attributes-64": lambda: scaled(lambda share: workbook([worksheet(mixed_rows(2, 2, 2))], ["a", "b"], {
         f"xl/a{i}.xml": "<a>" + "".join(many_attributes(int(30_000 * share), i)) + "</a>" for i in range(3)})),
     "distinct-attributes": lambda: scaled(lambda share: workbook([worksheet(mixed_rows(2, 2, 2))], ["a", "b"], {
