@@ -94,9 +94,9 @@ TEST_F(Hints, NameTheOptionThatHelps) {
 }
 
 TEST_F(Hints, NameTheCellThatDocumentsCannotKeep) {
-  const std::string text = "<is><t>a&#13;b</t></is>";
-  const WorkbookText lines = plainWorkbook("<row r='1'><c r='A1'><v>1</v></c><c r='B1' t='inlineStr'>" +
-                                           text + "</c><c r='C1'><v>2</v></c></row>");
+  const std::string text = " t='inlineStr'><is><t>a&#13;b</t></is></c>";
+  const WorkbookText lines =
+      plainWorkbook("<row r='1'><c r='A1'><v>1</v></c><c r='B1'" + text + "<c r='C1'" + text + "</row>");
   const ToolRun refused =
       zelvo("create - --no-header --title t -o @a.docx", workbookPackage(lines).archive().bytes());
   EXPECT_TRUE(refused.hints.starts_with("Cell B1 has a carriage return, ")) << refused;
