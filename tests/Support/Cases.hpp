@@ -33,9 +33,8 @@ inline std::string unpictured(std::string text) {
   return text;
 }
 
-/// The cases of a table: one a line, or several separated by `;`, each of that many fields separated by `|`
-/// or
-/// `=>`.
+/// The cases of a table: one a line, or several separated by `;`. The fields of a case are separated by `|`
+/// or `=>`.
 template <std::size_t fields>
 std::vector<std::array<std::string, fields>> cases(std::string_view table) {
   std::vector<std::array<std::string, fields>> result;

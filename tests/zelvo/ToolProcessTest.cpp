@@ -98,9 +98,8 @@ TEST_F(ToolProcess, WorksWithInheritedStreamsAndSignals) {
   EXPECT_EQ(runAfter("exec >&-", inspect), failure(1, "Standard output cannot be written."));
 }
 
-// JSON may contain these characters unescaped.
 TEST_F(ToolProcess, EscapesJSONForTerminals) {
-  const std::string raw = "\u007f\u0080\u009b\u009f\u061c\u200e\u202e\u2066\u2069";
+  const std::string raw = "\u007f\u0080\u009b\u009f\u061c\u200e\u202e\u2066\u2069";  // JSON may hold them
   const std::string escaped = R"(\u007f\u0080\u009b\u009f\u061c\u200e\u202e\u2066\u2069)";
   displace(
       R"(say {"validation":{"structurallyValid":true,"sourceValuesVerified":true,"visuallyVerified":false,)"

@@ -141,12 +141,12 @@ TEST(WorkbookCleaning, KeepsTheSheetsThatAreAskedFor) {
 
 TEST(WorkbookCleaning, RemovesMergedAreasAndCountsWhatTheyCovered) {
   const CleanedBook book = clean(
-      {.sheets = {{"Data", cell("<c><v>1</v></c><c><v>2</v></c><c/><c><v>3</v></c>") +
+      {.sheets = {{"Data", cell("<c><v>1</v></c><c><v>2</v></c><c/><c><v>3</v></c></row><row>") +
                                "<mergeCells><mergeCell ref='A1:C1'/><mergeCell ref='B1:B9'/></mergeCells>"}}},
       {.unmerge = true});
   EXPECT_EQ(book.report(),
-            "Data 3/0; empty cells 1 1@0; implied positions 4 4@0; merged areas removed 2 2@0; covered cells "
-            "1 1@0");
+            "Data 3/0; empty cells 1 1@0; empty rows 1 1@0; implied positions 5 5@0; merged areas removed 2 "
+            "2@0; covered cells 1 1@0");
 }
 
 TEST(WorkbookCleaning, ReplacesFormatsThatTheReaderCannotShow) {

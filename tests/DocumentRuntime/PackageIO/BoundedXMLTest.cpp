@@ -48,6 +48,8 @@ TEST(BoundedXML, KeepsWhatAPartSays) {
                          "\n \xEF\xBB\xBF<?xml version='1.0' encoding='UTF-8'?><a/> => a"))
     EXPECT_EQ(outcome(xml) == "" ? dump(OOXML::xml(ByteBuffer::copyOf(xml)).root()) : "refused", expected)
         << xml;
+  std::string joined;
+  EXPECT_EQ(OOXML::xml(ByteBuffer::copyOf("<a>x<b>y</b></a>")).root().content(joined), "xy");
 }
 
 TEST(BoundedXML, RefusesInTheOrderOfItsChecks) {
@@ -64,7 +66,7 @@ TEST(BoundedXML, RefusesInTheOrderOfItsChecks) {
       {"invalidArchive: malformed XML",
        {"<a b=1>" + nested(depth), "<\0a\0/\0>\0"s, "<a>\0</a>"s, "<a>\x01</a>", "",
         "<?xml version='1.0'?><!-- nothing -->", "<a><b></b>", "<a><b></a></b>", "<a/><b/>",
-        "<a b='1' b='2'/>", "<a>&#x100000041;</a>"}},
+        "<a b='1' b='2'/>", "<a>&#x100000041;</a>", "<a\u00D7/>"}},
   };
   for (const auto& [expected, texts] : rows) {
     for (const std::string& xml : texts)
