@@ -96,6 +96,7 @@ TEST_F(DocumentCommands, CreateWritesNothingIfItFails) {
       create /absent --title t --no-clobber -o @old.pptx => 1 | The file cannot be written: @old.pptx: File exists
       clean /absent --no-clobber -o @old.xlsx => 1 | The file cannot be written: @old.xlsx: File exists
       inspect /absent --no-clobber --keep-cleaned @old.xlsx => 1 | The file cannot be written: @old.xlsx: File exists
+      research check - --json --no-clobber => 2 | The following argument was not expected: --no-clobber (see zelvo --help)
       research report /absent --title t --no-clobber -o @old.xlsx => 1 | The file cannot be written: @old.xlsx: File exists
       batch inspect /absent --no-clobber -o @old.xlsx => 1 | The file cannot be written: @old.xlsx: File exists
       $create -o @folder.docx => 1 | The file cannot be written: @folder.docx: Is a directory

@@ -18,10 +18,9 @@ TEST_F(Help, ShellsCompleteCommandsOptionsAndFiles) {
     const std::string script = "cd $1; eval \"$($0 completion bash)\"; COMP_WORDS=(" + line +
                                "); COMP_CWORD=$((${#COMP_WORDS[@]} - 1)); _zelvo; echo ${COMPREPLY[@]}";
     EXPECT_EQ(run("/bin/bash", {"-c", script, TOOL, folder.path("")}), (ToolRun{0, completed + "\n", ""}));
+    if (completed.empty()) continue;  // fish lists all files
     const std::string fish = "cd $argv[2]; $argv[1] completion fish | source; complete -C $argv[3] | cut -f1";
-    if (completed.empty()) continue;  // it lists all files
-    EXPECT_EQ(words(run("/usr/bin/fish", {"-c", fish, TOOL, folder.path(""), line}).output),
-              words(completed));
+    EXPECT_EQ(words(run("/bin/fish", {"-c", fish, TOOL, folder.path(""), line}).output), words(completed));
   }
 }
 

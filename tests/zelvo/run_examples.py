@@ -76,6 +76,7 @@ class Examples(unittest.TestCase):
             below = re.search(r"\nSubcommands:\n(.*?)\n\n", text, re.S)
             commands += [f"{command} {line.split()[0]}" for line in below[1].splitlines()] if below else []
             examples = re.findall(r"^  (.+?)  # ", text.split("Examples:")[1], re.M)
+            self.assertGreaterEqual(len(examples), 2, command)
             for line in examples:
                 self.run_line(line)
                 count += 1
